@@ -1,0 +1,134 @@
+#pragma once
+
+#include "platform/Waiting.h"
+
+#include <QString>
+
+#include <memory>
+
+/// What CachedFeed::Load() found. The values are part of the interface.
+enum FeedLoadResult : qint32 {
+    LoadFileNotFound = 0,    ///< no file at the path
+    LoadNotAFeed = 1,        ///< not well-formed XML, or a web page
+    LoadBadVersion = 2,      ///< RSS in a version that isn't read
+    LoadBadVersionOther = 3, ///< RDF or Atom in a version that isn't read
+    LoadUnknownFormat = 4,   ///< a well-formed document of another kind
+    LoadOk = 5               ///< the only success
+};
+
+/// The format of a loaded document. The values are part of the interface; note that Rdf10 stands before Rss20.
+enum FeedVersion : qint32 { Rss091 = 0, Rss092 = 1, Rdf10 = 2, Rss20 = 3, Atom03 = 4 };
+
+/// The picture of a channel.
+struct FeedImage
+{
+    QString Url;
+    QString Title;      ///< alternative text
+    QString Link;       ///< where a click on the picture leads
+    qint16 Width = -1;  ///< pixels; -1 when the feed gives none
+    qint16 Height = -1; ///< pixels; -1 when the feed gives none
+    QString Description;
+};
+
+/// The feed that an item was taken from.
+struct ItemSource
+{
+    QString Name;
+    QString Url;
+};
+
+/// The attachment of an item.
+struct ItemEnclosure
+{
+    QString Url;
+    QString Extra; ///< the media type as the feed writes it
+    qint32 Length = 0; ///< bytes; 0 when missing or no number, the largest number when it is past 32 bits
+};
+
+class FeedItem;
+
+/// A feed document: RSS 0.91, 0.92, 2.0, RDF Site Summary 1.0 or Atom 0.3, behind one view of its channel and items.
+///
+/// The document is held as a tree; access by index takes constant time. Beside what the feed says each item bears three
+/// marks: read, deleted (a tombstone) and the date of download, kept in attributes of a namespace of this program on the
+/// item element, so that they survive Save() and a later Load(), while other readers pass over them.
+///
+/// No text field fails: what a feed doesn't give is "". Indices count from 0 in document order up to ItemCount() - 1; an
+/// index outside is tolerated: it gives "", false, or does nothing. No exception but a failed Save() leaves this class.
+/// Loading touches neither the network nor another file.
+class CachedFeed
+{
+public:
+    /// `clock` gives the date of download of added items.
+    explicit CachedFeed(Clock clock = Waiting::systemClock());
+    CachedFeed(const CachedFeed &) = delete;
+    CachedFeed &operator=(const CachedFeed &) = delete;
+    ~CachedFeed();
+
+    bool HasDc() const;      ///< An element of the Dublin Core namespace occurs.
+    bool HasWfw() const;     ///< Likewise the wfw (comment API) namespace.
+    bool HasContent() const; ///< Likewise the RSS content module.
+    bool HasItunes() const;  ///< Likewise the iTunes podcast namespace.
+
+    /// Reads and recognises the file at `path` and replaces the document held. After any result but LoadOk the instance
+    /// holds nothing.
+    FeedLoadResult Load(const QString &path);
+
+    /// Writes the document back to the path of the last successful Load(), in one step, in its own encoding and with all that
+    /// this class doesn't know. Items taken out by RemoveItem() are dropped here. Does nothing when nothing is held.
+    /// Throws the RunTimeErrors of Files::write().
+    void Save();
+
+    bool IsLoaded() const;
+    FeedVersion Version() const;
+
+    QString Title() const;
+    QString Link() const;
+    QString Description() const;
+    QString Language() const;
+    bool GetImage(FeedImage &image) const; ///< False when the channel has no picture; `image` is then unchanged.
+    QString Copyright() const;
+    QString ManagingEditor() const;
+    QString WebMaster() const;
+    QString Ttl() const; ///< Minutes between updates as the feed proposes them, as it writes them.
+
+    /// Number of items, deleted ones included, at most 32767; what a document holds past that is kept but not offered.
+    qint16 ItemCount() const;
+
+    /// The item's node, to be handed to AddItem() of another instance, whose copy it is. It keeps its document alive.
+    std::shared_ptr<const FeedItem> GetItemNode(qint16 index) const;
+
+    /// Takes a copy of an item of another document into this one, without its marks and with now as date of download. An
+    /// item of another format is carried over into this document's own format. Items added one after the other stand in
+    /// front of those that were there before, in the order in which they were added: after n additions the item that stood
+    /// at index p stands at p + n.
+    void AddItem(const std::shared_ptr<const FeedItem> &node);
+
+    QString ItemTitle(qint16 index) const;
+    QString ItemLink(qint16 index) const;
+    QString ItemDescription(qint16 index) const;
+    bool GetItemSource(qint16 index, ItemSource &source) const;
+    bool GetItemEnclosure(qint16 index, ItemEnclosure &enclosure) const;
+    QString ItemCategory(qint16 index) const;
+    QString ItemAuthor(qint16 index) const;
+    QString ItemComments(qint16 index) const;
+    QString ItemPubDate(qint16 index) const; ///< The date exactly as the feed writes it.
+
+    /// Takes an item out for good at the next Save(); until then indices and ItemCount() stay.
+    void RemoveItem(qint16 index);
+
+    bool IsItemRead(qint16 index) const;
+    bool IsItemDeleted(qint16 index) const;
+
+    /// When the item was downloaded, as DateText writes it; for an item that bears no date, when its file was last written.
+    QString ItemDownloadDate(qint16 index) const;
+
+    void SetItemRead(qint16 index, bool read); ///< In memory only.
+    void DeleteItem(qint16 index);             ///< Sets the deleted mark, in memory only; the index stays valid.
+
+private:
+    struct Document;
+    Clock m_clock;
+    QString m_path;
+    std::shared_ptr<Document> m_document;
+};

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+/// Whole files. A file that is written is replaced in one step: after a crash, a kill or a full disk it is the old one
+/// or the new one, never half of either.
+namespace Files {
+
+enum class ReadResult { Read, Absent, Unreadable };
+
+struct Content
+{
+    ReadResult result;
+    QByteArray bytes; ///< empty unless result is Read
+};
+
+/// All bytes of the file. A directory, a file without permission and a failing device are Unreadable.
+Content read(const QString &path);
+
+/// True when a file (not a directory) of that name exists.
+bool exists(const QString &path);
+
+/// Replaces the file by `bytes`. Throws RunTimeError: pathNotFound(), permissionDenied(), diskFull() or deviceError();
+/// the old file then stands unchanged.
+void write(const QString &path, const QByteArray &bytes);
+
+/// Copies `from` over `to`. Throws fileNotFound() when `from` is absent, otherwise as write().
+void copy(const QString &from, const QString &to);
+
+/// Deletes the file, a read-only one too. Throws fileNotFound() when it is absent, permissionDenied() when it stays.
+void remove(const QString &path);
+
+} // namespace Files

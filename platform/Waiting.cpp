@@ -1,0 +1,18 @@
+#include "platform/Waiting.h"
+
+#include <QEventLoop>
+#include <QTimer>
+
+Clock Waiting::systemClock()
+{
+    return [] { return QDateTime::currentDateTime(); };
+}
+
+Wait Waiting::eventLoopWait()
+{
+    return [](int milliseconds) {
+        QEventLoop loop;
+        QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
+        loop.exec();
+    };
+}
