@@ -1,0 +1,64 @@
+#pragma once
+
+#include "core/DataDirectory.h"
+
+#include <QString>
+#include <QWidget>
+
+#include <memory>
+
+class Messages;
+
+/// The browser pane `WebBrowser1`: shows the pages of the data directory, which it serves under a private scheme (tmp.htm, home.htm,
+/// style.css, slien.gif and nothing else; no script runs on them and they reach no file), and pages of the web.
+///
+/// The browser engine is started with the first page that is shown while the pane is visible, so that the window, and a
+/// program in the tray, don't wait for it or hold it. Until then the last navigation asked for is remembered.
+class BrowserPane : public QWidget
+{
+    Q_OBJECT
+
+public:
+    BrowserPane(DataDirectory directory, Messages &messages, QWidget *parent = nullptr);
+    ~BrowserPane() override;
+
+    /// Registers the private scheme. Called once, before the application object is made.
+    static void registerScheme();
+
+    /// Loads `url`: an address, or the path of one of the four pages. Both do the same.
+    void Navigate(const QString &url);
+    void Navigate2(const QString &url);
+
+    void GoBack();
+    void GoForward();
+    void Refresh();
+    void Stop();
+
+    /// The address of the page on show; the `file:` address of the file for a page of the data directory; "" before the first page.
+    QString LocationURL() const;
+
+    /// True once the browser engine runs.
+    bool isAlive() const;
+
+Q_SIGNALS:
+    void StatusTextChange(const QString &text);
+    void ProgressChange(int progress, int progressMax);
+
+    /// Command 1 is forward, 2 is back.
+    void CommandStateChange(int command, bool enable);
+    void DownloadBegin();
+    void DocumentComplete();
+
+    /// A followed link (in any frame) looks like a feed and the user wants it opened as one; the pane doesn't go there.
+    void feedLinkAccepted(const QString &url);
+
+    /// A link that belongs to another program of the system (mailto: and the like) was followed.
+    void systemLinkActivated(const QString &url);
+
+protected:
+    void showEvent(QShowEvent *event) override;
+
+private:
+    struct Private;
+    std::unique_ptr<Private> d;
+};

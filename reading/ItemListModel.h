@@ -1,0 +1,53 @@
+#pragma once
+
+#include "engine/Dates.h"
+#include "engine/feed/CachedFeed.h"
+
+#include <QAbstractTableModel>
+
+#include <memory>
+#include <vector>
+
+/// The columns of the item list, at their fixed places; settings count them from 1.
+enum class ItemColumn { Title = 0, Read, PubDate, DownloadDate, Author, Category };
+constexpr int itemColumnCount = 6;
+
+/// The rows of the item list: one for each item of a feed document that isn't deleted, with its texts as they stood at the last
+/// fill. Quick at 32,767 rows.
+class ItemListModel final : public QAbstractTableModel
+{
+    Q_OBJECT
+
+public:
+    explicit ItemListModel(Dates dates, QObject *parent = nullptr);
+
+    /// Replaces the rows by those of `feed`, in document order. Throws the RunTimeErrors of the dates; the rows are then empty.
+    void fill(const CachedFeed &feed);
+    void clear();
+
+    /// The row's key: the item's index in the document.
+    qint16 key(int row) const;
+
+    /// The row of the item with that key; -1 when there is none.
+    int rowOfKey(qint16 key) const;
+
+    /// The look of a row: read is shown by the icon of the read column and by a font that isn't bold. The text of that column ("r",
+    /// "u"), by which it is sorted, stays that of the last fill; that is wanted.
+    void setRead(int row, bool read);
+    bool isShownRead(int row) const;
+
+    void removeRow(int row);
+
+    /// Sorts the rows by a column's text, or by date for the two date columns; equal rows keep their order.
+    void sort(int column, Qt::SortOrder order) override;
+
+    int rowCount(const QModelIndex &parent = {}) const override;
+    int columnCount(const QModelIndex &parent = {}) const override;
+    QVariant data(const QModelIndex &index, int role) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+
+private:
+    struct Row;
+    Dates m_dates;
+    std::vector<Row> m_rows;
+};
