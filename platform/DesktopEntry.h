@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+/// Texts of the Desktop Entry Specification 1.5.
+namespace DesktopEntry {
+
+/// The value of the key Exec that starts `program` with `arguments`, quoted and escaped, ready to stand in the file.
+QString execLine(const QString &program, const QStringList &arguments = {});
+
+/// `text` escaped as a value of type string.
+QString stringValue(const QString &text);
+
+} // namespace DesktopEntry

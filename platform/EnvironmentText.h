@@ -1,0 +1,10 @@
+#pragma once
+
+#include <QString>
+
+namespace EnvironmentText {
+
+/// `text` with every %NAME% replaced by the environment variable of that name; one that isn't set stays as it stands.
+QString expand(const QString &text);
+
+} // namespace EnvironmentText

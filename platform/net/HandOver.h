@@ -1,0 +1,30 @@
+#pragma once
+
+#include "platform/net/RuntimeDirectory.h"
+
+#include <QString>
+
+/// The hand-over of a second start's command line to the first instance.
+///
+/// What travels over the socket: the length of the text in bytes (32 bits, high byte first), then the text in UTF-8;
+/// then one byte back, HandOverProtocol::Acknowledged, once the first instance has dealt with it.
+namespace HandOverProtocol {
+
+inline constexpr quint32 MaxBytes = 1024 * 1024;
+inline constexpr char Acknowledged = 6;
+
+/// The path of the socket in that directory.
+QString socketPath(const QString &directory);
+
+} // namespace HandOverProtocol
+
+enum class HandOverResult {
+    HandedOver, ///< the first instance has dealt with the text
+    NoInstance, ///< nobody listens (or the one who did broke off)
+    TimedOut,   ///< the time ran out; the first instance may still deal with the text
+};
+
+/// Hands `commandLine` over, unchanged; an empty one asks the first instance to come forward. Blocks for `timeoutMs` at
+/// most, and runs no event loop. A text longer than HandOverProtocol::MaxBytes in UTF-8 isn't taken: NoInstance.
+HandOverResult handOver(const QString &commandLine, int timeoutMs = 5000,
+                        const QString &directory = runtimeDirectory());
