@@ -15,8 +15,7 @@ namespace {
         throw RunTimeError::pathNotFound();
     if (error == QFileDevice::ResourceError)
         throw RunTimeError::diskFull();
-    if (error == QFileDevice::OpenError || error == QFileDevice::PermissionsError ||
-        error == QFileDevice::RenameError)
+    if (error == QFileDevice::OpenError || error == QFileDevice::PermissionsError || error == QFileDevice::RenameError)
         throw RunTimeError::permissionDenied();
     throw RunTimeError::deviceError();
 }

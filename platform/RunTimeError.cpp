@@ -2,8 +2,7 @@
 
 RunTimeError::RunTimeError(qint32 number, QString text)
     : m_number(number), m_text(std::move(text)), m_what(message().toUtf8())
-{
-}
+{}
 
 QString RunTimeError::message() const
 {

@@ -23,21 +23,21 @@ public:
 
     const char *what() const noexcept override { return m_what.constData(); }
 
-    static RunTimeError invalidCall();       ///< 5: an argument that has no meaning, such as a negative position.
-    static RunTimeError overflow();          ///< 6: a number that its type can't hold.
-    static RunTimeError subscript();         ///< 9: an index outside an array.
-    static RunTimeError divisionByZero();    ///< 11.
-    static RunTimeError typeMismatch();      ///< 13: a text that is no number or no date.
-    static RunTimeError fileNotFound();      ///< 53.
-    static RunTimeError deviceError();       ///< 57: reading or writing failed.
-    static RunTimeError diskFull();          ///< 61.
-    static RunTimeError permissionDenied();  ///< 70.
-    static RunTimeError pathNotFound();      ///< 76.
-    static RunTimeError objectNotSet();      ///< 91: an operation on a node that isn't there.
-    static RunTimeError invalidProperty();   ///< 380: a property's value that the control doesn't know.
-    static RunTimeError keyInUse();          ///< 457: a key that a collection holds already.
-    static RunTimeError elementNotFound();   ///< 35601: a key that a collection doesn't hold.
-    static RunTimeError keyNotUnique();      ///< 35602: a second tree node with one key.
+    static RunTimeError invalidCall();      ///< 5: an argument that has no meaning, such as a negative position.
+    static RunTimeError overflow();         ///< 6: a number that its type can't hold.
+    static RunTimeError subscript();        ///< 9: an index outside an array.
+    static RunTimeError divisionByZero();   ///< 11.
+    static RunTimeError typeMismatch();     ///< 13: a text that is no number or no date.
+    static RunTimeError fileNotFound();     ///< 53.
+    static RunTimeError deviceError();      ///< 57: reading or writing failed.
+    static RunTimeError diskFull();         ///< 61.
+    static RunTimeError permissionDenied(); ///< 70.
+    static RunTimeError pathNotFound();     ///< 76.
+    static RunTimeError objectNotSet();     ///< 91: an operation on a node that isn't there.
+    static RunTimeError invalidProperty();  ///< 380: a property's value that the control doesn't know.
+    static RunTimeError keyInUse();         ///< 457: a key that a collection holds already.
+    static RunTimeError elementNotFound();  ///< 35601: a key that a collection doesn't hold.
+    static RunTimeError keyNotUnique();     ///< 35602: a second tree node with one key.
 
 private:
     qint32 m_number;
