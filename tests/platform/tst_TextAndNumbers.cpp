@@ -1,0 +1,168 @@
+#include "platform/AnsiText.h"
+#include "platform/DateText.h"
+#include "platform/Dictionary.h"
+#include "platform/Numbers.h"
+#include "platform/RunTimeError.h"
+
+#include <QTest>
+
+namespace {
+
+/// The number of the run-time error that `call` raises; 0 when it raises none.
+template <class Call>
+int errorOf(Call call)
+{
+    try {
+        call();
+    } catch (const RunTimeError &error) {
+        return error.number();
+    }
+    return 0;
+}
+
+constexpr int overflow = 6;
+constexpr int typeMismatch = 13;
+
+} // namespace
+
+class TextAndNumbersTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyByteSurvivesTheCodePage();
+    void aCharacterOutsideTheCodePageBecomesAQuestionMark();
+    void wideningGivesTheLowByteFirst();
+    void textConvertsToWholeNumbers_data();
+    void textConvertsToWholeNumbers();
+    void aNumericPrefixStopsAtTheFirstForeignCharacter_data();
+    void aNumericPrefixStopsAtTheFirstForeignCharacter();
+    void aSingleIsWrittenShort();
+    void datesReadBackWhatTheyWrite_data();
+    void datesReadBackWhatTheyWrite();
+    void whatIsNoDateIsATypeMismatch();
+    void aReplacedEntryOfADictionaryStandsLast();
+};
+
+void TextAndNumbersTest::everyByteSurvivesTheCodePage()
+{
+    QByteArray all;
+    for (int byte = 0; byte < 256; ++byte)
+        all.append(static_cast<char>(byte));
+    QCOMPARE(AnsiText::toBytes(AnsiText::fromBytes(all)), all);
+    QCOMPARE(AnsiText::fromBytes("\x80\x9C\xE9"), u"€œé");
+}
+
+void TextAndNumbersTest::aCharacterOutsideTheCodePageBecomesAQuestionMark()
+{
+    QCOMPARE(AnsiText::toBytes(QStringLiteral("Łódź €")), QByteArray("?\xF3"
+                                                                     "d? \x80"));
+    QVERIFY(!AnsiText::holds(QStringLiteral("Łódź")));
+    QVERIFY(AnsiText::holds(QStringLiteral("œuvre à 5 €")));
+}
+
+void TextAndNumbersTest::wideningGivesTheLowByteFirst()
+{
+    QCOMPARE(AnsiText::toBytes(AnsiText::widenBytes(QStringLiteral("é€"))), QByteArray("\xE9\x00\xAC\x20", 4));
+    QCOMPARE(AnsiText::widenBytes(QString()), QString());
+}
+
+void TextAndNumbersTest::textConvertsToWholeNumbers_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("value");
+    QTest::addColumn<int>("error");
+    QTest::newRow("plain, with blanks") << " 42 " << 42 << 0;
+    QTest::newRow("half to the even neighbour below") << "800.5" << 800 << 0;
+    QTest::newRow("half to the even neighbour above") << "801,5" << 802 << 0;
+    QTest::newRow("negative half") << "-2.5" << -2 << 0;
+    QTest::newRow("exponent") << "1e3" << 1000 << 0;
+    QTest::newRow("largest") << "32767.4" << 32767 << 0;
+    QTest::newRow("one past the largest") << "32768" << 0 << overflow;
+    QTest::newRow("huge exponent") << "1e9999" << 0 << overflow;
+    QTest::newRow("smallest") << "-32768" << -32768 << 0;
+    QTest::newRow("empty") << "" << 0 << typeMismatch;
+    QTest::newRow("sign alone") << "-" << 0 << typeMismatch;
+    QTest::newRow("letters behind") << "12a" << 0 << typeMismatch;
+    QTest::newRow("point alone") << "." << 0 << typeMismatch;
+    QTest::newRow("hexadecimal") << "0x10" << 0 << typeMismatch;
+    QTest::newRow("not a number") << "nan" << 0 << typeMismatch;
+}
+
+void TextAndNumbersTest::textConvertsToWholeNumbers()
+{
+    QFETCH(QString, text);
+    QFETCH(int, value);
+    QFETCH(int, error);
+    int result = 0;
+    QCOMPARE(errorOf([&] { result = Numbers::toInt16(text); }), error);
+    QCOMPARE(result, value);
+    QCOMPARE(Numbers::isNumeric(text), error != typeMismatch);
+}
+
+void TextAndNumbersTest::aNumericPrefixStopsAtTheFirstForeignCharacter_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<double>("value");
+    QTest::newRow("digits then letters") << "05Z" << 5.0;
+    QTest::newRow("colon behind") << "5:" << 5.0;
+    QTest::newRow("colon first") << ":0" << 0.0;
+    QTest::newRow("letters") << "ST" << 0.0;
+    QTest::newRow("blank inside") << "1 2x" << 12.0;
+    QTest::newRow("sign") << "-3" << -3.0;
+    QTest::newRow("comma ends it") << "1,5" << 1.0;
+    QTest::newRow("empty") << "" << 0.0;
+}
+
+void TextAndNumbersTest::aNumericPrefixStopsAtTheFirstForeignCharacter()
+{
+    QFETCH(QString, text);
+    QTEST(Numbers::numericPrefix(text), "value");
+}
+
+void TextAndNumbersTest::aSingleIsWrittenShort()
+{
+    QCOMPARE(Numbers::singleText(12240.0 / 15.0), u"816");
+    QCOMPARE(Numbers::singleText(800.5), u"800.5");
+    QCOMPARE(Numbers::singleText(1.0 / 3.0), u"0.3333333");
+}
+
+void TextAndNumbersTest::datesReadBackWhatTheyWrite_data()
+{
+    QTest::addColumn<QDateTime>("when");
+    QTest::newRow("afternoon") << QDateTime({2004, 7, 1}, {14, 5, 9});
+    QTest::newRow("midnight") << QDateTime({2026, 12, 31}, {0, 0});
+    QTest::newRow("last century") << QDateTime({1912, 1, 2}, {3, 4, 5});
+}
+
+void TextAndNumbersTest::datesReadBackWhatTheyWrite()
+{
+    QFETCH(QDateTime, when);
+    QCOMPARE(DateText::fromText(DateText::toText(when)), when);
+    QCOMPARE(DateText::toText(QDateTime({2004, 7, 1}, {14, 0})), u"01/07/2004 14:00:00"); // French in the C locale
+    QCOMPARE(DateText::fromText(QStringLiteral("01/07/2004")), QDateTime({2004, 7, 1}, {0, 0}));
+}
+
+void TextAndNumbersTest::whatIsNoDateIsATypeMismatch()
+{
+    for (const QString &text : {QStringLiteral(""), QStringLiteral("hier"), QStringLiteral("32/01/2004 10:00:00")}) {
+        QVERIFY(!DateText::isDate(text));
+        QCOMPARE(errorOf([&] { DateText::fromText(text); }), typeMismatch);
+    }
+}
+
+void TextAndNumbersTest::aReplacedEntryOfADictionaryStandsLast()
+{
+    Dictionary<QString> table;
+    table.Add(QStringLiteral("1"), QStringLiteral("a"));
+    table.Add(QStringLiteral("2"), QStringLiteral("b"));
+    QCOMPARE(errorOf([&] { table.Add(QStringLiteral("1"), QStringLiteral("c")); }), 457);
+    table.Replace(QStringLiteral("1"), QStringLiteral("d"));
+    QCOMPARE(table.Keys(), QStringList({QStringLiteral("2"), QStringLiteral("1")}));
+    QCOMPARE(table.Item(QStringLiteral("1")), u"d");
+    QCOMPARE(table.Item(QStringLiteral("3")), QString());
+    QVERIFY(!table.Exists(QStringLiteral("3")));
+}
+
+QTEST_GUILESS_MAIN(TextAndNumbersTest)
+#include "tst_TextAndNumbers.moc"
