@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QString>
+
+/// The maker's web site, which menus and the about box lead to. Whoever deploys the program puts its address here.
+namespace MakerSite {
+
+/// The site's root, with a slash at its end.
+inline QString root()
+{
+    return QStringLiteral("http://tovik.example/");
+}
+
+/// The address of a page; `path` has no leading slash: "prog/Quillwire/".
+inline QString page(const QString &path)
+{
+    return root() + path;
+}
+
+} // namespace MakerSite

@@ -1,0 +1,110 @@
+#pragma once
+
+#include "controls/DialogBase.h"
+#include "dialogs/FileDialogs.h"
+#include "platform/Waiting.h"
+#include "platform/XmlDocument.h"
+
+#include <QString>
+
+#include <array>
+#include <functional>
+#include <memory>
+
+class Downloader;
+class MainWindow;
+class Messages;
+class ProgressBar;
+class QAbstractButton;
+class QCheckBox;
+class QLabel;
+class QLineEdit;
+class QPlainTextEdit;
+class QRadioButton;
+class QTreeWidget;
+class QTreeWidgetItem;
+class QWidget;
+
+/// The wizard that subscribes to the feeds of an OPML file, from the disk or from the web. It can be left only through
+/// its buttons. For one showing: construct it on the stack, exec().
+class frmImport final : public DialogBase
+{
+    Q_OBJECT
+
+public:
+    /// Makes a downloader; the wizard asks for two, one for the OPML file and one for the feeds, and owns them.
+    using MakeDownloader = std::function<std::unique_ptr<Downloader>()>;
+
+    /// `wait` is the wait of 100 ms between two looks at a running download; `askPath` asks for the OPML file, none
+    /// stands for the system's open dialog.
+    frmImport(MainWindow &window, Messages &messages, const MakeDownloader &makeDownloader, Wait wait,
+              AskFile askPath = {});
+    ~frmImport() override;
+
+    /// What the buttons do. They throw RunTimeError for a well-formed document that isn't the OPML which the reader
+    /// takes.
+    void handleNext();
+    void handleBack();
+
+    /// Fetches the ticked feeds, one after the other, and closes. Runs the event loop meanwhile.
+    void handleFinish();
+
+    /// Escape is "Annuler", as long as that button is there.
+    void reject() override;
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    QWidget *buildPages();
+    QWidget *buildListPage();
+    QWidget *buildRunPanel();
+    void showPage(qint16 page);
+    void loadOpmlList();
+    void showListPage();
+    void showOutlineDescription(int index);
+    void showIncorrectFile(const QString &path);
+    void handleOpmlComplete(qint32 status);
+    void handleFeedComplete(qint32 status);
+    void handleItemChanged(QTreeWidgetItem *item);
+    void handleItemDoubleClicked(QTreeWidgetItem *item);
+    void handleCheckAll(bool checked);
+    void handleArrowKey(int key);
+    void handleStop();
+    void countChecked(int difference);
+    bool fetch(const QTreeWidgetItem &item);
+
+    MainWindow &m_window;
+    Messages &m_messages;
+    Wait m_wait;
+    AskFile m_askPath;
+    std::unique_ptr<Downloader> m_dwlOPML;
+    std::unique_ptr<Downloader> m_dwlFeed;
+    XmlDocument m_opmlDocument;
+
+    qint16 m_wizardPage = 0;
+    qint16 m_previousPage = 0;
+    qint16 m_checkedCount = 0; ///< kept by hand; only handleCheckAll() counts anew
+    bool m_feedBusy = false;
+    bool m_running = false;
+    bool m_stopped = false;
+    QString m_currentFeedUrl;
+
+    std::array<QWidget *, 4> m_fraWizard{};
+    QWidget *m_fraImportation = nullptr;
+    QRadioButton *m_optFromFile = nullptr;
+    QLineEdit *m_txtOPMLPath = nullptr;
+    QLineEdit *m_txtURL = nullptr;
+    QTreeWidget *m_tvwListeFlux = nullptr;
+    QCheckBox *m_chkCkeckAll = nullptr;
+    QLineEdit *m_txtTitre = nullptr;
+    QPlainTextEdit *m_txtDescription = nullptr;
+    QLabel *m_lblTitre = nullptr;
+    ProgressBar *m_vbalProgressBar1 = nullptr;
+    QAbstractButton *m_cmdPrecedent = nullptr;
+    QAbstractButton *m_cmdSuivant = nullptr;
+    QAbstractButton *m_cmdTerminer = nullptr;
+    QAbstractButton *m_cmdAnnuler = nullptr;
+    QAbstractButton *m_cmdCanceller = nullptr;
+};

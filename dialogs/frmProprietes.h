@@ -1,0 +1,81 @@
+#pragma once
+
+#include "controls/DialogBase.h"
+
+#include <array>
+
+class MainWindow;
+class QCheckBox;
+class QLabel;
+class QLineEdit;
+class QPlainTextEdit;
+class QPushButton;
+class QWidget;
+class TabControl;
+class UpDown;
+
+/// Shows what is known of the feed on screen; update interval, retention and stored credentials can be changed, in the
+/// per-feed tables only.
+class frmProprietes final : public DialogBase
+{
+    Q_OBJECT
+
+public:
+    /// The dialog with empty fields.
+    explicit frmProprietes(MainWindow &window);
+
+    /// The main window's operation: shows the dialog modally for the feed on screen; does nothing when no feed is
+    /// loaded. Throws as fillFrom().
+    static void showFeedProperties(MainWindow &window);
+
+    /// Fills the fields from the feed on screen; false, with nothing changed, when no feed is loaded. Throws
+    /// RunTimeError when the stored retention of a subscribed feed is no 16-bit number, or when no node is selected for
+    /// one.
+    bool fillFrom();
+
+    /// Adds the tab of the credentials.
+    void addAuthentication();
+
+    /// What "Appliquer" does, to the tables of the tree's selected node, whatever that is. Throws RunTimeError when
+    /// nothing is selected, when the tables don't know its key, and when the retention to negate is no number.
+    void handleApply();
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    QWidget *buildGeneralPage();
+    QWidget *buildInfosPage();
+    QWidget *buildSynchroPage();
+    QWidget *buildAdvancedPage();
+    QWidget *buildAuthenticationPage();
+    void fillSynchro(bool subscribed);
+    void fillAuthentication();
+    void handleTab(int index);
+    void handleNoDel();
+    void enableApply();
+    QString selectedKey() const;
+
+    MainWindow &m_window;
+    TabControl *m_tstrProp = nullptr;
+    std::array<QWidget *, 5> m_pages{};
+    QLineEdit *m_txtTitle = nullptr;
+    QLineEdit *m_txtURL = nullptr;
+    QLineEdit *m_txtSite = nullptr;
+    QPlainTextEdit *m_txtDescription = nullptr;
+    QLineEdit *m_txtVersion = nullptr;
+    QLineEdit *m_txtLangue = nullptr;
+    QLineEdit *m_txtEditeur = nullptr;
+    QLineEdit *m_txtWebmaster = nullptr;
+    QLineEdit *m_txtCopyright = nullptr;
+    QLineEdit *m_txtMaj = nullptr;
+    UpDown *m_upDown1 = nullptr;
+    QLabel *m_lblCache = nullptr;
+    QLineEdit *m_txtCache = nullptr;
+    UpDown *m_upDown2 = nullptr;
+    QCheckBox *m_chkNoDel = nullptr;
+    QPlainTextEdit *m_txtExtensions = nullptr;
+    QLineEdit *m_txtUsername = nullptr;
+    QLineEdit *m_txtPassword = nullptr;
+    QPushButton *m_cmdAppliquer = nullptr;
+};

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "controls/DialogBase.h"
+#include "platform/Waiting.h"
+
+#include <functional>
+#include <memory>
+
+class MainWindow;
+class Messages;
+class QLabel;
+class QLineEdit;
+class QPlainTextEdit;
+class QPushButton;
+class SmtpMail;
+
+/// Sends one item as a plain text mail. For one showing: construct, exec().
+class frmSendMail final : public DialogBase
+{
+    Q_OBJECT
+
+public:
+    /// Makes the mail object of one send. `keepAlive` is to be called while it sends, so that the window is repainted.
+    using MakeMail = std::function<std::unique_ptr<SmtpMail>(std::function<void()> keepAlive)>;
+
+    /// `body` is the text to begin with; zero characters are left out of it, as no text box and no mail can hold them.
+    /// `wait` is the pause after a sent mail; without `makeMail` a plain SmtpMail is made.
+    frmSendMail(MainWindow &window, Messages &messages, const QString &body, Wait wait, MakeMail makeMail = {});
+    ~frmSendMail() override;
+
+    /// What "Envoyer" does; returns when the attempt is over.
+    void handleSend();
+
+    /// For a mail object that tells by itself whether it could connect; none does at present.
+    void showConnectionState(bool connected);
+
+    /// Escape is "Annuler", and like it does nothing while that button is disabled.
+    void reject() override;
+
+private:
+    void poSendMail_SendSuccesful();
+    void poSendMail_SendFailed(const QString &Explanation);
+
+    MainWindow &m_window;
+    Messages &m_messages;
+    Wait m_wait;
+    MakeMail m_makeMail;
+    std::unique_ptr<SmtpMail> m_poSendMail;
+    QLineEdit *m_txtDestMail = nullptr;
+    QLineEdit *m_txtDestName = nullptr;
+    QLineEdit *m_txtSujet = nullptr;
+    QPlainTextEdit *m_txtContent = nullptr;
+    QLabel *m_lblEtat = nullptr;
+    QPushButton *m_cmdEnvoyer = nullptr;
+    QPushButton *m_cmdAnnuler = nullptr;
+};
