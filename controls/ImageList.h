@@ -24,8 +24,8 @@ private:
     QHash<int, QIcon> m_icons;
 };
 
-/// The four lists of the main window: pictures of the tree and the item list (1), big toolbar pictures of 24 pixels (2), those
-/// of the pop-up menus (3), small toolbar pictures of 16 pixels (4).
+/// The four lists of the main window: pictures of the tree and the item list (1), big toolbar pictures of 24 pixels
+/// (2), those of the pop-up menus (3), small toolbar pictures of 16 pixels (4).
 namespace ImageLists {
 const ImageList &vbalImageList1();
 const ImageList &vbalImageList2();

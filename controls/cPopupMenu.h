@@ -2,15 +2,16 @@
 
 #include <QMenu>
 #include <QObject>
+#include <QPointer>
 #include <QString>
 
 #include <vector>
 
 class ImageList;
 
-/// A pop-up menu whose entries are addressed by index and by key. Entries may stand below others (a submenu). The caption "-"
-/// makes a separator; "&" marks the mnemonic; a text behind a tab is the shortcut, which works as long as the menu's owner (or
-/// a toolbar built from the menu) is in an active window.
+/// A pop-up menu whose entries are addressed by index and by key. Entries may stand below others (a submenu). The
+/// caption "-" makes a separator; "&" marks the mnemonic; a text behind a tab is the shortcut, which works as long as
+/// the menu's owner (or a toolbar built from the menu) is in an active window.
 class cPopupMenu : public QObject
 {
     Q_OBJECT
@@ -36,16 +37,20 @@ public:
 
     void setImageList(const ImageList *images);
 
-    /// Adds an entry behind the others of its parent and returns its index, counted from 0 over the whole menu in order of adding.
+    /// Adds an entry behind the others of its parent and returns its index, counted from 0 over the whole menu in order
+    /// of adding.
     int AddItem(const Item &item);
 
-    /// Takes all entries out.
+    /// Takes all entries out. Allowed from a handler of Click().
     void Clear();
 
     int Count() const;
 
     /// The index of the entry with that key; -1 when there is none.
     int IndexForKey(const QString &key) const;
+
+    /// Of an index that there isn't: "", 0 and false; setting does nothing then. A check mark is set by the program
+    /// alone, a choice doesn't toggle it.
     QString ItemKey(int index) const;
     QString Caption(int index) const;
     qint32 ItemData(int index) const;
@@ -65,7 +70,7 @@ public:
     QList<QAction *> topLevelActions() const;
 
     /// The menu itself, for a tray icon or a button. Owned by this object.
-    QMenu *menu() { return &m_menu; }
+    QMenu *menu() const { return m_menu; }
 
     /// The action of an entry; owned by this object.
     QAction *action(int index) const;
@@ -78,13 +83,16 @@ private:
     struct Entry
     {
         Item item;
-        QAction *action = nullptr;
-        QMenu *submenu = nullptr;
+        QPointer<QAction> action;
+        QPointer<QMenu> submenu;
     };
+    const Entry *entryAt(int index) const;
     QMenu *menuOf(int parentIndex);
+    QMenu *newMenu() const;
+    void showPicture(const Entry &entry) const;
 
-    QWidget *m_owner;
-    QMenu m_menu;
+    QPointer<QWidget> m_owner;
+    QPointer<QMenu> m_menu; // the owner's child: it may go before this object
     std::vector<Entry> m_entries;
     const ImageList *m_images = nullptr;
     bool m_officeXpStyle;

@@ -5,8 +5,8 @@
 
 #include <memory>
 
-/// Bands that hold a control each, in rows across the top of a window: each can be dragged by its gripper to another place or row
-/// and resized, and shows a chevron where its control doesn't fit.
+/// Bands that hold a control each, in rows across the top of a window: each can be dragged by its gripper to another
+/// place or row and resized, and shows a chevron where its control doesn't fit.
 class cReBar : public QWidget
 {
     Q_OBJECT
@@ -15,7 +15,8 @@ public:
     explicit cReBar(QWidget *parent = nullptr);
     ~cReBar() override;
 
-    /// Adds a band behind the others. `data` names it. `fixedSize` forbids dragging and resizing. The child becomes the rebar's.
+    /// Adds a band behind the others. `data` names it. `fixedSize` forbids dragging and resizing. The child becomes the
+    /// rebar's.
     void AddBand(QWidget *child, const QString &caption, bool newRow, bool fixedSize, const QString &data);
 
     int BandCount() const;
@@ -23,7 +24,8 @@ public:
     /// The data of the band with that identifier (1 for the first added); "" when there is none.
     QString BandData(int id) const;
 
-    /// Minimum width (-1: leave as it is) and height of a band in pixels; `number` counts from 0 in order of adding.
+    /// Minimum width (-1: leave as it is) and height of a band in pixels; `number` counts from 0 in order of adding. A
+    /// number that there isn't does nothing.
     void setBandMinimumSize(int number, int width, int height);
 
     /// Height of all rows, in pixels.
@@ -32,19 +34,21 @@ public:
     /// Where the rebar is docked: 0 is along the top, the only place here.
     int position() const { return 0; }
 
-    /// Lays the bands out anew.
+    /// Lays the bands out anew and takes the height that they need.
     void RebarSize();
 
     /// Takes all bands out; the children are hidden and stay with their owner.
     void RemoveAllBands();
 
-    /// The layout as the XML text of an element `Bands`, attributes `count` and `rowCount`, a child `Band` for each band in their
-    /// present order with `id`, `data`, `left`, `top`, `right`, `bottom` (pixels), `bandChildMinWidth`, `bandChildIdealWidth`,
-    /// `chevron` ("y" when it shows one), `text`, `fixedBand` ("y" or "n"). On one line, with no blanks between elements.
+    /// The layout as the XML text of an element `Bands`, attributes `count` and `rowCount`, a child `Band` for each
+    /// band in their present order with `id`, `data`, `left`, `top`, `right`, `bottom` (pixels), `bandChildMinWidth`,
+    /// `bandChildIdealWidth`, `chevron` ("y" when it shows one), `text`, `fixedBand` ("y" or "n"). On one line, with no
+    /// blanks between elements.
     QString saveLayout() const;
 
-    /// Puts the bands where `layout` (such a text) says, by their data; a text that is empty, damaged or names other bands changes
-    /// nothing: the bands stay as added. Returns whether the text was taken. Numbers out of range are brought into it.
+    /// Puts the bands where `layout` (such a text) says, by their data; a text that is empty, damaged or names other
+    /// bands changes nothing: the bands stay as added. Returns whether the text was taken. Numbers out of range are
+    /// brought into it.
     bool restoreLayout(const QString &layout);
 
     QSize sizeHint() const override;
@@ -52,16 +56,19 @@ public:
 Q_SIGNALS:
     void HeightChanged(int newHeight);
 
-    /// A chevron was pressed; the rectangle is the chevron's, in twips relative to the rebar's window.
+    /// A chevron was pressed; the rectangle is the chevron's, in twips, relative to the rebar itself.
     void ChevronPushed(int id, double left, double top, double right, double bottom);
 
 protected:
+    bool event(QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
-    void leaveEvent(QEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
 
 private:
     struct Private;

@@ -6,13 +6,14 @@
 #include <memory>
 
 class ImageList;
+class QMenu;
 class cPopupMenu;
 
 /// How toolbars and menus are drawn.
 enum class DrawStyle { Standard = 0, OfficeXp = 2 };
 
-/// A row of buttons addressed by index (separators count) and by key; what doesn't fit is reached through the overflow menu that
-/// ShowOverflow() opens. Buttons can be reached with Tab and the arrow keys.
+/// A row of buttons addressed by index (separators count) and by key; what doesn't fit is reached through the overflow
+/// menu that ShowOverflow() opens. Buttons can be reached with Tab and the arrow keys.
 class cToolbar : public QWidget
 {
     Q_OBJECT
@@ -31,7 +32,8 @@ public:
     /// Captions under the pictures are shown, or the pictures alone.
     void setCaptionsVisible(bool visible);
 
-    /// Adds a button behind the others. `image` is an index of the image list, -1 for none; `tip` is also the accessible name.
+    /// Adds a button behind the others. `image` is an index of the image list, -1 for none; `tip` is also the
+    /// accessible name.
     void AddButton(const QString &tip, int image, const QString &caption, ButtonStyle style, const QString &key);
 
     int buttonCount() const;
@@ -40,18 +42,19 @@ public:
     bool isButtonEnabled(int index) const;
     bool isButtonEnabled(const QString &key) const;
 
-    /// The button at `index`, for tests and for placing; null for a separator.
+    /// The button at `index`, for tests and for placing; null for a separator and in a menu bar.
     QToolButton *button(int index) const;
 
-    /// Builds the buttons from the top-level entries of `menu`: a menu bar. F10, Alt alone and mnemonics open it, arrow keys
-    /// move along it, and the shortcuts of its entries work.
+    /// Builds the buttons from the top-level entries of `menu`: a menu bar. F10, Alt alone and mnemonics open it, arrow
+    /// keys move along it, and the shortcuts of its entries work.
     void CreateFromMenu(cPopupMenu *menu);
 
     /// The point of the screen where the drop-down menu of a button belongs.
     QPoint dropDownPosition(int index) const;
 
-    /// Opens the menu of the buttons that don't fit, at a point of the screen.
-    void ShowOverflow(const QPoint &globalPosition);
+    /// Opens the menu of the buttons that don't fit, at a point of the screen, and returns at once. Null, and no menu,
+    /// when all fit. A choice acts as the button; of a button with an arrow it acts as the arrow.
+    QMenu *ShowOverflow(const QPoint &globalPosition);
 
     /// True when a button doesn't fit into the present width.
     bool hasOverflow() const;
@@ -60,7 +63,11 @@ public:
     int idealWidth() const;
 
     /// The version of the control library that a change of style asks for: 6 and 0 here. Tests set another.
-    struct ControlsVersion { int major = 6; int minor = 0; };
+    struct ControlsVersion
+    {
+        int major = 6;
+        int minor = 0;
+    };
     ControlsVersion commonControlsVersion() const;
     void setCommonControlsVersion(ControlsVersion version);
 
@@ -74,8 +81,8 @@ Q_SIGNALS:
 
 protected:
     void resizeEvent(QResizeEvent *event) override;
+    void changeEvent(QEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
-    void keyPressEvent(QKeyEvent *event) override;
 
 private:
     struct Private;

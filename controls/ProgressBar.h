@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QProgressBar>
+
+/// `vbalProgressBar`: a bar from 0 to 100.
+class ProgressBar : public QProgressBar
+{
+    Q_OBJECT
+
+public:
+    explicit ProgressBar(QWidget *parent = nullptr);
+
+    /// Shows `value`; what lies outside 0 to 100 is brought to the nearer end.
+    void setValue(int value);
+};

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QWidget>
+
+class QToolButton;
+class cToolbar;
+
+/// Holds one toolbar in a window without a rebar. When the toolbar doesn't fit, a chevron at the right end opens the
+/// menu of what is left over.
+class cToolbarHost : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit cToolbarHost(QWidget *parent = nullptr);
+
+    /// Takes `toolbar` in as a child, filling the host, and shows it. One that was held before is let go, hidden,
+    /// without a parent. Null lets go only.
+    void Capture(cToolbar *toolbar);
+
+    cToolbar *toolbar() const { return m_toolbar; }
+
+    /// A thin line around the toolbar, or none (as at first).
+    void setBorder(bool border);
+    bool border() const { return m_border; }
+
+    /// Height of the host in pixels; it is kept whatever the toolbar asks for.
+    void setHostHeight(int height);
+
+    QSize sizeHint() const override;
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    void layOut();
+
+    cToolbar *m_toolbar = nullptr;
+    QToolButton *m_chevron;
+    bool m_border = false;
+};
