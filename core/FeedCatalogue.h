@@ -13,7 +13,8 @@
 class clsDES;
 
 /// The user's subscriptions: feeds.xml, which holds their structure for good, and its image in memory, the tree and the
-/// per-feed tables. Each change loads the file afresh, edits and saves it in one step; nothing is kept open between them.
+/// per-feed tables. Each change loads the file afresh, edits and saves it in one step; nothing is kept open between
+/// them.
 ///
 /// What fails raises a RunTimeError, which ends the program; where the order of the steps has changed tree and file
 /// unevenly by then, that is wanted.
@@ -40,12 +41,13 @@ public:
     };
 
     /// Adds a feed under the folder that the tree's selection decides: nothing or the root selected, the first node; a
-    /// feed, its parent; a folder, that folder; a feed being updated, no parent and so a run-time error. Writes the file,
-    /// fills the tables (not those of the credentials: these come with the next start), copies tmp.xml to the cache file.
+    /// feed, its parent; a folder, that folder; a feed being updated, no parent and so a run-time error. Writes the
+    /// file, fills the tables (not those of the credentials: these come with the next start), copies tmp.xml to the
+    /// cache file.
     void addFeed(const NewFeed &feed);
 
-    /// Removes the folder's element with all that it holds, and the cache files of its feeds. The nodes stay; the caller
-    /// deletes them. A feed being updated is passed over: its cache file stays.
+    /// Removes the folder's element with all that it holds, and the cache files of its feeds. The nodes stay; the
+    /// caller deletes them. A feed being updated is passed over: its cache file stays.
     void deleteCatalogueFolder(const FeedNodePtr &folder);
 
     /// Removes the feed's element, then its cache file.
@@ -54,10 +56,10 @@ public:
     /// Adds a folder called `name`: beside `node` when it is a feed, otherwise below it.
     void createFolder(const FeedNodePtr &node, const QString &name);
 
-    /// Moves the feed `dragged` to `target`. On a feed the file always takes the place before the target, while the tree
-    /// follows `insertAbove`: that difference lasts until the next start and is wanted. Ignored when the target is null or
-    /// has the dragged key, or when what is dragged is no feed. A drop on a feed right under the root raises a run-time
-    /// error after the tree was changed.
+    /// Moves the feed `dragged` to `target`. On a feed the file always takes the place before the target, while the
+    /// tree follows `insertAbove`: that difference lasts until the next start and is wanted. Ignored when the target is
+    /// null or has the dragged key, or when what is dragged is no feed. A drop on a feed right under the root raises a
+    /// run-time error after the tree was changed.
     void moveFeed(const FeedNodePtr &dragged, const FeedNodePtr &target, bool insertAbove);
 
     /// Writes tables and folding into the file. A file that doesn't load is left alone without a word.
@@ -69,7 +71,8 @@ public:
     /// The text that enciphers the password of the feed with that key.
     static QString cipherKey(const QString &feedKey);
 
-    /// The first element below `start`, in document order, with that key; feeds aren't entered. Null when there is none.
+    /// The first element below `start`, in document order, with that key; feeds aren't entered. Null when there is
+    /// none.
     static XmlNode findCatalogueNode(const QString &key, const XmlNode &start);
 
 private:
@@ -77,6 +80,7 @@ private:
     void loadFolder(const XmlNode &element, const FeedNodePtr &parent);
     void loadFeed(const XmlNode &element, const FeedNodePtr &parent);
     void walkSave(const XmlNode &element);
+    void saveFeed(XmlNode element) const;
     XmlDocument loadFile() const;
     void takeKey(const QString &key);
     void nextFreeKey();

@@ -9,8 +9,9 @@
 
 #include <variant>
 
-/// When a feed was last updated: the text that the catalogue file holds until the feed's first update of the run, a date
-/// from then on. The text is read only when it is needed, so that a text that is no date fails there and not at the start.
+/// When a feed was last updated: the text that the catalogue file holds until the feed's first update of the run, a
+/// date from then on. The text is read only when it is needed, so that a text that is no date fails there and not at
+/// the start.
 class UpdateDate
 {
 public:
@@ -36,8 +37,8 @@ private:
     std::variant<QString, QDateTime> m_value;
 };
 
-/// The fast-changing values of the feeds, each table keyed by the feed's key as text. A deleted feed keeps its entries to
-/// the end of the run.
+/// The fast-changing values of the feeds, each table keyed by the feed's key as text. A deleted feed keeps its entries
+/// to the end of the run.
 struct FeedTables
 {
     Dictionary<QString> updatettl;     ///< minutes between updates

@@ -91,8 +91,8 @@ public:
     /// Makes `node` (or nothing) the selected one and tells the view.
     void select(const FeedNodePtr &node);
 
-    /// The node of the row below, respectively above, `node` as the view shows them (children of closed nodes are passed
-    /// over); null at the ends.
+    /// The node of the row below, respectively above, `node` as the view shows them (children of closed nodes are
+    /// passed over); null at the ends.
     FeedNodePtr next(const FeedNodePtr &node) const;
     FeedNodePtr previous(const FeedNodePtr &node) const;
 
@@ -114,7 +114,8 @@ Q_SIGNALS:
     void selectionChanged(const QModelIndex &index);
 
 private:
-    FeedNodePtr insert(const FeedNodePtr &parent, std::size_t place, const QString &key, const QString &text, int image);
+    FeedNodePtr insert(const FeedNodePtr &parent, std::size_t place, const QString &key, const QString &text,
+                       int image);
     void forget(const FeedNodePtr &node);
 
     FeedNodePtr m_root;

@@ -20,9 +20,9 @@ public:
     MainWindow &operator=(const MainWindow &) = delete;
     virtual ~MainWindow() = default;
 
-    /// Subscribes to `document` at the address `strURL`; "" stands for the text of the address box. With no document the
-    /// feed on show is meant, if it was opened by address; otherwise nothing happens. The tree's selection decides the
-    /// folder. A document given becomes the one on show.
+    /// Subscribes to `document` at the address `strURL`; "" stands for the text of the address box. With no document
+    /// the feed on show is meant, if it was opened by address; otherwise nothing happens. The tree's selection decides
+    /// the folder. A document given becomes the one on show.
     virtual void AddFeed(const std::shared_ptr<CachedFeed> &document, const QString &strURL) = 0;
 
     /// Opens through the network what the address box holds, with the credentials.

@@ -6,14 +6,14 @@
 
 #include <memory>
 
-/// What is on show: the long-lived feed document and how it came there. Shared by the opener, the scheduler, the list and
-/// the window.
+/// What is on show: the long-lived feed document and how it came there. Shared by the opener, the scheduler, the list
+/// and the window.
 struct CurrentFeed
 {
     std::shared_ptr<CachedFeed> document = std::make_shared<CachedFeed>(); ///< never null
 
-    /// The document on show came from the address box: true after a download that loaded, false once another begins or a
-    /// feed of the tree was opened.
+    /// The document on show came from the address box: true after a download that loaded, false once another begins or
+    /// a feed of the tree was opened.
     bool addressFeedShown = false;
 
     /// The document is tmp.xml and must not be saved before a download replaces it: true after a download that loaded,

@@ -16,16 +16,17 @@ struct TimeZoneRecord
 
 /// Dates of feed items, turned into the machine's local time. For display only.
 ///
-/// Both forms that feeds use are read: the ISO form, by fixed positions, and the form of Internet mail headers (RFC 822).
-/// Zones that aren't on the whole hour come out wrong, and an unreadable Internet form comes out as 30 November 1999: these
-/// results are wanted as they are.
+/// Both forms that feeds use are read: the ISO form, by fixed positions, and the form of Internet mail headers (RFC
+/// 822). Zones that aren't on the whole hour come out wrong, and an unreadable Internet form comes out as 30 November
+/// 1999: these results are wanted as they are.
 class Dates
 {
 public:
     /// `timeZone` is asked at each date. By default it is that of the machine.
     explicit Dates(std::function<TimeZoneRecord()> timeZone = machineTimeZone);
 
-    /// The local date of `text`. Throws RunTimeError (type mismatch, invalid call, overflow) where a step can't be taken.
+    /// The local date of `text`. Throws RunTimeError (type mismatch, invalid call, overflow) where a step can't be
+    /// taken.
     QDateTime NormaliseDate(const QString &text) const;
 
     QDateTime ParseIsoDate(const QString &text) const;

@@ -17,8 +17,8 @@ class FeedOpener : public QObject
 
 public:
     /// `dwlFeed` is this opener's own downloader; it is not owned.
-    FeedOpener(DataDirectory directory, CurrentFeed &current, Downloader &dwlFeed, OpeningWindow &window, Messages &messages,
-               QObject *parent = nullptr);
+    FeedOpener(DataDirectory directory, CurrentFeed &current, Downloader &dwlFeed, OpeningWindow &window,
+               Messages &messages, QObject *parent = nullptr);
 
     /// Opens the cache file of a feed's node; every other node is ignored. Saves the feed on show first.
     void openFeedNode(const FeedNodePtr &node);
@@ -26,15 +26,16 @@ public:
     /// Enter in the address box.
     void handleAddressEntered();
 
-    /// Opens a text of the command line: an address that begins with "http://" or "feed:", or a path in quotes, whatever its
-    /// first and last character are. Throws RunTimeError::invalidCall() for another text of fewer than 2 characters.
+    /// Opens a text of the command line: an address that begins with "http://" or "feed:", or a path in quotes,
+    /// whatever its first and last character are. Throws RunTimeError::invalidCall() for another text of fewer than 2
+    /// characters.
     void openCommandLine(const QString &text);
 
     /// Opens through the network what the address box holds.
     void LoadFile();
 
-    /// The address that `text` asks to fetch: "feed:" in its forms is resolved to "http://". "" when its scheme is one that
-    /// can't be fetched.
+    /// The address that `text` asks to fetch: "feed:" in its forms is resolved to "http://". "" when its scheme is one
+    /// that can't be fetched.
     static QString addressToFetch(const QString &text);
 
 private:

@@ -2,7 +2,8 @@
 
 #include <QString>
 
-/// What the engine asks of the window while feeds are opened and updated. The window implements it; tests do without one.
+/// What the engine asks of the window while feeds are opened and updated. The window implements it; tests do without
+/// one.
 class OpeningWindow
 {
 public:

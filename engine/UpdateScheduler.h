@@ -16,7 +16,8 @@ class clsDES;
 class Downloader;
 class OpeningWindow;
 
-/// Refreshes the feeds of the catalogue, one at a time: each on its own period, all at once, or one that the user asks for.
+/// Refreshes the feeds of the catalogue, one at a time: each on its own period, all at once, or one that the user asks
+/// for.
 class UpdateScheduler : public QObject
 {
     Q_OBJECT
@@ -44,8 +45,8 @@ public:
     /// otherwise timUpdate (each 60000 ms).
     void start(bool updateAtStart);
 
-    /// Starts the update of one node and returns. Returns without a word when there is no connection, when the node is no
-    /// feed, or when an update runs.
+    /// Starts the update of one node and returns. Returns without a word when there is no connection, when the node is
+    /// no feed, or when an update runs.
     void updateFeed(const FeedNodePtr &node);
 
     /// Updates all feeds below a node, one after the other; returns when the last has ended. Events run meanwhile.
@@ -69,6 +70,7 @@ public:
 private:
     void handleDownloadProgress(double percent);
     void handleDownloadComplete(qint32 status);
+    bool isOnShow(const QString &key) const;
     void refreshWhatIsOnShow(const QString &cacheFile, qint16 newItems);
     void endUpdate(qint16 newItems);
     void waitForUpdate();
