@@ -34,5 +34,5 @@ public:
 
     /// `path` is the help file, or the help file, ">" and a window type. Contents comes with nothing, Index with 0,
     /// Search with a query, Topic with a number. Returns at once; the help's window stays.
-    virtual void htmlHelp(const QString &path, HelpCommand command, const HelpData &data) = 0;
+    virtual void htmlHelp(const QString &path, HelpCommand command, const HelpData &argument) = 0;
 };

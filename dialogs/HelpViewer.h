@@ -13,6 +13,7 @@
 
 class HelpBrowser;
 class QHelpEngine;
+class QLabel;
 class QLineEdit;
 class QListWidget;
 class QTabWidget;
@@ -39,8 +40,8 @@ public:
     static QString defaultCacheFolder();
 
     /// Shows what is asked. When the help file is missing or broken the page says so; a topic that the help doesn't
-    /// have shows the contents.
-    void htmlHelp(const QString &path, HelpCommand command, const HelpData &data) override;
+    /// have shows the start page.
+    void htmlHelp(const QString &path, HelpCommand command, const HelpData &argument) override;
 
 private:
     bool openHelpFile(const QString &path);
@@ -50,6 +51,7 @@ private:
     QWidget *buildIndexPane();
     QWidget *buildSearchPane();
     void showProblem(const QString &path);
+    void showTopic(qint32 number);
     void showHome();
     void showUrl(const QUrl &url);
     void startSearch();
@@ -67,5 +69,6 @@ private:
     QTabWidget *m_tabs = nullptr;
     HelpBrowser *m_page = nullptr;
     QLineEdit *m_query = nullptr;
+    QLabel *m_state = nullptr;
     QListWidget *m_results = nullptr;
 };

@@ -7,7 +7,6 @@
 
 #include <QString>
 
-#include <array>
 #include <functional>
 #include <memory>
 
@@ -15,12 +14,14 @@ class Downloader;
 class MainWindow;
 class Messages;
 class ProgressBar;
-class QAbstractButton;
 class QCheckBox;
 class QLabel;
+class QLayout;
 class QLineEdit;
 class QPlainTextEdit;
+class QPushButton;
 class QRadioButton;
+class QStackedLayout;
 class QTreeWidget;
 class QTreeWidgetItem;
 class QWidget;
@@ -57,23 +58,24 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    QWidget *buildPages();
+    QWidget *buildSourcePage();
+    QWidget *buildFilePage();
+    QWidget *buildWebPage();
     QWidget *buildListPage();
     QWidget *buildRunPanel();
-    void showPage(qint16 page);
+    QLayout *buildButtons();
+    void showPage(qint16 number);
+    void takeOpmlFile(const QString &path);
     void loadOpmlList();
-    void showListPage();
-    void showOutlineDescription(int index);
-    void showIncorrectFile(const QString &path);
+    void showOutlineDescription(const QTreeWidgetItem &item);
     void handleOpmlComplete(qint32 status);
     void handleFeedComplete(qint32 status);
     void handleItemChanged(QTreeWidgetItem *item);
     void handleItemDoubleClicked(QTreeWidgetItem *item);
     void handleCheckAll(bool checked);
-    void handleArrowKey(int key);
     void handleStop();
-    void countChecked(int difference);
-    bool fetch(const QTreeWidgetItem &item);
+    void countChecked(bool checked);
+    bool fetch(const QString &name, const QString &address);
 
     MainWindow &m_window;
     Messages &m_messages;
@@ -91,8 +93,7 @@ private:
     bool m_stopped = false;
     QString m_currentFeedUrl;
 
-    std::array<QWidget *, 4> m_fraWizard{};
-    QWidget *m_fraImportation = nullptr;
+    QStackedLayout *m_pages = nullptr; ///< the four pages, and the panel of the run
     QRadioButton *m_optFromFile = nullptr;
     QLineEdit *m_txtOPMLPath = nullptr;
     QLineEdit *m_txtURL = nullptr;
@@ -102,9 +103,9 @@ private:
     QPlainTextEdit *m_txtDescription = nullptr;
     QLabel *m_lblTitre = nullptr;
     ProgressBar *m_vbalProgressBar1 = nullptr;
-    QAbstractButton *m_cmdPrecedent = nullptr;
-    QAbstractButton *m_cmdSuivant = nullptr;
-    QAbstractButton *m_cmdTerminer = nullptr;
-    QAbstractButton *m_cmdAnnuler = nullptr;
-    QAbstractButton *m_cmdCanceller = nullptr;
+    QPushButton *m_cmdPrecedent = nullptr;
+    QPushButton *m_cmdSuivant = nullptr;
+    QPushButton *m_cmdTerminer = nullptr;
+    QPushButton *m_cmdAnnuler = nullptr;
+    QPushButton *m_cmdCanceller = nullptr;
 };

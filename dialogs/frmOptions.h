@@ -3,7 +3,6 @@
 #include "controls/DialogBase.h"
 #include "dialogs/FileDialogs.h"
 
-#include <array>
 #include <functional>
 
 class MainWindow;
@@ -52,15 +51,13 @@ private:
     QWidget *buildMailsPage();
     void connectControls();
     void load();
-    void handleTab(int index);
-    void enableApply();
+    void showMode(bool shown);
 
     MainWindow &m_window;
     RunAtStartup m_runAtStartup;
     AskFile m_askSound;
     bool m_wasRunAtStartup = false;
     TabControl *m_tstrOpt = nullptr;
-    std::array<QWidget *, 3> m_pages{};
     QCheckBox *m_chkDemWin = nullptr;
     QLabel *m_lblMode = nullptr;
     QComboBox *m_cmbMode = nullptr;

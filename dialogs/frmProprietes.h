@@ -2,8 +2,6 @@
 
 #include "controls/DialogBase.h"
 
-#include <array>
-
 class MainWindow;
 class QCheckBox;
 class QLabel;
@@ -49,16 +47,13 @@ private:
     QWidget *buildSynchroPage();
     QWidget *buildAdvancedPage();
     QWidget *buildAuthenticationPage();
-    void fillSynchro(bool subscribed);
-    void fillAuthentication();
-    void handleTab(int index);
-    void handleNoDel();
-    void enableApply();
-    QString selectedKey() const;
+    void fillSynchro(const QString &key);
+    void fillAuthentication(const QString &key);
+    void enableCache(bool enabled);
 
     MainWindow &m_window;
     TabControl *m_tstrProp = nullptr;
-    std::array<QWidget *, 5> m_pages{};
+    QWidget *m_picAuthentication = nullptr;
     QLineEdit *m_txtTitle = nullptr;
     QLineEdit *m_txtURL = nullptr;
     QLineEdit *m_txtSite = nullptr;
@@ -69,7 +64,6 @@ private:
     QLineEdit *m_txtWebmaster = nullptr;
     QLineEdit *m_txtCopyright = nullptr;
     QLineEdit *m_txtMaj = nullptr;
-    UpDown *m_upDown1 = nullptr;
     QLabel *m_lblCache = nullptr;
     QLineEdit *m_txtCache = nullptr;
     UpDown *m_upDown2 = nullptr;

@@ -35,14 +35,10 @@ private:
     QString feedsterUrl() const;
     QString dayPopUrl() const;
     QString webUrl() const;
-    void handleSearch();
 
     MainWindow &m_window;
     SearchEndpoints m_endpoints;
     TabControl *m_tstrPrinc = nullptr;
-    QWidget *m_picFeedster = nullptr;
-    QWidget *m_picDayPop = nullptr;
-    QWidget *m_picWeb = nullptr;
     std::array<QLineEdit *, 3> m_txtRecherche{};
     std::array<QRadioButton *, 2> m_optTri{};
     std::array<QRadioButton *, 2> m_optCategory{};

@@ -37,6 +37,9 @@ public:
     /// Escape is "Annuler", and like it does nothing while that button is disabled.
     void reject() override;
 
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+
 private:
     void poSendMail_SendSuccesful();
     void poSendMail_SendFailed(const QString &Explanation);

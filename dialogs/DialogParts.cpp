@@ -1,0 +1,72 @@
+#include "dialogs/DialogParts.h"
+
+#include <QBoxLayout>
+#include <QDialog>
+#include <QGridLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+
+QString DialogParts::arrayName(const QString &name, int index)
+{
+    return name + QLatin1Char('_') + QString::number(index);
+}
+
+QPushButton *DialogParts::button(const QString &name, const QString &caption)
+{
+    return named(new QPushButton(caption), name);
+}
+
+QLineEdit *DialogParts::lineEdit(const QString &name)
+{
+    auto *box = named(new QLineEdit, name);
+    box->setMinimumWidth(28 * box->fontMetrics().averageCharWidth());
+    return box;
+}
+
+QPlainTextEdit *DialogParts::textBox(const QString &name)
+{
+    auto *box = named(new QPlainTextEdit, name);
+    box->setTabChangesFocus(true);
+    box->setMinimumSize(28 * box->fontMetrics().averageCharWidth(), 4 * box->fontMetrics().lineSpacing());
+    return box;
+}
+
+QLabel *DialogParts::label(const QString &caption, QWidget *box)
+{
+    auto *label = new QLabel(caption);
+    label->setTextFormat(Qt::PlainText);
+    label->setBuddy(box);
+    return label;
+}
+
+QLabel *DialogParts::addRow(QGridLayout &grid, const QString &caption, QWidget *box)
+{
+    const int row = grid.rowCount();
+    QLabel *const caption_ = label(caption, box);
+    const bool tall = qobject_cast<QPlainTextEdit *>(box) != nullptr;
+    grid.addWidget(caption_, row, 0, tall ? Qt::AlignTop : Qt::AlignVCenter);
+    grid.addWidget(box, row, 1);
+    return caption_;
+}
+
+QHBoxLayout *DialogParts::buttonRow(const QList<QPushButton *> &buttons)
+{
+    auto *row = new QHBoxLayout;
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(Edge);
+    row->addStretch();
+    for (QPushButton *const button : buttons)
+        row->addWidget(button);
+    return row;
+}
+
+void DialogParts::layOut(QDialog &dialog, QWidget *content, QLayout *buttons)
+{
+    auto *layout = new QVBoxLayout(&dialog);
+    layout->setContentsMargins(Edge, Edge, Edge, Edge);
+    layout->setSpacing(Edge);
+    layout->addWidget(content, 1);
+    layout->addLayout(buttons);
+}

@@ -1,0 +1,20 @@
+#include "dialogs/HelpBrowser.h"
+
+#include <QHelpEngine>
+
+HelpBrowser::HelpBrowser(QWidget *parent) : QTextBrowser(parent)
+{
+    setOpenLinks(false);
+    setUndoRedoEnabled(false);
+}
+
+QVariant HelpBrowser::loadResource(int type, const QUrl &name)
+{
+    const QUrl url = name.isRelative() ? source().resolved(name) : name;
+    if (!m_engine || url.scheme() != QStringLiteral("qthelp"))
+        return {};
+    const QByteArray bytes = m_engine->fileData(url);
+    if (type == QTextDocument::HtmlResource || type == QTextDocument::StyleSheetResource)
+        return QString::fromUtf8(bytes);
+    return bytes;
+}

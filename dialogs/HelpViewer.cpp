@@ -1,0 +1,314 @@
+#include "dialogs/HelpViewer.h"
+
+#include "dialogs/DialogParts.h"
+#include "dialogs/HelpBrowser.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QHelpContentWidget>
+#include <QHelpEngine>
+#include <QHelpIndexWidget>
+#include <QHelpLink>
+#include <QHelpSearchEngine>
+#include <QIcon>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QSplitter>
+#include <QStandardPaths>
+#include <QTabWidget>
+#include <QToolBar>
+#include <QVBoxLayout>
+
+#include <utility>
+
+using DialogParts::named;
+
+namespace {
+
+constexpr int UrlRole = Qt::UserRole;
+constexpr int MaxResults = 500;
+
+enum Tab { ContentsTab, IndexTab, SearchTab };
+
+/// The help file of a path that may name a window type behind ">".
+QString fileOfPath(const QString &path)
+{
+    return path.section(QLatin1Char('>'), 0, 0);
+}
+
+} // namespace
+
+HelpViewer::HelpViewer(QStringList candidates, QString cacheFolder, std::function<void(const QString &)> openExternal,
+                       QWidget *parent)
+    : QMainWindow(parent), m_candidates(std::move(candidates)), m_cacheFolder(std::move(cacheFolder)),
+      m_openExternal(std::move(openExternal))
+{
+    setWindowTitle(QStringLiteral("Aide de Quillwire"));
+    m_page = named(new HelpBrowser, QStringLiteral("page"));
+    m_page->setAccessibleName(QStringLiteral("Page de l'aide"));
+    m_tabs = named(new QTabWidget, QStringLiteral("tabs"));
+    auto *splitter = new QSplitter;
+    splitter->addWidget(m_tabs);
+    splitter->addWidget(m_page);
+    splitter->setStretchFactor(1, 1);
+    splitter->setChildrenCollapsible(false);
+    setCentralWidget(splitter);
+    buildToolBar();
+    const int unit = fontMetrics().averageCharWidth();
+    splitter->setSizes({40 * unit, 90 * unit});
+    resize(130 * unit, 80 * unit);
+    connect(m_page, &HelpBrowser::anchorClicked, this, &HelpViewer::handleAnchor);
+}
+
+HelpViewer::~HelpViewer()
+{
+    m_page->setEngine(nullptr);
+}
+
+QString HelpViewer::defaultCacheFolder()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::CacheLocation) + QStringLiteral("/help");
+}
+
+void HelpViewer::buildToolBar()
+{
+    QToolBar *const bar = addToolBar(QStringLiteral("Navigation"));
+    bar->setMovable(false);
+    bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    const auto icon = [](const char *name) {
+        return QIcon(QStringLiteral(":/icons/") + QLatin1String(name) + QStringLiteral(".svg"));
+    };
+    QAction *const back =
+        bar->addAction(icon("precedent"), QStringLiteral("Précédent"), m_page, &HelpBrowser::backward);
+    QAction *const forward = bar->addAction(icon("suivant"), QStringLiteral("Suivant"), m_page, &HelpBrowser::forward);
+    QAction *const home = bar->addAction(QStringLiteral("Accueil"), this, &HelpViewer::showHome);
+    back->setObjectName(QStringLiteral("back"));
+    forward->setObjectName(QStringLiteral("forward"));
+    home->setObjectName(QStringLiteral("home"));
+    back->setShortcut(QKeySequence::Back);
+    forward->setShortcut(QKeySequence::Forward);
+    home->setShortcut(Qt::ALT | Qt::Key_Home);
+    back->setEnabled(false);
+    forward->setEnabled(false);
+    connect(m_page, &HelpBrowser::backwardAvailable, back, &QAction::setEnabled);
+    connect(m_page, &HelpBrowser::forwardAvailable, forward, &QAction::setEnabled);
+}
+
+void HelpViewer::buildPanes()
+{
+    QHelpContentWidget *const contents = m_engine->contentWidget();
+    contents->setAccessibleName(QStringLiteral("Sommaire"));
+    m_tabs->addTab(named(contents, QStringLiteral("contents")), QStringLiteral("Sommaire"));
+    m_tabs->addTab(buildIndexPane(), QStringLiteral("Index"));
+    m_tabs->addTab(buildSearchPane(), QStringLiteral("Rechercher"));
+    connect(contents, &QHelpContentWidget::linkActivated, this, &HelpViewer::showUrl);
+    connect(contents, &QHelpContentWidget::clicked, this, [this, contents](const QModelIndex &index) {
+        if (const QHelpContentItem *const item = m_engine->contentModel()->contentItemAt(index))
+            showUrl(item->url());
+        contents->setFocus();
+    });
+    connect(m_engine->contentModel(), &QHelpContentModel::contentsCreated, contents,
+            [contents] { contents->expandToDepth(0); });
+}
+
+QWidget *HelpViewer::buildIndexPane()
+{
+    auto *pane = new QWidget;
+    auto *filter = named(new QLineEdit, QStringLiteral("filter"));
+    filter->setPlaceholderText(QStringLiteral("Mot cherché"));
+    filter->setAccessibleName(QStringLiteral("Mot cherché"));
+    filter->setClearButtonEnabled(true);
+    QHelpIndexWidget *const index = named(m_engine->indexWidget(), QStringLiteral("index"));
+    index->setAccessibleName(QStringLiteral("Index"));
+    auto *column = new QVBoxLayout(pane);
+    column->addWidget(filter);
+    column->addWidget(index);
+    connect(filter, &QLineEdit::textChanged, index, [index](const QString &text) { index->filterIndices(text); });
+    connect(filter, &QLineEdit::returnPressed, index, &QHelpIndexWidget::activateCurrentItem);
+    connect(index, &QHelpIndexWidget::documentActivated, this,
+            [this](const QHelpLink &document) { showUrl(document.url); });
+    connect(index, &QHelpIndexWidget::documentsActivated, this, [this](const QList<QHelpLink> &documents) {
+        if (!documents.isEmpty())
+            showUrl(documents.constFirst().url);
+    });
+    connect(index, &QHelpIndexWidget::clicked, index, &QHelpIndexWidget::activateCurrentItem);
+    return pane;
+}
+
+QWidget *HelpViewer::buildSearchPane()
+{
+    auto *pane = new QWidget;
+    m_query = named(new QLineEdit, QStringLiteral("query"));
+    m_query->setAccessibleName(QStringLiteral("Texte à rechercher"));
+    auto *start = DialogParts::button(QStringLiteral("search"), QStringLiteral("Rechercher"));
+    m_state = named(new QLabel, QStringLiteral("state"));
+    m_state->setWordWrap(true);
+    m_results = named(new QListWidget, QStringLiteral("results"));
+    m_results->setAccessibleName(QStringLiteral("Pages trouvées"));
+    auto *column = new QVBoxLayout(pane);
+    auto *row = new QHBoxLayout;
+    row->addWidget(m_query);
+    row->addWidget(start);
+    column->addLayout(row);
+    column->addWidget(m_state);
+    column->addWidget(m_results);
+    connect(m_query, &QLineEdit::returnPressed, this, &HelpViewer::startSearch);
+    connect(start, &QPushButton::clicked, this, &HelpViewer::startSearch);
+    const auto open = [this](const QListWidgetItem *item) { showUrl(item->data(UrlRole).toUrl()); };
+    connect(m_results, &QListWidget::itemClicked, this, open);
+    connect(m_results, &QListWidget::itemActivated, this, open);
+    return pane;
+}
+
+bool HelpViewer::openHelpFile(const QString &path)
+{
+    if (m_engine)
+        return true;
+    const QString wanted = QFileInfo(fileOfPath(path)).completeBaseName();
+    QString helpFile;
+    for (const QString &candidate : std::as_const(m_candidates)) {
+        const QFileInfo file(candidate);
+        if (helpFile.isEmpty() && file.isFile() && file.completeBaseName() == wanted)
+            helpFile = file.absoluteFilePath();
+    }
+    // What can't be opened here isn't a help file; the engine would only say so on the console.
+    if (helpFile.isEmpty() || QHelpEngineCore::namespaceName(helpFile).isEmpty())
+        return false;
+
+    const QString collection = QStringLiteral("/Quillwire.qhc");
+    if (QDir().mkpath(m_cacheFolder)) {
+        if (openCollection(m_cacheFolder + collection, helpFile))
+            return true;
+        QFile::remove(m_cacheFolder + collection); // damaged, or of another version
+        if (openCollection(m_cacheFolder + collection, helpFile))
+            return true;
+    }
+    m_temporaryFolder.emplace();
+    return m_temporaryFolder->isValid() && openCollection(m_temporaryFolder->path() + collection, helpFile);
+}
+
+bool HelpViewer::openCollection(const QString &collection, const QString &helpFile)
+{
+    auto engine = std::make_unique<QHelpEngine>(collection);
+    engine->setReadOnly(false);
+    if (!engine->setupData())
+        return false;
+    m_namespace = QHelpEngineCore::namespaceName(helpFile);
+    const QString known = engine->documentationFileName(m_namespace);
+    if (known.isEmpty() || QFileInfo(known) != QFileInfo(helpFile)) {
+        if (!known.isEmpty())
+            engine->unregisterDocumentation(m_namespace);
+        if (!engine->registerDocumentation(helpFile) || !engine->setupData())
+            return false;
+    }
+    m_engine = std::move(engine);
+    m_page->setEngine(m_engine.get());
+    buildPanes();
+
+    QHelpSearchEngine *const search = m_engine->searchEngine();
+    connect(search, &QHelpSearchEngine::indexingFinished, this, [this] {
+        m_searchable = true;
+        if (!m_pendingQuery.isEmpty())
+            m_engine->searchEngine()->search(std::exchange(m_pendingQuery, QString()));
+    });
+    connect(search, &QHelpSearchEngine::searchingFinished, this, &HelpViewer::handleSearchFinished);
+    search->scheduleIndexDocumentation();
+    return true;
+}
+
+void HelpViewer::htmlHelp(const QString &path, HelpCommand command, const HelpData &argument)
+{
+    show();
+    raise();
+    activateWindow();
+    if (!openHelpFile(path)) {
+        showProblem(path);
+        return;
+    }
+    switch (command) {
+    case HelpCommand::Contents:
+        m_tabs->setCurrentIndex(ContentsTab);
+        break;
+    case HelpCommand::Index:
+        m_tabs->setCurrentIndex(IndexTab);
+        break;
+    case HelpCommand::Search:
+        m_tabs->setCurrentIndex(SearchTab);
+        if (const auto *const query = std::get_if<HelpQuery>(&argument)) {
+            m_query->setText(query->text);
+            if (query->execute)
+                startSearch();
+        }
+        break;
+    case HelpCommand::Topic:
+        if (const auto *const number = std::get_if<qint32>(&argument)) {
+            showTopic(*number);
+            return;
+        }
+        break;
+    }
+    if (m_page->source().isEmpty())
+        showHome();
+}
+
+void HelpViewer::showProblem(const QString &path)
+{
+    m_page->setPlainText(QStringLiteral("Le fichier d'aide ") + fileOfPath(path) +
+                         QStringLiteral(" est introuvable ou illisible."));
+}
+
+void HelpViewer::showTopic(qint32 number)
+{
+    const QList<QHelpLink> pages = m_engine->documentsForIdentifier(QStringLiteral("topic-") + QString::number(number));
+    if (pages.isEmpty())
+        showHome();
+    else
+        showUrl(pages.constFirst().url);
+}
+
+void HelpViewer::showHome()
+{
+    if (m_engine)
+        showUrl(QUrl(QStringLiteral("qthelp://") + m_namespace + QStringLiteral("/doc/index.html")));
+}
+
+void HelpViewer::showUrl(const QUrl &url)
+{
+    m_page->setSource(url);
+}
+
+void HelpViewer::startSearch()
+{
+    m_results->clear();
+    const QString text = m_query->text().trimmed();
+    if (text.isEmpty())
+        return;
+    m_state->setText(QStringLiteral("Recherche en cours..."));
+    if (m_searchable)
+        m_engine->searchEngine()->search(text);
+    else
+        m_pendingQuery = text; // until the text of the pages is indexed
+}
+
+void HelpViewer::handleSearchFinished()
+{
+    const QList<QHelpSearchResult> found = m_engine->searchEngine()->searchResults(0, MaxResults);
+    m_results->clear();
+    for (const QHelpSearchResult &result : found) {
+        auto *item = new QListWidgetItem(result.title(), m_results);
+        item->setData(UrlRole, result.url());
+    }
+    m_state->setText(found.isEmpty() ? QStringLiteral("Aucune page trouvée")
+                                     : QStringLiteral("Pages trouvées : ") + QString::number(found.size()));
+}
+
+void HelpViewer::handleAnchor(const QUrl &url)
+{
+    const QUrl target = m_page->source().resolved(url);
+    if (target.scheme() == QStringLiteral("qthelp"))
+        showUrl(target);
+    else
+        m_openExternal(target.toString());
+}

@@ -1,0 +1,36 @@
+#include "dialogs/LinkButton.h"
+
+#include <QPainter>
+#include <QStyle>
+#include <QStyleOptionFocusRect>
+
+namespace {
+constexpr int Margin = 2; // room for the focus frame
+}
+
+LinkButton::LinkButton(const QString &text, QWidget *parent) : QPushButton(text, parent)
+{
+    setFlat(true);
+    setCursor(Qt::PointingHandCursor);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    QFont underlined = font();
+    underlined.setUnderline(true);
+    setFont(underlined);
+}
+
+QSize LinkButton::sizeHint() const
+{
+    return fontMetrics().size(Qt::TextShowMnemonic, text()) + QSize(2 * Margin, 2 * Margin);
+}
+
+void LinkButton::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setPen(palette().color(QPalette::Link));
+    painter.drawText(rect().adjusted(Margin, Margin, -Margin, -Margin), Qt::AlignLeft | Qt::AlignVCenter, text());
+    if (!hasFocus())
+        return;
+    QStyleOptionFocusRect frame;
+    frame.initFrom(this);
+    style()->drawPrimitive(QStyle::PE_FrameFocusRect, &frame, &painter, this);
+}

@@ -1,0 +1,114 @@
+#include "dialogs/frmAbout.h"
+
+#include "core/MainWindow.h"
+#include "dialogs/DialogParts.h"
+#include "dialogs/LinkButton.h"
+#include "dialogs/MakerSite.h"
+
+#include <QBoxLayout>
+#include <QIcon>
+#include <QLabel>
+#include <QPainter>
+#include <QPlainTextEdit>
+
+namespace {
+
+/// A row of dots between the parts of the box.
+class DotRow final : public QWidget
+{
+public:
+    explicit DotRow(const QString &name)
+    {
+        setObjectName(name);
+        setFixedHeight(5);
+    }
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        painter.setPen(QPen(palette().color(QPalette::Mid), 2, Qt::DotLine));
+        painter.drawLine(0, height() / 2, width(), height() / 2);
+    }
+};
+
+QString credits()
+{
+    return QStringLiteral(
+        "Quillwire s'appuie sur ces composants :\n\n"
+        "Qt 6 et Qt WebEngine : The Qt Company et les contributeurs du projet Qt (LGPL 3)\n"
+        "Chromium, dans Qt WebEngine : The Chromium Authors (BSD)\n"
+        "libxml2 : Daniel Veillard et contributeurs (MIT)\n"
+        "libcurl : Daniel Stenberg et contributeurs (licence curl)\n"
+        "SQLite, pour l'aide : domaine public\n\n"
+        "Remercions également ces personnes pour leur contribution au bon développement du programme :\n\n"
+        "celles et ceux qui ont essayé les versions successives, signalé leurs défauts et proposé des "
+        "améliorations.\n\n"
+        "Copyright \u00a9 Tovik. Les marques citées sont celles de leurs propriétaires.");
+}
+
+QLabel *text(const QString &name, const QString &caption, double scale, bool bold)
+{
+    auto *label = DialogParts::named(new QLabel(caption), name);
+    label->setTextFormat(Qt::PlainText);
+    QFont font = label->font();
+    font.setPointSizeF(font.pointSizeF() * scale);
+    font.setBold(bold);
+    label->setFont(font);
+    return label;
+}
+
+} // namespace
+
+frmAbout::frmAbout(MainWindow &window) : DialogBase(QStringLiteral("À propos"), window.frame())
+{
+    auto *content = new QWidget;
+    auto *column = new QVBoxLayout(content);
+    column->setContentsMargins(0, 0, 0, 0);
+
+    auto *banner = new QHBoxLayout;
+    auto *imgIcon = DialogParts::named(new QLabel, QStringLiteral("imgIcon"));
+    const int side = fontMetrics().height() * 4;
+    imgIcon->setPixmap(QIcon(QStringLiteral(":/icons/quillwire.svg")).pixmap(QSize(side, side), devicePixelRatio()));
+    banner->addWidget(imgIcon);
+    auto *names = new QVBoxLayout;
+    auto *product = new QHBoxLayout;
+    product->addWidget(text(QStringLiteral("lblInfo_0"), QStringLiteral("Quillwire"), 2.0, true));
+    product->addWidget(text(QStringLiteral("lblInfo_1"), QStringLiteral("v3.1"), 1.2, false), 0, Qt::AlignBottom);
+    product->addStretch();
+    names->addLayout(product);
+    names->addWidget(text(QStringLiteral("lblTitle"), QStringLiteral("Tovik"), 1.2, false));
+    banner->addLayout(names, 1);
+    column->addLayout(banner);
+
+    column->addWidget(new DotRow(QStringLiteral("lblDescription")));
+    column->addWidget(text(QStringLiteral("lblVersion"), QStringLiteral("Version: 3.1.0"), 1.0, false));
+
+    const auto addLink = [&](const QString &name, const QString &caption, const QString &url) {
+        auto *link = DialogParts::named(new LinkButton(caption), name);
+        column->addWidget(link);
+        connect(link, &LinkButton::clicked, this, [&window, url] { window.openInSystemBrowser(url); });
+    };
+    addLink(QStringLiteral("lblProduct"), QStringLiteral("Page web de Quillwire"),
+            MakerSite::page(QStringLiteral("prog/Quillwire/")));
+    // The number that the site is asked about is not this program's version; that is wanted.
+    addLink(QStringLiteral("lblVersionUpdate"), QStringLiteral("Information de mise à jour"),
+            MakerSite::page(QStringLiteral("prog/Quillwire/update.php?version=3.0.4")));
+    addLink(QStringLiteral("lblURL"), MakerSite::root(), MakerSite::root());
+
+    column->addWidget(new DotRow(QStringLiteral("lblDotLine")));
+    auto *txtSpecialCopyright = DialogParts::textBox(QStringLiteral("txtSpecialCopyright"));
+    txtSpecialCopyright->setReadOnly(true);
+    txtSpecialCopyright->setAccessibleName(QStringLiteral("Remerciements"));
+    txtSpecialCopyright->setPlainText(credits());
+    txtSpecialCopyright->setMinimumSize(fontMetrics().averageCharWidth() * 60, fontMetrics().lineSpacing() * 8);
+    column->addWidget(txtSpecialCopyright);
+
+    auto *cmdOK = DialogParts::button(QStringLiteral("cmdOK"), QStringLiteral("OK"));
+    DialogParts::layOut(*this, content, DialogParts::buttonRow({cmdOK}));
+    layout()->setSizeConstraint(QLayout::SetFixedSize);
+    cmdOK->setDefault(true);
+    cmdOK->setFocus();
+    // Escape closes a dialog too: the button is default and cancel button at once.
+    connect(cmdOK, &QPushButton::clicked, this, &frmAbout::accept);
+}

@@ -1,0 +1,47 @@
+#include "dialogs/frmAuthentification.h"
+
+#include "core/MainWindow.h"
+#include "dialogs/DialogParts.h"
+
+#include <QGridLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+frmAuthentification::frmAuthentification(MainWindow &window)
+    : DialogBase(QStringLiteral("Authentification"), window.frame()), m_window(window),
+      m_txtUsername(DialogParts::lineEdit(QStringLiteral("txtUsername"))),
+      m_txtPassword(DialogParts::lineEdit(QStringLiteral("txtPassword")))
+{
+    m_txtPassword->setEchoMode(QLineEdit::Password);
+
+    auto *content = new QWidget;
+    auto *grid = new QGridLayout(content);
+    grid->setContentsMargins(0, 0, 0, 0);
+    auto *text = DialogParts::named(
+        new QLabel(
+            QStringLiteral("Le flux auquel vous souhaitez accéder nécessité de vous authentifier, veuillez compléter "
+                           "votre nom d'utilisateur et mot de passe.")),
+        QStringLiteral("lblText"));
+    text->setWordWrap(true);
+    grid->addWidget(text, 0, 0, 1, 2);
+    DialogParts::addRow(*grid, QStringLiteral("Nom d'utilisateur :"), m_txtUsername);
+    // Spelled so on purpose.
+    DialogParts::addRow(*grid, QStringLiteral("Mot de pase :"), m_txtPassword);
+
+    auto *cmdOK = DialogParts::button(QStringLiteral("cmdOK"), QStringLiteral("OK"));
+    auto *cmdAnnuler = DialogParts::button(QStringLiteral("cmdAnnuler"), QStringLiteral("Annuler"));
+    DialogParts::layOut(*this, content, DialogParts::buttonRow({cmdOK, cmdAnnuler}));
+    cmdOK->setDefault(true);
+    m_txtUsername->setFocus();
+
+    connect(cmdOK, &QPushButton::clicked, this, &frmAuthentification::handleOk);
+    connect(cmdAnnuler, &QPushButton::clicked, this, &frmAuthentification::reject);
+}
+
+void frmAuthentification::handleOk()
+{
+    m_window.setCredentials(m_txtUsername->text(), m_txtPassword->text());
+    m_window.LoadFile();
+    accept();
+}

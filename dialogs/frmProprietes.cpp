@@ -1,0 +1,286 @@
+#include "dialogs/frmProprietes.h"
+
+#include "controls/TabControl.h"
+#include "controls/UpDown.h"
+#include "core/FeedCatalogue.h"
+#include "core/FeedTables.h"
+#include "core/FeedTree.h"
+#include "core/MainWindow.h"
+#include "dialogs/DialogParts.h"
+#include "engine/feed/CachedFeed.h"
+#include "platform/Numbers.h"
+#include "platform/RunTimeError.h"
+#include "support/clsDES.h"
+
+#include <QCheckBox>
+#include <QGridLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+
+#include <cmath>
+
+using namespace DialogParts;
+
+namespace {
+
+QLineEdit *readOnlyLine(const QString &name)
+{
+    auto *box = lineEdit(name);
+    box->setReadOnly(true);
+    return box;
+}
+
+void put(QLineEdit *box, const QString &text)
+{
+    box->setText(text);
+    box->setCursorPosition(0);
+}
+
+QWidget *withArrows(QLineEdit *box, UpDown *arrows)
+{
+    auto *pair = new QWidget;
+    auto *row = new QHBoxLayout(pair);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(0);
+    row->addWidget(box);
+    row->addWidget(arrows);
+    row->addStretch();
+    return pair;
+}
+
+QString versionName(FeedVersion version)
+{
+    switch (version) {
+    case Rss091:
+        return QStringLiteral("RSS 0.91");
+    case Rss092:
+        return QStringLiteral("RSS 0.92");
+    case Rdf10:
+        return QStringLiteral("RDF 1.0");
+    case Rss20:
+        return QStringLiteral("RSS 2.0");
+    case Atom03:
+        return QStringLiteral("Atom 0.3");
+    }
+    return {};
+}
+
+QString extensionNames(const CachedFeed &feed)
+{
+    QString names;
+    if (feed.HasContent())
+        names += QStringLiteral("content\n");
+    if (feed.HasWfw())
+        names += QStringLiteral("wfw\n");
+    if (feed.HasDc())
+        names += QStringLiteral("dc\n");
+    if (feed.HasItunes())
+        names += QStringLiteral("itunes\n");
+    return names;
+}
+
+} // namespace
+
+frmProprietes::frmProprietes(MainWindow &window)
+    : DialogBase(QStringLiteral("Propriétés"), window.frame()), m_window(window)
+{
+    m_tstrProp = named(new TabControl, QStringLiteral("tstrProp"));
+    m_tstrProp->addTab(QStringLiteral("general"), QStringLiteral("Général"), buildGeneralPage());
+    m_tstrProp->addTab(QStringLiteral("infos"), QStringLiteral("Informations sur le canal"), buildInfosPage());
+    m_tstrProp->addTab(QStringLiteral("synchronisation"), QStringLiteral("Synchronisation"), buildSynchroPage());
+    m_tstrProp->addTab(QStringLiteral("advanced"), QStringLiteral("Avancé"), buildAdvancedPage());
+    m_picAuthentication = buildAuthenticationPage();
+    m_picAuthentication->setParent(this);
+    m_picAuthentication->hide();
+    m_tstrProp->setUsesScrollButtons(false);
+
+    m_cmdAppliquer = button(QStringLiteral("cmdAppliquer"), QStringLiteral("Appliquer"));
+    auto *cmdFermer = button(QStringLiteral("cmdFermer"), QStringLiteral("&Fermer"));
+    layOut(*this, m_tstrProp, buttonRow({m_cmdAppliquer, cmdFermer}));
+    cmdFermer->setDefault(true);
+    m_cmdAppliquer->setEnabled(false);
+
+    for (QLineEdit *const box : {m_txtMaj, m_txtCache, m_txtUsername, m_txtPassword})
+        connect(box, &QLineEdit::textChanged, this, [this] { m_cmdAppliquer->setEnabled(true); });
+    // This click alone doesn't enable "Appliquer"; that is wanted.
+    connect(m_chkNoDel, &QCheckBox::toggled, this, [this](bool checked) { enableCache(!checked); });
+    connect(m_cmdAppliquer, &QPushButton::clicked, this, &frmProprietes::handleApply);
+    connect(cmdFermer, &QPushButton::clicked, this, &frmProprietes::accept);
+}
+
+QWidget *frmProprietes::buildGeneralPage()
+{
+    auto *page = named(new QWidget, QStringLiteral("picGeneral"));
+    auto *grid = new QGridLayout(page);
+    addRow(*grid, QStringLiteral("Titre du canal :"), m_txtTitle = readOnlyLine(QStringLiteral("txtTitle")));
+    addRow(*grid, QStringLiteral("URL du canal :"), m_txtURL = readOnlyLine(QStringLiteral("txtURL")));
+    addRow(*grid, QStringLiteral("Site web :"), m_txtSite = readOnlyLine(QStringLiteral("txtSite")));
+    m_txtDescription = textBox(QStringLiteral("txtDescription"));
+    m_txtDescription->setReadOnly(true);
+    addRow(*grid, QStringLiteral("Description :"), m_txtDescription);
+    return page;
+}
+
+QWidget *frmProprietes::buildInfosPage()
+{
+    auto *page = named(new QWidget, QStringLiteral("picInfos"));
+    auto *grid = new QGridLayout(page);
+    addRow(*grid, QStringLiteral("Version :"), m_txtVersion = readOnlyLine(QStringLiteral("txtVersion")));
+    addRow(*grid, QStringLiteral("Langue :"), m_txtLangue = readOnlyLine(QStringLiteral("txtLangue")));
+    addRow(*grid, QStringLiteral("Editeur :"), m_txtEditeur = readOnlyLine(QStringLiteral("txtEditeur")));
+    addRow(*grid, QStringLiteral("Webmaster :"), m_txtWebmaster = readOnlyLine(QStringLiteral("txtWebmaster")));
+    addRow(*grid, QStringLiteral("Copyright :"), m_txtCopyright = readOnlyLine(QStringLiteral("txtCopyright")));
+    grid->setRowStretch(grid->rowCount(), 1);
+    return page;
+}
+
+QWidget *frmProprietes::buildSynchroPage()
+{
+    auto *page = named(new QWidget, QStringLiteral("picSynchro"));
+    auto *grid = new QGridLayout(page);
+    m_txtMaj = named(new QLineEdit, QStringLiteral("txtMaj"));
+    auto *upDown1 = named(new UpDown(m_txtMaj, 1, 60, 1, 5), QStringLiteral("UpDown1"));
+    addRow(*grid, QStringLiteral("Mise à jour toutes les (min) :"), withArrows(m_txtMaj, upDown1))->setBuddy(m_txtMaj);
+    m_txtCache = named(new QLineEdit, QStringLiteral("txtCache"));
+    m_upDown2 = named(new UpDown(m_txtCache, 1, 60, 1, 5), QStringLiteral("UpDown2"));
+    m_lblCache =
+        named(addRow(*grid, QStringLiteral("Garder en cache pour (jour) :"), withArrows(m_txtCache, m_upDown2)),
+              QStringLiteral("lblCache"));
+    m_lblCache->setBuddy(m_txtCache);
+    m_chkNoDel = named(new QCheckBox(QStringLiteral("Ne jamais effacer")), QStringLiteral("chkNoDel"));
+    grid->addWidget(m_chkNoDel, grid->rowCount(), 1);
+    grid->setRowStretch(grid->rowCount(), 1);
+    return page;
+}
+
+QWidget *frmProprietes::buildAdvancedPage()
+{
+    auto *page = named(new QWidget, QStringLiteral("picAdvanced"));
+    auto *grid = new QGridLayout(page);
+    m_txtExtensions = textBox(QStringLiteral("txtExtensions"));
+    m_txtExtensions->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    addRow(*grid, QStringLiteral("Extensions :"), m_txtExtensions);
+    return page;
+}
+
+QWidget *frmProprietes::buildAuthenticationPage()
+{
+    auto *page = named(new QWidget, QStringLiteral("picAuthentication"));
+    auto *grid = new QGridLayout(page);
+    addRow(*grid, QStringLiteral("Nom d'utilisateur :"), m_txtUsername = lineEdit(QStringLiteral("txtUsername")));
+    addRow(*grid, QStringLiteral("Mot de passe :"), m_txtPassword = lineEdit(QStringLiteral("txtPassword")));
+    m_txtPassword->setEchoMode(QLineEdit::Password);
+    grid->setRowStretch(grid->rowCount(), 1);
+    return page;
+}
+
+void frmProprietes::addAuthentication()
+{
+    m_tstrProp->addTab(QStringLiteral("authentication"), QStringLiteral("Authentification"), m_picAuthentication);
+}
+
+void frmProprietes::showFeedProperties(MainWindow &window)
+{
+    frmProprietes form(window);
+    if (form.fillFrom())
+        form.exec();
+}
+
+bool frmProprietes::fillFrom()
+{
+    const std::shared_ptr<CachedFeed> feed = m_window.currentFeed();
+    if (!feed->IsLoaded())
+        return false;
+    const bool subscribed = !m_window.addressFeedShown();
+    const FeedNodePtr node = m_window.feedTree().selected();
+    if (subscribed && !node)
+        throw RunTimeError::objectNotSet();
+
+    put(m_txtTitle, feed->Title());
+    put(m_txtURL, subscribed ? node->tag : m_window.addressText());
+    put(m_txtSite, feed->Link());
+    m_txtDescription->setPlainText(feed->Description());
+    put(m_txtVersion, versionName(feed->Version()));
+    put(m_txtLangue, feed->Language());
+    put(m_txtEditeur, feed->ManagingEditor());
+    put(m_txtWebmaster, feed->WebMaster());
+    put(m_txtCopyright, feed->Copyright());
+    m_txtExtensions->setPlainText(extensionNames(*feed));
+
+    if (subscribed)
+        fillSynchro(node->key());
+    else {
+        m_txtMaj->setText(feed->Ttl());
+        enableCache(false);
+        m_chkNoDel->hide();
+        m_lblCache->hide();
+    }
+    if (node)
+        fillAuthentication(node->key());
+    // Last: filling the boxes has enabled it.
+    m_cmdAppliquer->setEnabled(false);
+    return true;
+}
+
+void frmProprietes::fillSynchro(const QString &key)
+{
+    const FeedTables &tables = m_window.feedTables();
+    m_txtMaj->setText(tables.updatettl.Item(key));
+    const qint16 days = Numbers::toInt16(tables.updatecache.Item(key));
+    m_txtCache->setText(QString::number(Numbers::roundToInt16(std::abs(static_cast<double>(days)))));
+    enableCache(days >= 0);
+    m_chkNoDel->setChecked(days < 0);
+}
+
+void frmProprietes::fillAuthentication(const QString &key)
+{
+    const FeedTables &tables = m_window.feedTables();
+    if (!tables.usernames.Exists(key))
+        return;
+    addAuthentication();
+    m_txtUsername->setText(tables.usernames.Item(key));
+    QString password = tables.passwords.Item(key);
+    m_txtPassword->setText(m_window.cipher().DecryptString(password, FeedCatalogue::cipherKey(key), true));
+}
+
+void frmProprietes::enableCache(bool enabled)
+{
+    m_txtCache->setEnabled(enabled);
+    m_upDown2->setEnabled(enabled);
+}
+
+void frmProprietes::handleApply()
+{
+    m_cmdAppliquer->setEnabled(false);
+    const FeedNodePtr node = m_window.feedTree().selected();
+    if (!node)
+        throw RunTimeError::objectNotSet();
+    const QString key = node->key();
+    FeedTables &tables = m_window.feedTables();
+
+    const auto replace = [&key](Dictionary<QString> &table, const QString &value) {
+        table.Remove(key);
+        table.Add(key, value);
+    };
+    replace(tables.updatettl, m_txtMaj->text());
+    // "-0" for zero days: "never" is lost there when the text is read again, which is wanted.
+    replace(tables.updatecache, m_chkNoDel->isChecked()
+                                    ? QString::number(Numbers::toDouble(m_txtCache->text()) * -1, 'g', 15)
+                                    : m_txtCache->text());
+    replace(tables.havecache, QStringLiteral("0"));
+    if (tables.usernames.Exists(key))
+        replace(tables.usernames, m_txtUsername->text());
+    if (tables.passwords.Exists(key))
+        replace(tables.passwords,
+                m_window.cipher().EncryptString(m_txtPassword->text(), FeedCatalogue::cipherKey(key), true));
+}
+
+void frmProprietes::keyPressEvent(QKeyEvent *event)
+{
+    // There is no cancel button.
+    if (event->key() != Qt::Key_Escape)
+        DialogBase::keyPressEvent(event);
+}

@@ -1,0 +1,254 @@
+#include "dialogs/frmRechercher.h"
+
+#include "controls/TabControl.h"
+#include "controls/Twips.h"
+#include "controls/UpDown.h"
+#include "core/MainWindow.h"
+#include "dialogs/DialogParts.h"
+
+#include <QButtonGroup>
+#include <QComboBox>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QIcon>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+
+#include <cmath>
+
+using namespace DialogParts;
+
+namespace {
+
+struct Choice
+{
+    QString text;
+    QString part; ///< what it adds to the address
+};
+
+const std::array<Choice, 3> &kinds()
+{
+    static const std::array<Choice, 3> table{{{QStringLiteral("Flux RSS et blogs"), QStringLiteral("&t=a")},
+                                              {QStringLiteral("Flux RSS"), QStringLiteral("&t=n")},
+                                              {QStringLiteral("Blogs"), QStringLiteral("&t=w")}}};
+    return table;
+}
+
+const std::array<Choice, 11> &languages()
+{
+    static const std::array<Choice, 11> table{{{QStringLiteral("Toutes les langues"), QString()},
+                                               {QStringLiteral("English"), QStringLiteral("&ln=en")},
+                                               {QStringLiteral("Français"), QStringLiteral("&ln=fr")},
+                                               {QStringLiteral("Deutsch"), QStringLiteral("&ln=de")},
+                                               {QStringLiteral("Nederlands"), QStringLiteral("&ln=nl")},
+                                               {QStringLiteral("Svenska"), QStringLiteral("&ln=sv")},
+                                               {QStringLiteral("Español"), QStringLiteral("&ln=es")},
+                                               {QStringLiteral("Suomi"), QStringLiteral("&ln=fi")},
+                                               {QStringLiteral("Norsk"), QStringLiteral("&ln=no")},
+                                               {QStringLiteral("Português"), QStringLiteral("&ln=pt")},
+                                               {QStringLiteral("Italiano"), QStringLiteral("&ln=it")}}};
+    return table;
+}
+
+template <class Table>
+QComboBox *comboBox(const QString &name, const Table &table)
+{
+    auto *box = named(new QComboBox, name);
+    for (const Choice &choice : table)
+        box->addItem(choice.text, choice.part);
+    return box;
+}
+
+/// Fills one column of the grid's row with a group of buttons, the first of which is set.
+template <std::size_t Count>
+void addOptions(QGridLayout &grid, int row, std::array<QRadioButton *, Count> &options, const QString &name,
+                const std::array<QString, Count> &captions)
+{
+    auto *group = new QButtonGroup(grid.parentWidget());
+    for (std::size_t i = 0; i < Count; ++i) {
+        options[i] = named(new QRadioButton(captions[i]), arrayName(name, static_cast<int>(i)));
+        group->addButton(options[i]);
+        grid.addWidget(options[i], row + static_cast<int>(i), 1);
+    }
+    options[0]->setChecked(true);
+}
+
+void addResultCount(QGridLayout &grid, QLineEdit *&box, int index)
+{
+    box = named(new QLineEdit(QStringLiteral("15")), arrayName(QStringLiteral("txtNbResult"), index));
+    box->setMinimumWidth(box->fontMetrics().averageCharWidth() * 6);
+    auto *arrows = named(new UpDown(box, 15, 100, 1, 15), arrayName(QStringLiteral("UpDown1"), index));
+    auto *pair = new QHBoxLayout;
+    pair->setSpacing(0);
+    pair->addWidget(box);
+    pair->addWidget(arrows);
+    pair->addStretch();
+    const int row = grid.rowCount();
+    grid.addWidget(label(QStringLiteral("Nombre de résultats à afficher :"), box), row, 0);
+    grid.addLayout(pair, row, 1);
+}
+
+/// A page with the words above and the frame of the options, which is 200 twips narrower than the page.
+QWidget *searchPage(const QString &name, QLineEdit *words, QGroupBox *options)
+{
+    auto *page = named(new QWidget, name);
+    auto *column = new QVBoxLayout(page);
+    const int margin = static_cast<int>(std::lround(100.0 / Twips::perPixelX(page)));
+    column->setContentsMargins(margin, margin, margin, margin);
+    auto *row = new QHBoxLayout;
+    row->addWidget(label(QStringLiteral("Rechercher :"), words));
+    row->addWidget(words, 1);
+    column->addLayout(row);
+    column->addWidget(options);
+    column->addStretch();
+    return page;
+}
+
+} // namespace
+
+frmRechercher::frmRechercher(MainWindow &window, const SearchEndpoints &endpoints, int tab)
+    : DialogBase(QStringLiteral("Rechercher"), window.frame()), m_window(window), m_endpoints(endpoints)
+{
+    m_tstrPrinc = named(new TabControl, QStringLiteral("tstrPrinc"));
+    m_tstrPrinc->addTab(QStringLiteral("feedster"), QStringLiteral("Feedster"), buildFeedsterPage());
+    // This key is another service's; nothing reads it.
+    m_tstrPrinc->addTab(QStringLiteral("syndic8"), QStringLiteral("DayPop"), buildDayPopPage());
+    m_tstrPrinc->addTab(QStringLiteral("web"), QStringLiteral("Via le web"), buildWebPage());
+
+    auto *cmdRechercher = button(QStringLiteral("cmdRechercher"), QStringLiteral("&Rechercher"));
+    auto *cmdAnnuler = button(QStringLiteral("cmdAnnuler"), QStringLiteral("&Annuler"));
+    layOut(*this, m_tstrPrinc, buttonRow({cmdRechercher, cmdAnnuler}));
+    cmdRechercher->setDefault(true);
+    connect(m_tstrPrinc, &TabControl::TabClick, this, &frmRechercher::changePics);
+    connect(cmdRechercher, &QPushButton::clicked, this,
+            [this] { openSearchResult(m_window, *this, searchUrl(), m_tstrPrinc->selectedTab() == 3); });
+    connect(cmdAnnuler, &QPushButton::clicked, this, &frmRechercher::reject);
+
+    changePics(tab);
+}
+
+QWidget *frmRechercher::buildFeedsterPage()
+{
+    auto *options = named(new QGroupBox(QStringLiteral("Options")), QStringLiteral("fraOptionsFeedster"));
+    auto *grid = new QGridLayout(options);
+    addOptions(*grid, 0, m_optTri, QStringLiteral("optTri"), {QStringLiteral("Date"), QStringLiteral("Pertinence")});
+    grid->addWidget(label(QStringLiteral("Trier par :"), m_optTri[0]), 0, 0);
+    // Spelled so on purpose.
+    addOptions(*grid, 2, m_optCategory, QStringLiteral("optCategory"),
+               {QStringLiteral("Partourt"), QStringLiteral("Sur les blogs seulement")});
+    addResultCount(*grid, m_txtNbResult[0], 0);
+    m_txtRecherche[0] = lineEdit(QStringLiteral("txtRecherche_0"));
+    return searchPage(QStringLiteral("picFeedster"), m_txtRecherche[0], options);
+}
+
+QWidget *frmRechercher::buildDayPopPage()
+{
+    auto *options = named(new QGroupBox(QStringLiteral("Options")), QStringLiteral("fraOptionsSyndic8"));
+    auto *grid = new QGridLayout(options);
+    std::array<QRadioButton *, 2> optTriDayPop{}; // shown, never read
+    addOptions(*grid, 0, optTriDayPop, QStringLiteral("optTriDayPop"),
+               {QStringLiteral("Date"), QStringLiteral("Pertinence")});
+    grid->addWidget(label(QStringLiteral("Trier par :"), optTriDayPop[0]), 0, 0);
+    addOptions(*grid, 2, m_optSearchText, QStringLiteral("optSearchText"),
+               {QStringLiteral("le texte complet"), QStringLiteral("les titres seulement")});
+    grid->addWidget(label(QStringLiteral("Rechercher :"), m_optSearchText[0]), 2, 0);
+    m_cboWhere = comboBox(QStringLiteral("cboWhere"), kinds());
+    addRow(*grid, QStringLiteral("Rechercher dans :"), m_cboWhere);
+    m_cboLangue = comboBox(QStringLiteral("cboLangue"), languages());
+    addRow(*grid, QStringLiteral("Langue :"), m_cboLangue);
+    addResultCount(*grid, m_txtNbResult[1], 1);
+    m_txtRecherche[1] = lineEdit(QStringLiteral("txtRecherche_1"));
+    return searchPage(QStringLiteral("picDayPop"), m_txtRecherche[1], options);
+}
+
+QWidget *frmRechercher::buildWebPage()
+{
+    auto *page = named(new QWidget, QStringLiteral("picWeb"));
+    auto *column = new QVBoxLayout(page);
+    const std::array<QString, 3> services{QStringLiteral("Syndic8"), QStringLiteral("Newsisfree"),
+                                          QStringLiteral("BlogStreet")};
+    const int height = fontMetrics().height() * 3 / 2;
+    for (std::size_t i = 0; i < services.size(); ++i) {
+        // The picture, 120 by 24, is the choice's only caption.
+        auto *option = named(new QRadioButton, arrayName(QStringLiteral("optWebSearch"), static_cast<int>(i)));
+        option->setIcon(QIcon(QStringLiteral(":/icons/") + services[i].toLower() + QStringLiteral(".svg")));
+        option->setIconSize(QSize(height * 5, height));
+        option->setAccessibleName(services[i]);
+        option->setToolTip(services[i]);
+        column->addWidget(option);
+        m_optWebSearch[i] = option;
+    }
+    m_optWebSearch[0]->setChecked(true);
+    m_txtRecherche[2] = lineEdit(QStringLiteral("txtRecherche_2"));
+    m_txtRecherche[2]->setAccessibleName(QStringLiteral("Rechercher"));
+    column->addWidget(m_txtRecherche[2]);
+    column->addStretch();
+    return page;
+}
+
+void frmRechercher::changePics(int index)
+{
+    m_tstrPrinc->selectTab(index);
+    if (index >= 1 && index <= 3)
+        m_txtRecherche[static_cast<std::size_t>(index - 1)]->setFocus();
+}
+
+QString frmRechercher::feedsterUrl() const
+{
+    return m_endpoints.feedster + QStringLiteral("search.php?hl=en&ie=UTF-8&q=") + m_txtRecherche[0]->text() +
+           (m_optTri[0]->isChecked() ? QStringLiteral("&sort=date") : QStringLiteral("&sort=relevance")) +
+           (m_optCategory[0]->isChecked() ? QString() : QStringLiteral("&category=blog")) +
+           QStringLiteral("&content=full&type=rss&limit=") + m_txtNbResult[0]->text();
+}
+
+QString frmRechercher::dayPopUrl() const
+{
+    // The sort choice of the other page decides here too, and this page's own has no effect; that is wanted.
+    return m_endpoints.dayPop + QStringLiteral("search?q=") + m_txtRecherche[1]->text() +
+           (m_optTri[0]->isChecked() ? QStringLiteral("&sort=date") : QString()) +
+           (m_optSearchText[0]->isChecked() ? QString() : QStringLiteral("&ts=true")) +
+           m_cboWhere->currentData().toString() + m_cboLangue->currentData().toString() + QStringLiteral("&o=rss&c=") +
+           m_txtNbResult[1]->text();
+}
+
+QString frmRechercher::webUrl() const
+{
+    const QString words = m_txtRecherche[2]->text();
+    if (m_optWebSearch[0]->isChecked())
+        return m_endpoints.syndic8 + QStringLiteral("feedlist.php?ShowStatus=all&ShowMatch=") + words;
+    if (m_optWebSearch[1]->isChecked())
+        return m_endpoints.newsisfree + QStringLiteral("siets/?type=search&search=Search&query=") + words;
+    return m_endpoints.blogStreet + QStringLiteral("bin/rsssearch.cgi?x=0&y=0&period=0&q=") + words;
+}
+
+QString frmRechercher::searchUrl() const
+{
+    QString url;
+    switch (m_tstrPrinc->selectedTab()) {
+    case 1:
+        url = feedsterUrl();
+        break;
+    case 2:
+        url = dayPopUrl();
+        break;
+    default:
+        url = webUrl();
+        break;
+    }
+    // The only encoding there is.
+    return url.replace(QLatin1Char(' '), QLatin1Char('+'));
+}
+
+void openSearchResult(MainWindow &window, frmRechercher &form, const QString &url, bool inBrowser)
+{
+    form.accept();
+    if (inBrowser) {
+        window.navigate(url);
+        return;
+    }
+    window.setAddressText(url);
+    window.setCredentials(QString(), QString());
+    window.LoadFile();
+}

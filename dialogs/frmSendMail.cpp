@@ -1,0 +1,135 @@
+#include "dialogs/frmSendMail.h"
+
+#include "core/AppSettings.h"
+#include "core/MainWindow.h"
+#include "dialogs/DialogParts.h"
+#include "platform/Messages.h"
+#include "platform/net/SmtpMail.h"
+
+#include <QCoreApplication>
+#include <QGridLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+
+frmSendMail::frmSendMail(MainWindow &window, Messages &messages, const QString &body, Wait wait, MakeMail makeMail)
+    : DialogBase(QStringLiteral("Envoyer une news par mail"), window.frame()), m_window(window), m_messages(messages),
+      m_wait(std::move(wait)), m_makeMail(std::move(makeMail))
+{
+    if (!m_makeMail)
+        m_makeMail = [](std::function<void()> keepAlive) { return std::make_unique<SmtpMail>(std::move(keepAlive)); };
+
+    m_txtDestMail = DialogParts::lineEdit(QStringLiteral("txtDestMail"));
+    m_txtDestName = DialogParts::lineEdit(QStringLiteral("txtDestName"));
+    m_txtSujet = DialogParts::lineEdit(QStringLiteral("txtSujet"));
+    m_txtContent = DialogParts::textBox(QStringLiteral("txtContent"));
+    QFont typewriter(QStringLiteral("Courier New"), font().pointSize());
+    typewriter.setStyleHint(QFont::Monospace);
+    m_txtContent->setFont(typewriter);
+    m_txtContent->setMinimumSize(fontMetrics().averageCharWidth() * 60, fontMetrics().lineSpacing() * 10);
+    m_txtContent->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    m_txtContent->setPlainText(QString(body).remove(QChar(u'\0')));
+
+    auto *content = new QWidget;
+    auto *grid = new QGridLayout(content);
+    grid->setContentsMargins(0, 0, 0, 0);
+    DialogParts::addRow(*grid, QStringLiteral("Email :"), m_txtDestMail);
+    DialogParts::addRow(*grid, QStringLiteral("Nom (optionnel) :"), m_txtDestName);
+    DialogParts::addRow(*grid, QStringLiteral("Sujet :"), m_txtSujet);
+    DialogParts::addRow(*grid, QStringLiteral("Message :"), m_txtContent);
+    grid->setRowStretch(grid->rowCount() - 1, 1);
+
+    m_lblEtat = DialogParts::named(new QLabel, QStringLiteral("lblEtat"));
+    m_lblEtat->setTextFormat(Qt::PlainText);
+    m_cmdEnvoyer = DialogParts::button(QStringLiteral("cmdEnvoyer"), QStringLiteral("&Envoyer"));
+    m_cmdAnnuler = DialogParts::button(QStringLiteral("cmdAnnuler"), QStringLiteral("&Annuler"));
+    // No button is the default one: Enter in a box sends nothing.
+    m_cmdEnvoyer->setAutoDefault(false);
+    m_cmdAnnuler->setAutoDefault(false);
+    auto *buttons = new QHBoxLayout;
+    buttons->setSpacing(DialogParts::Edge);
+    buttons->addWidget(m_lblEtat, 1);
+    buttons->addWidget(m_cmdEnvoyer);
+    buttons->addWidget(m_cmdAnnuler);
+    DialogParts::layOut(*this, content, buttons);
+    m_txtDestMail->setFocus();
+
+    connect(m_cmdEnvoyer, &QPushButton::clicked, this, &frmSendMail::handleSend);
+    connect(m_cmdAnnuler, &QPushButton::clicked, this, &frmSendMail::reject);
+}
+
+frmSendMail::~frmSendMail() = default;
+
+void frmSendMail::handleSend()
+{
+    if (m_txtDestMail->text().isEmpty()) {
+        m_messages.show({QStringLiteral("Veuillez spécifier l'email du destinataire"), QStringLiteral("Attention"),
+                         Message::Icon::Exclamation});
+        return;
+    }
+    m_cmdEnvoyer->setEnabled(false);
+    m_lblEtat->setText(QStringLiteral("Connexion au serveur"));
+
+    // What the user types or clicks meanwhile waits until the attempt is over; the window is repainted.
+    m_poSendMail = m_makeMail([] { QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents); });
+    connect(m_poSendMail.get(), &SmtpMail::SendSuccesful, this, &frmSendMail::poSendMail_SendSuccesful);
+    connect(m_poSendMail.get(), &SmtpMail::SendFailed, this, &frmSendMail::poSendMail_SendFailed);
+
+    const AppSettings &settings = m_window.settings();
+    m_poSendMail->setSmtpHost(settings.smtpServer);
+    m_poSendMail->setFrom(settings.fromMail);
+    m_poSendMail->setFromDisplayName(settings.fromName);
+    m_poSendMail->setRecipient(m_txtDestMail->text());
+    m_poSendMail->setRecipientDisplayName(m_txtDestName->text());
+    m_poSendMail->setSubject(m_txtSujet->text());
+    m_poSendMail->setMessage(m_txtContent->toPlainText());
+    // The port of the settings isn't handed over; that is wanted.
+    m_poSendMail->Send();
+    m_poSendMail.reset();
+}
+
+void frmSendMail::poSendMail_SendSuccesful()
+{
+    m_lblEtat->setText(QStringLiteral("Envoi réussi"));
+    m_cmdAnnuler->setEnabled(false);
+    QCoreApplication::processEvents();
+    m_wait(1000); // so that the words can be read
+    accept();
+}
+
+void frmSendMail::poSendMail_SendFailed(const QString &Explanation)
+{
+    m_messages.show({QStringLiteral("Une erreur est survenue pendant l'envoi du mail :\n\n") + Explanation,
+                     QStringLiteral("Erreur"), Message::Icon::Critical});
+    m_lblEtat->clear();
+    m_cmdEnvoyer->setEnabled(true);
+}
+
+void frmSendMail::showConnectionState(bool connected)
+{
+    if (connected) {
+        m_lblEtat->setText(QStringLiteral("Envoi du message en cours ..."));
+        return;
+    }
+    m_messages.show({QStringLiteral("L'envoi du message a échoué, la connexion avec le serveur est impossible !"),
+                     QStringLiteral("Connexion impossible"), Message::Icon::Exclamation});
+    m_lblEtat->clear();
+    m_cmdEnvoyer->setEnabled(true);
+}
+
+void frmSendMail::reject()
+{
+    if (m_cmdAnnuler->isEnabled())
+        DialogBase::reject();
+}
+
+void frmSendMail::keyPressEvent(QKeyEvent *event)
+{
+    auto *const button = qobject_cast<QPushButton *>(focusWidget());
+    if (button && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter))
+        button->click();
+    else
+        DialogBase::keyPressEvent(event);
+}
