@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QObject>
+#include <QSocketNotifier>
+
+#include <memory>
+
+/// Turns the signals that ask a process to end (SIGTERM, SIGINT, SIGHUP) into one of Qt's. There is one at most in a
+/// process.
+class SignalWatch : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit SignalWatch(QObject *parent = nullptr);
+    ~SignalWatch() override;
+
+Q_SIGNALS:
+    /// Raised from the event loop.
+    void endAsked();
+
+private:
+    void handleActivated();
+
+    std::unique_ptr<QSocketNotifier> m_notifier;
+};

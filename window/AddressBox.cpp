@@ -1,0 +1,26 @@
+#include "window/AddressBox.h"
+
+#include <QClipboard>
+#include <QFocusEvent>
+#include <QGuiApplication>
+
+AddressBox::AddressBox(QWidget *parent) : QLineEdit(QStringLiteral("http://"), parent)
+{
+    setMaxLength(65535);
+}
+
+void AddressBox::focusInEvent(QFocusEvent *event)
+{
+    // A closed menu or a window that comes forward gives the focus back to the box; it had it all the time.
+    const bool hadItBefore = event->reason() == Qt::PopupFocusReason || event->reason() == Qt::MenuBarFocusReason ||
+                             event->reason() == Qt::ActiveWindowFocusReason;
+    QClipboard *clipboard = QGuiApplication::clipboard();
+    if (!hadItBefore) {
+        const QString copied = clipboard->text();
+        if (copied.startsWith(QLatin1String("http://"))) {
+            setText(copied);
+            clipboard->setText(QString());
+        }
+    }
+    QLineEdit::focusInEvent(event);
+}

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QLineEdit>
+
+/// The address box `txtURL`. It is no browser's address bar: what is entered is opened as a feed.
+///
+/// When it gets the focus while the clipboard holds an address that begins with "http://", that address becomes its
+/// text and the clipboard is emptied, for all programs. That is wanted.
+class AddressBox : public QLineEdit
+{
+    Q_OBJECT
+
+public:
+    explicit AddressBox(QWidget *parent = nullptr);
+
+protected:
+    void focusInEvent(QFocusEvent *event) override;
+};

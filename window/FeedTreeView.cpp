@@ -1,0 +1,277 @@
+#include "window/FeedTreeView.h"
+
+#include "controls/ImageList.h"
+
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QDrag>
+#include <QMimeData>
+#include <QPainter>
+#include <QStyledItemDelegate>
+
+namespace {
+
+const QString nodeMimeType = QStringLiteral("application/x-quillwire-node");
+
+class NodeDelegate final : public QStyledItemDelegate
+{
+public:
+    NodeDelegate(const FeedTree &tree, const ImageList &pictures, QObject *parent)
+        : QStyledItemDelegate(parent), m_tree(tree), m_pictures(pictures)
+    {}
+
+protected:
+    void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override
+    {
+        QStyledItemDelegate::initStyleOption(option, index);
+        const FeedNodePtr node = m_tree.node(index);
+        if (!node)
+            return;
+        const bool selected = option->state.testFlag(QStyle::State_Selected) && node->selectedImage() >= 0;
+        option->features |= QStyleOptionViewItem::HasDecoration;
+        option->icon = m_pictures.icon(selected ? node->selectedImage() : node->image());
+        option->decorationSize = QSize(m_pictures.size(), m_pictures.size());
+    }
+
+private:
+    const FeedTree &m_tree;
+    const ImageList &m_pictures;
+};
+
+} // namespace
+
+FeedTreeView::FeedTreeView(FeedTree &tree, const ImageList &pictures, QWidget *parent) : QTreeView(parent), m_tree(tree)
+{
+    setModel(&tree);
+    setItemDelegate(new NodeDelegate(tree, pictures, this));
+    setIconSize(QSize(pictures.size(), pictures.size()));
+    setHeaderHidden(true);
+    setUniformRowHeights(true);
+    setEditTriggers(NoEditTriggers);
+    setSelectionMode(SingleSelection);
+    setAcceptDrops(true);
+    viewport()->setAcceptDrops(true);
+    setAutoScroll(true);
+    setTextElideMode(Qt::ElideRight);
+    setAccessibleName(QStringLiteral("Favoris"));
+
+    connect(&tree, &FeedTree::expansionChanged, this, &FeedTreeView::setExpanded);
+    connect(&tree, &FeedTree::bringIntoViewAsked, this,
+            [this](const QModelIndex &index) { scrollTo(index, EnsureVisible); });
+    connect(&tree, &FeedTree::selectionChanged, this, &FeedTreeView::handleTreeSelection);
+    connect(selectionModel(), &QItemSelectionModel::selectionChanged, this, &FeedTreeView::handleViewSelection);
+    connect(this, &QTreeView::expanded, this,
+            [this](const QModelIndex &index) { m_tree.setExpanded(m_tree.node(index), true); });
+    connect(this, &QTreeView::collapsed, this,
+            [this](const QModelIndex &index) { m_tree.setExpanded(m_tree.node(index), false); });
+}
+
+FeedNodePtr FeedTreeView::nodeAt(const QPoint &position) const
+{
+    const QModelIndex index = indexAt(position);
+    // Left of the icon there are the lines and the arrow that opens the node.
+    return index.isValid() && position.x() >= visualRect(index).left() ? m_tree.node(index) : nullptr;
+}
+
+void FeedTreeView::handleTreeSelection(const QModelIndex &index)
+{
+    if (index.isValid())
+        selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
+    else
+        selectionModel()->clearSelection();
+}
+
+void FeedTreeView::handleViewSelection()
+{
+    const QModelIndexList selected = selectionModel()->selectedIndexes();
+    const FeedNodePtr node = selected.isEmpty() ? nullptr : m_tree.node(selected.first());
+    if (node != m_tree.selected())
+        m_tree.select(node);
+}
+
+void FeedTreeView::makeSelectedCurrent()
+{
+    selectionModel()->setCurrentIndex(m_tree.indexOf(m_tree.selected()), QItemSelectionModel::NoUpdate);
+}
+
+QItemSelectionModel::SelectionFlags FeedTreeView::selectionCommand(const QModelIndex &index, const QEvent *event) const
+{
+    // The mouse selects on release only, and not after a drag: see mouseReleaseEvent().
+    if (event && (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonRelease ||
+                  event->type() == QEvent::MouseMove))
+        return QItemSelectionModel::NoUpdate;
+    return QTreeView::selectionCommand(index, event);
+}
+
+void FeedTreeView::mousePressEvent(QMouseEvent *event)
+{
+    const QPoint position = event->position().toPoint();
+    m_draggedNode = nodeAt(position);
+    m_pressedAt.reset();
+    if (event->button() != Qt::LeftButton)
+        return;
+    if (m_draggedNode)
+        m_pressedAt = position;
+    QTreeView::mousePressEvent(event);
+    makeSelectedCurrent();
+}
+
+void FeedTreeView::mouseMoveEvent(QMouseEvent *event)
+{
+    if (!m_pressedAt || !event->buttons().testFlag(Qt::LeftButton))
+        return;
+    if ((event->position().toPoint() - *m_pressedAt).manhattanLength() < QApplication::startDragDistance())
+        return;
+    m_pressedAt.reset();
+    startNodeDrag();
+}
+
+void FeedTreeView::mouseReleaseEvent(QMouseEvent *event)
+{
+    QTreeView::mouseReleaseEvent(event);
+    if (event->button() != Qt::LeftButton || !m_pressedAt)
+        return;
+    m_pressedAt.reset();
+    const FeedNodePtr node = nodeAt(event->position().toPoint());
+    if (!node || node != m_draggedNode)
+        return;
+    m_tree.select(node);
+    Q_EMIT nodeClicked(node);
+}
+
+void FeedTreeView::contextMenuEvent(QContextMenuEvent *event)
+{
+    if (event->reason() == QContextMenuEvent::Mouse) {
+        if (const FeedNodePtr node = nodeAt(event->pos()))
+            Q_EMIT nodeRightClicked(node, event->globalPos());
+        return;
+    }
+    if (const FeedNodePtr node = m_tree.selected()) {
+        const QRect rect = visualRect(m_tree.indexOf(node));
+        Q_EMIT nodeRightClicked(node, viewport()->mapToGlobal(rect.isValid() ? rect.bottomLeft() : QPoint()));
+    }
+}
+
+void FeedTreeView::keyPressEvent(QKeyEvent *event)
+{
+    const FeedNodePtr selected = m_tree.selected();
+    if (selected && (event->key() == Qt::Key_Down || event->key() == Qt::Key_Up)) {
+        const FeedNodePtr node = event->key() == Qt::Key_Down ? m_tree.next(selected) : m_tree.previous(selected);
+        if (node)
+            Q_EMIT arrowKeyTo(node);
+    }
+    makeSelectedCurrent();
+    QTreeView::keyPressEvent(event);
+}
+
+void FeedTreeView::startNodeDrag()
+{
+    auto *carried = new QMimeData;
+    carried->setData(nodeMimeType, m_draggedNode->key().toUtf8());
+    auto *drag = new QDrag(this);
+    drag->setMimeData(carried);
+    const QModelIndex index = m_tree.indexOf(m_draggedNode);
+    drag->setPixmap(viewport()->grab(visualRect(index).intersected(viewport()->rect())));
+    drag->exec(Qt::MoveAction, Qt::MoveAction);
+    m_mark.reset();
+    viewport()->update();
+    setState(NoState);
+}
+
+FeedTreeView::DropPlace FeedTreeView::dropPlace(const QPoint &position) const
+{
+    const QModelIndex index = indexAt(position);
+    if (!index.isValid())
+        return {};
+    return {m_tree.node(index), position.y() < visualRect(index).center().y()};
+}
+
+void FeedTreeView::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (event->source() == this && event->mimeData()->hasFormat(nodeMimeType))
+        event->acceptProposedAction();
+    else
+        event->ignore();
+}
+
+void FeedTreeView::dragMoveEvent(QDragMoveEvent *event)
+{
+    QTreeView::dragMoveEvent(event); // scrolls near the edges
+    m_mark = dropPlace(event->position().toPoint());
+    viewport()->update();
+    if (event->source() == this)
+        event->acceptProposedAction();
+    else
+        event->ignore();
+}
+
+void FeedTreeView::dragLeaveEvent(QDragLeaveEvent *event)
+{
+    QTreeView::dragLeaveEvent(event);
+    m_mark.reset();
+    viewport()->update();
+}
+
+void FeedTreeView::dropEvent(QDropEvent *event)
+{
+    m_mark.reset();
+    stopAutoScroll();
+    viewport()->update();
+    if (event->source() != this || !event->mimeData()->hasFormat(nodeMimeType)) {
+        event->ignore();
+        return;
+    }
+    event->acceptProposedAction();
+    const DropPlace place = dropPlace(event->position().toPoint());
+    Q_EMIT nodeDropped(place.target, place.insertAbove);
+}
+
+void FeedTreeView::paintEvent(QPaintEvent *event)
+{
+    QTreeView::paintEvent(event);
+    if (!m_mark || !m_mark->target)
+        return;
+    const QRect rect = visualRect(m_tree.indexOf(m_mark->target));
+    QPainter painter(viewport());
+    painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
+    if (m_mark->target->image() == NodeImage::Feed) {
+        const int y = m_mark->insertAbove ? rect.top() : rect.bottom();
+        painter.drawLine(rect.left(), y, viewport()->width() - 4, y);
+    } else {
+        painter.drawRect(rect.adjusted(1, 1, -1, -1));
+    }
+}
+
+void FeedTreeView::drawBranches(QPainter *painter, const QRect &rect, const QModelIndex &index) const
+{
+    painter->save();
+    painter->setPen(QPen(palette().color(QPalette::Dark), 1, Qt::DotLine));
+    const auto hasNextSibling = [](const QModelIndex &i) { return i.siblingAtRow(i.row() + 1).isValid(); };
+    int right = rect.right();
+    for (QModelIndex level = index; level.isValid() && right > rect.left(); level = level.parent()) {
+        const int x = right - indentation() / 2;
+        const int middle = rect.center().y();
+        const bool own = level == index;
+        if (own) {
+            painter->drawLine(x, middle, right, middle);
+            if (level.parent().isValid())
+                painter->drawLine(x, rect.top(), x, middle);
+        }
+        if (hasNextSibling(level))
+            painter->drawLine(x, own ? middle : rect.top(), x, rect.bottom());
+        right -= indentation();
+    }
+    painter->restore();
+    QTreeView::drawBranches(painter, rect, index);
+}
+
+void FeedTreeView::rowsAboutToBeRemoved(const QModelIndex &parent, int start, int end)
+{
+    // The view would select a neighbour of a removed current row; here a selection that is removed goes to nothing.
+    for (QModelIndex current = currentIndex(); current.isValid(); current = current.parent())
+        if (current.parent() == parent && current.row() >= start && current.row() <= end) {
+            selectionModel()->setCurrentIndex(QModelIndex(), QItemSelectionModel::NoUpdate);
+            break;
+        }
+    QTreeView::rowsAboutToBeRemoved(parent, start, end);
+}

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "core/FeedTree.h"
+
+#include <QTreeView>
+
+#include <optional>
+
+class ImageList;
+
+/// The feed tree `tvwFavoris` on the screen: a view of a FeedTree that tells what the user does with its nodes. It
+/// shows selection and folding of the tree, and reports those that the user changes.
+///
+/// A node counts as clicked when the left button is released over the node that it was pressed on; a drag neither
+/// clicks nor selects.
+class FeedTreeView : public QTreeView
+{
+    Q_OBJECT
+
+public:
+    /// `pictures` are addressed by the nodes' image indices. Neither is owned.
+    FeedTreeView(FeedTree &tree, const ImageList &pictures, QWidget *parent = nullptr);
+
+    /// The node under the pointer at the last mouse-down; null when there was none. Kept after a drop.
+    FeedNodePtr draggedNode() const { return m_draggedNode; }
+
+Q_SIGNALS:
+    void nodeClicked(const FeedNodePtr &node);
+
+    /// The context menu of a node was asked for, with the right button or the keyboard. The node isn't selected by
+    /// that.
+    void nodeRightClicked(const FeedNodePtr &node, const QPoint &globalPosition);
+
+    /// Up or Down, before the selection moves to `node`.
+    void arrowKeyTo(const FeedNodePtr &node);
+
+    /// The dragged node was dropped on `target` (null: on no node); `insertAbove` when in its upper half.
+    void nodeDropped(const FeedNodePtr &target, bool insertAbove);
+
+protected:
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dragMoveEvent(QDragMoveEvent *event) override;
+    void dragLeaveEvent(QDragLeaveEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void drawBranches(QPainter *painter, const QRect &rect, const QModelIndex &index) const override;
+    void rowsAboutToBeRemoved(const QModelIndex &parent, int start, int end) override;
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex &index, const QEvent *event) const override;
+
+private:
+    struct DropPlace
+    {
+        FeedNodePtr target;
+        bool insertAbove = false;
+    };
+
+    FeedNodePtr nodeAt(const QPoint &position) const;
+    DropPlace dropPlace(const QPoint &position) const;
+    void startNodeDrag();
+    void makeSelectedCurrent();
+    void handleTreeSelection(const QModelIndex &index);
+    void handleViewSelection();
+
+    FeedTree &m_tree;
+    FeedNodePtr m_draggedNode;
+    std::optional<QPoint> m_pressedAt; ///< of a left press over a node, until its release or drag
+    std::optional<DropPlace> m_mark;
+};

@@ -1,0 +1,8 @@
+#pragma once
+
+#include <QString>
+
+class QWidget;
+
+/// Asks the user for one line of text; "" when the user cancels.
+QString inputBox(QWidget *parent, const QString &prompt, const QString &title);

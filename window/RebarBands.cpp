@@ -1,0 +1,100 @@
+#include "window/RebarBands.h"
+
+#include "controls/Twips.h"
+#include "controls/cReBar.h"
+#include "controls/cToolbar.h"
+
+#include <cmath>
+
+namespace {
+const QString menuBand = QStringLiteral("MenuBar");
+const QString toolBand = QStringLiteral("ToolBar");
+const QString styleBand = QStringLiteral("StyleBar");
+constexpr int toolBandNumber = 1;
+constexpr int menuBandHeight = 24;
+constexpr int toolBandHeight = 40;
+} // namespace
+
+RebarBands::RebarBands(Parts parts, QObject *parent) : QObject(parent), m_p(parts) {}
+
+void RebarBands::newRebar(bool withMinimumHeights)
+{
+    if (m_cReBar1) {
+        m_cReBar1->RemoveAllBands();
+        delete m_cReBar1;
+    }
+    m_cReBar1 = new cReBar(m_p.form);
+    m_cReBar1->setObjectName(QStringLiteral("cReBar1"));
+    const auto add = [&](QWidget *child, bool newRow, const QString &name, int minimumHeight) {
+        m_cReBar1->AddBand(child, QString(), newRow, false, name);
+        if (withMinimumHeights && minimumHeight > 0)
+            m_cReBar1->setBandMinimumSize(m_cReBar1->BandCount() - 1, -1, minimumHeight);
+    };
+    add(m_p.tbrMenu, true, menuBand, menuBandHeight);
+    add(m_p.cToolbar1, true, toolBand, toolBandHeight);
+    add(m_p.fraToolbar, false, styleBand, 0);
+    connect(m_cReBar1, &cReBar::HeightChanged, this, &RebarBands::heightChanged);
+    connect(m_cReBar1, &cReBar::ChevronPushed, this, &RebarBands::handleChevron);
+}
+
+void RebarBands::create()
+{
+    newRebar(true);
+}
+
+void RebarBands::restoreBands(const QString &layout)
+{
+    newRebar(false);
+    if (!m_cReBar1->restoreLayout(layout))
+        newRebar(true);
+    m_cReBar1->show();
+    m_cReBar1->RebarSize();
+}
+
+QString RebarBands::layout() const
+{
+    return m_cReBar1->saveLayout();
+}
+
+void RebarBands::removeAllBands()
+{
+    m_cReBar1->RemoveAllBands();
+}
+
+void RebarBands::setToolbarHeight(int pixels)
+{
+    m_cReBar1->setBandMinimumSize(toolBandNumber, -1, pixels);
+    m_cReBar1->RebarSize();
+}
+
+int RebarBands::resize(int width)
+{
+    m_cReBar1->resize(width, m_cReBar1->height());
+    m_cReBar1->RebarSize();
+    m_cReBar1->setGeometry(0, 0, width, m_cReBar1->rebarHeight());
+    return m_cReBar1->rebarHeight();
+}
+
+int RebarBands::height() const
+{
+    return m_cReBar1->rebarHeight();
+}
+
+int RebarBands::position() const
+{
+    return m_cReBar1->position();
+}
+
+void RebarBands::handleChevron(int id, double, double top, double right, double)
+{
+    const QString band = m_cReBar1->BandData(id);
+    cToolbar *toolbar = band == menuBand    ? m_p.tbrMenu
+                        : band == toolBand  ? m_p.cToolbar1
+                        : band == styleBand ? m_p.cToolbar2
+                                            : nullptr;
+    if (!toolbar)
+        return;
+    const QPoint place(static_cast<int>(std::floor(right / Twips::perPixelX(m_p.form))) + 1,
+                       static_cast<int>(std::floor(top / Twips::perPixelY(m_p.form))));
+    toolbar->ShowOverflow(m_cReBar1->mapToGlobal(place));
+}

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "core/FeedTree.h"
+
+#include <QObject>
+#include <QPoint>
+#include <QString>
+
+#include <functional>
+
+class FeedCatalogue;
+class FeedOpener;
+class FeedTreeView;
+class Messages;
+class OpeningWindow;
+class cPopupMenu;
+class cToolbar;
+struct CurrentFeed;
+
+/// What the user's doings in the feed tree lead to: opening, enabling, deleting, new folders and moves.
+class TreeCommands : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Asks for a text; "" when the user cancels.
+    using InputBox = std::function<QString(const QString &prompt, const QString &title)>;
+
+    /// What it works with. Nothing is owned.
+    struct Parts
+    {
+        FeedTree &tree;
+        FeedCatalogue &catalogue;
+        FeedOpener &opener;
+        CurrentFeed &current;
+        FeedTreeView &tvwFavoris;
+        cToolbar &cToolbar1;
+        cPopupMenu &mnuTreeView;
+        OpeningWindow &window;
+        Messages &messages;
+        InputBox inputBox;
+        QString homePage; ///< path of home.htm
+    };
+
+    explicit TreeCommands(Parts parts, QObject *parent = nullptr);
+
+    /// A folder only after a question, a feed without one; any other node isn't deleted. Throws as FeedCatalogue.
+    void deleteSelectedNode(const FeedNodePtr &node);
+
+    /// Asks for a name and makes a folder beside a feed, otherwise below the node. Throws as FeedCatalogue.
+    void createFolder(const FeedNodePtr &node);
+
+private:
+    void handleNodeClick(const FeedNodePtr &node);
+    void handleNodeRightClick(const FeedNodePtr &node, const QPoint &globalPosition);
+    void handleArrowKey(const FeedNodePtr &node);
+    void handleDrop(const FeedNodePtr &target, bool insertAbove);
+    void openByUser(const FeedNodePtr &node);
+    void enableButtons(const FeedNodePtr &node);
+
+    Parts m_p;
+};

@@ -1,0 +1,46 @@
+#include "window/WindowForReading.h"
+
+#include "controls/cPopupMenu.h"
+#include "controls/cToolbar.h"
+#include "reading/ItemListView.h"
+#include "window/MainMenus.h"
+
+#include <QCursor>
+
+void WindowForReading::enableBrowserButton(const QString &key, bool enabled)
+{
+    m_p.tlbBrowser.setButtonEnabled(key, enabled);
+}
+
+void WindowForReading::setAttachmentEntry(const QString &caption, const QString &key)
+{
+    cPopupMenu &menu = m_p.menus.mnuAttachment;
+    menu.Clear();
+    cPopupMenu::Item item;
+    item.caption = caption;
+    item.key = key;
+    menu.AddItem(item);
+}
+
+QPoint WindowForReading::menuPlace() const
+{
+    const QPoint pointer = QCursor::pos();
+    if (m_p.lvwItems.rect().contains(m_p.lvwItems.mapFromGlobal(pointer)))
+        return pointer;
+    // Asked for with the keyboard while the pointer is elsewhere.
+    const QRect row = m_p.lvwItems.visualRect(m_p.lvwItems.currentIndex());
+    return m_p.lvwItems.viewport()->mapToGlobal(row.isValid() ? row.bottomLeft() : QPoint());
+}
+
+void WindowForReading::showItemMenu(bool canMarkRead, bool canMarkUnread)
+{
+    cPopupMenu &menu = m_p.menus.mnuPopUpListView;
+    menu.setEnabled(menu.IndexForKey(QStringLiteral("mnuPopLvwMarkAsRead")), canMarkRead);
+    menu.setEnabled(menu.IndexForKey(QStringLiteral("mnuPopLvwMarkAsUnread")), canMarkUnread);
+    menu.ShowPopupMenu(menuPlace());
+}
+
+void WindowForReading::showColumnMenu()
+{
+    m_p.menus.mnuPopUpListViewHeader.ShowPopupMenu(menuPlace());
+}
