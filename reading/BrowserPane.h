@@ -9,23 +9,32 @@
 
 class Messages;
 
-/// The browser pane `WebBrowser1`: shows the pages of the data directory, which it serves under a private scheme (tmp.htm, home.htm,
-/// style.css, slien.gif and nothing else; no script runs on them and they reach no file), and pages of the web.
+/// The browser pane `WebBrowser1`: shows the pages of the data directory, which it serves under a private scheme
+/// (tmp.htm, home.htm, style.css, slien.gif and nothing else; no script runs on them and they reach no file), and pages
+/// of the web.
 ///
 /// The browser engine is started with the first page that is shown while the pane is visible, so that the window, and a
 /// program in the tray, don't wait for it or hold it. Until then the last navigation asked for is remembered.
+///
+/// The two questions of the pane (a link to a feed, a pop-up) are modal and run inside the engine's event. A navigation
+/// that the program asks for meanwhile is remembered and made when the question is answered.
 class BrowserPane : public QWidget
 {
     Q_OBJECT
 
 public:
+    /// `messages` outlives the pane. The pane never sets up the engine's sandbox; see docs/pane.md.
     BrowserPane(DataDirectory directory, Messages &messages, QWidget *parent = nullptr);
+
+    /// Closes the windows that the pane was allowed to open as well.
     ~BrowserPane() override;
 
     /// Registers the private scheme. Called once, before the application object is made.
     static void registerScheme();
 
-    /// Loads `url`: an address, or the path of one of the four pages. Both do the same.
+    /// Loads `url`: an address, or the path of a file (one of the four pages as a rule). Both do the same. Loading the
+    /// address on show again loads it afresh. A text that is no address changes nothing; an address of another program
+    /// of the system (mailto: and the like) is handed out by systemLinkActivated().
     void Navigate(const QString &url);
     void Navigate2(const QString &url);
 
@@ -34,7 +43,8 @@ public:
     void Refresh();
     void Stop();
 
-    /// The address of the page on show; the `file:` address of the file for a page of the data directory; "" before the first page.
+    /// The address of the page on show; the `file:` address of the file for a page of the data directory; "" before the
+    /// first page.
     QString LocationURL() const;
 
     /// True once the browser engine runs.
@@ -42,6 +52,8 @@ public:
 
 Q_SIGNALS:
     void StatusTextChange(const QString &text);
+
+    /// Only between DownloadBegin() and DocumentComplete().
     void ProgressChange(int progress, int progressMax);
 
     /// Command 1 is forward, 2 is back.
@@ -57,6 +69,9 @@ Q_SIGNALS:
 
 protected:
     void showEvent(QShowEvent *event) override;
+
+    /// Asks where a download goes; "" refuses it. `proposed` is a path in the user's download folder.
+    virtual QString askDownloadPath(const QString &proposed);
 
 private:
     struct Private;

@@ -4,42 +4,50 @@
 #include "engine/feed/CachedFeed.h"
 
 #include <QAbstractTableModel>
+#include <QFont>
+#include <QIcon>
 
-#include <memory>
+#include <array>
 #include <vector>
 
 /// The columns of the item list, at their fixed places; settings count them from 1.
 enum class ItemColumn { Title = 0, Read, PubDate, DownloadDate, Author, Category };
 constexpr int itemColumnCount = 6;
 
-/// The rows of the item list: one for each item of a feed document that isn't deleted, with its texts as they stood at the last
-/// fill. Quick at 32,767 rows.
+/// The rows of the item list: one for each item of a feed document that isn't deleted, with its texts as they stood at
+/// the last fill. Quick at 32,767 rows.
 class ItemListModel final : public QAbstractTableModel
 {
     Q_OBJECT
 
 public:
     explicit ItemListModel(Dates dates, QObject *parent = nullptr);
+    ~ItemListModel() override;
 
-    /// Replaces the rows by those of `feed`, in document order. Throws the RunTimeErrors of the dates; the rows are then empty.
+    /// Replaces the rows by those of `feed`, in document order. Throws the RunTimeErrors of the dates; the rows are
+    /// then empty.
     void fill(const CachedFeed &feed);
     void clear();
 
-    /// The row's key: the item's index in the document.
+    /// The row's key: the item's index in the document; -1 for a row outside.
     qint16 key(int row) const;
 
     /// The row of the item with that key; -1 when there is none.
     int rowOfKey(qint16 key) const;
 
-    /// The look of a row: read is shown by the icon of the read column and by a font that isn't bold. The text of that column ("r",
-    /// "u"), by which it is sorted, stays that of the last fill; that is wanted.
+    /// The look of a row: read is shown by the icon of the read column and by a font that isn't bold. The text of that
+    /// column ("r", "u"), by which it is sorted, stays that of the last fill; that is wanted.
     void setRead(int row, bool read);
     bool isShownRead(int row) const;
 
     void removeRow(int row);
 
-    /// Sorts the rows by a column's text, or by date for the two date columns; equal rows keep their order.
+    /// Sorts the rows by a column's text, or by date for the two date columns; equal rows keep their order. Texts sort
+    /// as in a dictionary, without regard to case; a text of a date column that is no date comes before all dates.
     void sort(int column, Qt::SortOrder order) override;
+
+    /// Shows `icon` in the header of a column (from 0); a null icon takes it away.
+    void setHeaderIcon(int column, const QIcon &icon);
 
     int rowCount(const QModelIndex &parent = {}) const override;
     int columnCount(const QModelIndex &parent = {}) const override;
@@ -48,6 +56,13 @@ public:
 
 private:
     struct Row;
+    bool isRow(int row) const;
+    QString text(const Row &row, ItemColumn column) const;
+    std::vector<int> sortedOrder(ItemColumn column, Qt::SortOrder order) const;
+
     Dates m_dates;
     std::vector<Row> m_rows;
+    std::array<QIcon, itemColumnCount> m_headerIcons;
+    QFont m_readFont;
+    QFont m_unreadFont;
 };

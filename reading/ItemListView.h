@@ -26,14 +26,18 @@ public:
 
     /// The column's width in twips, 0 when it is hidden. `column` counts from 1.
     double columnWidthTwips(int column) const;
+
+    /// Sets the column's width; 0 hides it. A width that is no length of a screen is brought into bounds.
     void setColumnWidthTwips(int column, double twips);
 
-    /// Steps the column's order (none, ascending, descending, ascending, ...), sets its header arrow, clearing those of all other
-    /// columns when it had none, and returns the new order: 1 ascending, 2 descending. `column` counts from 1.
+    /// Steps the column's order (none, ascending, descending, ascending, ...), sets its header arrow, clearing those of
+    /// all other columns when it had none, and returns the new order: 1 ascending, 2 descending. `column` counts
+    /// from 1.
     int NextSortOrder(int column);
 
 Q_SIGNALS:
-    /// A row was pressed with that button; the row is then the selected one. `column` counts from 1.
+    /// A row was pressed with that button; the row is then the selected one. `column` counts from 1. The menu key
+    /// counts as the right button on column 1 of the selected row.
     void rowClicked(int row, int column, Qt::MouseButton button);
 
     /// The mouse was pressed with a row selected (before rowClicked).
@@ -48,15 +52,18 @@ Q_SIGNALS:
 
 protected:
     void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
 
 private:
     void handleHeaderClicked(int section);
+    void handleHeaderMenuRequested();
 
     ItemListModel m_items;
     ScreenScale m_scale;
     std::array<int, itemColumnCount + 1> m_order{}; ///< by column counted from 1
-    int m_arrowColumn = 0;
+    int m_arrowColumn = 0;                          ///< the column with the header arrow; 0 for none
 };

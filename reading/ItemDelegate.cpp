@@ -1,0 +1,24 @@
+#include "reading/ItemDelegate.h"
+
+#include "reading/ItemListModel.h"
+
+QString ItemDelegate::displayText(const QVariant &value, const QLocale &locale) const
+{
+    constexpr qsizetype longestText = 1000;
+    QString text = QStyledItemDelegate::displayText(value.toString().left(longestText), locale);
+    for (QChar &c : text)
+        if (c.isSpace())
+            c = u' ';
+    return text;
+}
+
+void ItemDelegate::initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const
+{
+    QStyledItemDelegate::initStyleOption(option, index);
+    if (static_cast<ItemColumn>(index.column()) != ItemColumn::Read)
+        return;
+    option->features &= ~QStyleOptionViewItem::HasDisplay;
+    option->text.clear();
+    option->decorationAlignment = Qt::AlignCenter;
+    option->decorationSize = option->decorationSize.boundedTo(option->rect.size());
+}

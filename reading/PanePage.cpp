@@ -1,0 +1,181 @@
+#include "reading/PanePage.h"
+
+#include "platform/Messages.h"
+#include "reading/PaneScheme.h"
+
+#include <QPointer>
+#include <QSet>
+#include <QWebEngineSettings>
+
+namespace {
+
+constexpr qint64 popupRefusalHolds = 1000; ///< milliseconds
+constexpr int mostScriptDialogs = 5;       ///< of one page; a page can't hold the program with an endless row of boxes
+
+bool runsScripts(const QUrl &url)
+{
+    return !PaneScheme::owns(url) && !url.isLocalFile();
+}
+
+bool isWeb(const QUrl &url)
+{
+    return url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https");
+}
+
+} // namespace
+
+PanePage::PanePage(QWebEngineProfile *profile, Messages &messages, Kind kind, QObject *parent)
+    : QWebEnginePage(profile, parent), m_messages(messages), m_kind(kind)
+{
+    QWebEngineSettings *options = settings();
+    options->setAttribute(QWebEngineSettings::LocalContentCanAccessFileUrls, false);
+    options->setAttribute(QWebEngineSettings::LocalContentCanAccessRemoteUrls, true); // pictures in a feed's text
+    options->setAttribute(QWebEngineSettings::NavigateOnDropEnabled, false);
+    options->setAttribute(QWebEngineSettings::AutoLoadIconsForPage, false);
+    options->setAttribute(QWebEngineSettings::HyperlinkAuditingEnabled, false);
+    options->setAttribute(QWebEngineSettings::PlaybackRequiresUserGesture, true);
+    options->setAttribute(QWebEngineSettings::WebRTCPublicInterfacesOnly, true);
+    options->setUnknownUrlSchemePolicy(QWebEngineSettings::AllowUnknownUrlSchemesFromUserInteraction);
+
+    connect(this, &QWebEnginePage::urlChanged, this, &PanePage::allowScripts);
+    connect(this, &QWebEnginePage::loadFinished, this, [this] { m_leaving = false; });
+    connect(this, &QWebEnginePage::featurePermissionRequested, this, [this](const QUrl &origin, Feature feature) {
+        setFeaturePermission(origin, feature, PermissionDeniedByUser);
+    });
+}
+
+bool PanePage::canShow(const QUrl &url)
+{
+    return isWeb(url) || url.isLocalFile() || PaneScheme::isServed(url);
+}
+
+bool PanePage::belongsToSystem(const QUrl &url)
+{
+    static const QSet<QString> schemes = {QStringLiteral("mailto"), QStringLiteral("news"), QStringLiteral("nntp"),
+                                          QStringLiteral("ftp"),    QStringLiteral("ftps"), QStringLiteral("tel"),
+                                          QStringLiteral("callto"), QStringLiteral("sip"),  QStringLiteral("sips"),
+                                          QStringLiteral("sms"),    QStringLiteral("xmpp"), QStringLiteral("irc"),
+                                          QStringLiteral("ircs"),   QStringLiteral("feed"), QStringLiteral("magnet"),
+                                          QStringLiteral("webcal"), QStringLiteral("geo")};
+    return schemes.contains(url.scheme());
+}
+
+bool PanePage::acceptNavigationRequest(const QUrl &url, NavigationType type, bool isMainFrame)
+{
+    if (belongsToSystem(url)) {
+        if (type == NavigationTypeLinkClicked)
+            QMetaObject::invokeMethod(
+                this, [this, url] { Q_EMIT systemLinkActivated(url.toString(QUrl::FullyEncoded)); },
+                Qt::QueuedConnection);
+        return false;
+    }
+    if (!mayGo(url, type, isMainFrame))
+        return false;
+
+    const QPointer<PanePage> alive = this;
+    const bool taken = m_kind == Kind::Pane && isFeedForTheProgram(url);
+    if (!alive || taken)
+        return false;
+
+    if (isMainFrame) {
+        if (type == NavigationTypeLinkClicked || type == NavigationTypeFormSubmitted)
+            Q_EMIT linkFollowed();
+        m_leaving = !PaneScheme::owns(url);
+        m_scriptDialogs = 0;
+        allowScripts(url);
+    }
+    return true;
+}
+
+bool PanePage::mayGo(const QUrl &url, NavigationType type, bool isMainFrame)
+{
+    const bool byProgramOrHistory =
+        type == NavigationTypeTyped || type == NavigationTypeBackForward || type == NavigationTypeReload;
+    if (url.isLocalFile())
+        return isMainFrame && byProgramOrHistory;
+    const bool onOwnPage = PaneScheme::owns(this->url()) && !m_leaving;
+    if (PaneScheme::owns(url))
+        return isMainFrame && PaneScheme::isServed(url) && (byProgramOrHistory || onOwnPage);
+    if (isWeb(url)) {
+        // A refresh element in a feed's text comes as a redirection without a click before it.
+        const bool byUser =
+            byProgramOrHistory || type == NavigationTypeLinkClicked || type == NavigationTypeFormSubmitted;
+        return !isMainFrame || byUser || !onOwnPage;
+    }
+    // What scripts make: empty frames, texts of their own. A page of the data directory has no use for them.
+    const bool madeByScript = url.scheme() == QLatin1String("about") || url.scheme() == QLatin1String("blob") ||
+                              (url.scheme() == QLatin1String("data") && !isMainFrame);
+    return madeByScript && !(isMainFrame && onOwnPage);
+}
+
+bool PanePage::isFeedForTheProgram(const QUrl &url)
+{
+    const QString address = url.toString(QUrl::FullyEncoded);
+    const QString ending = address.right(4);
+    if (ending != QLatin1String(".rdf") && ending != QLatin1String(".xml") && ending != QLatin1String(".rss"))
+        return false;
+    const QPointer<PanePage> alive = this;
+    if (!ask(QStringLiteral("Le fichier semble être un fichier RSS, voulez-vous tenter de l'ouvrir ?")) || !alive)
+        return false;
+    QMetaObject::invokeMethod(
+        this, [this, address] { Q_EMIT feedLinkAccepted(address); }, Qt::QueuedConnection);
+    return true;
+}
+
+bool PanePage::popupIsAllowed()
+{
+    // A page that tries again and again must not keep the user behind an endless row of boxes.
+    if (m_sincePopupRefused.isValid() && m_sincePopupRefused.elapsed() < popupRefusalHolds) {
+        m_sincePopupRefused.start();
+        return false;
+    }
+    const QPointer<PanePage> alive = this;
+    if (ask(QStringLiteral("Le navigateur essaie d'ouvrir un pop-up, voulez-vous l'autoriser ?")))
+        return !alive.isNull();
+    if (alive)
+        m_sincePopupRefused.start();
+    return false;
+}
+
+/// Yes or no. A second question while one is on show counts as answered with no.
+bool PanePage::ask(const QString &question)
+{
+    if (m_asking)
+        return false;
+    m_asking = true;
+    const QPointer<PanePage> alive = this;
+    const Messages::Answer answer =
+        m_messages.show({question, QStringLiteral("Information"), Message::Icon::Information, Message::Buttons::YesNo});
+    if (alive) {
+        m_asking = false;
+        QMetaObject::invokeMethod(this, &PanePage::questionAnswered, Qt::QueuedConnection);
+    }
+    return answer == Messages::Answer::Yes;
+}
+
+void PanePage::allowScripts(const QUrl &url)
+{
+    settings()->setAttribute(QWebEngineSettings::JavascriptEnabled, runsScripts(url));
+}
+
+bool PanePage::scriptMayInterrupt()
+{
+    return !m_asking && ++m_scriptDialogs <= mostScriptDialogs;
+}
+
+void PanePage::javaScriptAlert(const QUrl &securityOrigin, const QString &text)
+{
+    if (scriptMayInterrupt())
+        QWebEnginePage::javaScriptAlert(securityOrigin, text);
+}
+
+bool PanePage::javaScriptConfirm(const QUrl &securityOrigin, const QString &text)
+{
+    return scriptMayInterrupt() && QWebEnginePage::javaScriptConfirm(securityOrigin, text);
+}
+
+bool PanePage::javaScriptPrompt(const QUrl &securityOrigin, const QString &text, const QString &standard,
+                                QString *result)
+{
+    return scriptMayInterrupt() && QWebEnginePage::javaScriptPrompt(securityOrigin, text, standard, result);
+}

@@ -1,0 +1,151 @@
+#include "reading/PaneScheme.h"
+
+#include "platform/Files.h"
+
+#include <QBuffer>
+#include <QFileInfo>
+#include <QWebEngineUrlRequestJob>
+#include <QWebEngineUrlScheme>
+
+#include <array>
+#include <utility>
+
+namespace {
+
+constexpr QLatin1String host("pages");
+constexpr QLatin1String generatedPage("tmp.htm");
+constexpr QLatin1String homePage("home.htm");
+constexpr QLatin1String styleSheet("style.css");
+constexpr QLatin1String linkIcon("slien.gif");
+constexpr std::array<QLatin1String, 4> servedFiles = {generatedPage, homePage, styleSheet, linkIcon};
+
+/// Pictures, sound and frames of the web are shown as a feed's text asks for them; no script runs, no plug-in, and
+/// nothing comes from a file.
+constexpr char policy[] =
+    "<meta http-equiv=\"Content-Security-Policy\" content=\""
+    "default-src 'none'; img-src quillwire: http: https: data:; style-src quillwire: 'unsafe-inline'; "
+    "font-src http: https: data:; media-src http: https:; frame-src http: https:; "
+    "form-action http: https:; base-uri 'none'\">";
+
+QUrl address(QLatin1String file)
+{
+    return QUrl(QString::fromLatin1(PaneScheme::name()) % u"://" % host % u'/' % file);
+}
+
+QString fileName(const QUrl &url)
+{
+    return url.path().mid(1);
+}
+
+bool declaresCharset(const QByteArray &page)
+{
+    constexpr qsizetype declarationRoom = 1024; // as far as browsers look
+    return page.left(declarationRoom).toLower().contains("charset=");
+}
+
+QByteArray contentType(const QString &name, const QByteArray &content)
+{
+    if (name == styleSheet)
+        return "text/css; charset=utf-8";
+    if (name == linkIcon)
+        return "image/gif";
+    if (name == generatedPage)
+        return "text/html; charset=windows-1252";
+    return declaresCharset(content) ? "text/html" : "text/html; charset=utf-8";
+}
+
+} // namespace
+
+PaneScheme::PaneScheme(DataDirectory directory, QObject *parent)
+    : QWebEngineUrlSchemeHandler(parent), m_directory(std::move(directory))
+{}
+
+QByteArray PaneScheme::name()
+{
+    return "quillwire";
+}
+
+void PaneScheme::registerScheme()
+{
+    QWebEngineUrlScheme scheme(name());
+    scheme.setSyntax(QWebEngineUrlScheme::Syntax::Host);
+    // Not a secure scheme: pictures of plain http sites would be left out. A local one: pages of the web can't embed
+    // it.
+    scheme.setFlags(QWebEngineUrlScheme::LocalScheme);
+    QWebEngineUrlScheme::registerScheme(scheme);
+}
+
+bool PaneScheme::owns(const QUrl &url)
+{
+    return url.scheme().toLatin1() == name();
+}
+
+bool PaneScheme::isServed(const QUrl &url)
+{
+    if (!owns(url) || url.host() != host || !url.path().startsWith(u'/'))
+        return false;
+    const QString file = fileName(url);
+    for (const QLatin1String served : servedFiles)
+        if (file == served)
+            return true;
+    return false;
+}
+
+QUrl PaneScheme::startPage()
+{
+    return address(homePage);
+}
+
+QUrl PaneScheme::addressOf(const QString &path) const
+{
+    const QString local = path.startsWith(QLatin1String("file:")) ? QUrl(path).toLocalFile() : path;
+    const QString wanted = QFileInfo(local).absoluteFilePath();
+    for (const QLatin1String served : servedFiles) {
+        if (QFileInfo(m_directory.file(served)).absoluteFilePath() == wanted)
+            return address(served);
+    }
+    return {};
+}
+
+QUrl PaneScheme::fileAddressOf(const QUrl &url) const
+{
+    if (!isServed(url))
+        return url;
+    return QUrl::fromLocalFile(QFileInfo(m_directory.file(fileName(url))).absoluteFilePath());
+}
+
+void PaneScheme::requestStarted(QWebEngineUrlRequestJob *job)
+{
+    const QUrl url = job->requestUrl();
+    const QString initiator = job->initiator().scheme();
+    const bool fromTheWeb = initiator == QLatin1String("http") || initiator == QLatin1String("https");
+    if (!isServed(url) || fromTheWeb || job->requestMethod() != "GET") {
+        job->fail(QWebEngineUrlRequestJob::RequestDenied);
+        return;
+    }
+    const QString file = fileName(url);
+    Files::Content content = Files::read(m_directory.file(file));
+    if (content.result != Files::ReadResult::Read) {
+        job->fail(content.result == Files::ReadResult::Absent ? QWebEngineUrlRequestJob::UrlNotFound
+                                                              : QWebEngineUrlRequestJob::RequestFailed);
+        return;
+    }
+    if (file == generatedPage || file == homePage)
+        content.bytes = guardedPage(content.bytes);
+    auto *reply = new QBuffer(job);
+    reply->setData(content.bytes);
+    reply->open(QIODevice::ReadOnly);
+    job->reply(contentType(file, content.bytes), reply);
+}
+
+QByteArray PaneScheme::guardedPage(const QByteArray &page)
+{
+    QByteArray guarded = page;
+    guarded.replace(QByteArrayView("\0", 1), QByteArrayView());
+    // Behind the document type, which counts only at the very beginning.
+    qsizetype place = 0;
+    if (guarded.left(9).toLower() == "<!doctype")
+        place = guarded.indexOf('>') + 1;
+    guarded.insert(place, policy);
+    return guarded;
+}

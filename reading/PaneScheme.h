@@ -1,0 +1,46 @@
+#pragma once
+
+#include "core/DataDirectory.h"
+
+#include <QUrl>
+#include <QWebEngineUrlSchemeHandler>
+
+/// The private scheme under which the browser pane sees the data directory. It serves tmp.htm, home.htm, style.css and
+/// slien.gif by exactly these names and nothing else, and only to pages of its own.
+///
+/// tmp.htm is served without its zero bytes, as text of the ANSI code page. Both pages are served with a policy that
+/// forbids scripts, plug-ins and other frames than those of the web, whatever markup a feed has put into them.
+class PaneScheme final : public QWebEngineUrlSchemeHandler
+{
+    Q_OBJECT
+
+public:
+    explicit PaneScheme(DataDirectory directory, QObject *parent = nullptr);
+
+    /// Tells the engine of the scheme; before the application object is made.
+    static void registerScheme();
+
+    static QByteArray name();
+
+    /// True for any address of the scheme.
+    static bool owns(const QUrl &url);
+
+    /// True for the address of one of the four files.
+    static bool isServed(const QUrl &url);
+
+    static QUrl startPage();
+
+    /// The scheme's address of the file at `path` (a path or a `file:` address); an invalid one when it isn't served.
+    QUrl addressOf(const QString &path) const;
+
+    /// The `file:` address of what stands behind an address of the scheme; other addresses as they are.
+    QUrl fileAddressOf(const QUrl &url) const;
+
+    void requestStarted(QWebEngineUrlRequestJob *job) override;
+
+    /// What the pane gets to see of a page: no zero bytes, and the policy in front.
+    static QByteArray guardedPage(const QByteArray &page);
+
+private:
+    DataDirectory m_directory;
+};
