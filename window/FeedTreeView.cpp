@@ -8,6 +8,7 @@
 #include <QMimeData>
 #include <QPainter>
 #include <QStyledItemDelegate>
+#include <QTimer>
 
 namespace {
 
@@ -56,8 +57,7 @@ FeedTreeView::FeedTreeView(FeedTree &tree, const ImageList &pictures, QWidget *p
     setAccessibleName(QStringLiteral("Favoris"));
 
     connect(&tree, &FeedTree::expansionChanged, this, &FeedTreeView::setExpanded);
-    connect(&tree, &FeedTree::bringIntoViewAsked, this,
-            [this](const QModelIndex &index) { scrollTo(index, EnsureVisible); });
+    connect(&tree, &FeedTree::bringIntoViewAsked, this, &FeedTreeView::handleBringIntoView);
     connect(&tree, &FeedTree::selectionChanged, this, &FeedTreeView::handleTreeSelection);
     connect(selectionModel(), &QItemSelectionModel::selectionChanged, this, &FeedTreeView::handleViewSelection);
     connect(this, &QTreeView::expanded, this,
@@ -71,6 +71,17 @@ FeedNodePtr FeedTreeView::nodeAt(const QPoint &position) const
     const QModelIndex index = indexAt(position);
     // Left of the icon there are the lines and the arrow that opens the node.
     return index.isValid() && position.x() >= visualRect(index).left() ? m_tree.node(index) : nullptr;
+}
+
+void FeedTreeView::handleBringIntoView(const QModelIndex &index)
+{
+    // Only the last of many requests is seen; a large catalogue makes one for each feed.
+    if (!m_wantedInView.isValid())
+        QTimer::singleShot(0, this, [this] {
+            scrollTo(m_wantedInView, EnsureVisible);
+            m_wantedInView = QPersistentModelIndex();
+        });
+    m_wantedInView = index;
 }
 
 void FeedTreeView::handleTreeSelection(const QModelIndex &index)

@@ -63,10 +63,12 @@ private:
     DropPlace dropPlace(const QPoint &position) const;
     void startNodeDrag();
     void makeSelectedCurrent();
+    void handleBringIntoView(const QModelIndex &index);
     void handleTreeSelection(const QModelIndex &index);
     void handleViewSelection();
 
     FeedTree &m_tree;
+    QPersistentModelIndex m_wantedInView;
     FeedNodePtr m_draggedNode;
     std::optional<QPoint> m_pressedAt; ///< of a left press over a node, until its release or drag
     std::optional<DropPlace> m_mark;

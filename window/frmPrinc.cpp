@@ -154,8 +154,6 @@ void frmPrinc::nameParts()
     tbrMenu->setAccessibleName(QStringLiteral("Barre de menus"));
     cToolbar1->setAccessibleName(QStringLiteral("Barre d'outils"));
     tlbBrowser->setAccessibleName(QStringLiteral("Barre d'outils de la page"));
-    lvwItems->setAccessibleName(QStringLiteral("Messages"));
-    WebBrowser1->setAccessibleName(QStringLiteral("Page"));
     picHorizontalSplit->setAccessibleName(QStringLiteral("Séparation entre les favoris et les messages"));
     picVerticalSplit->setAccessibleName(QStringLiteral("Séparation entre les messages et la page"));
     prbChargement->setAccessibleName(QStringLiteral("Chargement"));

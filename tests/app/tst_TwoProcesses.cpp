@@ -1,0 +1,130 @@
+#include "platform/Files.h"
+#include "tests/fixtures/FeedTexts.h"
+#include "tests/fixtures/LocalHttpServer.h"
+#include "tests/fixtures/TemporaryDataDirectory.h"
+
+#include <QFileInfo>
+#include <QProcess>
+#include <QTest>
+
+#include <csignal>
+#include <memory>
+
+/// The program itself, started as a user starts it, with a data directory and a runtime directory of its own.
+class tst_TwoProcesses : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<TemporaryDataDirectory> m_data;
+    std::unique_ptr<QTemporaryDir> m_runtime;
+    LocalHttpServer m_server;
+
+    std::unique_ptr<QProcess> start(const QStringList &arguments = {}) const
+    {
+        auto process = std::make_unique<QProcess>();
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("QUILLWIRE_DATA"), m_data->directory().path());
+        environment.insert(QStringLiteral("QUILLWIRE_RUNTIME_DIR"), m_runtime->path());
+        environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_runtime->path());
+        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        process->setProcessEnvironment(environment);
+        process->setProcessChannelMode(QProcess::ForwardedChannels);
+        process->start(QStringLiteral(PROGRAM), arguments);
+        return process;
+    }
+
+    /// A first instance that takes texts already.
+    std::unique_ptr<QProcess> startFirst(const QStringList &arguments = {}) const
+    {
+        auto process = start(arguments);
+        const QString socket = m_runtime->filePath(QStringLiteral("Quillwire3.0_APPLICATION"));
+        if (!QTest::qWaitFor([&] { return QFileInfo::exists(socket); }, 20000))
+            qWarning("the first instance doesn't listen");
+        return process;
+    }
+
+    /// Waits without a halt of this thread's server.
+    static bool ended(QProcess &process)
+    {
+        return QTest::qWaitFor([&] { return process.state() == QProcess::NotRunning; }, 20000);
+    }
+
+    void end(QProcess &process) const
+    {
+        process.terminate();
+        QVERIFY(ended(process));
+        QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(process.exitCode(), 0);
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        m_data = std::make_unique<TemporaryDataDirectory>();
+        m_runtime = std::make_unique<QTemporaryDir>();
+        m_data->write(QStringLiteral("feeds.xml"), "<?xml version=\"1.0\"?><favoris></favoris>");
+    }
+
+    void aTermSignalTakesTheRoadOut()
+    {
+        const auto first = startFirst();
+        QVERIFY(m_data->exists(QStringLiteral("params.xml"))); // made from the template by the first start
+        QVERIFY(!m_data->read(QStringLiteral("params.xml")).contains("<start"));
+        end(*first);
+        QVERIFY(m_data->read(QStringLiteral("params.xml")).contains("<start")); // written at the end of the run
+    }
+
+    void aSecondStartHandsItsTextOverUnchanged()
+    {
+        const QString feed = m_data->file(QStringLiteral("œuvre 日.rss"));
+        Files::write(feed, FeedTexts::rss(QStringLiteral("Remis"), {QStringLiteral("un")}));
+        const auto first = startFirst();
+        const auto second = start({QStringLiteral("\"") + feed + QStringLiteral("\"")});
+        QVERIFY(ended(*second));
+        QCOMPARE(second->exitCode(), 0);
+        // The first instance has opened the file: its copy and the page of its channel are there.
+        QTRY_VERIFY(m_data->read(QStringLiteral("tmp.xml")).contains("Remis"));
+        QVERIFY(m_data->read(QStringLiteral("tmp.htm")).contains("Remis"));
+        end(*first);
+    }
+
+    void anAddressGoesToTheFirstInstanceAndIsFetchedThere()
+    {
+        m_server.setBody(QStringLiteral("/f.xml"), FeedTexts::rss(QStringLiteral("Loin"), {QStringLiteral("un")}));
+        const auto first = startFirst();
+        const auto second = start({m_server.url(QStringLiteral("/f.xml"))});
+        QVERIFY(ended(*second));
+        QTRY_COMPARE_WITH_TIMEOUT(m_server.hits(QStringLiteral("/f.xml")), 1, 10000);
+        QTRY_VERIFY(m_data->read(QStringLiteral("tmp.htm")).contains("Loin"));
+        end(*first);
+    }
+
+    void aSecondStartWithoutATextEndsAndChangesNothing()
+    {
+        const auto first = startFirst();
+        const QByteArray settings = m_data->read(QStringLiteral("params.xml"));
+        const auto second = start();
+        QVERIFY(ended(*second));
+        QCOMPARE(second->exitCode(), 0);
+        QCOMPARE(first->state(), QProcess::Running);
+        QCOMPARE(m_data->read(QStringLiteral("params.xml")), settings);
+        end(*first);
+    }
+
+    void aKilledInstanceDoesNotHinderTheNextStart()
+    {
+        const auto first = startFirst();
+        const QByteArray before = m_data->read(QStringLiteral("feeds.xml"));
+        first->kill();
+        QVERIFY(ended(*first));
+        QFile::remove(m_runtime->filePath(QStringLiteral("Quillwire3.0_APPLICATION")));
+        const auto next = startFirst();
+        QCOMPARE(next->state(), QProcess::Running);
+        QCOMPARE(m_data->read(QStringLiteral("feeds.xml")), before);
+        end(*next);
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_TwoProcesses)
+#include "tst_TwoProcesses.moc"

@@ -1,0 +1,143 @@
+#pragma once
+
+#include "controls/cToolbar.h"
+#include "core/SettingsFile.h"
+#include "platform/net/Downloader.h"
+#include "reading/BrowserPane.h"
+#include "reading/ItemListView.h"
+#include "tests/fixtures/FakeMessages.h"
+#include "tests/fixtures/TemporaryDataDirectory.h"
+#include "window/AddressBox.h"
+#include "window/FeedTreeView.h"
+#include "window/TrayShell.h"
+#include "window/frmPrinc.h"
+#include "window/frmUpdate.h"
+
+#include <QApplication>
+#include <QSignalSpy>
+#include <QTest>
+
+/// A notification area without a desktop.
+class FakeTrayShell final : public TrayShell
+{
+public:
+    explicit FakeTrayShell(const bool &available) : m_available(available) {}
+    void setNotify(Notify notify) override { m_notify = std::move(notify); }
+    void setMenu(QMenu *) override {}
+    void add(const TrayRecord &) override {}
+    void modify(const TrayRecord &) override {}
+    void remove(const TrayRecord &) override {}
+    void setVersion(const TrayRecord &) override {}
+    bool isAvailable() const override { return m_available; }
+    void raise(int value) const { m_notify(value); }
+
+private:
+    const bool &m_available;
+    Notify m_notify;
+};
+
+/// The main window over a data directory of its own, without the browser's engine, desktop or outside network.
+class PrincFixture
+{
+public:
+    PrincFixture() { data.write(QStringLiteral("feeds.xml"), "<?xml version=\"1.0\"?><favoris></favoris>"); }
+
+    /// The first or a further run of the program: settings from the file, the window loaded and shown.
+    void start(const QString &commandLine = {})
+    {
+        window.reset();
+        const QByteArray fresh = Files::read(QStringLiteral(SAMPLES_DIR "/../resources/data/params.xml")).bytes;
+        settingsFile =
+            std::make_unique<SettingsFile>(data.file(QStringLiteral("params.xml")), fresh, ScreenScale(), messages);
+        QVERIFY(settingsFile->loadSettings(settings));
+        settings.soundPath.clear();
+        if (adjustSettings)
+            adjustSettings(settings);
+        frmPrinc::Surroundings s{data.directory(), settings, *settingsFile, ScreenScale(), messages};
+        s.clock = [this] { return now; };
+        s.wait = [](int milliseconds) { QTest::qWait(qMin(milliseconds, 5)); };
+        s.isConnected = [] { return true; };
+        s.makeDownloader = [] { return std::make_unique<Downloader>(); };
+        s.makeTrayShell = [this] {
+            auto shell = std::make_unique<FakeTrayShell>(trayAvailable);
+            tray = shell.get();
+            return shell;
+        };
+        s.makeHelp = [] { return std::unique_ptr<HelpSystem>(); };
+        s.openInSystemBrowser = [this](const QString &url) {
+            systemUrls.append(url);
+            return true;
+        };
+        s.inputBox = [this](const QString &, const QString &) { return inputAnswer; };
+        s.askFeedFile = [this](const QString &, const QString &) { return chosenFile; };
+        s.runtimeDirectory = runtime.path();
+        s.releaseInstance = [this] { ++releases; };
+        window = std::make_unique<frmPrinc>(s);
+        window->findChild<BrowserPane *>()->hide(); // an engine isn't started for a pane that nobody sees
+        window->resize(settings.windowWidth, settings.windowHeight);
+        window->load(commandLine);
+        window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+    }
+
+    /// Writes a catalogue and the cache files of its feeds.
+    void writeCatalogue(const QByteArray &favoris) { data.write(QStringLiteral("feeds.xml"), favoris); }
+
+    template <class Control>
+    Control *control(const char *name) const
+    {
+        return window->findChild<Control *>(QString::fromLatin1(name));
+    }
+    FeedTreeView *tree() const { return control<FeedTreeView>("tvwFavoris"); }
+    ItemListView *list() const { return control<ItemListView>("lvwItems"); }
+    cToolbar *toolbar() const { return control<cToolbar>("cToolbar1"); }
+    cToolbar *browserToolbar() const { return control<cToolbar>("tlbBrowser"); }
+    FeedNodePtr node(const char *key) const { return window->feedTree().find(QString::fromLatin1(key)); }
+
+    QPoint placeOf(const FeedNodePtr &node) const
+    {
+        return tree()->visualRect(window->feedTree().indexOf(node)).center();
+    }
+    void click(const FeedNodePtr &node) const
+    {
+        QTest::mouseClick(tree()->viewport(), Qt::LeftButton, {}, placeOf(node));
+    }
+    void clickRow(int row, int column) const
+    {
+        const QRect cell = list()->visualRect(list()->items().index(row, column - 1));
+        QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, cell.center());
+    }
+
+    /// The enabled state of the four buttons of the main toolbar, as "1" and "0".
+    QString buttons() const
+    {
+        QString states;
+        for (int i = 0; i < toolbar()->buttonCount(); ++i)
+            states += toolbar()->isButtonEnabled(i) ? u'1' : u'0';
+        return states;
+    }
+
+    /// The popup of new items; null before the first one.
+    static frmUpdate *popup()
+    {
+        for (QWidget *widget : QApplication::topLevelWidgets())
+            if (auto *update = qobject_cast<frmUpdate *>(widget))
+                return update;
+        return nullptr;
+    }
+
+    TemporaryDataDirectory data;
+    QTemporaryDir runtime;
+    FakeMessages messages;
+    AppSettings settings;
+    std::unique_ptr<SettingsFile> settingsFile;
+    std::function<void(AppSettings &)> adjustSettings;
+    QDateTime now = QDateTime(QDate(2004, 7, 1), QTime(12, 0));
+    QStringList systemUrls;
+    QString inputAnswer;
+    QString chosenFile;
+    bool trayAvailable = true;
+    FakeTrayShell *tray = nullptr;
+    int releases = 0;
+    std::unique_ptr<frmPrinc> window;
+};

@@ -1,0 +1,52 @@
+#include "tests/fixtures/FakeMessages.h"
+#include "window/ErrorTrap.h"
+
+#include <QTest>
+
+class tst_ErrorTrap : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void anErrorOutOfAnEventHandlerIsShownAndEndsTheProcess()
+    {
+        auto *trap = qobject_cast<ErrorTrap *>(QCoreApplication::instance());
+        FakeMessages messages;
+        QStringList steps;
+        messages.onShow = [&](const Message &) { steps.append(QStringLiteral("shown")); };
+        trap->setMessages(&messages);
+        trap->setFreeze([&] { steps.append(QStringLiteral("frozen")); });
+        trap->setEnd([&](int code) { steps.append(QStringLiteral("end %1").arg(code)); });
+
+        QMetaObject::invokeMethod(
+            this, [] { throw RunTimeError::overflow(); }, Qt::QueuedConnection);
+        QCoreApplication::processEvents();
+
+        QCOMPARE(steps, QStringList({QStringLiteral("frozen"), QStringLiteral("shown"), QStringLiteral("end 1")}));
+        QCOMPARE(messages.shown.size(), std::size_t(1));
+        QCOMPARE(messages.shown.front().text, RunTimeError::overflow().message());
+        QCOMPARE(messages.shown.front().icon, Message::Icon::Critical);
+    }
+
+    void anErrorWhileTheBoxIsOpenIsNotShownAgain()
+    {
+        auto *trap = qobject_cast<ErrorTrap *>(QCoreApplication::instance());
+        FakeMessages messages;
+        int ends = 0;
+        messages.onShow = [&](const Message &) { trap->fail(RunTimeError::subscript()); };
+        trap->setMessages(&messages);
+        trap->setFreeze({});
+        trap->setEnd([&](int) { ++ends; });
+        trap->fail(RunTimeError::typeMismatch());
+        QCOMPARE(messages.shown.size(), std::size_t(1));
+        QCOMPARE(ends, 1);
+    }
+};
+
+int main(int argc, char **argv)
+{
+    ErrorTrap trap(argc, argv);
+    tst_ErrorTrap test;
+    return QTest::qExec(&test, argc, argv);
+}
+#include "tst_ErrorTrap.moc"

@@ -1,0 +1,168 @@
+#include "controls/ImageList.h"
+#include "core/FeedTree.h"
+#include "window/FeedTreeView.h"
+
+#include <QContextMenuEvent>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTimer>
+
+class tst_FeedTreeView : public QObject
+{
+    Q_OBJECT
+
+private:
+    FeedTree m_tree;
+    ImageList m_pictures{16};
+    std::unique_ptr<FeedTreeView> m_view;
+    QStringList m_said;
+
+    FeedNodePtr node(const char *key) const { return m_tree.find(QString::fromLatin1(key)); }
+    QPoint placeOf(const char *key) const { return m_view->visualRect(m_tree.indexOf(node(key))).center(); }
+    QModelIndexList selected() const { return m_view->selectionModel()->selectedIndexes(); }
+
+private Q_SLOTS:
+    void init()
+    {
+        m_tree.remove(m_tree.root());
+        m_view = std::make_unique<FeedTreeView>(m_tree, m_pictures);
+        const FeedNodePtr root = m_tree.addRoot(QStringLiteral("root"), QStringLiteral("Favoris"), NodeImage::Root);
+        const FeedNodePtr folder =
+            m_tree.addChild(root, QStringLiteral("1"), QStringLiteral("Presse"), NodeImage::Folder);
+        m_tree.addChild(folder, QStringLiteral("2"), QStringLiteral("Monde"), NodeImage::Feed);
+        m_tree.addChild(folder, QStringLiteral("3"), QStringLiteral("Matin"), NodeImage::Feed);
+        m_tree.addChild(root, QStringLiteral("4"), QStringLiteral("Blog"), NodeImage::Feed);
+        m_tree.bringIntoView(node("2"));
+        m_view->resize(300, 400);
+        m_view->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_view.get()));
+
+        m_said.clear();
+        connect(m_view.get(), &FeedTreeView::nodeClicked, this,
+                [this](const FeedNodePtr &n) { m_said.append(QStringLiteral("click ") + n->key()); });
+        connect(m_view.get(), &FeedTreeView::arrowKeyTo, this, [this](const FeedNodePtr &n) {
+            m_said.append(QStringLiteral("arrow ") + n->key() + QStringLiteral(" from ") + m_tree.selected()->key());
+        });
+        connect(m_view.get(), &FeedTreeView::nodeRightClicked, this,
+                [this](const FeedNodePtr &n) { m_said.append(QStringLiteral("right ") + n->key()); });
+        connect(m_view.get(), &FeedTreeView::nodeDropped, this, [this](const FeedNodePtr &n, bool above) {
+            m_said.append(QStringLiteral("drop %1 %2").arg(n ? n->key() : QString()).arg(above));
+        });
+    }
+
+    void aClickSelectsBeforeItIsTold()
+    {
+        QString selectedThen;
+        connect(m_view.get(), &FeedTreeView::nodeClicked, this, [&] { selectedThen = m_tree.selected()->key(); });
+        QTest::mouseClick(m_view->viewport(), Qt::LeftButton, {}, placeOf("3"));
+        QCOMPARE(m_said, QStringList(QStringLiteral("click 3")));
+        QCOMPARE(selectedThen, QStringLiteral("3"));
+    }
+
+    void aPressSelectsNothingUntilItIsReleased()
+    {
+        QTest::mousePress(m_view->viewport(), Qt::LeftButton, {}, placeOf("2"));
+        QVERIFY(!m_tree.selected());
+        QCOMPARE(m_view->draggedNode(), node("2"));
+        QTest::mouseRelease(m_view->viewport(), Qt::LeftButton, {}, placeOf("4"));
+        QVERIFY(m_said.isEmpty());
+        QVERIFY(selected().isEmpty());
+    }
+
+    void aPressBesideAllNodesForgetsTheDraggedOne()
+    {
+        QTest::mousePress(m_view->viewport(), Qt::LeftButton, {}, placeOf("2"));
+        QTest::mousePress(m_view->viewport(), Qt::LeftButton, {}, QPoint(5, 390));
+        QVERIFY(!m_view->draggedNode());
+    }
+
+    void theArrowOfAFolderOpensItWithoutAClick()
+    {
+        const QRect row = m_view->visualRect(m_tree.indexOf(node("1")));
+        const QPoint arrow(row.left() - m_view->indentation() / 2, row.center().y());
+        QTest::mouseClick(m_view->viewport(), Qt::LeftButton, {}, arrow);
+        QVERIFY(!node("1")->isExpanded());
+        QVERIFY(m_said.isEmpty());
+    }
+
+    void arrowKeysTellTheNextNodeBeforeTheSelectionMoves()
+    {
+        m_tree.select(node("3"));
+        QTest::keyClick(m_view.get(), Qt::Key_Down);
+        QCOMPARE(m_said, QStringList(QStringLiteral("arrow 4 from 3")));
+        QCOMPARE(m_tree.selected(), node("4"));
+        QTest::keyClick(m_view.get(), Qt::Key_Down); // the last node has none behind it
+        QCOMPARE(m_said.size(), 1);
+        m_tree.setExpanded(node("1"), false);
+        QTest::keyClick(m_view.get(), Qt::Key_Up);
+        QCOMPARE(m_said.last(), QStringLiteral("arrow 1 from 4"));
+        QCOMPARE(m_tree.selected(), node("1"));
+    }
+
+    void aContextMenuIsAskedForWithMouseAndKeyboardWithoutSelecting()
+    {
+        m_tree.select(node("4"));
+        const QPoint place = placeOf("2");
+        QContextMenuEvent mouse(QContextMenuEvent::Mouse, place, m_view->viewport()->mapToGlobal(place));
+        QCoreApplication::sendEvent(m_view->viewport(), &mouse);
+        QContextMenuEvent keyboard(QContextMenuEvent::Keyboard, QPoint(), QPoint());
+        QCoreApplication::sendEvent(m_view->viewport(), &keyboard);
+        QCOMPARE(m_said, QStringList({QStringLiteral("right 2"), QStringLiteral("right 4")}));
+        QCOMPARE(m_tree.selected(), node("4"));
+    }
+
+    void aRemovedSelectionGoesToNothing()
+    {
+        m_tree.select(node("3"));
+        m_tree.remove(node("3"));
+        QVERIFY(!m_tree.selected());
+        QVERIFY(selected().isEmpty());
+    }
+
+    void removingAnotherNodeKeepsTheSelection()
+    {
+        m_tree.select(node("3"));
+        QTest::mousePress(m_view->viewport(), Qt::LeftButton, {}, placeOf("2"));
+        m_tree.remove(node("2"));
+        QCOMPARE(m_tree.selected(), node("3"));
+        QCOMPARE(selected().size(), 1);
+    }
+
+    void foldingIsTheSameInTreeAndView()
+    {
+        m_view->collapse(m_tree.indexOf(node("1")));
+        QVERIFY(!node("1")->isExpanded());
+        m_tree.setExpanded(node("1"), true);
+        QVERIFY(m_view->isExpanded(m_tree.indexOf(node("1"))));
+    }
+
+    void draggingANodeOntoTheUpperOrLowerHalfOfAnotherTellsTheSide_data()
+    {
+        QTest::addColumn<int>("offset");
+        QTest::addColumn<QString>("told");
+        QTest::newRow("upper half") << -4 << QStringLiteral("drop 4 1");
+        QTest::newRow("lower half") << 4 << QStringLiteral("drop 4 0");
+    }
+
+    void draggingANodeOntoTheUpperOrLowerHalfOfAnotherTellsTheSide()
+    {
+        QFETCH(int, offset);
+        m_tree.select(node("3"));
+        QWindow *window = m_view->windowHandle();
+        const auto at = [&](const QPoint &place) { return m_view->viewport()->mapTo(m_view.get(), place); };
+        const QPoint from = placeOf("2");
+        const QPoint to = placeOf("4") + QPoint(0, offset);
+        // The drag holds this thread in a loop of its own; the pointer moves from within it.
+        QTimer::singleShot(50, window, [&] { QTest::mouseMove(window, at(to - QPoint(1, 0))); });
+        QTimer::singleShot(100, window, [&] { QTest::mouseMove(window, at(to)); });
+        QTimer::singleShot(150, window, [&] { QTest::mouseRelease(window, Qt::LeftButton, {}, at(to)); });
+        QTest::mousePress(window, Qt::LeftButton, {}, at(from));
+        QTest::mouseMove(window, at(from + QPoint(30, 0)));
+        QTRY_COMPARE(m_said.size(), 1);
+        QTEST(m_said.first(), "told");
+        QCOMPARE(m_tree.selected(), node("3")); // a drag neither clicks nor selects
+    }
+};
+
+QTEST_MAIN(tst_FeedTreeView)
+#include "tst_FeedTreeView.moc"

@@ -1,0 +1,489 @@
+#include "tests/window/PrincFixture.h"
+
+#include "controls/StatusBar.h"
+#include "controls/cReBar.h"
+#include "tests/fixtures/FeedTexts.h"
+#include "tests/fixtures/LocalHttpServer.h"
+#include "window/SplitBar.h"
+
+#include <QClipboard>
+#include <QMenu>
+#include <QProgressBar>
+#include <QTimer>
+
+/// The frame and the whole of the window's journeys, through its real controls.
+class tst_frmPrinc : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<PrincFixture> m_f;
+
+    /// A folder with two feeds and a feed beside it, each with a cache file of three items.
+    void writeThreeFeeds(const QString &address = QStringLiteral("http://127.0.0.1:9/x"))
+    {
+        QString text = QStringLiteral("<?xml version=\"1.0\"?><favoris>"
+                                      "<dir name=\"Presse\" key=\"1\" visible=\"1\">"
+                                      "<feed name=\"Monde\" url=\"%1\" key=\"2\" ttl=\"60\" cache=\"-7\"/>"
+                                      "<feed name=\"Matin\" url=\"%1\" key=\"3\" ttl=\"60\" cache=\"-7\"/></dir>"
+                                      "<feed name=\"Blog\" url=\"%1\" key=\"4\" ttl=\"60\" cache=\"-7\"/></favoris>")
+                           .arg(address);
+        m_f->writeCatalogue(text.toUtf8());
+        for (int key = 2; key <= 4; ++key)
+            Files::write(m_f->data.cacheFile(QString::number(key)),
+                         FeedTexts::rss(QStringLiteral("Flux %1").arg(key),
+                                        FeedTexts::titles(QStringLiteral("f%1-").arg(key), 0, 3)));
+    }
+
+    QString catalogue() const { return QString::fromUtf8(m_f->data.read(QStringLiteral("feeds.xml"))); }
+
+    QString titleOf(int row) const { return m_f->list()->items().index(row, 0).data().toString(); }
+
+    void enterAddress(const QString &address) const
+    {
+        auto *txtURL = m_f->control<AddressBox>("txtURL");
+        txtURL->setText(address);
+        QTest::keyClick(txtURL, Qt::Key_Return);
+    }
+
+    void pressToolbar(int index) const { m_f->toolbar()->button(index)->click(); }
+
+    /// Answers the next pop-up menu, which would hold the test, by choosing an entry or by closing it.
+    static void answerMenu(const QString &entry, QStringList *enabled = nullptr)
+    {
+        QTimer::singleShot(0, qApp, [entry, enabled] {
+            auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+            QVERIFY(menu);
+            QAction *chosen = nullptr;
+            for (QAction *action : menu->actions()) {
+                if (enabled && action->isEnabled() && !action->isSeparator())
+                    enabled->append(action->text());
+                if (action->text() == entry)
+                    chosen = action;
+            }
+            menu->close();
+            if (chosen)
+                chosen->trigger();
+        });
+    }
+
+    void askContextMenu(const char *key) const
+    {
+        const QPoint place = m_f->placeOf(m_f->node(key));
+        QContextMenuEvent event(QContextMenuEvent::Mouse, place, m_f->tree()->viewport()->mapToGlobal(place));
+        QCoreApplication::sendEvent(m_f->tree()->viewport(), &event);
+    }
+
+private Q_SLOTS:
+    void init() { m_f = std::make_unique<PrincFixture>(); }
+    void cleanup() { m_f.reset(); }
+
+    // --- The feed tree
+
+    void aClickOnAFeedOpensItAndEnablesItsButtons()
+    {
+        writeThreeFeeds();
+        m_f->start();
+        m_f->click(m_f->node("3"));
+        QCOMPARE(m_f->list()->items().rowCount(), 3);
+        QCOMPARE(titleOf(0), QStringLiteral("f3-0"));
+        QCOMPARE(m_f->buttons(), QStringLiteral("1110"));
+        QVERIFY(m_f->data.read(QStringLiteral("tmp.htm")).contains("Flux 3"));
+    }
+
+    void aClickOnAFolderEmptiesTheListAndOneOnTheRootLeavesIt()
+    {
+        writeThreeFeeds();
+        m_f->start();
+        m_f->click(m_f->node("2"));
+        m_f->click(m_f->node("root"));
+        QCOMPARE(m_f->buttons(), QStringLiteral("0000"));
+        QCOMPARE(m_f->list()->items().rowCount(), 3);
+        m_f->click(m_f->node("1"));
+        QCOMPARE(m_f->buttons(), QStringLiteral("0100"));
+        QCOMPARE(m_f->list()->items().rowCount(), 0);
+    }
+
+    void aFeedBeingUpdatedOpensNothing()
+    {
+        writeThreeFeeds();
+        m_f->start();
+        m_f->click(m_f->node("2"));
+        m_f->window->feedTree().setImages(m_f->node("3"), NodeImage::FeedUpdating, NodeImage::FeedUpdating);
+        m_f->click(m_f->node("3"));
+        QCOMPARE(m_f->buttons(), QStringLiteral("0000"));
+        QCOMPARE(titleOf(0), QStringLiteral("f2-0"));
+    }
+
+    void arrowKeysOpenFeedsWithoutTouchingTheButtons()
+    {
+        writeThreeFeeds();
+        m_f->start();
+        m_f->click(m_f->node("1"));
+        QTest::keyClick(m_f->tree(), Qt::Key_Down);
+        QCOMPARE(titleOf(0), QStringLiteral("f2-0"));
+        QCOMPARE(m_f->window->feedTree().selected(), m_f->node("2"));
+        QCOMPARE(m_f->buttons(), QStringLiteral("0100"));
+        QTest::keyClick(m_f->tree(), Qt::Key_Up); // onto the folder: nothing changes on show
+        QCOMPARE(titleOf(0), QStringLiteral("f2-0"));
+    }
+
+    void theContextMenuFollowsTheKindOfTheNode()
+    {
+        writeThreeFeeds();
+        m_f->start();
+        m_f->click(m_f->node("2"));
+        QStringList enabled;
+        answerMenu(QString(), &enabled);
+        askContextMenu("1");
+        QCOMPARE(enabled, QStringList({QStringLiteral("Supprimer"), QStringLiteral("Nouveau dossier")}));
+        QCOMPARE(m_f->buttons(), QStringLiteral("0100"));
+        QCOMPARE(m_f->window->feedTree().selected(), m_f->node("1"));
+        QCOMPARE(titleOf(0), QStringLiteral("f2-0")); // a right click on a folder leaves the list
+
+        enabled.clear();
+        answerMenu(QString(), &enabled);
+        askContextMenu("4");
+        QCOMPARE(enabled.size(), 4);
+        QCOMPARE(titleOf(0), QStringLiteral("f4-0"));
+    }
+
+    void aFeedIsDeletedWithoutAQuestion()
+    {
+        writeThreeFeeds();
+        m_f->start();
+        m_f->click(m_f->node("2"));
+        answerMenu(QStringLiteral("Supprimer"));
+        askContextMenu("2");
+        QVERIFY(m_f->messages.shown.empty());
+        QVERIFY(!m_f->node("2"));
+        QVERIFY(!m_f->window->feedTree().selected());
+        QCOMPARE(m_f->list()->items().rowCount(), 0);
+        QVERIFY(!catalogue().contains(QStringLiteral("Monde")));
+        QVERIFY(!Files::exists(m_f->data.cacheFile(QStringLiteral("2"))));
+    }
+
+    void aFolderIsDeletedOnlyAfterAYes()
+    {
+        writeThreeFeeds();
+        m_f->start();
+        m_f->click(m_f->node("1"));
+        pressToolbar(1);
+        QCOMPARE(m_f->messages.shown.size(), std::size_t(1));
+        QCOMPARE(m_f->messages.shown.front().title, QStringLiteral("Supprimer dossier"));
+        QVERIFY(m_f->node("3"));
+        m_f->messages.answer = Messages::Answer::Yes;
+        pressToolbar(1);
+        QVERIFY(!m_f->node("3"));
+        QVERIFY(!catalogue().contains(QStringLiteral("Presse")));
+        QVERIFY(!Files::exists(m_f->data.cacheFile(QStringLiteral("3"))));
+        QVERIFY(Files::exists(m_f->data.cacheFile(QStringLiteral("4"))));
+    }
+
+    void aNewFolderStandsBesideAFeedAndAnEmptyNameMakesNone()
+    {
+        writeThreeFeeds();
+        m_f->start();
+        answerMenu(QStringLiteral("Nouveau dossier"));
+        askContextMenu("3");
+        QVERIFY(!m_f->node("5"));
+        m_f->inputAnswer = QStringLiteral("Été & co");
+        answerMenu(QStringLiteral("Nouveau dossier"));
+        askContextMenu("3");
+        QCOMPARE(m_f->node("5")->parent(), m_f->node("1"));
+        QVERIFY(catalogue().contains(QStringLiteral("name=\"Été &amp; co\" key=\"5\" visible=\"1\"")));
+    }
+
+    void aDropOnAFolderMovesTheFeedInTreeAndFile()
+    {
+        writeThreeFeeds();
+        m_f->start();
+        QTest::mousePress(m_f->tree()->viewport(), Qt::LeftButton, {}, m_f->placeOf(m_f->node("4")));
+        Q_EMIT m_f->tree()->nodeDropped(m_f->node("1"), false);
+        QCOMPARE(m_f->node("4")->parent(), m_f->node("1"));
+        QVERIFY(m_f->node("4")->tag.isEmpty());
+        QVERIFY(catalogue().indexOf(QStringLiteral("Blog")) < catalogue().indexOf(QStringLiteral("</dir>")));
+
+        Q_EMIT m_f->tree()->nodeDropped(m_f->node("root"), false); // the remembered node is gone: nothing moves
+        QCOMPARE(m_f->node("4")->parent(), m_f->node("1"));
+    }
+
+    // --- Journeys
+
+    void aFeedOpenedByAddressIsSubscribedAndThereAtTheNextStart()
+    {
+        LocalHttpServer server;
+        const QStringList titles = FeedTexts::titles(QStringLiteral("a"), 0, 4);
+        server.setBody(QStringLiteral("/feed.xml"),
+                       FeedTexts::rss(QStringLiteral("Été"), titles, QStringLiteral("30")));
+        m_f->start();
+        QCOMPARE(m_f->buttons(), QStringLiteral("0000"));
+        enterAddress(server.url(QStringLiteral("/feed.xml")));
+        QTRY_COMPARE(m_f->list()->items().rowCount(), 4);
+        QCOMPARE(m_f->buttons(), QStringLiteral("0001"));
+        QVERIFY(m_f->window->addressFeedShown());
+
+        pressToolbar(3);
+        QCOMPARE(m_f->node("1")->text(), QStringLiteral("Été"));
+        QVERIFY(m_f->window->close());
+        QCOMPARE(m_f->releases, 1);
+
+        m_f->start();
+        QCOMPARE(m_f->window->feedTables().updatettl.Item(QStringLiteral("1")), QStringLiteral("30"));
+        m_f->click(m_f->node("1"));
+        QCOMPARE(m_f->list()->items().rowCount(), 4);
+    }
+
+    void anItemOnShowIsMarkedAsReadAfterTheDelayAndStaysSo()
+    {
+        m_f->adjustSettings = [](AppSettings &settings) { settings.readDelay = 20; };
+        writeThreeFeeds();
+        m_f->start();
+        m_f->click(m_f->node("2"));
+        m_f->clickRow(1, 1);
+        QVERIFY(m_f->browserToolbar()->isButtonEnabled(QStringLiteral("send_mail")));
+        QTRY_VERIFY(m_f->list()->items().isShownRead(1));
+        QVERIFY(!m_f->list()->items().isShownRead(0));
+        m_f->window->close();
+        m_f->start();
+        m_f->click(m_f->node("2"));
+        QVERIFY(m_f->list()->items().isShownRead(1));
+    }
+
+    void anUpdateOfTheFeedOnShowKeepsTheSelectedItemAndAnnouncesTheNewOnes()
+    {
+        LocalHttpServer server;
+        writeThreeFeeds(server.url(QStringLiteral("/feed.xml")));
+        server.setBody(QStringLiteral("/feed.xml"),
+                       FeedTexts::rss(QStringLiteral("Le Monde"), FeedTexts::titles(QStringLiteral("new"), 0, 2) +
+                                                                      FeedTexts::titles(QStringLiteral("f2-"), 0, 3)));
+        m_f->start();
+        m_f->click(m_f->node("2"));
+        m_f->list()->selectRow(1);
+        pressToolbar(0);
+        QCOMPARE(m_f->node("2")->image(), int(NodeImage::FeedUpdating));
+        QVERIFY(!m_f->toolbar()->isButtonEnabled(0));
+
+        QTRY_COMPARE(m_f->node("2")->image(), int(NodeImage::Feed));
+        QCOMPARE(m_f->list()->items().rowCount(), 5);
+        QCOMPARE(titleOf(0), QStringLiteral("new0"));
+        QCOMPARE(titleOf(m_f->list()->selectedRow()), QStringLiteral("f2-1"));
+        QCOMPARE(m_f->control<StatusBar>("stabPrinc")->panelText(QStringLiteral("state")),
+                 QStringLiteral("Mise à jour de Monde terminée (2 nouveaux messages)"));
+        QVERIFY(PrincFixture::popup());
+        QCOMPARE(PrincFixture::popup()->caption(),
+                 QStringLiteral("Mise à jour du flux\r\nLe Monde\r\n\r\n2 nouveaux messages"));
+        QVERIFY(Files::read(m_f->data.cacheFile(QStringLiteral("2"))).bytes.contains("new1"));
+        QVERIFY(!m_f->control<QProgressBar>("prbChargement")->isVisible());
+    }
+
+    void closingInTheMiddleOfAnUpdateOfAllFeedsEndsIt()
+    {
+        LocalHttpServer server;
+        LocalHttpServer::Answer stalled;
+        stalled.silent = true;
+        server.setAnswer(QStringLiteral("/feed.xml"), stalled);
+        writeThreeFeeds(server.url(QStringLiteral("/feed.xml")));
+        m_f->start();
+        QTimer::singleShot(200, m_f->window.get(), &QWidget::close);
+        m_f->window->updateAllFeeds(); // holds until the close has stopped it
+        QVERIFY(m_f->window->isUnloaded());
+        QCOMPARE(server.hits(QStringLiteral("/feed.xml")), 1);
+        QVERIFY(m_f->data.exists(QStringLiteral("params.xml")));
+    }
+
+    // --- The frame
+
+    void theShortcutOfAMenuEntryTakesTheRoadOut()
+    {
+        m_f->start();
+        m_f->window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_f->window.get()));
+        QSignalSpy unloaded(m_f->window.get(), &frmPrinc::unloaded);
+        QTest::keyClick(m_f->window.get(), Qt::Key_Q, Qt::ControlModifier);
+        QTRY_COMPARE(unloaded.count(), 1);
+        m_f->window->unload(); // the road is taken once
+        QCOMPARE(unloaded.count(), 1);
+        QVERIFY(m_f->data.read(QStringLiteral("params.xml")).contains("mode=\"Plein écran\""));
+    }
+
+    void whatTheUserChangedInTheFrameIsThereAtTheNextStart()
+    {
+        m_f->start();
+        m_f->window->setStyle(QStringLiteral("mnuStandard"));
+        m_f->window->setToolbarSize(QStringLiteral("mnuTBGrande"));
+        m_f->window->resize(900, 700);
+        m_f->list()->setColumnWidthTwips(3, 150 * 15);
+        m_f->window->close();
+        m_f->start();
+        QVERIFY(!m_f->settings.officeStyle);
+        QVERIFY(!m_f->settings.smallToolbars);
+        QCOMPARE(m_f->window->size(), QSize(900, 700));
+        QCOMPARE(m_f->list()->columnWidthTwips(3), 150.0 * 15);
+        QCOMPARE(m_f->toolbar()->drawStyle(), DrawStyle::Standard);
+    }
+
+    void anAbandonedWindowSavesNothing()
+    {
+        m_f->start();
+        m_f->window->abandon();
+        m_f->data.write(QStringLiteral("params.xml"), "untouched");
+        m_f->window->close();
+        QCOMPARE(m_f->data.read(QStringLiteral("params.xml")), QByteArray("untouched"));
+        QCOMPARE(m_f->releases, 0);
+    }
+
+    void aMissingCatalogueIsARunTimeErrorAtLoad()
+    {
+        m_f->start();
+        m_f->window->close();
+        QFile::remove(m_f->data.file(QStringLiteral("feeds.xml")));
+        QVERIFY_EXCEPTION_THROWN(m_f->start(), RunTimeError);
+        m_f->window->abandon();
+    }
+
+    void draggingTheBarsResizesThePanesWithinTheirBounds()
+    {
+        m_f->start();
+        auto *bar = m_f->control<SplitBar>("picHorizontalSplit");
+        const int before = bar->x();
+        QTest::mousePress(bar, Qt::LeftButton, {}, QPoint(0, 5));
+        QTest::mouseMove(bar, QPoint(70, 5));
+        QCOMPARE(bar->x(), before + 70);
+        QTest::mouseMove(bar, QPoint(5000, 5)); // past the bound the bar stays
+        QCOMPARE(bar->x(), before + 70);
+        QTest::mouseRelease(bar, Qt::LeftButton, {}, QPoint(0, 5));
+        QCOMPARE(int(m_f->settings.splitHorizontal), (before + 70) * 15);
+        QCOMPARE(m_f->tree()->width(), before + 70);
+
+        auto *lower = m_f->control<SplitBar>("picVerticalSplit");
+        const int height = m_f->list()->height();
+        QTest::mousePress(lower, Qt::LeftButton, {}, QPoint(5, 0));
+        QTest::mouseMove(lower, QPoint(5, -30));
+        QTest::mouseRelease(lower, Qt::LeftButton, {}, QPoint(5, 0));
+        QCOMPARE(m_f->list()->height(), height - 30);
+        QCOMPARE(int(m_f->settings.splitVertical), (height - 30) * 15);
+        QTest::mouseClick(lower, Qt::LeftButton); // let go without a move: all stays
+        QCOMPARE(m_f->list()->height(), height - 30);
+    }
+
+    void panesKeepInsideASmallWindow()
+    {
+        m_f->start();
+        m_f->window->resize(640, 480);
+        const QRect inner = m_f->window->rect();
+        for (const char *name : {"tvwFavoris", "lvwItems", "cToolbarHost1", "WebBrowser1", "stabPrinc"}) {
+            const QRect pane = m_f->control<QWidget>(name)->geometry();
+            QVERIFY2(inner.contains(pane) && pane.height() > 20 && pane.width() > 100, name);
+        }
+    }
+
+    void theStyleIsRefusedForOldControls_data()
+    {
+        QTest::addColumn<int>("major");
+        QTest::addColumn<int>("minor");
+        QTest::addColumn<bool>("switched");
+        QTest::newRow("4.70") << 4 << 70 << false;
+        QTest::newRow("4.71") << 4 << 71 << true;
+        QTest::newRow("5.0") << 5 << 0 << true;
+    }
+
+    void theStyleIsRefusedForOldControls()
+    {
+        QFETCH(int, major);
+        QFETCH(int, minor);
+        m_f->start();
+        m_f->toolbar()->setCommonControlsVersion({major, minor});
+        m_f->window->setStyle(QStringLiteral("mnuStandard")); // the settings of a first start say Office XP
+        QTEST(!m_f->settings.officeStyle, "switched");
+        QTEST(m_f->browserToolbar()->drawStyle() == DrawStyle::Standard, "switched");
+        QTEST(m_f->messages.shown.empty(), "switched");
+    }
+
+    void minimisingHidesOnlyWhereAnIconLeadsBack()
+    {
+        m_f->trayAvailable = false;
+        m_f->start();
+        m_f->window->showMinimized();
+        QTest::qWait(20);
+        QVERIFY(!m_f->window->isHidden());
+        m_f->window->showNormal();
+        m_f->trayAvailable = true;
+        m_f->window->showMinimized();
+        QTRY_VERIFY(m_f->window->isHidden());
+
+        constexpr int leftDoubleClick = 515;
+        m_f->tray->raise(leftDoubleClick);
+        QVERIFY(m_f->window->isVisible());
+        QVERIFY(!m_f->window->isMinimized());
+        m_f->window->hide(); // hidden, but not iconic: a double click doesn't show it
+        m_f->tray->raise(leftDoubleClick);
+        QVERIFY(m_f->window->isHidden());
+    }
+
+    void aColumnIsHiddenAndShownAgainWithItsWidth()
+    {
+        m_f->start();
+        const double width = m_f->list()->columnWidthTwips(5);
+        for (const double expected : {0.0, width}) {
+            answerMenu(QStringLiteral("Auteur"));
+            QTest::mousePress(m_f->list()->viewport(), Qt::RightButton, {}, QPoint(5, 5));
+            QCOMPARE(m_f->list()->columnWidthTwips(5), expected);
+        }
+    }
+
+    void theAddressBoxTakesAnAddressFromTheClipboardOnce()
+    {
+        m_f->start();
+        auto *txtURL = m_f->control<AddressBox>("txtURL");
+        const auto focusWith = [&](const QString &copied) {
+            m_f->tree()->setFocus();
+            QGuiApplication::clipboard()->setText(copied);
+            txtURL->setFocus(Qt::TabFocusReason);
+        };
+        m_f->window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_f->window.get()));
+        focusWith(QStringLiteral("HTTP://example.org/"));
+        QCOMPARE(txtURL->text(), QStringLiteral("http://"));
+        focusWith(QStringLiteral("http://example.org/a b"));
+        QCOMPARE(txtURL->text(), QStringLiteral("http://example.org/a b"));
+        QCOMPARE(QGuiApplication::clipboard()->text(), QString());
+    }
+
+    void aChosenFileIsOnlyPutIntoTheBox()
+    {
+        m_f->start();
+        m_f->chosenFile = QStringLiteral("/tmp/a.rss");
+        m_f->control<QAbstractButton>("Image1")->click();
+        QCOMPARE(m_f->window->addressText(), QStringLiteral("/tmp/a.rss"));
+        QVERIFY(m_f->messages.shown.empty());
+        m_f->chosenFile.clear();
+        m_f->control<QAbstractButton>("Image1")->click();
+        QCOMPARE(m_f->window->addressText(), QStringLiteral("/tmp/a.rss"));
+    }
+
+    void theCommandLineIsOpenedAtTheStart()
+    {
+        const QString path = m_f->data.file(QStringLiteral("été.rss"));
+        Files::write(path, FeedTexts::rss(QStringLiteral("Local"), FeedTexts::titles(QStringLiteral("l"), 0, 2)));
+        m_f->start(u'"' + path + u'"');
+        QCOMPARE(m_f->window->addressText(), path);
+        QCOMPARE(m_f->list()->items().rowCount(), 2);
+    }
+
+    void theChevronOfABandOpensWhatDoesNotFit()
+    {
+        m_f->start();
+        auto *rebar = m_f->control<cReBar>("cReBar1");
+        m_f->toolbar()->resize(30, m_f->toolbar()->height());
+        QVERIFY(m_f->toolbar()->hasOverflow());
+        Q_EMIT rebar->ChevronPushed(2, 0, 0, 600, 300);
+        auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+        QVERIFY(menu);
+        QVERIFY(!menu->actions().isEmpty());
+        menu->close();
+    }
+};
+
+QTEST_MAIN(tst_frmPrinc)
+#include "tst_frmPrinc.moc"
