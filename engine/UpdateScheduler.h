@@ -76,8 +76,8 @@ private:
     void waitForUpdate();
 
     Surroundings m_s;
-    QTimer m_timUpdate;
-    QTimer m_timGlobalUpdate;
+    QTimer m_timUpdate{this};
+    QTimer m_timGlobalUpdate{this};
     FeedNodePtr m_updatingNode;
     bool m_updateRunning = false;
     bool m_updateAllRunning = false;

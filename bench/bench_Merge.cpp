@@ -1,0 +1,60 @@
+#include "engine/ItemStore.h"
+#include "tests/fixtures/FeedTexts.h"
+#include "tests/fixtures/TemporaryDataDirectory.h"
+
+#include <benchmark/benchmark.h>
+
+#include <QDate>
+
+#include <chrono>
+
+namespace {
+
+using Seconds = std::chrono::duration<double>;
+
+/// Merges 10,000 items into 30,000. `merge_to_load` is the time of the merge, its save left out, as a part of the time
+/// of loading the two files; the floor is 1.
+void mergeTenThousandIntoThirtyThousand(benchmark::State &state, const QString &freshPrefix)
+{
+    const TemporaryDataDirectory folder;
+    const QString storePath = folder.file(QStringLiteral("store.xml"));
+    const QString freshPath = folder.file(QStringLiteral("fresh.xml"));
+    const QByteArray storeText =
+        FeedTexts::rss(QStringLiteral("T"), FeedTexts::titles(QStringLiteral("item"), 0, 30000));
+    const QByteArray freshText = FeedTexts::rss(QStringLiteral("T"), FeedTexts::titles(freshPrefix, 0, 10000));
+    Files::write(storePath, storeText);
+    Files::write(freshPath, freshText);
+    double loading = 0;
+    double merging = 0;
+    double saving = 0;
+    for (auto _ : state) {
+        Files::write(storePath, storeText);
+        const auto begin = std::chrono::steady_clock::now();
+        CachedFeed fresh;
+        CachedFeed store;
+        if (fresh.Load(freshPath) != LoadOk || store.Load(storePath) != LoadOk)
+            state.SkipWithError("the files don't load");
+        const auto loaded = std::chrono::steady_clock::now();
+        QString havecache = QStringLiteral("0");
+        benchmark::DoNotOptimize(ItemStore::merge(fresh, store, QStringLiteral("7"), havecache, QDate::currentDate()));
+        const auto merged = std::chrono::steady_clock::now();
+        store.Save();
+        const auto saved = std::chrono::steady_clock::now();
+        loading += Seconds(loaded - begin).count();
+        saving += Seconds(saved - merged).count();
+        merging += Seconds(merged - loaded).count();
+        state.SetIterationTime(Seconds(merged - begin).count());
+    }
+    state.counters["load_ms"] = 1000 * loading / static_cast<double>(state.iterations());
+    state.counters["save_ms"] = 1000 * saving / static_cast<double>(state.iterations());
+    state.counters["merge_to_load"] = (merging - saving) / loading;
+}
+
+} // namespace
+
+BENCHMARK_CAPTURE(mergeTenThousandIntoThirtyThousand, all_known, QStringLiteral("item"))
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(mergeTenThousandIntoThirtyThousand, all_new, QStringLiteral("new"))
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);

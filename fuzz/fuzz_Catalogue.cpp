@@ -1,0 +1,54 @@
+#include "core/FeedCatalogue.h"
+#include "platform/Files.h"
+#include "platform/RunTimeError.h"
+#include "support/clsDES.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+
+#include <cstddef>
+#include <cstdint>
+
+namespace {
+
+QStringList keysBelow(const FeedNodePtr &node)
+{
+    QStringList keys;
+    for (const FeedNodePtr &child : node->children()) {
+        keys.append(child->key());
+        keys.append(keysBelow(child));
+    }
+    return keys;
+}
+
+} // namespace
+
+/// Any bytes as feeds.xml: they load or raise a run-time error. What loads takes a folder and a feed, is written at the
+/// end, and loads again with the same nodes.
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
+{
+    static const QTemporaryDir folder(QStringLiteral("/dev/shm/quillwire-XXXXXX"));
+    static clsDES cipher;
+    const DataDirectory directory(folder.path());
+    QDir(folder.path()).mkpath(QStringLiteral("feeds"));
+    Files::write(directory.file(QStringLiteral("tmp.xml")), "<rss/>");
+    Files::write(directory.file(QStringLiteral("feeds.xml")),
+                 QByteArray(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size)));
+    const Clock clock = [] { return QDateTime(QDate(2004, 7, 1), QTime(12, 0)); };
+    FeedTree tree;
+    FeedCatalogue catalogue(directory, tree, cipher, clock);
+    try {
+        catalogue.loadCatalogue();
+        catalogue.createFolder(tree.root(), QStringLiteral("Folder"));
+        catalogue.addFeed({QStringLiteral("Feed"), {}, QStringLiteral("http://example.org/"), {}, {}});
+        catalogue.saveCatalogueState();
+    } catch (const RunTimeError &) {
+        return 0;
+    }
+    FeedTree treeAgain;
+    FeedCatalogue again(directory, treeAgain, cipher, clock);
+    again.loadCatalogue();
+    if (keysBelow(tree.root()) != keysBelow(treeAgain.root()))
+        __builtin_trap();
+    return 0;
+}

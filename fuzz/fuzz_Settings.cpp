@@ -1,0 +1,43 @@
+#include "core/SettingsFile.h"
+#include "platform/Files.h"
+#include "platform/RunTimeError.h"
+
+#include <QTemporaryDir>
+
+#include <cstddef>
+#include <cstdint>
+
+namespace {
+
+class SilentMessages final : public Messages
+{
+public:
+    Answer show(const Message &) override { return Answer::Ok; }
+};
+
+} // namespace
+
+/// Any bytes as params.xml: they load or end in the failure box; what loads and can be saved loads again.
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
+{
+    static const QTemporaryDir folder(QStringLiteral("/dev/shm/quillwire-XXXXXX"));
+    const QString path = folder.filePath(QStringLiteral("params.xml"));
+    Files::write(path, QByteArray(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size)));
+    SilentMessages messages;
+    const SettingsFile file(path, {}, {}, messages);
+    AppSettings settings;
+    if (!file.loadSettings(settings))
+        return 0;
+    try {
+        WindowGeometry geometry;
+        geometry.width = geometry.height = 6000.5;
+        file.saveSettings(settings, geometry, [] { __builtin_trap(); });
+    } catch (const RunTimeError &) {
+        return 0;
+    }
+    AppSettings again;
+    if (!file.loadSettings(again) || again.readDelay != settings.readDelay || again.soundPath != settings.soundPath ||
+        again.startMode != settings.startMode)
+        __builtin_trap();
+    return 0;
+}

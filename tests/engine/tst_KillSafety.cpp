@@ -1,0 +1,123 @@
+#include "core/FeedCatalogue.h"
+#include "engine/ItemStore.h"
+#include "support/clsDES.h"
+#include "tests/fixtures/FeedTexts.h"
+#include "tests/fixtures/TemporaryDataDirectory.h"
+
+#include <QCoreApplication>
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QTest>
+#include <QThread>
+
+#include <cstdio>
+
+namespace {
+
+constexpr int feedCount = 4;
+
+QString item(int number)
+{
+    return QStringLiteral("item%1").arg(number);
+}
+
+/// Updates the feeds in turn and writes the catalogue in between, for ever. After each step the number of the last item
+/// that is safe goes to the parent.
+[[noreturn]] void updateForEver(const QString &path, int from)
+{
+    const DataDirectory directory(path);
+    FeedTree tree;
+    clsDES cipher;
+    FeedCatalogue catalogue(directory, tree, cipher, Waiting::systemClock());
+    catalogue.loadCatalogue();
+    for (int number = from;; ++number) {
+        Files::write(directory.file(QStringLiteral("tmpupd.xml")), FeedTexts::rss(QStringLiteral("T"), {item(number)}));
+        for (int key = 1; key <= feedCount; ++key) {
+            CachedFeed fresh;
+            CachedFeed store;
+            if (fresh.Load(directory.file(QStringLiteral("tmpupd.xml"))) != LoadOk ||
+                store.Load(directory.cacheFile(QString::number(key))) != LoadOk)
+                _Exit(1);
+            QString havecache = QStringLiteral("0");
+            ItemStore::merge(fresh, store, QStringLiteral("-7"), havecache, QDate::currentDate());
+        }
+        if (number % 4 == 0)
+            catalogue.createFolder(tree.root(), item(number));
+        catalogue.saveCatalogueState();
+        std::printf("%d\n", number);
+        std::fflush(stdout);
+    }
+}
+
+} // namespace
+
+/// A process that is killed at any moment leaves files that load, with every item that had been stored.
+class KillSafetyTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aKilledProcessLosesNothing();
+};
+
+void KillSafetyTest::aKilledProcessLosesNothing()
+{
+    const TemporaryDataDirectory folder;
+    folder.write(QStringLiteral("feeds.xml"), "<favoris/>");
+    QStringList old = FeedTexts::titles(QStringLiteral("old"), 0, 200);
+    {
+        folder.write(QStringLiteral("tmp.xml"), FeedTexts::rss(QStringLiteral("T"), old));
+        FeedTree tree;
+        clsDES cipher;
+        FeedCatalogue catalogue(folder.directory(), tree, cipher, Waiting::systemClock());
+        catalogue.loadCatalogue();
+        for (int key = 1; key <= feedCount; ++key)
+            catalogue.addFeed({QStringLiteral("T"), {}, QStringLiteral("http://example.org/"), {}, {}});
+    }
+    bool set = false;
+    const int given = qEnvironmentVariableIntValue("QUILLWIRE_KILLS", &set);
+    const int kills = set ? given : 40;
+    int safe = 0;
+    for (int kill = 0; kill < kills; ++kill) {
+        QProcess child;
+        child.start(QCoreApplication::applicationFilePath(),
+                    {QStringLiteral("--update-for-ever"), folder.directory().path(), QString::number(safe + 1)});
+        QVERIFY(child.waitForReadyRead(20000));
+        QThread::usleep(QRandomGenerator::global()->bounded(30000U));
+        child.kill();
+        child.waitForFinished();
+        QCOMPARE(child.exitStatus(), QProcess::CrashExit);
+        QList<QByteArray> lines = child.readAllStandardOutput().split('\n');
+        lines.removeLast(); // what stands behind the last line end
+        safe = lines.last().toInt();
+
+        for (int key = 1; key <= feedCount; ++key) {
+            CachedFeed store;
+            QCOMPARE(store.Load(folder.cacheFile(QString::number(key))), LoadOk);
+            QSet<QString> titles;
+            for (qint16 i = 0; i < store.ItemCount(); ++i)
+                titles.insert(store.ItemTitle(i));
+            for (int number = 1; number <= safe; ++number)
+                QVERIFY2(titles.contains(item(number)), qPrintable(item(number)));
+            for (const QString &title : old)
+                QVERIFY2(titles.contains(title), qPrintable(title));
+        }
+        XmlDocument catalogue;
+        QCOMPARE(catalogue.load(folder.file(QStringLiteral("feeds.xml"))), XmlDocument::LoadResult::Loaded);
+        const XmlNode favoris = catalogue.selectSingleNode(QStringLiteral("favoris"));
+        QCOMPARE(favoris.selectNodes(QStringLiteral("feed")).size(), std::size_t(feedCount));
+        QVERIFY(favoris.selectNodes(QStringLiteral("dir")).size() >= static_cast<std::size_t>(safe / 4));
+    }
+    qInfo("%d kills, %d updates", kills, safe);
+}
+
+int main(int argc, char **argv)
+{
+    QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.size() == 4 && arguments[1] == u"--update-for-ever")
+        updateForEver(arguments[2], arguments[3].toInt());
+    KillSafetyTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+#include "tst_KillSafety.moc"
