@@ -74,6 +74,8 @@ private:
     using SubKey = std::array<quint8, 48>;
 
     Block runBlock(const Block &block, bool decipher) const;
+    bool convertFile(const QString &inFile, const QString &outFile, bool overwrite,
+                     const std::function<void(QByteArray &bytes)> &convert);
 
     QString m_key;
     std::array<SubKey, 16> m_subKeys{};

@@ -1,0 +1,6 @@
+#include "platform/RegistryStore.h"
+
+qint32 RegistryStore::connect(const QString &, qint32, qint32 &)
+{
+    return RegistryResult::BadNetworkPath;
+}
