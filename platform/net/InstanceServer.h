@@ -4,6 +4,7 @@
 
 #include <QLocalServer>
 #include <QObject>
+#include <QPointer>
 #include <QString>
 
 class QLocalSocket;
@@ -43,7 +44,7 @@ Q_SIGNALS:
 private:
     void handleConnection();
     void handleBytes(QLocalSocket *socket);
-    void deliver(QLocalSocket *socket, const QByteArray &bytes);
+    void deliver(QPointer<QLocalSocket> sender, const QByteArray &bytes);
 
     QString m_path;
     QLocalServer m_server;

@@ -4,8 +4,8 @@
 #include <QDateTime>
 #include <QString>
 
-/// The text of a mail as it travels (RFC 5322, RFC 2045, RFC 2047): pure ASCII, lines of at most 76 characters ended by
-/// CR LF.
+/// The text of a mail as it travels (RFC 5322, RFC 2045, RFC 2047): pure ASCII, lines of at most 76 characters (a
+/// long address aside) ended by CR LF.
 namespace MailMessage {
 
 struct Fields

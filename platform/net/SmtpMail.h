@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <functional>
+#include <optional>
 
 /// Sends one plain text mail through an SMTP server, without authentication or encryption.
 ///
@@ -51,6 +52,8 @@ Q_SIGNALS:
     void SendFailed(const QString &Explanation);
 
 private:
+    std::optional<QString> attempt();
+
     QString m_host;
     quint16 m_port = 25;
     MailMessage::Fields m_fields;

@@ -1,0 +1,23 @@
+#include "platform/net/InstanceLock.h"
+
+InstanceLock::InstanceLock(const QString &directory)
+{
+    if (directory.isEmpty())
+        return;
+    m_lock.emplace(directory + u"/Quillwire3.0_APPLICATION_MUTEX");
+    // No age makes a lock stale, only the death of its process does.
+    m_lock->setStaleLockTime(0);
+}
+
+bool InstanceLock::isFirstInstance()
+{
+    if (!m_lock || m_lock->isLocked())
+        return true;
+    return m_lock->tryLock(0) || m_lock->error() != QLockFile::LockFailedError;
+}
+
+void InstanceLock::release()
+{
+    if (m_lock)
+        m_lock->unlock();
+}
