@@ -1,5 +1,6 @@
 #include "core/SettingsFile.h"
 #include "platform/Files.h"
+#include "platform/Messages.h"
 #include "platform/RunTimeError.h"
 
 #include <QTemporaryDir>
