@@ -2,6 +2,9 @@
 
 #include <QProxyStyle>
 
+class QStyleOptionMenuItem;
+class QStyleOptionToolButton;
+
 /// The Office XP drawing: flat menus with a strip for the pictures at the left, flat buttons that get a thin border and
 /// a light fill of the highlight colour under the pointer, dotted grippers. All colours come from the palette, so that
 /// it follows a dark desktop. What it doesn't draw itself is left to the desktop's style.

@@ -38,7 +38,7 @@ public:
     void setImageList(const ImageList *images);
 
     /// Adds an entry behind the others of its parent and returns its index, counted from 0 over the whole menu in order
-    /// of adding.
+    /// of adding; -1 when the owner is gone.
     int AddItem(const Item &item);
 
     /// Takes all entries out. Allowed from a handler of Click().

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPointer>
 #include <QWidget>
 
 class QToolButton;
@@ -37,7 +38,7 @@ protected:
 private:
     void layOut();
 
-    cToolbar *m_toolbar = nullptr;
+    QPointer<cToolbar> m_toolbar;
     QToolButton *m_chevron;
     bool m_border = false;
 };

@@ -1,0 +1,69 @@
+#include "controls/ImageList.h"
+
+#include <initializer_list>
+
+ImageList::ImageList(int size) : m_size(size) {}
+
+void ImageList::setPicture(int index, const QString &name)
+{
+    // A vector icon only remembers its file here; it is drawn when it is first shown.
+    m_icons.insert(index, QIcon(u":/icons/" + name + u".svg"));
+}
+
+QIcon ImageList::icon(int index) const
+{
+    return m_icons.value(index);
+}
+
+namespace {
+
+// The lists live until the process ends and are never destroyed: pictures must not be let go after the application
+// object.
+const ImageList *newList(int size, int firstIndex, std::initializer_list<QString> names)
+{
+    auto *list = new ImageList(size);
+    for (const QString &name : names)
+        list->setPicture(firstIndex++, name);
+    return list;
+}
+
+const ImageList *newToolbarList(int size)
+{
+    return newList(size, 0,
+                   {QStringLiteral("actualiser"), QStringLiteral("supprimer"), QStringLiteral("proprietes"),
+                    QStringLiteral("ajouter"), QStringLiteral("precedent"), QStringLiteral("suivant"),
+                    QStringLiteral("arreter"), QStringLiteral("ouvrir"), QStringLiteral("commentaires"),
+                    QStringLiteral("piece-jointe"), QStringLiteral("envoyer-mail")});
+}
+
+} // namespace
+
+const ImageList &ImageLists::vbalImageList1()
+{
+    static const ImageList *const list =
+        newList(16, 2,
+                {QStringLiteral("folder"), QStringLiteral("feed"), QStringLiteral("feed-updating"),
+                 QStringLiteral("root"), QStringLiteral("unread"), QStringLiteral("read"),
+                 QStringLiteral("sort-descending"), QStringLiteral("sort-ascending")});
+    return *list;
+}
+
+const ImageList &ImageLists::vbalImageList2()
+{
+    static const ImageList *const list = newToolbarList(24);
+    return *list;
+}
+
+const ImageList &ImageLists::vbalImageList3()
+{
+    static const ImageList *const list = newList(16, 0,
+                                                 {QStringLiteral("actualiser"), QStringLiteral("supprimer"),
+                                                  QStringLiteral("proprietes"), QStringLiteral("nouveau-dossier")});
+    return *list;
+}
+
+const ImageList &ImageLists::vbalImageList4()
+{
+    static const ImageList *const list = newToolbarList(16);
+    return *list;
+}

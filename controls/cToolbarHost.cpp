@@ -1,0 +1,100 @@
+#include "controls/cToolbarHost.h"
+
+#include "controls/cToolbar.h"
+
+#include <QEvent>
+#include <QMenu>
+#include <QPainter>
+#include <QToolButton>
+
+#include <algorithm>
+
+namespace {
+constexpr int chevronWidth = 16;
+}
+
+cToolbarHost::cToolbarHost(QWidget *parent) : QWidget(parent), m_chevron(new QToolButton(this))
+{
+    m_chevron->setText(QStringLiteral("»"));
+    m_chevron->setAutoRaise(true);
+    m_chevron->setFocusPolicy(Qt::TabFocus);
+    m_chevron->setToolTip(QStringLiteral("Autres boutons"));
+    m_chevron->setAccessibleName(QStringLiteral("Autres boutons"));
+    m_chevron->hide();
+    connect(m_chevron, &QToolButton::clicked, this, [this] {
+        if (m_toolbar)
+            m_toolbar->ShowOverflow(m_chevron->mapToGlobal(QPoint(0, m_chevron->height())));
+    });
+}
+
+void cToolbarHost::Capture(cToolbar *toolbar)
+{
+    if (m_toolbar && m_toolbar != toolbar) {
+        m_toolbar->removeEventFilter(this);
+        m_toolbar->disconnect(this);
+        m_toolbar->hide();
+        m_toolbar->setParent(nullptr);
+    }
+    const bool isNew = m_toolbar != toolbar;
+    m_toolbar = toolbar;
+    if (toolbar && isNew) {
+        toolbar->setParent(this);
+        toolbar->installEventFilter(this);
+        toolbar->show();
+        connect(toolbar, &cToolbar::overflowChanged, this, &cToolbarHost::layOut);
+    }
+    layOut();
+}
+
+void cToolbarHost::setBorder(bool border)
+{
+    m_border = border;
+    layOut();
+    update();
+}
+
+void cToolbarHost::setHostHeight(int height)
+{
+    setFixedHeight(std::max(0, height));
+}
+
+QSize cToolbarHost::sizeHint() const
+{
+    const int frame = m_border ? 2 : 0;
+    return (m_toolbar ? m_toolbar->sizeHint() : QSize(0, 24)) + QSize(frame, frame);
+}
+
+bool cToolbarHost::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_toolbar && event->type() == QEvent::StyleChange)
+        m_chevron->setStyle(m_toolbar->testAttribute(Qt::WA_SetStyle) ? m_toolbar->style() : nullptr);
+    return QWidget::eventFilter(watched, event);
+}
+
+void cToolbarHost::paintEvent(QPaintEvent *)
+{
+    if (!m_border)
+        return;
+    QPainter painter(this);
+    painter.setPen(palette().color(QPalette::Mid));
+    painter.drawRect(rect().adjusted(0, 0, -1, -1));
+}
+
+void cToolbarHost::resizeEvent(QResizeEvent *)
+{
+    layOut();
+}
+
+void cToolbarHost::layOut()
+{
+    const int frame = m_border ? 1 : 0;
+    QRect inner = rect().adjusted(frame, frame, -frame, -frame);
+    const bool overflow = m_toolbar && m_toolbar->idealWidth() > inner.width();
+    m_chevron->setVisible(overflow);
+    if (overflow) {
+        m_chevron->setGeometry(inner.right() - chevronWidth + 1, inner.top(), chevronWidth, inner.height());
+        inner.setRight(inner.right() - chevronWidth);
+    }
+    if (m_toolbar)
+        m_toolbar->setGeometry(inner);
+}
