@@ -213,7 +213,8 @@ void Downloader::handleFinished()
     if (!m_running)
         return;
     const qint32 status = statusOf(*m_reply);
-    if (status == 200 && !m_file->commit())
+    // commit() alone would put a file cut short in place when its last bytes, still in a buffer, find no room.
+    if (status == 200 && !(m_file->flush() && m_file->commit()))
         finish(WriteFailed);
     else
         finish(status);
