@@ -61,8 +61,9 @@ struct cReBar::Private
 
     int headWidth(const Band &band) const
     {
-        const int grip = band.fixed ? 2 : gripperWidth;
-        return band.caption.isEmpty() ? grip : grip + q->fontMetrics().horizontalAdvance(band.caption) + 2 * captionGap;
+        const int gripper = band.fixed ? 2 : gripperWidth;
+        return band.caption.isEmpty() ? gripper
+                                      : gripper + q->fontMetrics().horizontalAdvance(band.caption) + 2 * captionGap;
     }
 
     int idealChildWidth(const Band &band) const
