@@ -17,7 +17,8 @@ void WindowForReading::setAttachmentEntry(const QString &caption, const QString 
     cPopupMenu &menu = m_p.menus.mnuAttachment;
     menu.Clear();
     cPopupMenu::Item item;
-    item.caption = caption;
+    // The name comes from a feed: it makes neither a shortcut nor a mnemonic.
+    item.caption = QString(caption).replace(u'\t', u' ').replace(QLatin1String("&"), QLatin1String("&&"));
     item.key = key;
     menu.AddItem(item);
 }
