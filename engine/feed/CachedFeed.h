@@ -8,7 +8,7 @@
 
 /// What CachedFeed::Load() found. The values are part of the interface.
 enum FeedLoadResult : qint32 {
-    LoadFileNotFound = 0,    ///< no file at the path
+    LoadFileNotFound = 0,    ///< no file at the path, or none that may be read
     LoadNotAFeed = 1,        ///< not well-formed XML, or a web page
     LoadBadVersion = 2,      ///< RSS in a version that isn't read
     LoadBadVersionOther = 3, ///< RDF or Atom in a version that isn't read
@@ -41,21 +41,22 @@ struct ItemSource
 struct ItemEnclosure
 {
     QString Url;
-    QString Extra; ///< the media type as the feed writes it
+    QString Extra;     ///< the media type as the feed writes it
     qint32 Length = 0; ///< bytes; 0 when missing or no number, the largest number when it is past 32 bits
 };
 
 class FeedItem;
+class FeedDocument;
 
 /// A feed document: RSS 0.91, 0.92, 2.0, RDF Site Summary 1.0 or Atom 0.3, behind one view of its channel and items.
 ///
 /// The document is held as a tree; access by index takes constant time. Beside what the feed says each item bears three
-/// marks: read, deleted (a tombstone) and the date of download, kept in attributes of a namespace of this program on the
-/// item element, so that they survive Save() and a later Load(), while other readers pass over them.
+/// marks: read, deleted (a tombstone) and the date of download, kept in attributes of a namespace of this program on
+/// the item element, so that they survive Save() and a later Load(), while other readers pass over them.
 ///
-/// No text field fails: what a feed doesn't give is "". Indices count from 0 in document order up to ItemCount() - 1; an
-/// index outside is tolerated: it gives "", false, or does nothing. No exception but a failed Save() leaves this class.
-/// Loading touches neither the network nor another file.
+/// No text field fails: what a feed doesn't give is "". Indices count from 0 in document order up to ItemCount() - 1;
+/// an index outside is tolerated: it gives "", false, or does nothing. No exception but a failed Save() leaves this
+/// class. Loading touches neither the network nor another file.
 class CachedFeed
 {
 public:
@@ -74,9 +75,9 @@ public:
     /// holds nothing.
     FeedLoadResult Load(const QString &path);
 
-    /// Writes the document back to the path of the last successful Load(), in one step, in its own encoding and with all that
-    /// this class doesn't know. Items taken out by RemoveItem() are dropped here. Does nothing when nothing is held.
-    /// Throws the RunTimeErrors of Files::write().
+    /// Writes the document back to the path of the last successful Load(), in one step, in its own encoding and with
+    /// all that this class doesn't know. Items taken out by RemoveItem() are dropped here. Does nothing when nothing is
+    /// held. Throws the RunTimeErrors of Files::write().
     void Save();
 
     bool IsLoaded() const;
@@ -98,10 +99,10 @@ public:
     /// The item's node, to be handed to AddItem() of another instance, whose copy it is. It keeps its document alive.
     std::shared_ptr<const FeedItem> GetItemNode(qint16 index) const;
 
-    /// Takes a copy of an item of another document into this one, without its marks and with now as date of download. An
-    /// item of another format is carried over into this document's own format. Items added one after the other stand in
-    /// front of those that were there before, in the order in which they were added: after n additions the item that stood
-    /// at index p stands at p + n.
+    /// Takes a copy of an item of another document into this one, without its marks and with now as date of download.
+    /// An item of another format is carried over into this document's own format. Items added one after the other stand
+    /// in front of those that were there before, in the order in which they were added: after n additions the item that
+    /// stood at index p stands at p + n.
     void AddItem(const std::shared_ptr<const FeedItem> &node);
 
     QString ItemTitle(qint16 index) const;
@@ -120,15 +121,17 @@ public:
     bool IsItemRead(qint16 index) const;
     bool IsItemDeleted(qint16 index) const;
 
-    /// When the item was downloaded, as DateText writes it; for an item that bears no date, when its file was last written.
+    /// When the item was downloaded, as DateText writes it; for an item that bears no date, when its file was last
+    /// written.
     QString ItemDownloadDate(qint16 index) const;
 
     void SetItemRead(qint16 index, bool read); ///< In memory only.
     void DeleteItem(qint16 index);             ///< Sets the deleted mark, in memory only; the index stays valid.
 
 private:
-    struct Document;
+    bool holds(qint16 index) const;
+
     Clock m_clock;
     QString m_path;
-    std::shared_ptr<Document> m_document;
+    std::shared_ptr<FeedDocument> m_document; ///< null when nothing is held
 };

@@ -1,0 +1,244 @@
+#include "engine/feed/CachedFeed.h"
+
+#include "engine/feed/FeedDocument.h"
+#include "engine/feed/FeedItem.h"
+#include "engine/feed/ItemMarks.h"
+#include "platform/DateText.h"
+#include "platform/Files.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+#include <limits>
+
+CachedFeed::CachedFeed(Clock clock) : m_clock(std::move(clock)) {}
+
+CachedFeed::~CachedFeed() = default;
+
+bool CachedFeed::HasDc() const
+{
+    return m_document && m_document->uses(Namespace::Dc);
+}
+
+bool CachedFeed::HasWfw() const
+{
+    return m_document && m_document->uses(Namespace::Wfw);
+}
+
+bool CachedFeed::HasContent() const
+{
+    return m_document && m_document->uses(Namespace::Content);
+}
+
+bool CachedFeed::HasItunes() const
+{
+    return m_document && m_document->uses(Namespace::Itunes);
+}
+
+FeedLoadResult CachedFeed::Load(const QString &path)
+{
+    m_document.reset();
+    m_path.clear();
+    const QDateTime written = QFileInfo(path).lastModified();
+    XmlDocPtr tree;
+    {
+        const Files::Content content = Files::read(path);
+        if (content.result != Files::ReadResult::Read)
+            return LoadFileNotFound;
+        tree = FeedParser::parse(content.bytes);
+    }
+    if (!tree)
+        return LoadNotAFeed;
+    const FeedFormat *format = nullptr;
+    const FeedLoadResult result = recognise(tree.get(), format);
+    if (result != LoadOk)
+        return result;
+    m_document = std::make_shared<FeedDocument>(std::move(tree), *format, written.isValid() ? written : m_clock());
+    m_path = path;
+    return LoadOk;
+}
+
+void CachedFeed::Save()
+{
+    if (m_document)
+        Files::write(m_path, m_document->prepareForSaving());
+}
+
+bool CachedFeed::IsLoaded() const
+{
+    return m_document != nullptr;
+}
+
+FeedVersion CachedFeed::Version() const
+{
+    return m_document ? m_document->format().version() : Rss091;
+}
+
+static QString channelText(const std::shared_ptr<FeedDocument> &document, ChannelField field)
+{
+    return document ? document->format().channelText(field, document->channel(), document->channelElement())
+                    : QString();
+}
+
+QString CachedFeed::Title() const
+{
+    return channelText(m_document, ChannelField::Title);
+}
+
+QString CachedFeed::Link() const
+{
+    return channelText(m_document, ChannelField::Link);
+}
+
+QString CachedFeed::Description() const
+{
+    return channelText(m_document, ChannelField::Description);
+}
+
+QString CachedFeed::Language() const
+{
+    return channelText(m_document, ChannelField::Language);
+}
+
+bool CachedFeed::GetImage(FeedImage &image) const
+{
+    const xmlNode *element = m_document ? m_document->image() : nullptr;
+    if (element == nullptr)
+        return false;
+    FeedImage found = m_document->format().imageFrom(element);
+    if (found.Url.isEmpty())
+        return false;
+    image = std::move(found);
+    return true;
+}
+
+QString CachedFeed::Copyright() const
+{
+    return channelText(m_document, ChannelField::Copyright);
+}
+
+QString CachedFeed::ManagingEditor() const
+{
+    return channelText(m_document, ChannelField::ManagingEditor);
+}
+
+QString CachedFeed::WebMaster() const
+{
+    return channelText(m_document, ChannelField::WebMaster);
+}
+
+QString CachedFeed::Ttl() const
+{
+    return channelText(m_document, ChannelField::Ttl);
+}
+
+qint16 CachedFeed::ItemCount() const
+{
+    constexpr qsizetype most = std::numeric_limits<qint16>::max();
+    return m_document ? static_cast<qint16>(std::min(m_document->itemCount(), most)) : qint16(0);
+}
+
+bool CachedFeed::holds(qint16 index) const
+{
+    return index >= 0 && index < ItemCount();
+}
+
+std::shared_ptr<const FeedItem> CachedFeed::GetItemNode(qint16 index) const
+{
+    return holds(index) ? std::make_shared<const FeedItem>(m_document, m_document->item(index)) : nullptr;
+}
+
+void CachedFeed::AddItem(const std::shared_ptr<const FeedItem> &node)
+{
+    if (m_document && node)
+        m_document->add(node->document(), node->node(), m_clock());
+}
+
+static QString itemText(const FeedDocument &document, qint16 index, ItemField field)
+{
+    return document.format().itemText(field, document.itemElements(index), document.channel());
+}
+
+QString CachedFeed::ItemTitle(qint16 index) const
+{
+    return holds(index) ? itemText(*m_document, index, ItemField::Title) : QString();
+}
+
+QString CachedFeed::ItemLink(qint16 index) const
+{
+    return holds(index) ? itemText(*m_document, index, ItemField::Link) : QString();
+}
+
+QString CachedFeed::ItemDescription(qint16 index) const
+{
+    return holds(index) ? itemText(*m_document, index, ItemField::Description) : QString();
+}
+
+bool CachedFeed::GetItemSource(qint16 index, ItemSource &source) const
+{
+    const auto found = holds(index) ? m_document->format().source(m_document->itemElements(index)) : std::nullopt;
+    if (found)
+        source = *found;
+    return found.has_value();
+}
+
+bool CachedFeed::GetItemEnclosure(qint16 index, ItemEnclosure &enclosure) const
+{
+    const auto found = holds(index) ? m_document->format().enclosure(m_document->itemElements(index)) : std::nullopt;
+    if (found)
+        enclosure = *found;
+    return found.has_value();
+}
+
+QString CachedFeed::ItemCategory(qint16 index) const
+{
+    return holds(index) ? itemText(*m_document, index, ItemField::Category) : QString();
+}
+
+QString CachedFeed::ItemAuthor(qint16 index) const
+{
+    return holds(index) ? itemText(*m_document, index, ItemField::Author) : QString();
+}
+
+QString CachedFeed::ItemComments(qint16 index) const
+{
+    return holds(index) ? itemText(*m_document, index, ItemField::Comments) : QString();
+}
+
+QString CachedFeed::ItemPubDate(qint16 index) const
+{
+    return holds(index) ? itemText(*m_document, index, ItemField::PubDate) : QString();
+}
+
+void CachedFeed::RemoveItem(qint16 index)
+{
+    if (holds(index))
+        m_document->markForRemoval(index);
+}
+
+bool CachedFeed::IsItemRead(qint16 index) const
+{
+    return holds(index) && ItemMarks::isRead(m_document->item(index));
+}
+
+bool CachedFeed::IsItemDeleted(qint16 index) const
+{
+    return holds(index) && ItemMarks::isDeleted(m_document->item(index));
+}
+
+QString CachedFeed::ItemDownloadDate(qint16 index) const
+{
+    return holds(index) ? DateText::toText(m_document->downloadDate(index)) : QString();
+}
+
+void CachedFeed::SetItemRead(qint16 index, bool read)
+{
+    if (holds(index))
+        ItemMarks::setRead(m_document->item(index), read);
+}
+
+void CachedFeed::DeleteItem(qint16 index)
+{
+    if (holds(index))
+        ItemMarks::setDeleted(m_document->item(index));
+}

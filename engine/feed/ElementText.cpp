@@ -1,0 +1,217 @@
+#include "engine/feed/ElementText.h"
+
+#include "engine/feed/FeedNamespaces.h"
+
+#include <array>
+#include <string_view>
+
+namespace {
+
+std::string_view view(const xmlChar *text)
+{
+    return text == nullptr ? std::string_view() : std::string_view(reinterpret_cast<const char *>(text));
+}
+
+bool isBlank(char16_t c)
+{
+    return c == u' ' || c == u'\t' || c == u'\n' || c == u'\r';
+}
+
+/// A byte order mark at the beginning goes as well, as QString drops the first of several anyway.
+QString trimmedUtf8(std::string_view text)
+{
+    constexpr std::string_view mark = "\xEF\xBB\xBF";
+    while (!text.empty()) {
+        if (isBlank(static_cast<unsigned char>(text.front())))
+            text.remove_prefix(1);
+        else if (text.substr(0, mark.size()) == mark)
+            text.remove_prefix(mark.size());
+        else
+            break;
+    }
+    while (!text.empty() && isBlank(static_cast<unsigned char>(text.back())))
+        text.remove_suffix(1);
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+QByteArray content(const xmlNode *node)
+{
+    xmlChar *text = xmlNodeGetContent(node);
+    const QByteArray result(reinterpret_cast<const char *>(text));
+    xmlFree(text);
+    return result;
+}
+
+void appendEscaped(QByteArray &out, std::string_view text, bool inAttribute)
+{
+    for (const char c : text) {
+        if (c == '&')
+            out += "&amp;";
+        else if (c == '<')
+            out += "&lt;";
+        else if (c == '>')
+            out += "&gt;";
+        else if (c == '"' && inAttribute)
+            out += "&quot;";
+        else
+            out += c;
+    }
+}
+
+void appendName(QByteArray &out, const xmlNs *ns, const xmlChar *name)
+{
+    if (ns != nullptr && ns->prefix != nullptr)
+        out.append(reinterpret_cast<const char *>(ns->prefix)).append(':');
+    out.append(reinterpret_cast<const char *>(name));
+}
+
+/// Elements that HTML writes without an end tag. All others must have one: the markup is shown as HTML, where "<div/>"
+/// opens an element.
+bool isVoid(const xmlNode *element)
+{
+    static constexpr std::array<std::string_view, 12> names = {"area", "base",  "br",   "col",  "frame", "hr",
+                                                               "img",  "input", "link", "meta", "param", "wbr"};
+    for (const std::string_view name : names)
+        if (view(element->name) == name)
+            return true;
+    return false;
+}
+
+void appendStartTag(QByteArray &out, const xmlNode *element)
+{
+    out += '<';
+    appendName(out, element->ns, element->name);
+    for (const xmlNs *ns = element->nsDef; ns != nullptr; ns = ns->next) {
+        out += ns->prefix == nullptr ? QByteArray(" xmlns") : " xmlns:" + QByteArray(view(ns->prefix).data());
+        out += "=\"";
+        appendEscaped(out, view(ns->href), true);
+        out += '"';
+    }
+    for (const xmlAttr *attribute = element->properties; attribute != nullptr; attribute = attribute->next) {
+        out += ' ';
+        appendName(out, attribute->ns, attribute->name);
+        out += "=\"";
+        appendEscaped(out, content(reinterpret_cast<const xmlNode *>(attribute)).constData(), true);
+        out += '"';
+    }
+    if (element->children == nullptr && isVoid(element))
+        out += '/';
+    out += '>';
+}
+
+void appendEndTag(QByteArray &out, const xmlNode *element)
+{
+    if (element->children == nullptr && isVoid(element))
+        return;
+    out += "</";
+    appendName(out, element->ns, element->name);
+    out += '>';
+}
+
+/// What stands between the tags of `parent`. Walks the tree without recursion: feeds choose their depth.
+QByteArray innerMarkup(const xmlNode *parent)
+{
+    QByteArray out;
+    const xmlNode *node = parent->children;
+    while (node != nullptr) {
+        if (node->type == XML_ELEMENT_NODE) {
+            appendStartTag(out, node);
+            if (node->children != nullptr) {
+                node = node->children;
+                continue;
+            }
+            appendEndTag(out, node);
+        } else if (node->type == XML_TEXT_NODE || node->type == XML_CDATA_SECTION_NODE) {
+            appendEscaped(out, view(node->content), false);
+        }
+        while (node != parent && node->next == nullptr) {
+            node = node->parent;
+            if (node != parent)
+                appendEndTag(out, node);
+        }
+        node = node == parent ? nullptr : node->next;
+    }
+    return out;
+}
+
+bool isText(const xmlNode *node)
+{
+    return node->type == XML_TEXT_NODE || node->type == XML_CDATA_SECTION_NODE;
+}
+
+bool holdsElement(const xmlNode *parent)
+{
+    for (const xmlNode *child = parent->children; child != nullptr; child = child->next)
+        if (child->type == XML_ELEMENT_NODE)
+            return true;
+    return false;
+}
+
+const xmlAttr *findAttribute(const xmlNode *element, const char *name, const char *namespaceName)
+{
+    for (const xmlAttr *attribute = element->properties; attribute != nullptr; attribute = attribute->next)
+        if (isAttribute(attribute, name, namespaceName))
+            return attribute;
+    return nullptr;
+}
+
+/// The text without the characters that XML 1.0 can't hold: decoded bytes may be anything.
+QString xmlCharacters(const QString &text)
+{
+    QString result;
+    result.reserve(text.size());
+    for (const QChar c : text)
+        if ((c.unicode() >= 0x20 || isBlank(c.unicode())) && c != QChar(0xFFFE) && c != QChar(0xFFFF))
+            result += c;
+    return result;
+}
+
+} // namespace
+
+QString trimmedText(const QString &text)
+{
+    QStringView rest(text);
+    while (!rest.isEmpty() && (isBlank(rest.front().unicode()) || rest.front() == QChar::ByteOrderMark))
+        rest = rest.sliced(1);
+    while (!rest.isEmpty() && isBlank(rest.back().unicode()))
+        rest.chop(1);
+    return rest.toString();
+}
+
+QString textOf(const xmlNode *element)
+{
+    if (element == nullptr || element->children == nullptr)
+        return {};
+    const xmlNode *child = element->children;
+    if (child->next == nullptr && isText(child))
+        return trimmedUtf8(view(child->content));
+    if (holdsElement(element))
+        return trimmedUtf8(innerMarkup(element).toStdString());
+    QByteArray text;
+    for (; child != nullptr; child = child->next)
+        if (isText(child))
+            text += view(child->content).data();
+    return trimmedUtf8({text.constData(), static_cast<std::size_t>(text.size())});
+}
+
+QString atomTextOf(const xmlNode *element)
+{
+    if (element == nullptr)
+        return {};
+    if (attributeOf(element, "mode") != QLatin1String("base64"))
+        return textOf(element);
+    return trimmedText(xmlCharacters(QString::fromUtf8(QByteArray::fromBase64(content(element)))));
+}
+
+QString attributeOf(const xmlNode *element, const char *name, const char *namespaceName)
+{
+    if (element == nullptr)
+        return {};
+    const xmlAttr *attribute = findAttribute(element, name, namespaceName);
+    if (attribute == nullptr || attribute->children == nullptr)
+        return {};
+    if (attribute->children->next == nullptr && isText(attribute->children))
+        return trimmedUtf8(view(attribute->children->content));
+    const QByteArray text = content(reinterpret_cast<const xmlNode *>(attribute));
+    return trimmedUtf8({text.constData(), static_cast<std::size_t>(text.size())});
+}

@@ -1,0 +1,153 @@
+#include "engine/feed/FeedDocument.h"
+
+#include "engine/feed/ItemMarks.h"
+#include "engine/feed/ItemTransfer.h"
+
+#include <algorithm>
+#include <cstring>
+
+FeedDocument::FeedDocument(XmlDocPtr tree, const FeedFormat &format, QDateTime written)
+    : m_tree(std::move(tree)), m_format(format), m_written(std::move(written)),
+      m_root(xmlDocGetRootElement(m_tree.get()))
+{
+    readChildren();
+}
+
+FeedDocument::~FeedDocument()
+{
+    for (xmlNode *node : m_dropped)
+        xmlFreeNode(node);
+}
+
+/// Finds the items and the elements of the channel, in one pass where the items are among them.
+void FeedDocument::readChildren()
+{
+    const xmlNode *channel = m_format.channel(m_root);
+    xmlNode *parent = m_format.itemParent(m_root);
+    if (channel != nullptr && channel != parent)
+        m_channel = ChildElements(m_format.family(), channel);
+    if (parent == nullptr)
+        return;
+    for (xmlNode *node = elementFrom(parent->children); node != nullptr; node = elementFrom(node->next)) {
+        if (isItem(node))
+            m_items.push_back({node, nullptr});
+        else if (channel == parent)
+            m_channel.add(m_format.family(), node);
+    }
+}
+
+bool FeedDocument::isItem(const xmlNode *node) const
+{
+    return std::strcmp(reinterpret_cast<const char *>(node->name), m_format.itemName()) == 0 &&
+           belongsTo(m_format.family(), node);
+}
+
+bool FeedDocument::uses(Namespace kind) const
+{
+    const xmlNode *node = m_root;
+    while (node != nullptr) {
+        if (node->type == XML_ELEMENT_NODE) {
+            if (kindOf(node->ns) == kind)
+                return true;
+            if (node->children != nullptr) {
+                node = node->children;
+                continue;
+            }
+        }
+        while (node != m_root && node->next == nullptr)
+            node = node->parent;
+        node = node == m_root ? nullptr : node->next;
+    }
+    return false;
+}
+
+const FeedDocument::Entry &FeedDocument::entry(qsizetype index) const
+{
+    const auto added = static_cast<qsizetype>(m_added.size());
+    return index < added ? m_added[static_cast<std::size_t>(index)] : m_items[static_cast<std::size_t>(index - added)];
+}
+
+const ChildElements &FeedDocument::itemElements(qsizetype index) const
+{
+    const Entry &item = entry(index);
+    if (!item.elements)
+        item.elements = std::make_unique<ChildElements>(m_format.family(), item.node);
+    return *item.elements;
+}
+
+QDateTime FeedDocument::downloadDate(qsizetype index) const
+{
+    const QDateTime noted = ItemMarks::downloadDate(item(index));
+    return noted.isValid() ? noted : m_written;
+}
+
+/// The element that items go into, made when the document has none.
+xmlNode *FeedDocument::itemParent()
+{
+    xmlNode *parent = m_format.itemParent(m_root);
+    return parent != nullptr ? parent
+                             : xmlNewChild(m_root, m_root->ns, reinterpret_cast<const xmlChar *>("channel"), nullptr);
+}
+
+void FeedDocument::add(const FeedDocument &from, const xmlNode *node, const QDateTime &now)
+{
+    const ChildElements original(from.format().family(), node);
+    const auto enter = [this](xmlNode *item) { insert(item); };
+    xmlNode *parent = itemParent();
+    xmlNode *item =
+        from.format().version() == m_format.version()
+            ? ItemTransfer::copy(node, m_format, original, from.channel(), parent, enter)
+            : ItemTransfer::convert(readItem(from.format(), original, from.channel()), m_format, parent, enter);
+    ItemMarks::setDownloadDate(item, now);
+    if (xmlNode *listEntry = m_format.enterIntoList(m_root, item, m_lastListEntry))
+        m_lastListEntry = listEntry;
+    m_added.push_back({item, nullptr});
+}
+
+/// Puts the item behind those added before, on a line of its own.
+void FeedDocument::insert(xmlNode *item)
+{
+    const auto *lineBreak = reinterpret_cast<const xmlChar *>("\n");
+    if (!m_items.empty()) {
+        xmlAddPrevSibling(m_items.front().node, item);
+    } else if (!m_added.empty()) {
+        xmlAddNextSibling(m_added.back().node, item);
+    } else {
+        xmlAddChild(m_format.itemParent(m_root), item);
+    }
+    if (item->next == nullptr || item->next->type != XML_TEXT_NODE)
+        xmlAddNextSibling(item, xmlNewDocText(m_tree.get(), lineBreak));
+}
+
+void FeedDocument::dropRemovedItems()
+{
+    m_items.insert(m_items.begin(), std::make_move_iterator(m_added.begin()), std::make_move_iterator(m_added.end()));
+    m_added.clear();
+    m_lastListEntry = nullptr;
+    std::vector<xmlNode *> dropped;
+    for (const Entry &item : m_items) {
+        if (!item.removed)
+            continue;
+        xmlNode *blank = item.node->next;
+        if (blank != nullptr && xmlIsBlankNode(blank) != 0) {
+            xmlUnlinkNode(blank);
+            xmlFreeNode(blank);
+        }
+        xmlUnlinkNode(item.node);
+        dropped.push_back(item.node);
+    }
+    if (dropped.empty())
+        return;
+    std::erase_if(m_items, [](const Entry &item) { return item.removed; });
+    m_format.removeFromList(m_root, dropped);
+    m_dropped.insert(m_dropped.end(), dropped.begin(), dropped.end());
+}
+
+QByteArray FeedDocument::prepareForSaving()
+{
+    dropRemovedItems();
+    for (const Entry &item : m_items)
+        if (!ItemMarks::downloadDate(item.node).isValid())
+            ItemMarks::setDownloadDate(item.node, m_written);
+    return FeedParser::toBytes(m_tree.get());
+}

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "engine/feed/FeedFormat.h"
+#include "engine/feed/FeedParser.h"
+
+#include <QDateTime>
+
+#include <vector>
+
+/// Tells what a well-formed document is. `format` is set when the result is LoadOk, and null otherwise.
+FeedLoadResult recognise(const xmlDoc *document, const FeedFormat *&format);
+
+/// One loaded document: its tree, its format, and its items by index.
+class FeedDocument final
+{
+public:
+    /// `written` is when the document's file was last written.
+    FeedDocument(XmlDocPtr tree, const FeedFormat &format, QDateTime written);
+    FeedDocument(const FeedDocument &) = delete;
+    FeedDocument &operator=(const FeedDocument &) = delete;
+    ~FeedDocument();
+
+    const FeedFormat &format() const { return m_format; }
+    const ChildElements &channel() const { return m_channel; }
+    const xmlNode *channelElement() const { return m_format.channel(m_root); }
+    const xmlNode *image() const { return m_format.image(m_root, m_channel); }
+
+    /// True when an element of that namespace occurs anywhere.
+    bool uses(Namespace kind) const;
+
+    /// All items, those too that are past the last index that can be offered.
+    qsizetype itemCount() const { return static_cast<qsizetype>(m_added.size() + m_items.size()); }
+    xmlNode *item(qsizetype index) const { return entry(index).node; }
+    const ChildElements &itemElements(qsizetype index) const;
+
+    /// When the item was downloaded, in local time.
+    QDateTime downloadDate(qsizetype index) const;
+    void markForRemoval(qsizetype index) { entry(index).removed = true; }
+
+    /// Takes a copy of the item in, behind those added since the document was loaded or saved, in front of all others.
+    void add(const FeedDocument &from, const xmlNode *node, const QDateTime &now);
+
+    /// Drops the items marked for removal, notes the date of download in those that bear none, and returns the bytes.
+    QByteArray prepareForSaving();
+
+private:
+    struct Entry
+    {
+        xmlNode *node;
+        mutable std::unique_ptr<ChildElements> elements; ///< found when first asked for
+        bool removed = false;
+    };
+
+    const Entry &entry(qsizetype index) const;
+    Entry &entry(qsizetype index) { return const_cast<Entry &>(std::as_const(*this).entry(index)); }
+    void readChildren();
+    bool isItem(const xmlNode *node) const;
+    xmlNode *itemParent();
+    void insert(xmlNode *item);
+    void dropRemovedItems();
+
+    XmlDocPtr m_tree;
+    const FeedFormat &m_format;
+    QDateTime m_written;
+    xmlNode *m_root;
+    ChildElements m_channel;
+    std::vector<Entry> m_items; ///< those that were there when the document was loaded or saved
+    std::vector<Entry> m_added; ///< those added since, which stand in front
+    xmlNode *m_lastListEntry = nullptr;
+    std::vector<xmlNode *> m_dropped; ///< outside the tree; FeedItems may still name them
+};

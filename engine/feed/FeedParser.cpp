@@ -1,0 +1,106 @@
+#include "engine/feed/FeedParser.h"
+
+#include "engine/feed/Latin1Entities.h"
+#include "platform/RunTimeError.h"
+
+#include <libxml/SAX2.h>
+#include <libxml/parser.h>
+#include <libxml/xmlsave.h>
+
+#include <limits>
+
+namespace {
+
+struct ParserDeleter
+{
+    void operator()(xmlParserCtxt *parser) const { xmlFreeParserCtxt(parser); }
+};
+using ParserPtr = std::unique_ptr<xmlParserCtxt, ParserDeleter>;
+
+/// Entities whose text lies outside the document are never declared, and so never read.
+void declareInternalEntity(void *context, const xmlChar *name, int type, const xmlChar *publicId,
+                           const xmlChar *systemId, xmlChar *content)
+{
+    if (type == XML_INTERNAL_GENERAL_ENTITY || type == XML_INTERNAL_PARAMETER_ENTITY)
+        xmlSAX2EntityDecl(context, name, type, publicId, systemId, content);
+}
+
+/// The library passes over undeclared entities where the document type could have declared them elsewhere. Nothing is
+/// read from elsewhere here, so they are an error.
+xmlEntity *findEntity(void *context, const xmlChar *name)
+{
+    auto *parser = static_cast<xmlParserCtxt *>(context);
+    xmlEntity *entity = Latin1Entities::find(parser->myDoc, name);
+    if (entity == nullptr)
+        entity = xmlSAX2GetEntity(context, name);
+    const bool inDocumentType = parser->inSubset != 0;
+    if (entity == nullptr && !inDocumentType)
+        *static_cast<bool *>(parser->_private) = true;
+    return entity;
+}
+
+/// A document that begins with the byte order mark of UTF-16, declared or not, is written back as that.
+void noteByteOrderMark(xmlDoc *document, const QByteArray &bytes)
+{
+    if (document->encoding == nullptr && (bytes.startsWith("\xFF\xFE") || bytes.startsWith("\xFE\xFF")))
+        document->encoding = xmlStrdup(reinterpret_cast<const xmlChar *>("UTF-16"));
+}
+
+int append(void *bytes, const char *data, int size)
+{
+    static_cast<QByteArray *>(bytes)->append(data, size);
+    return size;
+}
+
+bool write(xmlDoc *document, const char *encoding, int options, QByteArray &bytes)
+{
+    xmlSaveCtxt *save = xmlSaveToIO(append, nullptr, &bytes, encoding, options | XML_SAVE_AS_XML | XML_SAVE_NO_XHTML);
+    if (save == nullptr)
+        return false;
+    const bool saved = xmlSaveDoc(save, document) >= 0;
+    return xmlSaveClose(save) >= 0 && saved;
+}
+
+} // namespace
+
+XmlDocPtr FeedParser::parse(const QByteArray &bytes)
+{
+    if (bytes.size() > std::numeric_limits<int>::max())
+        return nullptr;
+    const ParserPtr parser(xmlNewParserCtxt());
+    if (!parser)
+        throw std::bad_alloc();
+    bool undeclaredEntity = false;
+    parser->_private = &undeclaredEntity;
+    parser->sax->entityDecl = declareInternalEntity;
+    parser->sax->getEntity = findEntity;
+    parser->sax->externalSubset = nullptr;
+    constexpr int options =
+        XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_NOENT | XML_PARSE_COMPACT;
+    XmlDocPtr document(
+        xmlCtxtReadMemory(parser.get(), bytes.constData(), static_cast<int>(bytes.size()), nullptr, nullptr, options));
+    if (!document || parser->wellFormed == 0 || undeclaredEntity || xmlDocGetRootElement(document.get()) == nullptr)
+        return nullptr;
+    noteByteOrderMark(document.get(), bytes);
+    return document;
+}
+
+QByteArray FeedParser::toBytes(xmlDoc *document)
+{
+    // Without a declared encoding the library would write every character beyond ASCII as a reference; such a document
+    // is UTF-8, so it is written as that, under a declaration that names no encoding either.
+    const auto *encoding = reinterpret_cast<const char *>(document->encoding);
+    QByteArray bytes;
+    if (encoding != nullptr) {
+        if (write(document, encoding, 0, bytes))
+            return bytes;
+        bytes.clear(); // an encoding that can be read but not written
+        if (write(document, "UTF-8", 0, bytes))
+            return bytes;
+    } else {
+        bytes = "<?xml version=\"1.0\"?>\n";
+        if (write(document, "UTF-8", XML_SAVE_NO_DECL, bytes))
+            return bytes;
+    }
+    throw RunTimeError::deviceError();
+}

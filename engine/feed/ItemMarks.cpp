@@ -1,0 +1,71 @@
+#include "engine/feed/ItemMarks.h"
+
+#include "engine/feed/ElementText.h"
+#include "engine/feed/FeedNamespaces.h"
+
+#include <cstring>
+
+namespace {
+
+constexpr const char *marks = "urn:quillwire:marks";
+constexpr const char *readName = "read";
+constexpr const char *deletedName = "deleted";
+constexpr const char *downloadedName = "downloaded";
+
+void set(xmlNode *item, const char *name, const QString &value)
+{
+    xmlNs *ns = declaredNamespace(item, marks, "quillwire", true);
+    xmlSetNsProp(item, ns, reinterpret_cast<const xmlChar *>(name),
+                 reinterpret_cast<const xmlChar *>(value.toUtf8().constData()));
+}
+
+bool isSet(const xmlNode *item, const char *name)
+{
+    return attributeOf(item, name, marks) == QLatin1String("1");
+}
+
+} // namespace
+
+bool ItemMarks::isRead(const xmlNode *item)
+{
+    return isSet(item, readName);
+}
+
+bool ItemMarks::isDeleted(const xmlNode *item)
+{
+    return isSet(item, deletedName);
+}
+
+QDateTime ItemMarks::downloadDate(const xmlNode *item)
+{
+    const QString text = attributeOf(item, downloadedName, marks);
+    return text.isEmpty() ? QDateTime() : QDateTime::fromString(text, Qt::ISODate).toLocalTime();
+}
+
+void ItemMarks::setRead(xmlNode *item, bool read)
+{
+    if (read != isRead(item))
+        set(item, readName, read ? QStringLiteral("1") : QStringLiteral("0"));
+}
+
+void ItemMarks::setDeleted(xmlNode *item)
+{
+    set(item, deletedName, QStringLiteral("1"));
+}
+
+void ItemMarks::setDownloadDate(xmlNode *item, const QDateTime &when)
+{
+    set(item, downloadedName, when.toUTC().toString(Qt::ISODate));
+}
+
+void ItemMarks::clear(xmlNode *item)
+{
+    xmlAttr *attribute = item->properties;
+    while (attribute != nullptr) {
+        xmlAttr *next = attribute->next;
+        if (attribute->ns != nullptr && attribute->ns->href != nullptr &&
+            std::strcmp(reinterpret_cast<const char *>(attribute->ns->href), marks) == 0)
+            xmlRemoveProp(attribute);
+        attribute = next;
+    }
+}

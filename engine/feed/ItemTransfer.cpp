@@ -1,0 +1,135 @@
+#include "engine/feed/ItemTransfer.h"
+
+#include "engine/feed/ItemMarks.h"
+#include "engine/feed/ItemWriter.h"
+
+#include <cstring>
+
+namespace {
+
+const char *ownNamespace(Family family)
+{
+    switch (family) {
+    case Family::Rdf:
+        return NamespaceName::rss10;
+    case Family::Atom:
+        return NamespaceName::atom03;
+    case Family::Rss:
+        break;
+    }
+    return nullptr;
+}
+
+/// Gives a new element the namespace of the format's own elements, as the elements around it have it.
+void takeOwnNamespace(xmlNode *item, Family family)
+{
+    const char *name = ownNamespace(family);
+    if (name == nullptr) {
+        xmlSetNs(item, item->parent->ns);
+        return;
+    }
+    xmlNs *ns = namespaceInScope(item, name, false);
+    xmlSetNs(item, ns != nullptr ? ns : xmlNewNs(item, reinterpret_cast<const xmlChar *>(name), nullptr));
+}
+
+/// Lets every element and attribute below that uses `from` use `to`.
+void replaceNamespace(xmlNode *top, const xmlNs *from, xmlNs *to)
+{
+    xmlNode *node = top;
+    while (node != nullptr) {
+        if (node->type == XML_ELEMENT_NODE) {
+            if (node->ns == from)
+                node->ns = to;
+            for (xmlAttr *attribute = node->properties; attribute != nullptr; attribute = attribute->next)
+                if (attribute->ns == from)
+                    attribute->ns = to;
+            if (node->children != nullptr) {
+                node = node->children;
+                continue;
+            }
+        }
+        while (node != top && node->next == nullptr)
+            node = node->parent;
+        node = node == top ? nullptr : node->next;
+    }
+}
+
+/// A copy declares all namespaces it uses; those that are declared alike around it aren't needed.
+void dropRepeatedDeclarations(xmlNode *item)
+{
+    xmlNs **link = &item->nsDef;
+    while (*link != nullptr) {
+        xmlNs *ns = *link;
+        xmlNs *outer = xmlSearchNs(item->doc, item->parent, ns->prefix);
+        if (outer != nullptr && outer != ns && xmlStrEqual(outer->href, ns->href) != 0) {
+            replaceNamespace(item, ns, outer);
+            *link = ns->next;
+            xmlFreeNs(ns);
+        } else {
+            link = &ns->next;
+        }
+    }
+}
+
+bool hasDefaultDeclaration(const xmlNode *element)
+{
+    for (const xmlNs *ns = element->nsDef; ns != nullptr; ns = ns->next)
+        if (ns->prefix == nullptr)
+            return true;
+    return false;
+}
+
+/// An element without namespace must not fall into a default namespace of the document it was copied into.
+void keepOutOfDefaultNamespace(xmlNode *element)
+{
+    if (element->ns != nullptr || hasDefaultDeclaration(element))
+        return;
+    const xmlNs *around = xmlSearchNs(element->doc, element->parent, nullptr);
+    if (around != nullptr && around->href != nullptr && *around->href != 0)
+        xmlNewNs(element, reinterpret_cast<const xmlChar *>(""), nullptr);
+}
+
+/// Takes out the elements whose prefix is declared nowhere: they mean nothing, but the prefix may mean something here.
+void dropElementsOfUndeclaredPrefix(xmlNode *item)
+{
+    xmlNode *child = elementFrom(item->children);
+    while (child != nullptr) {
+        xmlNode *next = elementFrom(child->next);
+        if (child->ns == nullptr && std::strchr(reinterpret_cast<const char *>(child->name), ':') != nullptr) {
+            xmlUnlinkNode(child);
+            xmlFreeNode(child);
+        }
+        child = next;
+    }
+}
+
+} // namespace
+
+xmlNode *ItemTransfer::copy(const xmlNode *item, const FeedFormat &format, const ChildElements &original,
+                            const ChildElements &itsChannel, xmlNode *parent, const Enter &enter)
+{
+    xmlNode *result = xmlDocCopyNode(const_cast<xmlNode *>(item), parent->doc, 1);
+    if (result == nullptr)
+        throw std::bad_alloc();
+    ItemMarks::clear(result);
+    dropElementsOfUndeclaredPrefix(result);
+    enter(result);
+    dropRepeatedDeclarations(result);
+    keepOutOfDefaultNamespace(result);
+    for (xmlNode *child = elementFrom(result->children); child != nullptr; child = elementFrom(child->next))
+        keepOutOfDefaultNamespace(child);
+    ItemWriter writer(result);
+    format.completeCopy(writer, original, itsChannel);
+    return result;
+}
+
+xmlNode *ItemTransfer::convert(const ItemContent &content, const FeedFormat &format, xmlNode *parent,
+                               const Enter &enter)
+{
+    xmlNode *item = xmlNewDocNode(parent->doc, nullptr, reinterpret_cast<const xmlChar *>(format.itemName()), nullptr);
+    enter(item);
+    takeOwnNamespace(item, format.family());
+    ItemWriter writer(item);
+    format.write(writer, content);
+    return item;
+}

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "engine/feed/FeedFormat.h"
+
+/// Fills a new item element that stands in its document already. Texts that are empty leave no element.
+class ItemWriter final
+{
+public:
+    /// `item` bears the namespace of the format's own elements.
+    explicit ItemWriter(xmlNode *item) : m_item(item) {}
+
+    xmlNode *item() const { return m_item; }
+
+    /// Adds an element of the format's own and returns it; null when the text is empty.
+    xmlNode *add(const char *name, const QString &text);
+
+    /// Adds an element of the format's own, also when it is empty.
+    xmlNode *addElement(const char *name, const QString &text = {});
+
+    /// Adds an element of the Dublin Core.
+    void addDc(const char *name, const QString &text);
+
+    /// Adds an element of the format's own to one that was added before.
+    static void addInto(xmlNode *parent, const char *name, const QString &text);
+
+    static void setAttribute(xmlNode *element, const char *name, const QString &value);
+
+    /// Adds `date` in the element that such a date belongs into in RSS: pubDate, or dc:date when it begins with a year.
+    void addRssDate(const QString &date);
+
+private:
+    xmlNode *m_item;
+};
