@@ -15,6 +15,7 @@
 #include <QWebEngineHistory>
 #include <QWebEngineNewWindowRequest>
 #include <QWebEngineProfile>
+#include <QWebEngineScript>
 #include <QWebEngineView>
 
 #include <array>
@@ -173,9 +174,13 @@ void BrowserPane::Private::navigate(const QString &target)
     QUrl url = scheme.addressOf(target);
     if (!url.isValid())
         url = QUrl::fromUserInput(target);
-    if (PanePage::canShow(url))
+    if (PanePage::canShow(url)) {
+        // The engine takes the address on show for a reload and would scroll the next item's page to where this one
+        // stood. The script runs in a world of its own, out of the page's reach and free of its policy.
+        if (PaneScheme::owns(url) && url == page->url())
+            page->runJavaScript(QStringLiteral("window.scrollTo(0, 0)"), QWebEngineScript::ApplicationWorld);
         page->load(url);
-    else if (PanePage::belongsToSystem(url))
+    } else if (PanePage::belongsToSystem(url))
         Q_EMIT pane.systemLinkActivated(url.toString(QUrl::FullyEncoded));
 }
 

@@ -38,7 +38,6 @@ PanePage::PanePage(QWebEngineProfile *profile, Messages &messages, Kind kind, QO
     options->setUnknownUrlSchemePolicy(QWebEngineSettings::AllowUnknownUrlSchemesFromUserInteraction);
 
     connect(this, &QWebEnginePage::urlChanged, this, &PanePage::allowScripts);
-    connect(this, &QWebEnginePage::loadFinished, this, [this] { m_leaving = false; });
     connect(this, &QWebEnginePage::featurePermissionRequested, this, [this](const QUrl &origin, Feature feature) {
         setFeaturePermission(origin, feature, PermissionDeniedByUser);
     });
@@ -93,14 +92,14 @@ bool PanePage::mayGo(const QUrl &url, NavigationType type, bool isMainFrame)
         type == NavigationTypeTyped || type == NavigationTypeBackForward || type == NavigationTypeReload;
     if (url.isLocalFile())
         return isMainFrame && byProgramOrHistory;
-    const bool onOwnPage = PaneScheme::owns(this->url()) && !m_leaving;
+    const bool onOwnPage = PaneScheme::owns(this->url());
     if (PaneScheme::owns(url))
         return isMainFrame && PaneScheme::isServed(url) && (byProgramOrHistory || onOwnPage);
     if (isWeb(url)) {
         // A refresh element in a feed's text comes as a redirection without a click before it.
         const bool byUser =
             byProgramOrHistory || type == NavigationTypeLinkClicked || type == NavigationTypeFormSubmitted;
-        return !isMainFrame || byUser || !onOwnPage;
+        return !isMainFrame || byUser || !onOwnPage || m_leaving;
     }
     // What scripts make: empty frames, texts of their own. A page of the data directory has no use for them.
     const bool madeByScript = url.scheme() == QLatin1String("about") || url.scheme() == QLatin1String("blob") ||
@@ -178,4 +177,9 @@ bool PanePage::javaScriptPrompt(const QUrl &securityOrigin, const QString &text,
                                 QString *result)
 {
     return scriptMayInterrupt() && QWebEnginePage::javaScriptPrompt(securityOrigin, text, standard, result);
+}
+
+void PanePage::javaScriptConsoleMessage(JavaScriptConsoleMessageLevel, const QString &, int, const QString &)
+{
+    // What web pages report about themselves is nobody's matter here.
 }

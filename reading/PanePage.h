@@ -50,6 +50,8 @@ protected:
     bool javaScriptConfirm(const QUrl &securityOrigin, const QString &text) override;
     bool javaScriptPrompt(const QUrl &securityOrigin, const QString &text, const QString &standard,
                           QString *result) override;
+    void javaScriptConsoleMessage(JavaScriptConsoleMessageLevel level, const QString &text, int line,
+                                  const QString &source) override;
 
 private:
     bool mayGo(const QUrl &url, NavigationType type, bool isMainFrame);
@@ -61,7 +63,8 @@ private:
     Messages &m_messages;
     Kind m_kind;
     bool m_asking = false;
-    bool m_leaving = false; ///< the user or the program is on the way to another page than the one on show
+    bool m_leaving =
+        false; ///< a click or the program leads from a page of the folder to the web; redirections may follow
     int m_scriptDialogs = 0;
     QElapsedTimer m_sincePopupRefused;
 };
