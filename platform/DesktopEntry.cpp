@@ -21,7 +21,10 @@ QString quotedArgument(const QString &argument)
 
 QString DesktopEntry::execLine(const QString &program, const QStringList &arguments)
 {
-    QString line = quotedArgument(program);
+    // Launchers look for the program before they undo a doubled percent sign, and the format bars "=" from its name:
+    // such a program is started through the shell.
+    const bool needsShell = program.contains(u'%') || program.contains(u'=');
+    QString line = (needsShell ? uR"(sh -c "exec \"\$0\" \"\$@\"" )"_qs : QString()) + quotedArgument(program);
     for (const QString &argument : arguments)
         line += u' ' + quotedArgument(argument);
     // The escapes of the type string come on top of the quotes, so that a backslash ends up as four.
