@@ -333,7 +333,7 @@ private Q_SLOTS:
                           "<img src='quillwire://pages/slien.gif' onload=\"document.title='image'\">"
                           "<script src='quillwire://pages/style.css'></script></body></html>",
                           "text/html");
-        m_server->setAnswer(u"/moved"_s, {.status = 302, .headers = {{"Location", "/web.html"}}});
+        m_server->setAnswer(u"/moved"_s, LocalHttpServer::Answer::redirect(u"/web.html"_s));
         writePage(linkPage(m_server->url(u"/moved"_s).toUtf8()));
         QVERIFY(goAndWait(page()));
         QVERIFY(showsText(u"lien"_s));
