@@ -39,7 +39,9 @@ bool ItemMarks::isDeleted(const xmlNode *item)
 QDateTime ItemMarks::downloadDate(const xmlNode *item)
 {
     const QString text = attributeOf(item, downloadedName, marks);
-    return text.isEmpty() ? QDateTime() : QDateTime::fromString(text, Qt::ISODate).toLocalTime();
+    const QDateTime when = QDateTime::fromString(text, Qt::ISODate).toLocalTime();
+    // A feed may bring marks of its own making; a year past four digits has no text that reads back.
+    return when.isValid() && when.date().year() >= 100 && when.date().year() <= 9999 ? when : QDateTime();
 }
 
 void ItemMarks::setRead(xmlNode *item, bool read)

@@ -5,6 +5,7 @@
 #include "tests/fixtures/FeedTexts.h"
 #include "tests/fixtures/TemporaryDataDirectory.h"
 
+#include <QFile>
 #include <QRandomGenerator>
 #include <QTest>
 
@@ -53,11 +54,16 @@ private Q_SLOTS:
     void itemsAgeOutOnceARun_data();
     void itemsAgeOutOnceARun();
     void aRetentionThatIsNoNumberRaisesAnError();
+    void forgedDatesOfDownloadDoNoHarm();
 
 private:
     CachedFeed &load(CachedFeed &feed, const QString &name, const QByteArray &text) const
     {
         m_folder->write(name, text);
+        QFile file(m_folder->file(name)); // its time is the date of download of items that bear none
+        if (!file.open(QIODevice::ReadWrite) || !file.setFileTime(m_now, QFileDevice::FileModificationTime))
+            qFatal("the file's time can't be set");
+        file.close();
         if (feed.Load(m_folder->file(name)) != LoadOk)
             qFatal("the document doesn't load");
         return feed;
@@ -224,6 +230,24 @@ void ItemStoreTest::aRetentionThatIsNoNumberRaisesAnError()
                                  RunTimeError);
     }
     QCOMPARE(m_folder->read(QStringLiteral("s.xml")), before);
+}
+
+/// The cache file of a new feed is the document as the server sent it, with whatever stands in it.
+void ItemStoreTest::forgedDatesOfDownloadDoNoHarm()
+{
+    for (const char *forged : {"", "x", "9999-12-31T23:59:59Z", "0000-00-00T00:00:00Z", "0001-01-01T00:00:00Z",
+                               "-4712-01-01T00:00:00Z", "292278994-01-01T00:00:00Z", "2004-03-28T02:30:00"}) {
+        QByteArray text = FeedTexts::rss(QStringLiteral("T"), {QStringLiteral("a")});
+        text.replace("<item>",
+                     QByteArray("<item xmlns:q=\"urn:quillwire:marks\" q:downloaded=\"@\">").replace("@", forged));
+        CachedFeed store(m_clock);
+        CachedFeed fresh(m_clock);
+        load(store, QStringLiteral("s.xml"), text);
+        load(fresh, QStringLiteral("f.xml"), text);
+        QString have = QStringLiteral("0");
+        QCOMPARE(ItemStore::merge(fresh, store, QStringLiteral("7"), have, m_now.date()), qint16(0));
+        QVERIFY2(DateText::isDate(store.ItemDownloadDate(0)), forged);
+    }
 }
 
 QTEST_GUILESS_MAIN(ItemStoreTest)
