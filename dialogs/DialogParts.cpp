@@ -25,6 +25,21 @@ QLineEdit *DialogParts::lineEdit(const QString &name)
     return box;
 }
 
+QLineEdit *DialogParts::passwordBox(const QString &name)
+{
+    QLineEdit *const box = lineEdit(name);
+    box->setEchoMode(QLineEdit::Password);
+    box->setStyleSheet(QStringLiteral("lineedit-password-character: 42"));
+    return box;
+}
+
+QLineEdit *DialogParts::numberBox(const QString &name)
+{
+    auto *box = named(new QLineEdit, name);
+    box->setFixedWidth(10 * box->fontMetrics().averageCharWidth());
+    return box;
+}
+
 QPlainTextEdit *DialogParts::textBox(const QString &name)
 {
     auto *box = named(new QPlainTextEdit, name);
@@ -44,11 +59,11 @@ QLabel *DialogParts::label(const QString &caption, QWidget *box)
 QLabel *DialogParts::addRow(QGridLayout &grid, const QString &caption, QWidget *box)
 {
     const int row = grid.rowCount();
-    QLabel *const caption_ = label(caption, box);
+    QLabel *const shown = label(caption, box);
     const bool tall = qobject_cast<QPlainTextEdit *>(box) != nullptr;
-    grid.addWidget(caption_, row, 0, tall ? Qt::AlignTop : Qt::AlignVCenter);
+    grid.addWidget(shown, row, 0, tall ? Qt::AlignTop : Qt::AlignVCenter);
     grid.addWidget(box, row, 1);
-    return caption_;
+    return shown;
 }
 
 QHBoxLayout *DialogParts::buttonRow(const QList<QPushButton *> &buttons)

@@ -33,6 +33,12 @@ QString arrayName(const QString &name, int index);
 QPushButton *button(const QString &name, const QString &caption);
 QLineEdit *lineEdit(const QString &name);
 
+/// A box of one line that shows asterisks.
+QLineEdit *passwordBox(const QString &name);
+
+/// A box for a short number.
+QLineEdit *numberBox(const QString &name);
+
 /// A box of several lines. Tab leaves it.
 QPlainTextEdit *textBox(const QString &name);
 

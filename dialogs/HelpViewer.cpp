@@ -15,6 +15,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
+#include <QScreen>
 #include <QSplitter>
 #include <QStandardPaths>
 #include <QTabWidget>
@@ -58,7 +59,8 @@ HelpViewer::HelpViewer(QStringList candidates, QString cacheFolder, std::functio
     buildToolBar();
     const int unit = fontMetrics().averageCharWidth();
     splitter->setSizes({40 * unit, 90 * unit});
-    resize(130 * unit, 80 * unit);
+    resize(QSize(130 * unit, 80 * unit).boundedTo(screen()->availableSize()));
+    setContextMenuPolicy(Qt::PreventContextMenu); // its menu would hide the buttons for good
     connect(m_page, &HelpBrowser::anchorClicked, this, &HelpViewer::handleAnchor);
 }
 

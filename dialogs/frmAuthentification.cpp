@@ -11,9 +11,9 @@
 frmAuthentification::frmAuthentification(MainWindow &window)
     : DialogBase(QStringLiteral("Authentification"), window.frame()), m_window(window),
       m_txtUsername(DialogParts::lineEdit(QStringLiteral("txtUsername"))),
-      m_txtPassword(DialogParts::lineEdit(QStringLiteral("txtPassword")))
+      m_txtPassword(DialogParts::passwordBox(QStringLiteral("txtPassword")))
 {
-    m_txtPassword->setEchoMode(QLineEdit::Password);
+    m_txtUsername->setMinimumWidth(40 * fontMetrics().averageCharWidth());
 
     auto *content = new QWidget;
     auto *grid = new QGridLayout(content);

@@ -384,15 +384,15 @@ void frmImport::handleFinish()
     m_cmdCanceller->setFocus();
 
     const int count = m_tvwListeFlux->topLevelItemCount();
-    int done_ = 0;
+    int finished = 0;
     for (int i = 0; i < count; ++i) {
         const QTreeWidgetItem *const item = m_tvwListeFlux->topLevelItem(i);
         if (item->checkState(0) != Qt::Checked)
             continue;
         if (!fetch(item->text(0), item->data(0, TagRole).toString()))
             return;
-        ++done_;
-        m_vbalProgressBar1->setValue(Numbers::roundToInt16(static_cast<double>(done_) / m_checkedCount * 100));
+        ++finished;
+        m_vbalProgressBar1->setValue(Numbers::roundToInt16(static_cast<double>(finished) / m_checkedCount * 100));
     }
     done(Accepted);
 }

@@ -79,7 +79,7 @@ QWidget *frmOptions::buildFluxPage()
     auto *image =
         named(new PictureButton(QStringLiteral("ouvrir-fichier"), QStringLiteral("Choisir un fichier de son")),
               QStringLiteral("Image1"));
-    m_txtRead = named(new QLineEdit, QStringLiteral("txtRead"));
+    m_txtRead = numberBox(QStringLiteral("txtRead"));
     auto *arrows = named(new UpDown(m_txtRead, 0, 3600, 1, 60), QStringLiteral("UpDown1"));
     m_chkNoRead = checkBox(QStringLiteral("chkNoRead"), QStringLiteral("Jamais"));
 
@@ -95,7 +95,6 @@ QWidget *frmOptions::buildFluxPage()
     read->addWidget(arrows);
     read->addSpacing(Edge);
     read->addWidget(m_chkNoRead);
-    m_txtRead->setFixedWidth(m_txtRead->fontMetrics().averageCharWidth() * 10);
 
     auto *column = new QVBoxLayout(page);
     column->addWidget(m_chkAutoUpdate);

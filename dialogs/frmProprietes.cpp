@@ -39,16 +39,19 @@ void put(QLineEdit *box, const QString &text)
     box->setCursorPosition(0);
 }
 
-QWidget *withArrows(QLineEdit *box, UpDown *arrows)
+/// A row of the grid: the label, the box and its arrows.
+QLabel *addNumberRow(QGridLayout &grid, const QString &caption, QLineEdit *box, UpDown *arrows)
 {
-    auto *pair = new QWidget;
-    auto *row = new QHBoxLayout(pair);
-    row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(0);
-    row->addWidget(box);
-    row->addWidget(arrows);
-    row->addStretch();
-    return pair;
+    const int row = grid.rowCount();
+    QLabel *const shown = label(caption, box);
+    auto *pair = new QHBoxLayout;
+    pair->setSpacing(0);
+    pair->addWidget(box);
+    pair->addWidget(arrows);
+    pair->addStretch();
+    grid.addWidget(shown, row, 0);
+    grid.addLayout(pair, row, 1);
+    return shown;
 }
 
 QString versionName(FeedVersion version)
@@ -141,15 +144,13 @@ QWidget *frmProprietes::buildSynchroPage()
 {
     auto *page = named(new QWidget, QStringLiteral("picSynchro"));
     auto *grid = new QGridLayout(page);
-    m_txtMaj = named(new QLineEdit, QStringLiteral("txtMaj"));
+    m_txtMaj = numberBox(QStringLiteral("txtMaj"));
     auto *upDown1 = named(new UpDown(m_txtMaj, 1, 60, 1, 5), QStringLiteral("UpDown1"));
-    addRow(*grid, QStringLiteral("Mise à jour toutes les (min) :"), withArrows(m_txtMaj, upDown1))->setBuddy(m_txtMaj);
-    m_txtCache = named(new QLineEdit, QStringLiteral("txtCache"));
+    addNumberRow(*grid, QStringLiteral("Mise à jour toutes les (min) :"), m_txtMaj, upDown1);
+    m_txtCache = numberBox(QStringLiteral("txtCache"));
     m_upDown2 = named(new UpDown(m_txtCache, 1, 60, 1, 5), QStringLiteral("UpDown2"));
-    m_lblCache =
-        named(addRow(*grid, QStringLiteral("Garder en cache pour (jour) :"), withArrows(m_txtCache, m_upDown2)),
-              QStringLiteral("lblCache"));
-    m_lblCache->setBuddy(m_txtCache);
+    m_lblCache = named(addNumberRow(*grid, QStringLiteral("Garder en cache pour (jour) :"), m_txtCache, m_upDown2),
+                       QStringLiteral("lblCache"));
     m_chkNoDel = named(new QCheckBox(QStringLiteral("Ne jamais effacer")), QStringLiteral("chkNoDel"));
     grid->addWidget(m_chkNoDel, grid->rowCount(), 1);
     grid->setRowStretch(grid->rowCount(), 1);
@@ -171,8 +172,7 @@ QWidget *frmProprietes::buildAuthenticationPage()
     auto *page = named(new QWidget, QStringLiteral("picAuthentication"));
     auto *grid = new QGridLayout(page);
     addRow(*grid, QStringLiteral("Nom d'utilisateur :"), m_txtUsername = lineEdit(QStringLiteral("txtUsername")));
-    addRow(*grid, QStringLiteral("Mot de passe :"), m_txtPassword = lineEdit(QStringLiteral("txtPassword")));
-    m_txtPassword->setEchoMode(QLineEdit::Password);
+    addRow(*grid, QStringLiteral("Mot de passe :"), m_txtPassword = passwordBox(QStringLiteral("txtPassword")));
     grid->setRowStretch(grid->rowCount(), 1);
     return page;
 }
@@ -266,7 +266,7 @@ void frmProprietes::handleApply()
         table.Add(key, value);
     };
     replace(tables.updatettl, m_txtMaj->text());
-    // "-0" for zero days: "never" is lost there when the text is read again, which is wanted.
+    // "Never" is lost at zero days, and any other text stands as it is; both are wanted.
     replace(tables.updatecache, m_chkNoDel->isChecked()
                                     ? QString::number(Numbers::toDouble(m_txtCache->text()) * -1, 'g', 15)
                                     : m_txtCache->text());

@@ -77,8 +77,8 @@ void addOptions(QGridLayout &grid, int row, std::array<QRadioButton *, Count> &o
 
 void addResultCount(QGridLayout &grid, QLineEdit *&box, int index)
 {
-    box = named(new QLineEdit(QStringLiteral("15")), arrayName(QStringLiteral("txtNbResult"), index));
-    box->setMinimumWidth(box->fontMetrics().averageCharWidth() * 6);
+    box = numberBox(arrayName(QStringLiteral("txtNbResult"), index));
+    box->setText(QStringLiteral("15"));
     auto *arrows = named(new UpDown(box, 15, 100, 1, 15), arrayName(QStringLiteral("UpDown1"), index));
     auto *pair = new QHBoxLayout;
     pair->setSpacing(0);

@@ -28,7 +28,7 @@ frmSendMail::frmSendMail(MainWindow &window, Messages &messages, const QString &
     QFont typewriter(QStringLiteral("Courier New"), font().pointSize());
     typewriter.setStyleHint(QFont::Monospace);
     m_txtContent->setFont(typewriter);
-    m_txtContent->setMinimumSize(fontMetrics().averageCharWidth() * 60, fontMetrics().lineSpacing() * 10);
+    m_txtContent->setMinimumSize(QFontMetrics(typewriter).averageCharWidth() * 64, fontMetrics().lineSpacing() * 12);
     m_txtContent->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     m_txtContent->setPlainText(QString(body).remove(QChar(u'\0')));
 

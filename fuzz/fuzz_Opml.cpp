@@ -1,0 +1,19 @@
+#include "dialogs/OpmlList.h"
+#include "platform/RunTimeError.h"
+
+#include <QByteArray>
+
+/// Whatever the bytes are, the reader gives a list or a run-time error, and each of the list's feeds has a description.
+extern "C" int LLVMFuzzerTestOneInput(const quint8 *data, std::size_t size)
+{
+    XmlDocument document;
+    if (document.loadXml(QByteArray(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size))) !=
+        XmlDocument::LoadResult::Loaded)
+        return 0;
+    try {
+        for (const OpmlList::Feed &feed : readOpmlList(document).feeds)
+            outlineDescription(document, feed.position);
+    } catch (const RunTimeError &) {
+    }
+    return 0;
+}
