@@ -1,0 +1,87 @@
+#pragma once
+
+#include "engine/feed/CachedFeed.h"
+
+#include <QByteArray>
+#include <QStringList>
+
+/// Everything that a feed says, a line a field. Fields that are "" or missing leave no line.
+namespace FeedDump {
+
+inline void add(QStringList &lines, const char *field, const QString &text)
+{
+    if (!text.isEmpty())
+        lines += QLatin1String(field) + QLatin1String(": ") + QString(text).replace(u'\n', QLatin1String("\\n"));
+}
+
+inline QString extensions(const CachedFeed &feed)
+{
+    QStringList used;
+    if (feed.HasContent())
+        used += QStringLiteral("content");
+    if (feed.HasWfw())
+        used += QStringLiteral("wfw");
+    if (feed.HasDc())
+        used += QStringLiteral("dc");
+    if (feed.HasItunes())
+        used += QStringLiteral("itunes");
+    return used.join(u' ');
+}
+
+inline void addItem(QStringList &lines, const CachedFeed &feed, qint16 index)
+{
+    add(lines, "Title", feed.ItemTitle(index));
+    add(lines, "Link", feed.ItemLink(index));
+    add(lines, "Description", feed.ItemDescription(index));
+    if (ItemSource source; feed.GetItemSource(index, source))
+        add(lines, "Source", source.Name + QLatin1String(", ") + source.Url);
+    if (ItemEnclosure enclosure; feed.GetItemEnclosure(index, enclosure))
+        add(lines, "Enclosure",
+            enclosure.Url + QLatin1String(", ") + enclosure.Extra + QLatin1String(", ") +
+                QString::number(enclosure.Length));
+    add(lines, "Category", feed.ItemCategory(index));
+    add(lines, "Author", feed.ItemAuthor(index));
+    add(lines, "Comments", feed.ItemComments(index));
+    add(lines, "PubDate", feed.ItemPubDate(index));
+}
+
+inline QStringList item(const CachedFeed &feed, qint16 index)
+{
+    QStringList lines;
+    addItem(lines, feed, index);
+    return lines;
+}
+
+inline QStringList channel(const CachedFeed &feed)
+{
+    QStringList lines;
+    add(lines, "Version", QString::number(feed.Version()));
+    add(lines, "Has", extensions(feed));
+    add(lines, "Title", feed.Title());
+    add(lines, "Link", feed.Link());
+    add(lines, "Description", feed.Description());
+    add(lines, "Language", feed.Language());
+    add(lines, "Copyright", feed.Copyright());
+    add(lines, "ManagingEditor", feed.ManagingEditor());
+    add(lines, "WebMaster", feed.WebMaster());
+    add(lines, "Ttl", feed.Ttl());
+    if (FeedImage image; feed.GetImage(image))
+        add(lines, "Image",
+            QStringList{image.Url, image.Title, image.Link, QString::number(image.Width), QString::number(image.Height),
+                        image.Description}
+                .join(QLatin1String(", ")));
+    return lines;
+}
+
+inline QStringList all(const CachedFeed &feed)
+{
+    QStringList lines = channel(feed);
+    add(lines, "Items", QString::number(feed.ItemCount()));
+    for (qint16 index = 0; index < feed.ItemCount(); ++index) {
+        add(lines, "Item", QString::number(index));
+        addItem(lines, feed, index);
+    }
+    return lines;
+}
+
+} // namespace FeedDump
