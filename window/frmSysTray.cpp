@@ -2,6 +2,7 @@
 
 #include "platform/Numbers.h"
 #include "platform/RunTimeError.h"
+#include "platform/RunTimeError.h"
 
 #include <QCursor>
 
