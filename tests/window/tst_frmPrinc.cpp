@@ -2,6 +2,7 @@
 
 #include "controls/StatusBar.h"
 #include "controls/cReBar.h"
+#include "platform/AnsiText.h"
 #include "tests/fixtures/FeedTexts.h"
 #include "tests/fixtures/LocalHttpServer.h"
 #include "window/SplitBar.h"
@@ -10,6 +11,7 @@
 #include <QMenu>
 #include <QProgressBar>
 #include <QTimer>
+#include <QToolButton>
 
 /// The frame and the whole of the window's journeys, through its real controls.
 class tst_frmPrinc : public QObject
@@ -88,7 +90,8 @@ private Q_SLOTS:
         QCOMPARE(m_f->list()->items().rowCount(), 3);
         QCOMPARE(titleOf(0), QStringLiteral("f3-0"));
         QCOMPARE(m_f->buttons(), QStringLiteral("1110"));
-        QVERIFY(m_f->data.read(QStringLiteral("tmp.htm")).contains("Flux 3"));
+        const QByteArray title = AnsiText::toBytes(AnsiText::widenBytes(QStringLiteral("Flux 3")));
+        QVERIFY(m_f->data.read(QStringLiteral("tmp.htm")).contains(title));
     }
 
     void aClickOnAFolderEmptiesTheListAndOneOnTheRootLeavesIt()
@@ -473,11 +476,19 @@ private Q_SLOTS:
 
     void theChevronOfABandOpensWhatDoesNotFit()
     {
+        m_f->adjustSettings = [](AppSettings &settings) {
+            settings.rebarLayout.replace(QLatin1String("right=\"202\""), QLatin1String("right=\"60\""));
+            settings.rebarLayout.replace(QLatin1String("left=\"206\""), QLatin1String("left=\"64\""));
+        };
         m_f->start();
-        auto *rebar = m_f->control<cReBar>("cReBar1");
-        m_f->toolbar()->resize(30, m_f->toolbar()->height());
         QVERIFY(m_f->toolbar()->hasOverflow());
-        Q_EMIT rebar->ChevronPushed(2, 0, 0, 600, 300);
+        QToolButton *chevron = nullptr;
+        for (auto *button :
+             m_f->control<cReBar>("cReBar1")->findChildren<QToolButton *>(QString(), Qt::FindDirectChildrenOnly))
+            if (button->isVisible())
+                chevron = button;
+        QVERIFY(chevron);
+        chevron->click();
         auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
         QVERIFY(menu);
         QVERIFY(!menu->actions().isEmpty());
