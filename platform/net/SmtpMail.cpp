@@ -10,20 +10,19 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
+#include <chrono>
 #include <cstring>
+#include <future>
 #include <memory>
 
 namespace {
 
-constexpr int KeepAliveMs = 40;
+constexpr std::chrono::milliseconds KeepAliveEvery(10);
 
 struct EasyDeleter
 {
     void operator()(CURL *handle) const { curl_easy_cleanup(handle); }
-};
-struct MultiDeleter
-{
-    void operator()(CURLM *handle) const { curl_multi_cleanup(handle); }
 };
 struct UrlDeleter
 {
@@ -38,13 +37,20 @@ struct TextDeleter
     void operator()(char *text) const { curl_free(text); }
 };
 
-/// What the library's callbacks work on during one attempt.
+/// One attempt. All but `abandoned` belongs to the thread that runs it.
 struct Transfer
 {
+    QByteArray server;
+    QByteArray sender;
+    QByteArray recipient;
     QByteArray message;
+    SmtpMail::Limits limits;
+
     qsizetype sent = 0;
-    QByteArray lastAnswer;
+    QByteArray refusal;
     QElapsedTimer sinceLastSign;
+    bool stalled = false;
+    std::atomic<bool> abandoned = false;
 };
 
 size_t giveMessage(char *buffer, size_t size, size_t count, void *data)
@@ -60,7 +66,10 @@ size_t giveMessage(char *buffer, size_t size, size_t count, void *data)
 size_t takeAnswer(char *buffer, size_t size, size_t count, void *data)
 {
     Transfer &transfer = *static_cast<Transfer *>(data);
-    transfer.lastAnswer = QByteArray(buffer, static_cast<qsizetype>(size * count)).trimmed();
+    const QByteArray answer = QByteArray(buffer, static_cast<qsizetype>(size * count)).trimmed();
+    // A refusal is followed by good-byes that explain nothing.
+    if (answer.startsWith('4') || answer.startsWith('5'))
+        transfer.refusal = answer;
     transfer.sinceLastSign.restart();
     return size * count;
 }
@@ -82,25 +91,58 @@ QByteArray serverUrl(const QString &host, quint16 port)
     return made ? QByteArray(text) : QByteArray();
 }
 
-/// Runs the transfer to its end. `pause` is called between its steps and tells whether to go on.
-CURLcode drive(CURLM *multi, Transfer &transfer, int idleMs, const std::function<bool()> &pause)
+/// The library calls this at least once a second; any answer but 0 ends the transfer.
+int watch(void *data, curl_off_t, curl_off_t, curl_off_t, curl_off_t)
 {
+    Transfer &transfer = *static_cast<Transfer *>(data);
+    transfer.stalled = transfer.sinceLastSign.hasExpired(transfer.limits.idleMs);
+    return transfer.stalled || transfer.abandoned ? 1 : 0;
+}
+
+/// Runs the transfer to its end, and gives the explanation of its failure, if it failed.
+std::optional<QString> run(Transfer &transfer)
+{
+    std::array<char, CURL_ERROR_SIZE> errorText{};
+    const std::unique_ptr<curl_slist, ListDeleter> recipients(
+        curl_slist_append(nullptr, transfer.recipient.constData()));
+    const std::unique_ptr<CURL, EasyDeleter> easy(curl_easy_init());
+    CURL *const handle = easy.get();
+    curl_easy_setopt(handle, CURLOPT_URL, transfer.server.constData());
+    curl_easy_setopt(handle, CURLOPT_PROTOCOLS_STR, "smtp");
+    curl_easy_setopt(handle, CURLOPT_PROXY, "");
+    curl_easy_setopt(handle, CURLOPT_NOSIGNAL, 1L);
+    curl_easy_setopt(handle, CURLOPT_QUICK_EXIT, 1L);
+    curl_easy_setopt(handle, CURLOPT_MAIL_FROM, transfer.sender.constData());
+    curl_easy_setopt(handle, CURLOPT_MAIL_RCPT, recipients.get());
+    curl_easy_setopt(handle, CURLOPT_UPLOAD, 1L);
+    curl_easy_setopt(handle, CURLOPT_READFUNCTION, giveMessage);
+    curl_easy_setopt(handle, CURLOPT_READDATA, &transfer);
+    curl_easy_setopt(handle, CURLOPT_HEADERFUNCTION, takeAnswer);
+    curl_easy_setopt(handle, CURLOPT_HEADERDATA, &transfer);
+    curl_easy_setopt(handle, CURLOPT_WRITEFUNCTION, takeAnswer);
+    curl_easy_setopt(handle, CURLOPT_WRITEDATA, &transfer);
+    curl_easy_setopt(handle, CURLOPT_NOPROGRESS, 0L);
+    curl_easy_setopt(handle, CURLOPT_XFERINFOFUNCTION, watch);
+    curl_easy_setopt(handle, CURLOPT_XFERINFODATA, &transfer);
+    curl_easy_setopt(handle, CURLOPT_ERRORBUFFER, errorText.data());
+    curl_easy_setopt(handle, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(transfer.limits.connectMs));
+    curl_easy_setopt(handle, CURLOPT_TIMEOUT_MS, static_cast<long>(transfer.limits.totalMs));
+    // The good-bye at the end is outside of watch(): it is given within the transfer, and this limits the wait for it.
+    curl_easy_setopt(handle, CURLOPT_FORBID_REUSE, 1L);
+    curl_easy_setopt(handle, CURLOPT_SERVER_RESPONSE_TIMEOUT, transfer.limits.idleMs / 1000L + 1);
+
     transfer.sinceLastSign.start();
-    int running = 1;
-    while (running > 0) {
-        if (curl_multi_perform(multi, &running) != CURLM_OK)
-            return CURLE_FAILED_INIT;
-        if (running == 0)
-            break;
-        if (transfer.sinceLastSign.hasExpired(idleMs))
-            return CURLE_OPERATION_TIMEDOUT;
-        if (!pause())
-            return CURLE_ABORTED_BY_CALLBACK;
-        curl_multi_poll(multi, nullptr, 0, KeepAliveMs, nullptr);
+    CURLcode result = curl_easy_perform(handle);
+    if (result == CURLE_OK)
+        return std::nullopt;
+    if (transfer.stalled) {
+        result = CURLE_OPERATION_TIMEDOUT;
+        errorText[0] = '\0';
     }
-    int left = 0;
-    const CURLMsg *const end = curl_multi_info_read(multi, &left);
-    return end ? end->data.result : CURLE_FAILED_INIT;
+    QString explanation = QString::fromUtf8(errorText[0] ? errorText.data() : curl_easy_strerror(result));
+    if (!transfer.refusal.isEmpty())
+        explanation += u'\n' + QString::fromUtf8(transfer.refusal);
+    return explanation;
 }
 
 QByteArray newMessageId(const QByteArray &sender)
@@ -148,44 +190,21 @@ std::optional<QString> SmtpMail::attempt()
         return u"Le nom du serveur SMTP est incorrect : "_qs + m_host;
 
     Transfer transfer;
+    transfer.server = server;
+    transfer.sender = sender;
+    transfer.recipient = recipient;
     transfer.message = MailMessage::compose(m_fields, QDateTime::currentDateTime(), newMessageId(sender));
-    std::array<char, CURL_ERROR_SIZE> errorText{};
-    const std::unique_ptr<curl_slist, ListDeleter> recipients(curl_slist_append(nullptr, recipient.constData()));
-    const std::unique_ptr<CURLM, MultiDeleter> multi(curl_multi_init());
-    const std::unique_ptr<CURL, EasyDeleter> easy(curl_easy_init());
-    CURL *const handle = easy.get();
-    curl_easy_setopt(handle, CURLOPT_URL, server.constData());
-    curl_easy_setopt(handle, CURLOPT_PROTOCOLS_STR, "smtp");
-    curl_easy_setopt(handle, CURLOPT_PROXY, "");
-    curl_easy_setopt(handle, CURLOPT_NOSIGNAL, 1L);
-    curl_easy_setopt(handle, CURLOPT_MAIL_FROM, sender.constData());
-    curl_easy_setopt(handle, CURLOPT_MAIL_RCPT, recipients.get());
-    curl_easy_setopt(handle, CURLOPT_UPLOAD, 1L);
-    curl_easy_setopt(handle, CURLOPT_READFUNCTION, giveMessage);
-    curl_easy_setopt(handle, CURLOPT_READDATA, &transfer);
-    curl_easy_setopt(handle, CURLOPT_HEADERFUNCTION, takeAnswer);
-    curl_easy_setopt(handle, CURLOPT_HEADERDATA, &transfer);
-    curl_easy_setopt(handle, CURLOPT_WRITEFUNCTION, takeAnswer);
-    curl_easy_setopt(handle, CURLOPT_WRITEDATA, &transfer);
-    curl_easy_setopt(handle, CURLOPT_ERRORBUFFER, errorText.data());
-    curl_easy_setopt(handle, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(m_limits.connectMs));
-    curl_easy_setopt(handle, CURLOPT_TIMEOUT_MS, static_cast<long>(m_limits.totalMs));
-
-    CURLcode result = CURLE_FAILED_INIT;
-    if (curl_multi_add_handle(multi.get(), handle) == CURLM_OK) {
-        // From here on this object may be gone.
-        const auto pause = [self = QPointer<SmtpMail>(this), keepAlive = m_keepAlive] {
-            if (keepAlive)
-                keepAlive();
-            return !self.isNull();
-        };
-        result = drive(multi.get(), transfer, m_limits.idleMs, pause);
-        curl_multi_remove_handle(multi.get(), handle);
+    transfer.limits = m_limits;
+    // The library waits for the server's last answers without giving way, so that it gets a thread of its own. Nothing
+    // of the program but the transfer is touched from there, and the thread has ended when this returns.
+    std::future<std::optional<QString>> outcome = std::async(std::launch::async, run, std::ref(transfer));
+    const QPointer<SmtpMail> self(this);
+    const std::function<void()> keepAlive = m_keepAlive;
+    while (outcome.wait_for(KeepAliveEvery) != std::future_status::ready) {
+        if (keepAlive && self)
+            keepAlive();
+        if (!self)
+            transfer.abandoned = true;
     }
-    if (result == CURLE_OK)
-        return std::nullopt;
-    QString explanation = QString::fromUtf8(errorText[0] ? errorText.data() : curl_easy_strerror(result));
-    if (!transfer.lastAnswer.isEmpty())
-        explanation += u'\n' + QString::fromUtf8(transfer.lastAnswer);
-    return explanation;
+    return outcome.get();
 }

@@ -19,7 +19,7 @@ public:
     struct Limits
     {
         int connectMs = 30000; ///< until the server's address is found and the connection stands
-        int idleMs = 60000;    ///< between two signs of life of the server
+        int idleMs = 60000;    ///< between two signs of life of the server, to the second
         int totalMs = 300000;  ///< the whole attempt
     };
 
