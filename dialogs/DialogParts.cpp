@@ -8,6 +8,11 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 
+namespace {
+constexpr qsizetype MaxShownText = 65535;
+constexpr qsizetype MaxWrappedWord = 5000;
+} // namespace
+
 QString DialogParts::arrayName(const QString &name, int index)
 {
     return name + QLatin1Char('_') + QString::number(index);
@@ -46,6 +51,20 @@ QPlainTextEdit *DialogParts::textBox(const QString &name)
     box->setTabChangesFocus(true);
     box->setMinimumSize(28 * box->fontMetrics().averageCharWidth(), 4 * box->fontMetrics().lineSpacing());
     return box;
+}
+
+void DialogParts::showText(QPlainTextEdit &box, const QString &text)
+{
+    const QString shown = box.isReadOnly() ? text.left(MaxShownText) : text;
+    qsizetype word = 0;
+    bool wraps = true;
+    for (const QChar character : shown) {
+        word = character.isSpace() ? 0 : word + 1;
+        wraps = wraps && word <= MaxWrappedWord;
+    }
+    // The time to break a word is the square of its length.
+    box.setLineWrapMode(wraps ? QPlainTextEdit::WidgetWidth : QPlainTextEdit::NoWrap);
+    box.setPlainText(shown);
 }
 
 QLabel *DialogParts::label(const QString &caption, QWidget *box)

@@ -42,6 +42,10 @@ QLineEdit *numberBox(const QString &name);
 /// A box of several lines. Tab leaves it.
 QPlainTextEdit *textBox(const QString &name);
 
+/// Puts a text from a feed or a file into a box of several lines, in a time that grows with its length only. A box that
+/// is read only shows 65,535 characters of it; one with a word of thousands of characters doesn't wrap.
+void showText(QPlainTextEdit &box, const QString &text);
+
 /// A label of plain text, the caption of `box` for the eye and for screen readers.
 QLabel *label(const QString &caption, QWidget *box);
 

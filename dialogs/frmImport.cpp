@@ -33,7 +33,7 @@ namespace {
 
 constexpr int PassMs = 100;
 constexpr int MaxPasses = 100; // about ten seconds a feed, counted in passes and not by a clock
-constexpr int MaxShownText = 500;
+constexpr int MaxShownName = 500;
 
 enum Role { KeyRole = Qt::UserRole, TagRole };
 
@@ -47,7 +47,7 @@ protected:
     void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override
     {
         QStyledItemDelegate::initStyleOption(option, index);
-        option->text.truncate(MaxShownText);
+        option->text.truncate(MaxShownName);
     }
 };
 
@@ -187,6 +187,7 @@ QWidget *frmImport::buildRunPanel()
     m_lblTitre = named(new QLabel(QStringLiteral("Téléchargement de ")), QStringLiteral("lblTitre"));
     m_lblTitre->setTextFormat(Qt::PlainText); // names come from the OPML file
     m_lblTitre->setWordWrap(true);
+    m_lblTitre->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred); // no name widens the window
     m_vbalProgressBar1 = named(new ProgressBar, QStringLiteral("vbalProgressBar1"));
     m_vbalProgressBar1->setAccessibleName(QStringLiteral("Importation en cours"));
     m_cmdCanceller = button(QStringLiteral("cmdCanceller"), QStringLiteral("Annuler"));
@@ -323,7 +324,7 @@ void frmImport::loadOpmlList()
 void frmImport::showOutlineDescription(const QTreeWidgetItem &item)
 {
     const int index = item.data(0, KeyRole).toString().toInt();
-    m_txtDescription->setPlainText(outlineDescription(m_opmlDocument, index));
+    showText(*m_txtDescription, outlineDescription(m_opmlDocument, index));
 }
 
 bool frmImport::eventFilter(QObject *watched, QEvent *event)
@@ -399,7 +400,7 @@ void frmImport::handleFinish()
 
 bool frmImport::fetch(const QString &name, const QString &address)
 {
-    m_lblTitre->setText(QStringLiteral("Téléchargement de ") + name.left(MaxShownText));
+    m_lblTitre->setText(QStringLiteral("Téléchargement de ") + name.left(MaxShownName));
     m_feedBusy = true;
     m_currentFeedUrl = address;
     m_dwlFeed->Download(m_currentFeedUrl, 0, m_window.dataFile(QStringLiteral("tmp.xml")), QString(), QString());

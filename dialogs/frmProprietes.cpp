@@ -202,7 +202,7 @@ bool frmProprietes::fillFrom()
     put(m_txtTitle, feed->Title());
     put(m_txtURL, subscribed ? node->tag : m_window.addressText());
     put(m_txtSite, feed->Link());
-    m_txtDescription->setPlainText(feed->Description());
+    showText(*m_txtDescription, feed->Description());
     put(m_txtVersion, versionName(feed->Version()));
     put(m_txtLangue, feed->Language());
     put(m_txtEditeur, feed->ManagingEditor());

@@ -30,7 +30,7 @@ frmSendMail::frmSendMail(MainWindow &window, Messages &messages, const QString &
     m_txtContent->setFont(typewriter);
     m_txtContent->setMinimumSize(QFontMetrics(typewriter).averageCharWidth() * 64, fontMetrics().lineSpacing() * 12);
     m_txtContent->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
-    m_txtContent->setPlainText(QString(body).remove(QChar(u'\0')));
+    DialogParts::showText(*m_txtContent, QString(body).remove(QChar(u'\0')));
 
     auto *content = new QWidget;
     auto *grid = new QGridLayout(content);
