@@ -6,13 +6,19 @@ ImageList::ImageList(int size) : m_size(size) {}
 
 void ImageList::setPicture(int index, const QString &name)
 {
-    // A vector icon only remembers its file here; it is drawn when it is first shown.
-    m_icons.insert(index, QIcon(u":/icons/" + name + u".svg"));
+    m_names.insert(index, name);
+    m_icons.remove(index);
 }
 
 QIcon ImageList::icon(int index) const
 {
-    return m_icons.value(index);
+    const auto name = m_names.constFind(index);
+    if (name == m_names.constEnd())
+        return {};
+    const auto known = m_icons.constFind(index);
+    if (known != m_icons.constEnd())
+        return *known;
+    return *m_icons.insert(index, QIcon(u":/icons/" + *name + u".svg"));
 }
 
 namespace {

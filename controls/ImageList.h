@@ -11,7 +11,7 @@ public:
     /// `size` is the side of a picture in logical pixels.
     explicit ImageList(int size);
 
-    /// Puts the icon of that name (":/icons/<name>.svg") at `index`.
+    /// Puts the icon of that name (":/icons/<name>.svg") at `index`. Its file is read when it is first asked for.
     void setPicture(int index, const QString &name);
 
     /// The picture at `index`; a null icon where there is none.
@@ -21,7 +21,8 @@ public:
 
 private:
     int m_size;
-    QHash<int, QIcon> m_icons;
+    QHash<int, QString> m_names;
+    mutable QHash<int, QIcon> m_icons; // those asked for so far
 };
 
 /// The four lists of the main window: pictures of the tree and the item list (1), big toolbar pictures of 24 pixels

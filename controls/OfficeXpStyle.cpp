@@ -20,6 +20,8 @@ QColor mix(const QColor &one, const QColor &other, double share)
     return {part(one.red(), other.red()), part(one.green(), other.green()), part(one.blue(), other.blue())};
 }
 
+// The colours of the drawing are those of the enabled state, also around a disabled entry.
+
 QColor borderColour(const QPalette &palette)
 {
     return palette.color(QPalette::Active, QPalette::Highlight);
@@ -27,27 +29,30 @@ QColor borderColour(const QPalette &palette)
 
 QColor hoverFill(const QPalette &palette)
 {
-    return mix(palette.color(QPalette::Base), borderColour(palette), 0.28);
+    return mix(palette.color(QPalette::Active, QPalette::Base), borderColour(palette), 0.28);
 }
 
 QColor pressedFill(const QPalette &palette)
 {
-    return mix(palette.color(QPalette::Base), borderColour(palette), 0.5);
+    return mix(palette.color(QPalette::Active, QPalette::Base), borderColour(palette), 0.5);
 }
 
 QColor menuFill(const QPalette &palette)
 {
-    return mix(palette.color(QPalette::Base), palette.color(QPalette::Window), 0.15);
+    return mix(palette.color(QPalette::Active, QPalette::Base), palette.color(QPalette::Active, QPalette::Window),
+               0.15);
 }
 
 QColor lineColour(const QPalette &palette)
 {
-    return mix(palette.color(QPalette::Window), palette.color(QPalette::WindowText), 0.3);
+    return mix(palette.color(QPalette::Active, QPalette::Window), palette.color(QPalette::Active, QPalette::WindowText),
+               0.3);
 }
 
 QColor frameColour(const QPalette &palette)
 {
-    return mix(palette.color(QPalette::Window), palette.color(QPalette::WindowText), 0.5);
+    return mix(palette.color(QPalette::Active, QPalette::Window), palette.color(QPalette::Active, QPalette::WindowText),
+               0.5);
 }
 
 void fillBox(QPainter *painter, const QRect &rect, const QColor &fill, const QColor &border)
@@ -204,7 +209,7 @@ void OfficeXpStyle::drawMenuItem(const QStyleOptionMenuItem &item, QPainter *pai
     const int textLeft = strip.right() + 1 + textGap;
 
     painter->fillRect(rect, menuFill(palette));
-    painter->fillRect(strip, palette.color(QPalette::Window));
+    painter->fillRect(strip, palette.color(QPalette::Active, QPalette::Window));
     if (item.menuItemType == QStyleOptionMenuItem::Separator) {
         painter->setPen(lineColour(palette));
         painter->drawLine(textLeft, rect.center().y(), rect.right(), rect.center().y());
@@ -314,11 +319,9 @@ void OfficeXpStyle::drawToolButton(const QStyleOptionToolButton &button, QPainte
     proxy()->drawControl(CE_ToolButtonLabel, &label, painter, widget);
 
     if (button.state & State_HasFocus) {
-        QStyleOptionFocusRect focus;
-        focus.QStyleOption::operator=(button);
-        focus.rect = body.adjusted(2, 2, -2, -2);
-        focus.state |= State_KeyboardFocusChange;
-        proxy()->drawPrimitive(PE_FrameFocusRect, &focus, painter, widget);
+        painter->setBrush(Qt::NoBrush);
+        painter->setPen(QPen(button.palette.color(QPalette::Active, QPalette::WindowText), 1, Qt::DotLine));
+        painter->drawRect(body.adjusted(2, 2, -3, -3));
     }
     painter->restore();
 }

@@ -292,6 +292,13 @@ struct cReBar::Private
         menu->popup(globalPosition);
     }
 
+    static void dressChevron(const Band &band)
+    {
+        const auto *toolbar = qobject_cast<const cToolbar *>(band.child);
+        const bool officeXp = toolbar && toolbar->drawStyle() == DrawStyle::OfficeXp;
+        band.chevron->setStyle(officeXp ? OfficeXpStyle::shared() : nullptr);
+    }
+
     void pushChevron(int number)
     {
         const QRectF rect = band(number).chevron->geometry();
@@ -353,6 +360,7 @@ void cReBar::AddBand(QWidget *child, const QString &caption, bool newRow, bool f
     child->show();
     if (const auto *toolbar = qobject_cast<const cToolbar *>(child))
         connect(toolbar, &cToolbar::overflowChanged, this, &cReBar::RebarSize);
+    Private::dressChevron(band);
     d->bands.push_back(band);
     d->bands.back().width = d->headWidth(band) + d->idealChildWidth(band) + columnGap;
     if (newRow || d->rows.empty())
@@ -470,11 +478,9 @@ bool cReBar::event(QEvent *event)
 bool cReBar::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::StyleChange && qobject_cast<cToolbar *>(watched)) {
-        auto *toolbar = static_cast<cToolbar *>(watched);
-        QStyle *style = toolbar->drawStyle() == DrawStyle::OfficeXp ? OfficeXpStyle::shared() : nullptr;
         for (const Private::Band &band : d->bands) {
             if (band.child == watched)
-                band.chevron->setStyle(style);
+                Private::dressChevron(band);
         }
         update();
     }

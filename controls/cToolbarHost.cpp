@@ -1,5 +1,6 @@
 #include "controls/cToolbarHost.h"
 
+#include "controls/OfficeXpStyle.h"
 #include "controls/cToolbar.h"
 
 #include <QEvent>
@@ -41,6 +42,7 @@ void cToolbarHost::Capture(cToolbar *toolbar)
         toolbar->setParent(this);
         toolbar->installEventFilter(this);
         toolbar->show();
+        dressChevron();
         connect(toolbar, &cToolbar::overflowChanged, this, &cToolbarHost::layOut);
     }
     layOut();
@@ -67,7 +69,7 @@ QSize cToolbarHost::sizeHint() const
 bool cToolbarHost::eventFilter(QObject *watched, QEvent *event)
 {
     if (watched == m_toolbar && event->type() == QEvent::StyleChange)
-        m_chevron->setStyle(m_toolbar->testAttribute(Qt::WA_SetStyle) ? m_toolbar->style() : nullptr);
+        dressChevron();
     return QWidget::eventFilter(watched, event);
 }
 
@@ -83,6 +85,11 @@ void cToolbarHost::paintEvent(QPaintEvent *)
 void cToolbarHost::resizeEvent(QResizeEvent *)
 {
     layOut();
+}
+
+void cToolbarHost::dressChevron()
+{
+    m_chevron->setStyle(m_toolbar->drawStyle() == DrawStyle::OfficeXp ? OfficeXpStyle::shared() : nullptr);
 }
 
 void cToolbarHost::layOut()

@@ -36,6 +36,7 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
+    void dressChevron();
     void layOut();
 
     QPointer<cToolbar> m_toolbar;

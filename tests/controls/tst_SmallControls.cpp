@@ -1,0 +1,260 @@
+#include "controls/DialogBase.h"
+#include "controls/ImageList.h"
+#include "controls/MessageBoxes.h"
+#include "controls/PictureButton.h"
+#include "controls/ProgressBar.h"
+#include "controls/StatusBar.h"
+#include "controls/SystemBrowser.h"
+#include "controls/TabControl.h"
+#include "controls/UpDown.h"
+#include "platform/RunTimeError.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDir>
+#include <QMessageBox>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTimer>
+
+class tst_SmallControls : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void spinStepsFromWhatStandsInTheBox_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<int>("steps");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("up") << QStringLiteral("20") << 1 << QStringLiteral("21");
+        QTest::newRow("down to the end") << QStringLiteral("15") << -1 << QStringLiteral("15");
+        QTest::newRow("several") << QStringLiteral("20") << 200 << QStringLiteral("100");
+        QTest::newRow("far outside") << QStringLiteral("99999999999999999999") << -1 << QStringLiteral("99");
+        QTest::newRow("negative") << QStringLiteral("-7") << 1 << QStringLiteral("16");
+        QTest::newRow("letters") << QStringLiteral("beaucoup") << 1 << QStringLiteral("16");
+        QTest::newRow("empty") << QString() << -1 << QStringLiteral("15");
+        QTest::newRow("fraction") << QStringLiteral("20.9") << 1 << QStringLiteral("21");
+    }
+
+    void spinStepsFromWhatStandsInTheBox()
+    {
+        QFETCH(QString, typed);
+        QFETCH(int, steps);
+        QFETCH(QString, expected);
+        QLineEdit box(typed);
+        UpDown spin(&box, 15, 100, 1, 15);
+        QCOMPARE(box.text(), typed);
+        spin.stepBy(steps);
+        QCOMPARE(box.text(), expected);
+    }
+
+    void spinTakesKeysInTheBoxUnlessDisabled()
+    {
+        QLineEdit box(QStringLiteral("30"));
+        UpDown spin(&box, 0, 3600, 1, 60);
+        QTest::keyClick(&box, Qt::Key_Up);
+        QTest::keyClick(&box, Qt::Key_Up);
+        QTest::keyClick(&box, Qt::Key_Down);
+        QCOMPARE(box.text(), QStringLiteral("31"));
+        QCOMPARE(spin.value(), 31);
+        box.setEnabled(false);
+        spin.stepBy(1);
+        box.setEnabled(true);
+        spin.setEnabled(false);
+        QTest::keyClick(&box, Qt::Key_Up);
+        QCOMPARE(box.text(), QStringLiteral("31"));
+    }
+
+    void statusPanelsShareTheWidth()
+    {
+        StatusBar bar;
+        const QString state = QStringLiteral("state");
+        const QString progress = QStringLiteral("progressbar");
+        const QString glue = QStringLiteral("glue");
+        bar.addPanel(state, 500);
+        bar.addPanel(progress, 150);
+        bar.addPanel(glue, 200, StatusBar::Panel::Glue);
+        QVERIFY_EXCEPTION_THROWN(bar.addPanel(state, 1), RunTimeError);
+        QVERIFY_EXCEPTION_THROWN(bar.setPanelText(QStringLiteral("none"), QString()), RunTimeError);
+        bar.show();
+        bar.resize(1000, 24);
+        QCOMPARE(bar.panelRect(state).width(), 500);
+        QCOMPARE(bar.panelRect(progress).width(), 150);
+        QVERIFY(bar.panelRect(glue).width() > 300);
+        QSignalSpy moved(&bar, &StatusBar::panelsMoved);
+        bar.resize(620, 24);
+        QCOMPARE(moved.size(), 1);
+        QCOMPARE(bar.panelRect(progress).width(), 150);
+        QVERIFY(bar.panelRect(progress).right() < 620);
+        QVERIFY(bar.panelRect(state).width() < 500);
+        bar.resize(3, 24);
+        const QString markup = QStringLiteral("<b>fin</b>\nligne");
+        bar.setPanelText(state, markup);
+        QCOMPARE(bar.panelText(state), markup);
+    }
+
+    void progressIsKeptBetweenItsEnds()
+    {
+        ProgressBar bar;
+        bar.setValue(250);
+        QCOMPARE(bar.value(), 100);
+        bar.setValue(-3);
+        QCOMPARE(bar.value(), 0);
+    }
+
+    void tabsCountFromOne()
+    {
+        TabControl tabs;
+        QCOMPARE(tabs.selectedTab(), 0);
+        auto *first = new QWidget;
+        auto *second = new QWidget;
+        QCOMPARE(tabs.addTab(QStringLiteral("feedster"), QStringLiteral("Feedster"), first), 1);
+        QCOMPARE(tabs.addTab(QStringLiteral("syndic8"), QStringLiteral("DayPop"), second), 2);
+        QCOMPARE(tabs.selectedTab(), 1);
+        QSignalSpy clicks(&tabs, &TabControl::TabClick);
+        tabs.selectTab(2);
+        tabs.selectTab(3);
+        tabs.selectTab(0);
+        QCOMPARE(tabs.selectedTab(), 2);
+        QCOMPARE(clicks.size(), 1);
+        QCOMPARE(clicks.at(0).at(0).toInt(), 2);
+        QCOMPARE(tabs.tabKey(2), QStringLiteral("syndic8"));
+        QCOMPARE(tabs.tabKey(0), QString());
+        QVERIFY(first->isHidden() && !second->isHidden());
+    }
+
+    void onlyWebAddressesAndOwnPagesGoToTheBrowser_data()
+    {
+        QTest::addColumn<QString>("address");
+        QTest::addColumn<QString>("opened");
+        const auto row = [](const char *address, const char *opened) {
+            QTest::newRow(address) << QString::fromUtf8(address) << QString::fromUtf8(opened);
+        };
+        row("http://exemple.fr/a?b=c&d", "http://exemple.fr/a?b=c&d");
+        row(" HTTPS://exemple.fr ", "https://exemple.fr");
+        row("www.exemple.fr", "http://www.exemple.fr");
+        row("mailto:moi@exemple.fr", "mailto:moi@exemple.fr");
+        row("file:///data/tmp.htm", "file:///data/tmp.htm");
+        row("file:///data/../etc/tmp.htm", "");
+        row("file:///data/feeds/tmp.htm", "");
+        row("file://host/data/tmp.htm", "");
+        row("file:///data/feeds.xml", "");
+        row("file:///usr/bin/program", "");
+        row("/usr/bin/program", "");
+        row("javascript:alert(1)", "");
+        row("data:text/html,x", "");
+        row("steam://run", "");
+        row("http://", "");
+        row("--option", "");
+        row("", "");
+    }
+
+    void onlyWebAddressesAndOwnPagesGoToTheBrowser()
+    {
+        QFETCH(QString, address);
+        QFETCH(QString, opened);
+        QString seen;
+        const SystemBrowser browser(QStringLiteral("/data"), [&seen](const QUrl &url) {
+            seen = url.toString();
+            return true;
+        });
+        QCOMPARE(browser.openInSystemBrowser(address), !opened.isEmpty());
+        QCOMPARE(seen, opened);
+    }
+
+    void dialogsAreCentredByWholeDivisions_data()
+    {
+        QTest::addColumn<QRect>("frame");
+        QTest::addColumn<QSize>("size");
+        QTest::addColumn<QPoint>("expected");
+        QTest::newRow("even") << QRect(100, 50, 600, 400) << QSize(200, 100) << QPoint(300, 200);
+        QTest::newRow("odd") << QRect(100, 50, 601, 401) << QSize(200, 100) << QPoint(300, 200);
+        QTest::newRow("larger than the frame") << QRect(100, 50, 101, 51) << QSize(200, 100) << QPoint(51, 26);
+    }
+
+    void dialogsAreCentredByWholeDivisions()
+    {
+        QFETCH(QRect, frame);
+        QFETCH(QSize, size);
+        QFETCH(QPoint, expected);
+        QCOMPARE(DialogBase::centredPosition(frame, size), expected);
+    }
+
+    void aDialogStaysOnTheScreen()
+    {
+        QWidget frame;
+        frame.setGeometry(-500, -500, 100, 100);
+        DialogBase dialog(QStringLiteral("Options"), &frame);
+        dialog.resize(300, 200);
+        dialog.centre();
+        const QRect screen = frame.screen()->availableGeometry();
+        QVERIFY(screen.contains(QRect(dialog.pos(), dialog.size())));
+    }
+
+    void messageBoxesAnswerInFrench_data()
+    {
+        QTest::addColumn<bool>("question");
+        QTest::addColumn<QString>("press"); // "" closes the box
+        QTest::addColumn<int>("answer");
+        QTest::newRow("ok") << false << QStringLiteral("OK") << int(Messages::Answer::Ok);
+        QTest::newRow("ok closed") << false << QString() << int(Messages::Answer::Ok);
+        QTest::newRow("yes") << true << QStringLiteral("&Oui") << int(Messages::Answer::Yes);
+        QTest::newRow("no") << true << QStringLiteral("&Non") << int(Messages::Answer::No);
+        QTest::newRow("question closed") << true << QString() << int(Messages::Answer::No);
+    }
+
+    void messageBoxesAnswerInFrench()
+    {
+        QFETCH(bool, question);
+        QFETCH(QString, press);
+        QFETCH(int, answer);
+        const QString text = QStringLiteral("<i>titre</i> & suite");
+        bool seen = false;
+        QTimer::singleShot(0, this, [&] {
+            auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+            QVERIFY(box);
+            seen = box->text() == text && box->textFormat() == Qt::PlainText && box->icon() == QMessageBox::Warning &&
+                   box->buttons().size() == (question ? 2 : 1);
+            for (QAbstractButton *button : box->buttons()) {
+                if (button->text() == press)
+                    button->click();
+            }
+            if (press.isEmpty())
+                QTest::keyClick(box, Qt::Key_Escape);
+        });
+        MessageBoxes boxes;
+        const Message message{text, QStringLiteral("Attention"), Message::Icon::Exclamation,
+                              question ? Message::Buttons::YesNo : Message::Buttons::Ok};
+        QCOMPARE(int(boxes.show(message)), answer);
+        QVERIFY(seen);
+    }
+
+    void aPictureButtonIsPressedByEnter()
+    {
+        PictureButton button(QStringLiteral("ouvrir-fichier"), QStringLiteral("Ouvrir un fichier"));
+        QSignalSpy clicks(&button, &QToolButton::clicked);
+        QTest::keyClick(&button, Qt::Key_Return);
+        QTest::keyClick(&button, Qt::Key_Space);
+        QTest::mouseClick(&button, Qt::LeftButton);
+        QCOMPARE(clicks.size(), 3);
+        QCOMPARE(button.accessibleName(), QStringLiteral("Ouvrir un fichier"));
+    }
+
+    void everyPictureOfTheListsHasAnIcon()
+    {
+        const auto check = [](const ImageList &list, int first, int last) {
+            for (int i = first; i <= last; ++i)
+                QVERIFY(!list.icon(i).isNull());
+            QVERIFY(list.icon(last + 1).isNull());
+        };
+        check(ImageLists::vbalImageList1(), 2, 9);
+        check(ImageLists::vbalImageList2(), 0, 10);
+        check(ImageLists::vbalImageList3(), 0, 3);
+        check(ImageLists::vbalImageList4(), 0, 10);
+        QVERIFY(ImageLists::vbalImageList1().icon(-1).isNull());
+    }
+};
+
+QTEST_MAIN(tst_SmallControls)
+#include "tst_SmallControls.moc"

@@ -1,0 +1,273 @@
+#include "controls/BandLayout.h"
+#include "controls/Twips.h"
+#include "controls/cReBar.h"
+#include "controls/cToolbar.h"
+
+#include <QApplication>
+#include <QSignalSpy>
+#include <QTest>
+#include <QToolButton>
+
+namespace {
+
+class Box final : public QWidget
+{
+public:
+    using QWidget::QWidget;
+    QSize sizeHint() const override { return {200, 20}; }
+    QSize minimumSizeHint() const override { return {100, 20}; }
+};
+
+/// A rebar as the main window has it: one band on the first row, two on the second.
+struct Fixture
+{
+    explicit Fixture(int width = 800)
+    {
+        window.resize(width, 300);
+        rebar.AddBand(menu, QString(), true, false, QStringLiteral("MenuBar"));
+        rebar.AddBand(tools, QString(), true, false, QStringLiteral("ToolBar"));
+        rebar.AddBand(address, QString(), false, false, QStringLiteral("StyleBar"));
+        rebar.setBandMinimumSize(0, -1, 24);
+        rebar.setBandMinimumSize(1, -1, 40);
+        rebar.resize(width, rebar.rebarHeight());
+        rebar.RebarSize();
+        window.show();
+    }
+
+    std::vector<BandLayout::Band> bands() const { return *BandLayout::fromText(rebar.saveLayout()); }
+    QStringList order() const
+    {
+        QStringList names;
+        for (const BandLayout::Band &band : bands())
+            names.append(band.data);
+        return names;
+    }
+    QRect rectOf(const QString &data) const
+    {
+        for (const BandLayout::Band &band : bands()) {
+            if (band.data == data)
+                return band.rect;
+        }
+        return {};
+    }
+    QPoint gripperOf(const QString &data) const { return rectOf(data).topLeft() + QPoint(4, 8); }
+    void drag(const QPoint &from, const QPoint &to)
+    {
+        QTest::mousePress(&rebar, Qt::LeftButton, {}, from);
+        // A mouse that is moved passes through the places between.
+        for (int i = 1; i <= 4; ++i)
+            QTest::mouseMove(&rebar, from + (to - from) * i / 4);
+        QTest::mouseRelease(&rebar, Qt::LeftButton, {}, to);
+    }
+
+    QWidget window;
+    QWidget *menu = new Box(&window);
+    QWidget *tools = new Box(&window);
+    QWidget *address = new Box(&window);
+    cReBar rebar{&window};
+};
+
+const QString kept =
+    QStringLiteral("<Bands count=\"3\" rowCount=\"2\">"
+                   "<Band id=\"1\" data=\"MenuBar\" left=\"2\" top=\"0\" right=\"808\" bottom=\"21\" "
+                   "bandChildMinWidth=\"193\" bandChildIdealWidth=\"193\" chevron=\"n\" text=\"\" fixedBand=\"n\"/>"
+                   "<Band id=\"2\" data=\"ToolBar\" left=\"2\" top=\"23\" right=\"202\" bottom=\"56\" "
+                   "bandChildMinWidth=\"94\" bandChildIdealWidth=\"94\" chevron=\"y\" text=\"\" fixedBand=\"n\"/>"
+                   "<Band id=\"3\" data=\"StyleBar\" left=\"206\" top=\"23\" right=\"808\" bottom=\"56\" "
+                   "bandChildMinWidth=\"313\" bandChildIdealWidth=\"313\" chevron=\"n\" text=\"\" fixedBand=\"n\"/>"
+                   "</Bands>");
+
+QString with(const QString &before, const QString &after)
+{
+    QString text = kept;
+    Q_ASSERT(text.contains(before));
+    return text.replace(before, after);
+}
+
+} // namespace
+
+class tst_cReBar : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void bandsFillTheirRowsAtEveryWidth()
+    {
+        Fixture f;
+        for (const int width : {1600, 800, 640, 200, 60, 1}) {
+            f.rebar.resize(width, f.rebar.height());
+            const QRect first = f.rectOf(QStringLiteral("MenuBar"));
+            const QRect tools = f.rectOf(QStringLiteral("ToolBar"));
+            const QRect address = f.rectOf(QStringLiteral("StyleBar"));
+            QCOMPARE(first.left(), 0);
+            QCOMPARE(tools.top(), address.top());
+            QVERIFY(first.bottom() < tools.top());
+            QVERIFY(tools.right() < address.left() || width < 60);
+            if (width >= 60) {
+                QCOMPARE(first.left() + first.width(), width);
+                QCOMPARE(address.left() + address.width(), width);
+            }
+            QCOMPARE(first.height(), 24);
+            QCOMPARE(tools.height(), 40);
+            QCOMPARE(f.rebar.rebarHeight(), f.rebar.height());
+        }
+    }
+
+    void theHeightIsToldWhenItChangesAndOnlyThen()
+    {
+        Fixture f;
+        QSignalSpy heights(&f.rebar, &cReBar::HeightChanged);
+        f.rebar.RebarSize();
+        f.rebar.resize(700, f.rebar.height());
+        QCOMPARE(heights.size(), 0);
+        const int before = f.rebar.rebarHeight();
+        f.rebar.setBandMinimumSize(1, -1, 22);
+        f.rebar.setBandMinimumSize(99, 5, 5);
+        QCOMPARE(heights.size(), 1);
+        QCOMPARE(heights.at(0).at(0).toInt(), before - 18);
+        QCOMPARE(f.rebar.rebarHeight(), before - 18);
+    }
+
+    void aLayoutComesBackAsItWasKept()
+    {
+        Fixture f(806);
+        QVERIFY(f.rebar.restoreLayout(kept));
+        QCOMPARE(f.rectOf(QStringLiteral("ToolBar")).width(), 200);
+        const QString saved = f.rebar.saveLayout();
+        QVERIFY(saved.startsWith(QStringLiteral("<Bands count=\"3\" rowCount=\"2\"><Band id=\"1\" data=\"MenuBar\" ")));
+        QVERIFY(!saved.contains(u'\n') && !saved.contains(QStringLiteral("> <")));
+
+        f.drag(f.gripperOf(QStringLiteral("StyleBar")), QPoint(300, f.rebar.height() + 20));
+        const QString moved = f.rebar.saveLayout();
+        QVERIFY(moved.contains(QStringLiteral("rowCount=\"3\"")));
+        Fixture other(806);
+        QVERIFY(other.rebar.restoreLayout(moved));
+        QCOMPARE(other.rebar.saveLayout(), moved);
+    }
+
+    void aTextThatIsNoSuchLayoutChangesNothing_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::newRow("empty") << QString();
+        QTest::newRow("other element") << with(QStringLiteral("<Bands "), QStringLiteral("<Bonds "));
+        QTest::newRow("unknown band") << with(QStringLiteral("StyleBar"), QStringLiteral("OtherBar"));
+        QTest::newRow("band twice") << with(QStringLiteral("StyleBar"), QStringLiteral("ToolBar"));
+        QTest::newRow("no name") << with(QStringLiteral("data=\"ToolBar\""), QString());
+        QTest::newRow("no number") << with(QStringLiteral("right=\"202\""), QStringLiteral("right=\"wide\""));
+        QTest::newRow("band missing") << with(kept.mid(kept.indexOf(u"<Band id=\"3\""), 60), QStringLiteral("<Other "));
+        QTest::newRow("something behind") << kept + QStringLiteral("<Bands/>");
+        for (qsizetype length = 1; length < kept.size(); length += 7)
+            QTest::addRow("cut after %d", int(length)) << kept.left(length);
+    }
+
+    void aTextThatIsNoSuchLayoutChangesNothing()
+    {
+        QFETCH(QString, text);
+        Fixture f;
+        const QString before = f.rebar.saveLayout();
+        QVERIFY(!f.rebar.restoreLayout(text));
+        QCOMPARE(f.rebar.saveLayout(), before);
+    }
+
+    void numbersOutOfRangeAreBroughtIntoIt()
+    {
+        Fixture f;
+        QString text = with(QStringLiteral("right=\"202\""), QStringLiteral("right=\"999999999999999999999\""));
+        text.replace(QStringLiteral("top=\"0\""), QStringLiteral("top=\"-50\""));
+        text.replace(QStringLiteral("bandChildMinWidth=\"94\""), QStringLiteral("bandChildMinWidth=\"2147483648\""));
+        QVERIFY(f.rebar.restoreLayout(text));
+        for (const BandLayout::Band &band : f.bands())
+            QVERIFY(QRect(0, 0, 801, f.rebar.height() + 1).contains(band.rect));
+        QVERIFY(f.rectOf(QStringLiteral("StyleBar")).width() > 60);
+    }
+
+    void aBandIsDraggedToAnotherRowAndBack()
+    {
+        Fixture f;
+        const int rows = f.rebar.rebarHeight();
+        f.drag(f.gripperOf(QStringLiteral("StyleBar")), QPoint(500, 10));
+        QCOMPARE(f.rectOf(QStringLiteral("StyleBar")).top(), 0);
+        QVERIFY(f.rectOf(QStringLiteral("StyleBar")).left() > 300);
+        f.drag(f.gripperOf(QStringLiteral("StyleBar")), QPoint(5, f.rebar.height() + 30));
+        QVERIFY(f.rebar.rebarHeight() > rows);
+        QCOMPARE(f.order().last(), QStringLiteral("StyleBar"));
+        f.drag(f.gripperOf(QStringLiteral("StyleBar")), QPoint(5, -30));
+        QCOMPARE(f.order().first(), QStringLiteral("StyleBar"));
+        QCOMPARE(f.order().size(), 3);
+    }
+
+    void aBandIsResizedBetweenItsNeighboursMinima()
+    {
+        Fixture f;
+        const QPoint gripper = f.gripperOf(QStringLiteral("StyleBar"));
+        f.drag(gripper, QPoint(400, gripper.y()));
+        QVERIFY(qAbs(f.rectOf(QStringLiteral("StyleBar")).left() - 396) <= 2);
+        f.drag(f.gripperOf(QStringLiteral("StyleBar")), QPoint(795, gripper.y()));
+        const QRect last = f.rectOf(QStringLiteral("StyleBar"));
+        QVERIFY(last.width() >= 32 && last.left() + last.width() == 800);
+        f.drag(f.gripperOf(QStringLiteral("StyleBar")), QPoint(-20, gripper.y()));
+        QCOMPARE(f.order(),
+                 QStringList({QStringLiteral("MenuBar"), QStringLiteral("StyleBar"), QStringLiteral("ToolBar")}));
+    }
+
+    void aFixedBandStaysWhereItIs()
+    {
+        QWidget window;
+        cReBar rebar(&window);
+        rebar.AddBand(new Box(&window), QString(), true, true, QStringLiteral("a"));
+        rebar.AddBand(new Box(&window), QString(), true, false, QStringLiteral("b"));
+        rebar.resize(400, rebar.rebarHeight());
+        const QString before = rebar.saveLayout();
+        QTest::mousePress(&rebar, Qt::LeftButton, {}, QPoint(1, 5));
+        QTest::mouseMove(&rebar, QPoint(1, 90));
+        QTest::mouseRelease(&rebar, Qt::LeftButton, {}, QPoint(1, 90));
+        QCOMPARE(rebar.saveLayout(), before);
+    }
+
+    void aChevronStandsWhereTheToolbarIsCut()
+    {
+        QWidget window;
+        cReBar rebar(&window);
+        auto *toolbar = new cToolbar(&window);
+        for (const QString &text : {QStringLiteral("Actualiser"), QStringLiteral("Supprimer")})
+            toolbar->AddButton(text, -1, text, cToolbar::AutoSize, text);
+        rebar.AddBand(toolbar, QString(), true, false, QStringLiteral("ToolBar"));
+        rebar.resize(400, rebar.rebarHeight());
+        window.resize(400, 100);
+        window.show();
+        QVERIFY(rebar.saveLayout().contains(QStringLiteral("chevron=\"n\"")));
+        rebar.resize(toolbar->idealWidth() - 10, rebar.rebarHeight());
+        QVERIFY(rebar.saveLayout().contains(QStringLiteral("chevron=\"y\"")));
+        QVERIFY(toolbar->hasOverflow());
+
+        QSignalSpy pushed(&rebar, &cReBar::ChevronPushed);
+        auto *chevron = rebar.findChild<QToolButton *>(QString(), Qt::FindDirectChildrenOnly);
+        QTest::mouseClick(chevron, Qt::LeftButton);
+        QCOMPARE(pushed.size(), 1);
+        QCOMPARE(rebar.BandData(pushed.at(0).at(0).toInt()), QStringLiteral("ToolBar"));
+        const double perPixel = Twips::perPixelX(&rebar);
+        QCOMPARE(pushed.at(0).at(1).toDouble() / perPixel, double(chevron->x()));
+        QCOMPARE(pushed.at(0).at(3).toDouble() / perPixel, double(chevron->x() + chevron->width()));
+        toolbar->setButtonEnabled(0, false);
+        rebar.resize(400, rebar.rebarHeight());
+        QVERIFY(!chevron->isVisible());
+    }
+
+    void childrenGoBackToTheirOwner()
+    {
+        Fixture f;
+        f.rebar.RemoveAllBands();
+        QCOMPARE(f.rebar.BandCount(), 0);
+        QCOMPARE(f.tools->parentWidget(), &f.window);
+        QVERIFY(f.tools->isHidden());
+        QCOMPARE(f.rebar.rebarHeight(), 0);
+        {
+            cReBar another(&f.window);
+            another.AddBand(f.tools, QString(), true, false, QStringLiteral("ToolBar"));
+        }
+        QCOMPARE(f.tools->parentWidget(), &f.window);
+    }
+};
+
+QTEST_MAIN(tst_cReBar)
+#include "tst_cReBar.moc"

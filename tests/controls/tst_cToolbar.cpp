@@ -1,0 +1,237 @@
+#include "controls/ImageList.h"
+#include "controls/OfficeXpStyle.h"
+#include "controls/cPopupMenu.h"
+#include "controls/cToolbar.h"
+#include "controls/cToolbarHost.h"
+
+#include <QMenu>
+#include <QMenuBar>
+#include <QSignalSpy>
+#include <QStyleOptionToolButton>
+#include <QTest>
+
+namespace {
+
+/// Three buttons, a separator, and one with an arrow: indices 0 to 4.
+void fill(cToolbar &toolbar)
+{
+    toolbar.setImageList(&ImageLists::vbalImageList4());
+    toolbar.AddButton(QStringLiteral("Précédent"), 4, QStringLiteral("Précédent"), cToolbar::AutoSize,
+                      QStringLiteral("precedent"));
+    toolbar.AddButton(QStringLiteral("Suivant"), 5, QStringLiteral("Suivant"), cToolbar::AutoSize,
+                      QStringLiteral("suivant"));
+    toolbar.AddButton(QString(), -1, QString(), cToolbar::Separator, QString());
+    toolbar.AddButton(QStringLiteral("Envoyer la new par mail"), 10, QStringLiteral("Envoyer"), cToolbar::AutoSize,
+                      QStringLiteral("send_mail"));
+    toolbar.AddButton(QStringLiteral("Pièce jointe"), 9, QStringLiteral("Pièce jointe"), cToolbar::DropDownArrow,
+                      QStringLiteral("browser_attachment"));
+}
+
+QAction *actionWithText(const QMenu *menu, const QString &text)
+{
+    for (QAction *action : menu->actions()) {
+        if (action->text() == text)
+            return action;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+class tst_cToolbar : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void separatorsCountAndKeysFindTheirButton()
+    {
+        cToolbar toolbar;
+        fill(toolbar);
+        QCOMPARE(toolbar.buttonCount(), 5);
+        QVERIFY(!toolbar.button(2));
+        QVERIFY(!toolbar.isButtonEnabled(2));
+        toolbar.setButtonEnabled(QStringLiteral("send_mail"), false);
+        QVERIFY(!toolbar.isButtonEnabled(3));
+        toolbar.setButtonEnabled(3, true);
+        QVERIFY(toolbar.isButtonEnabled(QStringLiteral("send_mail")));
+        toolbar.setButtonEnabled(QString(), false); // the separator's key is no button's
+        toolbar.setButtonEnabled(77, false);
+        QCOMPARE(toolbar.button(3)->accessibleName(), QStringLiteral("Envoyer la new par mail"));
+    }
+
+    void theBodyClicksAndTheArrowDropsDown()
+    {
+        cToolbar toolbar;
+        fill(toolbar);
+        toolbar.resize(toolbar.sizeHint());
+        toolbar.show();
+        QSignalSpy clicks(&toolbar, &cToolbar::ButtonClick);
+        QSignalSpy drops(&toolbar, &cToolbar::DropDownPress);
+        QToolButton *button = toolbar.button(4);
+        QTest::mouseClick(button, Qt::LeftButton, {}, QPoint(4, button->height() / 2));
+        QCOMPARE(clicks.size(), 1);
+        QCOMPARE(clicks.at(0).at(0).toInt(), 4);
+        QCOMPARE(drops.size(), 0);
+        QTest::mouseClick(button, Qt::LeftButton, {}, QPoint(button->width() - 3, button->height() / 2));
+        QCOMPARE(clicks.size(), 1);
+        QCOMPARE(drops.size(), 1);
+        QTest::keyClick(button, Qt::Key_Down);
+        QCOMPARE(drops.size(), 2);
+        QCOMPARE(toolbar.dropDownPosition(4), button->mapToGlobal(QPoint(0, button->height())));
+    }
+
+    void whatDoesNotFitIsReachedThroughTheOverflowMenu()
+    {
+        cToolbar toolbar;
+        fill(toolbar);
+        toolbar.setButtonEnabled(3, false);
+        toolbar.resize(toolbar.idealWidth(), 30);
+        toolbar.show();
+        QVERIFY(!toolbar.hasOverflow());
+        QVERIFY(!toolbar.ShowOverflow(QPoint()));
+
+        QSignalSpy changed(&toolbar, &cToolbar::overflowChanged);
+        toolbar.resize(toolbar.button(0)->width() + 2, 30);
+        QVERIFY(toolbar.hasOverflow());
+        QCOMPARE(changed.size(), 1);
+        QVERIFY(toolbar.button(0)->isVisible());
+        QVERIFY(!toolbar.button(1)->isVisible());
+
+        const QPoint place(40, 50);
+        const QMenu *menu = toolbar.ShowOverflow(place);
+        QVERIFY(menu);
+        QVERIFY(!actionWithText(menu, QStringLiteral("Précédent")));
+        QVERIFY(!actionWithText(menu, QStringLiteral("Envoyer la new par mail"))->isEnabled());
+        QSignalSpy clicks(&toolbar, &cToolbar::ButtonClick);
+        QSignalSpy drops(&toolbar, &cToolbar::DropDownPress);
+        actionWithText(menu, QStringLiteral("Suivant"))->trigger();
+        actionWithText(menu, QStringLiteral("Pièce jointe"))->trigger();
+        QCOMPARE(clicks.size(), 1);
+        QCOMPARE(clicks.at(0).at(0).toInt(), 1);
+        QCOMPARE(drops.size(), 1);
+        QCOMPARE(toolbar.dropDownPosition(4), place); // the button itself isn't in sight
+    }
+
+    void captionsAndPicturesChangeTheSize()
+    {
+        cToolbar toolbar;
+        fill(toolbar);
+        const QSize small = toolbar.sizeHint();
+        toolbar.setCaptionsVisible(true);
+        toolbar.setImageList(&ImageLists::vbalImageList2());
+        QVERIFY(toolbar.sizeHint().width() > small.width() && toolbar.sizeHint().height() > small.height());
+        QCOMPARE(toolbar.button(0)->iconSize(), QSize(24, 24));
+        toolbar.setCaptionsVisible(false);
+        toolbar.setImageList(&ImageLists::vbalImageList4());
+        QCOMPARE(toolbar.sizeHint(), small);
+    }
+
+    void arrowKeysPassOverDisabledButtonsAndTabStopsOnce()
+    {
+        cToolbar toolbar;
+        fill(toolbar);
+        toolbar.setButtonEnabled(1, false);
+        toolbar.resize(toolbar.sizeHint());
+        toolbar.show();
+        QVERIFY(QTest::qWaitForWindowActive(&toolbar));
+        toolbar.button(0)->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(toolbar.button(0), Qt::Key_Right);
+        QVERIFY(toolbar.button(3)->hasFocus());
+        QTest::keyClick(toolbar.button(3), Qt::Key_Left);
+        QVERIFY(toolbar.button(0)->hasFocus());
+        QTest::keyClick(toolbar.button(0), Qt::Key_Left);
+        QVERIFY(toolbar.button(4)->hasFocus());
+
+        int stops = 0;
+        for (const int index : {0, 1, 3, 4})
+            stops += toolbar.button(index)->focusPolicy() != Qt::NoFocus;
+        QCOMPARE(stops, 1);
+        QCOMPARE(toolbar.button(4)->focusPolicy(), Qt::TabFocus);
+        toolbar.setButtonEnabled(4, false);
+        QCOMPARE(toolbar.button(0)->focusPolicy(), Qt::TabFocus);
+    }
+
+    void theDrawStyleReachesTheButtonsAndDrawsOtherwise()
+    {
+        cToolbar toolbar;
+        fill(toolbar);
+        toolbar.resize(toolbar.sizeHint());
+        toolbar.button(0)->setAttribute(Qt::WA_UnderMouse, true);
+        const QImage standard = toolbar.grab().toImage();
+        toolbar.setDrawStyle(DrawStyle::OfficeXp);
+        toolbar.button(0)->setAttribute(Qt::WA_UnderMouse, true);
+        QCOMPARE(toolbar.drawStyle(), DrawStyle::OfficeXp);
+        QCOMPARE(toolbar.button(0)->style(), OfficeXpStyle::shared());
+        toolbar.resize(toolbar.sizeHint());
+        QVERIFY(toolbar.grab().toImage() != standard);
+        toolbar.setDrawStyle(DrawStyle::Standard);
+        QVERIFY(toolbar.button(0)->style() != OfficeXpStyle::shared());
+    }
+
+    void aMenuBarOpensByKeysAndOverflowsByMenus()
+    {
+        QWidget window;
+        cPopupMenu menu(&window, false);
+        for (const QString &caption :
+             {QStringLiteral("&Fichier"), QStringLiteral("&Affichage"), QStringLiteral("&Aide")}) {
+            cPopupMenu::Item top;
+            top.caption = caption;
+            cPopupMenu::Item entry;
+            entry.caption = QStringLiteral("&Entrée");
+            entry.parentIndex = menu.AddItem(top);
+            menu.AddItem(entry);
+        }
+        cToolbar toolbar(&window);
+        toolbar.CreateFromMenu(&menu);
+        toolbar.resize(toolbar.sizeHint());
+        window.resize(400, 200);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        QCOMPARE(toolbar.buttonCount(), 3);
+        QVERIFY(!toolbar.hasOverflow());
+
+        QMenu *file = menu.action(0)->menu();
+        QTest::keyClick(&window, Qt::Key_F10);
+        QTRY_VERIFY(file->isVisible());
+        QTest::keyClick(file, Qt::Key_Right);
+        QTRY_VERIFY(menu.action(2)->menu()->isVisible());
+        QTest::keyClick(menu.action(2)->menu(), Qt::Key_Escape);
+        QTest::keyClick(&window, Qt::Key_Escape);
+        QTest::keyClick(&window, Qt::Key_F, Qt::AltModifier);
+        QTRY_VERIFY(file->isVisible());
+        QSignalSpy clicks(&menu, &cPopupMenu::Click);
+        QTest::keyClick(file, Qt::Key_E);
+        QCOMPARE(clicks.size(), 1);
+        QCOMPARE(clicks.at(0).at(0).toInt(), 1);
+
+        toolbar.resize(toolbar.idealWidth() / 2, toolbar.height());
+        QVERIFY(toolbar.hasOverflow());
+        const QMenu *overflow = toolbar.ShowOverflow(QPoint(10, 10));
+        QVERIFY(overflow->actions().contains(menu.action(4)));
+        QVERIFY(!overflow->actions().contains(menu.action(0)));
+    }
+
+    void aHostShowsAChevronForWhatItsToolbarCannot()
+    {
+        cToolbarHost host;
+        auto *toolbar = new cToolbar(&host);
+        fill(*toolbar);
+        host.Capture(toolbar);
+        host.setHostHeight(26);
+        host.resize(toolbar->idealWidth() + 4, 26);
+        host.show();
+        auto *chevron = host.findChild<QToolButton *>(QString(), Qt::FindDirectChildrenOnly);
+        QVERIFY(!chevron->isVisible());
+        host.resize(toolbar->idealWidth() - 1, 26);
+        QVERIFY(chevron->isVisible());
+        QVERIFY(toolbar->hasOverflow());
+        QVERIFY(toolbar->geometry().right() < chevron->geometry().left());
+        toolbar->setCaptionsVisible(true);
+        host.resize(toolbar->idealWidth(), 26);
+        QVERIFY(!chevron->isVisible());
+        QCOMPARE(host.height(), 26);
+    }
+};
+
+QTEST_MAIN(tst_cToolbar)
+#include "tst_cToolbar.moc"
