@@ -180,6 +180,8 @@ QWidget *frmProprietes::buildAuthenticationPage()
 void frmProprietes::addAuthentication()
 {
     m_tstrProp->addTab(QStringLiteral("authentication"), QStringLiteral("Authentification"), m_picAuthentication);
+    setTabOrder(m_txtExtensions, m_txtUsername);
+    setTabOrder(m_txtUsername, m_txtPassword);
 }
 
 void frmProprietes::showFeedProperties(MainWindow &window)

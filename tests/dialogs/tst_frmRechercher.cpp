@@ -149,10 +149,11 @@ void SearchTest::cancellingDoesNothing()
 
 void SearchTest::endpointsComeFromEnvironmentFileOrPlaceholder()
 {
-    const QString file = m_window.dataFile(QStringLiteral("endpoints.ini"));
+    const QString file = m_window.dataFile(QStringLiteral("search-endpoints.ini"));
     QCOMPARE(SearchEndpoints::configured(file).newsisfree, QStringLiteral("http://newsisfree.example/"));
-    m_window.data.write(QStringLiteral("endpoints.ini"), "[services]\r\n# daypop=http://no/\r\n"
-                                                         "DayPop = http://h/a?b=c,d;e/ \r\nfeedster=http://file/\r\n");
+    m_window.data.write(QStringLiteral("search-endpoints.ini"),
+                        "[services]\r\n# daypop=http://no/\r\n"
+                        "DayPop = http://h/a?b=c,d;e/ \r\nfeedster=http://file/\r\n");
     qputenv("QUILLWIRE_SEARCH_FEEDSTER", "http://environment");
     const SearchEndpoints endpoints = SearchEndpoints::configured(file);
     qunsetenv("QUILLWIRE_SEARCH_FEEDSTER");
