@@ -5,6 +5,8 @@
 
 #include <QDir>
 #include <QSignalSpy>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -30,6 +32,7 @@ private Q_SLOTS:
     void endlessAndSwellingBodiesAreCutOff();
     void codedContentArrivesDecoded();
     void redirectionsAreFollowedToTheirLimit();
+    void redirectionToASecureAddressIsTried();
     void credentialsGoToTheAskedHostAlone();
     void challengesAreNeverAnswered_data();
     void challengesAreNeverAnswered();
@@ -251,6 +254,28 @@ void tst_Downloader::redirectionsAreFollowedToTheirLimit()
     QCOMPARE(fetch(m_server->url(u"/nowhere"_qs)), Downloader::TooManyRedirections);
     m_server->setAnswer(u"/gone"_qs, Answer::redirect(u"/missing"_qs));
     QCOMPARE(fetch(m_server->url(u"/gone"_qs)), 404);
+}
+
+void tst_Downloader::redirectionToASecureAddressIsTried()
+{
+    QTcpServer notSecure;
+    QVERIFY(notSecure.listen(QHostAddress::LocalHost));
+    QByteArray received;
+    connect(&notSecure, &QTcpServer::newConnection, this, [&] {
+        QTcpSocket *const socket = notSecure.nextPendingConnection();
+        connect(socket, &QTcpSocket::readyRead, this, [&received, socket] {
+            received += socket->readAll();
+            socket->write("HTTP/1.1 400 This is no TLS\r\n\r\n");
+            socket->disconnectFromHost();
+        });
+    });
+    const QString target = u"https://127.0.0.1:" + QString::number(notSecure.serverPort()) + u"/";
+    m_server->setAnswer(u"/start"_qs, Answer::redirect(target));
+    QCOMPARE(fetch(m_server->url(u"/start"_qs), u"me"_qs, u"secret"_qs), Downloader::SecureConnectionFailed);
+    // The first byte of a TLS handshake; nothing went out in the clear.
+    QVERIFY(received.startsWith('\x16'));
+    QVERIFY(!received.contains("Authorization"));
+    QCOMPARE(destinationBytes(), QByteArray("old"));
 }
 
 void tst_Downloader::credentialsGoToTheAskedHostAlone()
