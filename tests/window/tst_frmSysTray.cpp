@@ -1,0 +1,276 @@
+#include "platform/RunTimeError.h"
+#include "window/frmSysTray.h"
+
+#include <QPixmap>
+#include <QSignalSpy>
+#include <QTest>
+
+namespace {
+
+constexpr quint32 nt4 = 0x00000004;
+constexpr quint32 windows98 = 0x80000A04;
+constexpr quint32 windowsMe = 0x80005A04;
+
+struct Call
+{
+    QString name;
+    TrayRecord record;
+};
+
+class FakeShell final : public TrayShell
+{
+public:
+    explicit FakeShell(std::vector<Call> &calls) : m_calls(calls) {}
+    void setNotify(Notify taker) override { notify = std::move(taker); }
+    void setMenu(QMenu *) override {}
+    void add(const TrayRecord &record) override { m_calls.push_back({QStringLiteral("add"), record}); }
+    void modify(const TrayRecord &record) override { m_calls.push_back({QStringLiteral("modify"), record}); }
+    void remove(const TrayRecord &record) override { m_calls.push_back({QStringLiteral("delete"), record}); }
+    void setVersion(const TrayRecord &record) override { m_calls.push_back({QStringLiteral("version"), record}); }
+    bool isAvailable() const override { return true; }
+
+    Notify notify;
+
+private:
+    std::vector<Call> &m_calls;
+};
+
+QIcon icon(Qt::GlobalColor colour)
+{
+    QPixmap pixmap(16, 16);
+    pixmap.fill(colour);
+    return pixmap;
+}
+
+struct Fixture
+{
+    explicit Fixture(quint32 version = frmSysTray::defaultVersion)
+    {
+        auto fake = std::make_unique<FakeShell>(calls);
+        shell = fake.get();
+        tray = std::make_unique<frmSysTray>(std::move(fake), icon(Qt::red), QStringLiteral("Quillwire"), version);
+    }
+    const TrayRecord &last() const { return calls.back().record; }
+
+    std::vector<Call> calls;
+    FakeShell *shell;
+    std::unique_ptr<frmSysTray> tray;
+};
+
+} // namespace
+
+class tst_frmSysTray : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theVersionChoosesTheRecord_data()
+    {
+        QTest::addColumn<quint32>("version");
+        QTest::addColumn<bool>("isUnicode");
+        QTest::addColumn<bool>("hasBalloons");
+        QTest::addColumn<int>("size");
+        QTest::newRow("default") << frmSysTray::defaultVersion << true << true << 936;
+        QTest::newRow("nt 6.1") << quint32(0x1DB10106) << true << true << 936;
+        QTest::newRow("nt 4") << nt4 << true << false << 152;
+        QTest::newRow("other 4.90") << windowsMe << false << true << 488;
+        QTest::newRow("other 4.10") << windows98 << false << false << 88;
+        QTest::newRow("other 5.90") << quint32(0x80005A05) << false << false << 88;
+    }
+
+    void theVersionChoosesTheRecord()
+    {
+        QFETCH(quint32, version);
+        QFETCH(bool, isUnicode);
+        QFETCH(bool, hasBalloons);
+        QFETCH(int, size);
+        Fixture f(version);
+        QCOMPARE(f.tray->isUnicodeShell(), isUnicode);
+        QCOMPARE(f.tray->hasBalloons(), hasBalloons);
+        const TrayRecord &added = f.calls.front().record;
+        QCOMPARE(f.calls.front().name, QStringLiteral("add"));
+        QCOMPARE(added.cbSize, size);
+        QCOMPARE(added.uFlags, 7);
+        QCOMPARE(added.uCallbackMessage, 512);
+        QCOMPARE(added.uID, added.hIcon);
+        QCOMPARE(added.uVersion, hasBalloons ? 3 : 0);
+        QCOMPARE(TrayRecord::textOf(added.szTip), QStringLiteral("Quillwire"));
+        QCOMPARE(f.calls.size(), hasBalloons ? 2U : 1U);
+        if (hasBalloons)
+            QCOMPARE(f.calls.back().name, QStringLiteral("version"));
+        f.tray.reset();
+        QCOMPARE(f.calls.back().name, QStringLiteral("delete"));
+        QCOMPARE(f.last().cbSize, size);
+    }
+
+    void wideTipsAreWrittenButNotReadBack()
+    {
+        Fixture f;
+        f.tray->setToolTip(QStringLiteral("Quillwire 3.1"));
+        QCOMPARE(f.calls.back().name, QStringLiteral("modify"));
+        QCOMPARE(f.last().uFlags, 4);
+        QCOMPARE(f.last().szTip.size(), 128);
+        QCOMPARE(TrayRecord::textOf(f.last().szTip), QStringLiteral("Quillwire 3.1"));
+        QCOMPARE(f.tray->ToolTip(), QString());
+        const std::size_t before = f.calls.size();
+        f.tray->setToolTip(QString()); // leaves the old text in place, and is sent all the same
+        QCOMPARE(f.calls.size(), before + 1);
+        QCOMPARE(TrayRecord::textOf(f.last().szTip), QStringLiteral("Quillwire 3.1"));
+        f.tray->setToolTip(QString(500, u'x'));
+        QCOMPARE(TrayRecord::textOf(f.last().szTip), QString(127, u'x'));
+        f.tray->setToolTip(QStringLiteral("court"));
+        QCOMPARE(TrayRecord::textOf(f.last().szTip),
+                 QStringLiteral("court")); // nothing of the long one is left behind it
+    }
+
+    void narrowTipsAreSentWhenTheyDiffer()
+    {
+        Fixture f(windows98);
+        QCOMPARE(f.tray->ToolTip(), QStringLiteral("Quillwire"));
+        const std::size_t before = f.calls.size();
+        f.tray->setToolTip(QStringLiteral("Quillwire"));
+        QCOMPARE(f.calls.size(), before);
+        f.tray->setToolTip(QString());
+        QCOMPARE(f.calls.size(), before + 1);
+        QCOMPARE(f.tray->ToolTip(), QString());
+        f.tray->setToolTip(QString(500, u'x'));
+        QCOMPARE(f.tray->ToolTip(), QString(64, u'x'));
+    }
+
+    void thePictureIsSentWhenItDiffers()
+    {
+        for (const quint32 version : {frmSysTray::defaultVersion, windows98}) {
+            Fixture f(version);
+            const qint32 blue = f.tray->handleOf(icon(Qt::blue));
+            const qint32 first = f.calls.front().record.hIcon;
+            QVERIFY(blue != first && blue != 0);
+            f.tray->setIconHandle(first);
+            const std::size_t before = f.calls.size();
+            f.tray->setIconHandle(blue);
+            f.tray->setIconHandle(blue);
+            QCOMPARE(f.calls.size(), before + 1);
+            QCOMPARE(f.last().uFlags, 2);
+            QCOMPARE(f.last().picture.pixmap(16).toImage().pixelColor(3, 3), QColor(Qt::blue));
+            QCOMPARE(f.tray->IconHandle(), version == windows98 ? blue : 0);
+        }
+        Fixture f;
+        const QIcon green = icon(Qt::green);
+        QCOMPARE(f.tray->handleOf(green), f.tray->handleOf(green));
+    }
+
+    void balloonsAreShownWhereTheShellHasThem()
+    {
+        Fixture f;
+        f.tray->ShowBalloonTip(QStringLiteral("Texte"), QStringLiteral("Titre"), 1, QStringLiteral("2500.5"));
+        QCOMPARE(f.last().uFlags, 16);
+        QCOMPARE(f.last().uTimeout, 2500); // halves go to the even neighbour
+        QCOMPARE(f.last().dwInfoFlags, 1);
+        QCOMPARE(TrayRecord::textOf(f.last().szInfo), QStringLiteral("Texte"));
+        QCOMPARE(TrayRecord::textOf(f.last().szInfoTitle), QStringLiteral("Titre"));
+        const std::size_t before = f.calls.size();
+        QVERIFY_EXCEPTION_THROWN(f.tray->ShowBalloonTip({}, {}, 0, QStringLiteral("bientôt")), RunTimeError);
+        QVERIFY_EXCEPTION_THROWN(f.tray->ShowBalloonTip({}, {}, 0, 1e12), RunTimeError);
+        QCOMPARE(f.calls.size(), before);
+        Fixture old(nt4);
+        old.tray->ShowBalloonTip(QStringLiteral("Texte"), QStringLiteral("Titre"), 1, QStringLiteral("bientôt"));
+        QCOMPARE(old.calls.size(), 1U);
+    }
+
+    void notificationsRaiseTheirEvents_data()
+    {
+        QTest::addColumn<int>("value");
+        QTest::addColumn<QString>("event");
+        QTest::newRow("move") << 512 << QStringLiteral("move");
+        QTest::newRow("left press") << 513 << QString();
+        QTest::newRow("left release") << 514 << QStringLiteral("down 1");
+        QTest::newRow("left double click") << 515 << QStringLiteral("double 1");
+        QTest::newRow("right press") << 516 << QStringLiteral("down 2");
+        QTest::newRow("right release") << 517 << QStringLiteral("up 2");
+        QTest::newRow("right double click") << 518 << QStringLiteral("double 2");
+        QTest::newRow("middle press") << 519 << QString();
+        QTest::newRow("key") << 1025 << QString();
+        QTest::newRow("balloon shown") << 1026 << QStringLiteral("shown");
+        QTest::newRow("balloon hidden") << 1027 << QStringLiteral("hidden");
+        QTest::newRow("balloon timed out") << 1028 << QStringLiteral("timed out");
+        QTest::newRow("balloon clicked") << 1029 << QStringLiteral("clicked");
+    }
+
+    void notificationsRaiseTheirEvents()
+    {
+        QFETCH(int, value);
+        QFETCH(QString, event);
+        Fixture f;
+        QStringList events;
+        const auto note = [&events](const QString &what) { return [&events, what] { events.append(what); }; };
+        const auto noteButton = [&events](const QString &what) {
+            return [&events, what](int button) { events.append(what + QString::number(button)); };
+        };
+        const frmSysTray *tray = f.tray.get();
+        connect(tray, &frmSysTray::SysTrayMouseMove, this, note(QStringLiteral("move")));
+        connect(tray, &frmSysTray::SysTrayMouseDown, this, noteButton(QStringLiteral("down ")));
+        connect(tray, &frmSysTray::SysTrayMouseUp, this, noteButton(QStringLiteral("up ")));
+        connect(tray, &frmSysTray::SysTrayDoubleClick, this, noteButton(QStringLiteral("double ")));
+        connect(tray, &frmSysTray::BalloonShow, this, note(QStringLiteral("shown")));
+        connect(tray, &frmSysTray::BalloonHide, this, note(QStringLiteral("hidden")));
+        connect(tray, &frmSysTray::BalloonTimeOut, this, note(QStringLiteral("timed out")));
+        connect(tray, &frmSysTray::BalloonClicked, this, note(QStringLiteral("clicked")));
+        f.shell->notify(value);
+        QCOMPARE(events, event.isEmpty() ? QStringList() : QStringList(event));
+    }
+
+    void theMenuReportsIndexAndKey()
+    {
+        Fixture f;
+        QCOMPARE(f.tray->DefaultMenuIndex(), -1);
+        QCOMPARE(f.tray->AddMenuItem(QStringLiteral("&Ouvrir"), QStringLiteral("ouvrir"), true), 0);
+        QCOMPARE(f.tray->AddMenuItem(QStringLiteral("-"), QString(), false), 1);
+        QCOMPARE(f.tray->AddMenuItem(QStringLiteral("&Quitter"), QStringLiteral("quitter"), false), 2);
+        const QList<QAction *> actions = f.tray->menu()->actions();
+        QCOMPARE(f.tray->menu()->defaultAction(), actions.at(0));
+        QVERIFY(actions.at(1)->isSeparator());
+
+        QSignalSpy clicks(f.tray.get(), &frmSysTray::MenuClick);
+        actions.at(2)->trigger();
+        QCOMPARE(clicks.takeFirst(), QVariantList({2, QStringLiteral("quitter")}));
+        f.tray->EnableMenuItem(2, false);
+        f.tray->EnableMenuItem(3, false);
+        actions.at(2)->trigger();
+        QVERIFY(clicks.isEmpty());
+
+        f.tray->setDefaultMenuIndex(2);
+        QCOMPARE(f.tray->menu()->defaultAction(), actions.at(2));
+        for (const qint32 bad : {3, -1}) {
+            f.tray->setDefaultMenuIndex(bad);
+            QCOMPARE(f.tray->DefaultMenuIndex(), 0);
+        }
+        f.tray->ShowMenu();
+        QVERIFY(f.tray->menu()->isVisible());
+        f.tray->ShowMenu(); // a desktop may have shown it already
+        QVERIFY(f.tray->menu()->isVisible());
+    }
+
+    void removingMovesTheLaterEntriesDown()
+    {
+        Fixture f;
+        for (const QString &name : {QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c"), QStringLiteral("d")})
+            f.tray->AddMenuItem(name.toUpper(), name, false);
+        f.tray->EnableMenuItem(1, false);
+        f.tray->RemoveMenuItem(9);
+        f.tray->RemoveMenuItem(1);
+        const QList<QAction *> actions = f.tray->menu()->actions();
+        QCOMPARE(actions.size(), 3);
+        QCOMPARE(actions.at(1)->text(), QStringLiteral("C"));
+        QVERIFY(!actions.at(1)->isEnabled()); // caption and key move, the state stays with the place
+        QSignalSpy clicks(f.tray.get(), &frmSysTray::MenuClick);
+        actions.at(2)->trigger();
+        QCOMPARE(clicks.takeFirst(), QVariantList({2, QStringLiteral("d")}));
+
+        f.tray->RemoveMenuItem(0);
+        QCOMPARE(f.tray->menu()->actions().size(), 3);
+        QCOMPARE(f.tray->menu()->actions().at(0)->text(), QString());
+        QCOMPARE(f.tray->AddMenuItem(QStringLiteral("E"), QStringLiteral("e"), false), 3); // place 0 isn't used anew
+    }
+};
+
+QTEST_MAIN(tst_frmSysTray)
+#include "tst_frmSysTray.moc"

@@ -1,0 +1,219 @@
+#include "window/frmUpdate.h"
+
+#include <QLabel>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QToolButton>
+
+#include <limits>
+
+namespace {
+
+class RecordingPlayer final : public SoundPlayer
+{
+public:
+    explicit RecordingPlayer(QStringList &played) : m_played(played) {}
+    void play(const QString &file) override { m_played.append(file); }
+
+private:
+    QStringList &m_played;
+};
+
+struct Fixture
+{
+    Fixture() { settings.soundPath = QStringLiteral("C:/WINDOWS/MEDIA/notify.wav"); }
+
+    void slideToTheEnd()
+    {
+        while (popup.timShow.isActive())
+            popup.handleShowTick();
+    }
+
+    AppSettings settings;
+    QStringList played;
+    frmUpdate::WorkArea area{QRect(0, 0, 800, 570), {}};
+    frmUpdate popup{[this] { return area; }, settings, std::make_unique<RecordingPlayer>(played)};
+};
+
+QString message(const QString &title, int count)
+{
+    return QStringLiteral("Mise à jour du flux\r\n%1\r\n\r\n%2 nouveaux messages").arg(title).arg(count);
+}
+
+} // namespace
+
+class tst_frmUpdate : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theFirstMessageOpensTheCycle()
+    {
+        Fixture f;
+        QVERIFY(!f.popup.isVisible() && !f.popup.popupRunning);
+        f.popup.addMessageToQueue(QStringLiteral("Le Monde <b>"), 1);
+        QCOMPARE(f.popup.caption(), message(QStringLiteral("Le Monde <b>"), 1)); // no singular
+        QVERIFY(f.popup.isVisible() && f.popup.popupRunning);
+        QVERIFY(f.popup.timShow.isActive() && !f.popup.timHide.isActive());
+        QCOMPARE(f.popup.timShow.interval(), 1);
+        QCOMPARE(f.popup.timHide.interval(), 5000);
+        QCOMPARE(f.popup.popupQueue.Keys(), QStringList(QStringLiteral("0")));
+        QCOMPARE(f.played, QStringList(f.settings.soundPath));
+        QVERIFY(f.popup.windowFlags() & Qt::WindowStaysOnTopHint);
+        QCOMPARE(f.popup.windowType(), Qt::Tool);
+        QVERIFY(f.popup.testAttribute(Qt::WA_ShowWithoutActivating));
+    }
+
+    void itGrowsUpwardFromTheCornerOfTheWorkArea_data()
+    {
+        QTest::addColumn<QRect>("area");
+        QTest::addColumn<double>("perPixel");
+        QTest::newRow("bar at the bottom") << QRect(0, 0, 800, 570) << 15.0;
+        QTest::newRow("bar at the left and top") << QRect(80, 30, 720, 570) << 15.0;
+        QTest::newRow("second screen") << QRect(-1024, 0, 1024, 768) << 15.0;
+        QTest::newRow("dense screen") << QRect(0, 0, 1600, 1140) << 7.5;
+    }
+
+    void itGrowsUpwardFromTheCornerOfTheWorkArea()
+    {
+        QFETCH(QRect, area);
+        QFETCH(double, perPixel);
+        Fixture f;
+        f.area = {area, {perPixel, perPixel}};
+        f.popup.addMessageToQueue(QStringLiteral("t"), 2);
+        const int right = int((area.left() + area.width()) * perPixel);
+        const int bottom = int((area.top() + area.height()) * perPixel);
+        QCOMPARE(f.popup.placeInTwips(), QRect(right - 2700, bottom - 600, 2500, 400));
+
+        const int lowerEdge = f.popup.geometry().bottom();
+        int steps = 0;
+        for (; f.popup.placeInTwips().height() < 2000; ++steps) {
+            f.popup.handleShowTick();
+            QCOMPARE(f.popup.placeInTwips().top() + f.popup.placeInTwips().height(), bottom - 200);
+            QCOMPARE(f.popup.geometry().bottom(), lowerEdge);
+        }
+        QCOMPARE(steps, 160);
+        QVERIFY(f.popup.timShow.isActive());
+        f.popup.handleShowTick();
+        QVERIFY(!f.popup.timShow.isActive() && f.popup.timHide.isActive());
+        QVERIFY(area.contains(f.popup.geometry()));
+    }
+
+    void laterMessagesWaitTheirTurnInSilence()
+    {
+        Fixture f;
+        f.popup.addMessageToQueue(QStringLiteral("un"), 1);
+        f.popup.addMessageToQueue(QStringLiteral("deux"), 2);
+        f.popup.addMessageToQueue(QStringLiteral("trois"), 3);
+        QCOMPARE(f.popup.caption(), message(QStringLiteral("un"), 1));
+        QCOMPARE(f.popup.lastQueued, qint16(2));
+        f.slideToTheEnd();
+        f.area.pixels.setWidth(700); // the work area is asked for anew
+        f.popup.handleHideTick();
+        QCOMPARE(f.popup.caption(), message(QStringLiteral("deux"), 2));
+        QCOMPARE(f.popup.shownKey, qint16(1));
+        QCOMPARE(f.popup.placeInTwips().left(), 700 * 15 - 2700);
+        QVERIFY(f.popup.isVisible() && f.popup.timShow.isActive() && f.popup.timHide.isActive());
+        f.popup.handleHideTick(); // this slide is cut short
+        QCOMPARE(f.popup.placeInTwips().height(), 400);
+        QCOMPARE(f.popup.caption(), message(QStringLiteral("trois"), 3));
+        f.popup.handleHideTick();
+        QVERIFY(!f.popup.isVisible() && !f.popup.popupRunning && !f.popup.timHide.isActive());
+        QCOMPARE(f.popup.popupQueue.Count(), 0);
+        QCOMPARE(f.played.size(), 1);
+
+        f.popup.addMessageToQueue(QStringLiteral("neuf"), 9);
+        QCOMPARE(f.popup.shownKey, qint16(0));
+        QCOMPARE(f.popup.lastQueued, qint16(0));
+        QCOMPARE(f.played.size(), 2);
+    }
+
+    void theClockOfHidingIsNotRestartedByLaterMessages()
+    {
+        Fixture f;
+        f.popup.timHide.setInterval(60000);
+        f.popup.addMessageToQueue(QStringLiteral("un"), 1);
+        f.popup.addMessageToQueue(QStringLiteral("deux"), 2);
+        f.slideToTheEnd();
+        f.popup.handleHideTick();
+        QTest::qWait(40);
+        const int before = f.popup.timHide.remainingTime();
+        QVERIFY(before < 60000);
+        f.slideToTheEnd();
+        QVERIFY(f.popup.timHide.isActive());
+        QVERIFY(f.popup.timHide.remainingTime() <= before);
+    }
+
+    void theTimersDriveTheSlide()
+    {
+        Fixture f;
+        f.popup.timHide.setInterval(1);
+        f.popup.addMessageToQueue(QStringLiteral("un"), 1);
+        QTRY_COMPARE(f.popup.placeInTwips().height(), 2000);
+        QTRY_VERIFY(!f.popup.popupRunning);
+    }
+
+    void closingTheWindowLeavesTheCycleRunning()
+    {
+        Fixture f;
+        f.popup.addMessageToQueue(QStringLiteral("un"), 1);
+        f.popup.addMessageToQueue(QStringLiteral("deux"), 2);
+        f.popup.findChild<QToolButton *>()->click();
+        QVERIFY(!f.popup.isVisible() && f.popup.popupRunning);
+        f.slideToTheEnd();
+        QVERIFY(!f.popup.isVisible());
+        f.popup.handleHideTick();
+        QVERIFY(f.popup.isVisible());
+        QCOMPARE(f.popup.caption(), message(QStringLiteral("deux"), 2));
+    }
+
+    void aClickDoesNothing()
+    {
+        Fixture f;
+        f.popup.addMessageToQueue(QStringLiteral("un"), 1);
+        f.slideToTheEnd();
+        const QRect place = f.popup.placeInTwips();
+        QTest::mouseClick(f.popup.findChild<QLabel *>(QStringLiteral("lblInfos")), Qt::LeftButton);
+        QTest::mouseClick(&f.popup, Qt::LeftButton);
+        QVERIFY(f.popup.isVisible() && f.popup.timHide.isActive());
+        QCOMPARE(f.popup.placeInTwips(), place);
+    }
+
+    void textsOfAnyLengthAndKindAreDrawn()
+    {
+        Fixture f;
+        for (const QString &title :
+             {QString(), QString(200000, u'W'), QStringLiteral("a\r\n\r\n\nb"), QString(QChar(0))}) {
+            f.popup.addMessageToQueue(title, -5);
+            f.slideToTheEnd();
+            const QImage image = f.popup.grab().toImage();
+            QCOMPARE(image.pixelColor(image.width() - 4, image.height() - 4), QColor(0xFF, 0xFF, 0xC0));
+            f.popup.handleHideTick();
+        }
+    }
+
+    void tooManyMessagesOverflow()
+    {
+        Fixture f;
+        f.popup.addMessageToQueue(QStringLiteral("t"), 1);
+        f.popup.lastQueued = std::numeric_limits<qint16>::max();
+        QVERIFY_EXCEPTION_THROWN(f.popup.addMessageToQueue(QStringLiteral("t"), 1), RunTimeError);
+    }
+
+    void aSoundThatCannotBePlayedIsSilence()
+    {
+        QTemporaryDir folder;
+        const QString empty = folder.filePath(QStringLiteral("vide.wav"));
+        QVERIFY(QFile(empty).open(QIODevice::WriteOnly));
+        QTest::failOnWarning(QRegularExpression(QStringLiteral(".")));
+        WaveSoundPlayer player;
+        player.play(QString());
+        player.play(folder.filePath(QStringLiteral("absent.wav")));
+        player.play(folder.path());
+        player.play(empty);
+    }
+};
+
+QTEST_MAIN(tst_frmUpdate)
+#include "tst_frmUpdate.moc"
