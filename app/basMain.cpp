@@ -15,7 +15,6 @@
 #include "platform/net/HandOver.h"
 #include "platform/net/InstanceLock.h"
 #include "platform/net/NetworkState.h"
-#include "reading/BrowserPane.h"
 #include "window/DesktopTrayShell.h"
 #include "window/ErrorTrap.h"
 #include "window/InputBox.h"
@@ -165,7 +164,6 @@ int runFirstInstance(ErrorTrap &application, InstanceLock &lock)
 
 int main(int argc, char *argv[])
 {
-    BrowserPane::registerScheme();
     QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts); // the browser engine, which starts later, needs it
     ErrorTrap application(argc, argv);
     nameApplication();

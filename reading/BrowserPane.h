@@ -29,9 +29,6 @@ public:
     /// Closes the windows that the pane was allowed to open as well.
     ~BrowserPane() override;
 
-    /// Registers the private scheme. Called once, before the application object is made.
-    static void registerScheme();
-
     /// Loads `url`: an address, or the path of a file (one of the four pages as a rule). Both do the same. Loading the
     /// address on show again loads it afresh. A text that is no address changes nothing; an address of another program
     /// of the system (mailto: and the like) is handed out by systemLinkActivated().

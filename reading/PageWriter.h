@@ -6,8 +6,8 @@
 
 #include <QString>
 
-/// Writes the page of a channel or of an item into tmp.htm, as single-byte text of the system's code page, and the text of an
-/// item for mail. No field is escaped for HTML: markup in a description acts as markup, which is wanted.
+/// Writes the page of a channel or of an item into tmp.htm, as single-byte text of the system's code page, and the text
+/// of an item for mail. No field is escaped for HTML: markup in a description acts as markup, which is wanted.
 class PageWriter
 {
 public:
@@ -25,7 +25,8 @@ public:
     /// The path of tmp.htm.
     QString pagePath() const;
 
-    /// `bytes` in octets, "Ko" or "Mo", "> 1 Go" from a gibibyte on; halves go to the even neighbour. `bytes` is changed on the way.
+    /// `bytes` in octets, "Ko" or "Mo", "> 1 Go" from a gibibyte on; halves go to the even neighbour. `bytes` is
+    /// changed on the way.
     static QString FormatSize(qint32 &bytes);
 
     /// What stands behind the last "/"; the whole text when there is none.

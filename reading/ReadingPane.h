@@ -11,8 +11,8 @@ class BrowserPane;
 class ItemListView;
 class ReadingWindow;
 
-/// What happens between the item list and the browser pane: showing pages, marking, deleting, and the delay after which an item on
-/// show counts as read. Rows are told by key, the item's index in the feed on show, never by their position.
+/// What happens between the item list and the browser pane: showing pages, marking, deleting, and the delay after which
+/// an item on show counts as read. Rows are told by key, the item's index in the feed on show, never by their position.
 class ReadingPane : public QObject
 {
     Q_OBJECT
@@ -22,8 +22,8 @@ public:
     ReadingPane(const PageWriter &pages, CurrentFeed &current, const AppSettings &settings, ItemListView &lvwItems,
                 BrowserPane &browser, ReadingWindow &window, QObject *parent = nullptr);
 
-    /// Rebuilds the list from the feed on show, in document order, whatever header arrow stands on show; shows the channel's page
-    /// unless an update runs. Throws the RunTimeErrors of the dates.
+    /// Rebuilds the list from the feed on show, in document order, whatever header arrow stands on show; shows the
+    /// channel's page unless an update runs. Throws the RunTimeErrors of the dates.
     void FillItemList();
 
     void ShowChannelPage();

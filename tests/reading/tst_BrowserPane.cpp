@@ -10,6 +10,7 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
+#include <QWebEngineScript>
 #include <QWebEngineView>
 
 #include <csignal>
@@ -160,6 +161,19 @@ private Q_SLOTS:
         QVERIFY(m_pane->isAlive());
         QCOMPARE(m_pane->LocationURL(), fileAddress(u"home.htm"_s));
         QCOMPARE(text(), u"Départ"_s);
+    }
+
+    void aRenderedPageWearsTheStyleSheetOfTheDataDirectory()
+    {
+        m_data.write(u"tmp.htm"_s, "<html><head><link rel=\"stylesheet\" href=\"style.css\" type=\"text/css\" /></head>"
+                                   "<body><p>texte</p></body></html>");
+        QVERIFY(goAndWait(page()));
+        QString colour;
+        view()->page()->runJavaScript(u"getComputedStyle(document.querySelector('p')).color"_s,
+                                      QWebEngineScript::ApplicationWorld,
+                                      [&colour](const QVariant &value) { colour = value.toString(); });
+        QVERIFY(eventually([&colour] { return !colour.isEmpty(); }));
+        QCOMPARE(colour, u"rgb(1, 2, 3)"_s);
     }
 
     void aRenderedPageReadsInTheAnsiCodePageWithoutItsZeroBytes()
@@ -575,7 +589,6 @@ private Q_SLOTS:
 int main(int argc, char *argv[])
 {
     qputenv("QTWEBENGINE_CHROMIUM_FLAGS", "--disable-gpu");
-    BrowserPane::registerScheme();
     QApplication app(argc, argv);
     TestBrowserPane test;
     return QTest::qExec(&test, argc, argv);

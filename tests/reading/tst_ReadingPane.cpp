@@ -242,7 +242,6 @@ private Q_SLOTS:
 
 int main(int argc, char *argv[])
 {
-    BrowserPane::registerScheme();
     QApplication app(argc, argv);
     TestReadingPane test;
     return QTest::qExec(&test, argc, argv);

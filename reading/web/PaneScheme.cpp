@@ -1,4 +1,4 @@
-#include "reading/PaneScheme.h"
+#include "reading/web/PaneScheme.h"
 
 #include "platform/Files.h"
 
@@ -69,9 +69,8 @@ void PaneScheme::registerScheme()
 {
     QWebEngineUrlScheme scheme(name());
     scheme.setSyntax(QWebEngineUrlScheme::Syntax::Host);
-    // Not a secure scheme: pictures of plain http sites would be left out. A local one: pages of the web can't embed
-    // it.
-    scheme.setFlags(QWebEngineUrlScheme::LocalScheme);
+    // Neither a secure scheme (pictures of plain http sites would be left out) nor a local one (its pages couldn't reach
+    // their own style sheet once local content is kept from files). Pages of the web are turned away by the handler.
     QWebEngineUrlScheme::registerScheme(scheme);
 }
 
@@ -117,9 +116,8 @@ QUrl PaneScheme::fileAddressOf(const QUrl &url) const
 void PaneScheme::requestStarted(QWebEngineUrlRequestJob *job)
 {
     const QUrl url = job->requestUrl();
-    const QString initiator = job->initiator().scheme();
-    const bool fromTheWeb = initiator == QLatin1String("http") || initiator == QLatin1String("https");
-    if (!isServed(url) || fromTheWeb || job->requestMethod() != "GET") {
+    const QUrl initiator = job->initiator(); // empty for a navigation of the program
+    if (!isServed(url) || !(initiator.isEmpty() || owns(initiator)) || job->requestMethod() != "GET") {
         job->fail(QWebEngineUrlRequestJob::RequestDenied);
         return;
     }

@@ -1,7 +1,7 @@
-#include "reading/PanePage.h"
+#include "reading/web/PanePage.h"
 
 #include "platform/Messages.h"
-#include "reading/PaneScheme.h"
+#include "reading/web/PaneScheme.h"
 
 #include <QPointer>
 #include <QSet>

@@ -17,7 +17,7 @@ class PaneScheme final : public QWebEngineUrlSchemeHandler
 public:
     explicit PaneScheme(DataDirectory directory, QObject *parent = nullptr);
 
-    /// Tells the engine of the scheme; before the application object is made.
+    /// Tells the engine of the scheme; before its first profile is made.
     static void registerScheme();
 
     static QByteArray name();

@@ -1,0 +1,259 @@
+#include "reading/web/EngineView.h"
+
+#include <QAction>
+#include <QDir>
+#include <QFileInfo>
+#include <QStandardPaths>
+#include <QTimer>
+#include <QWebEngineDownloadRequest>
+#include <QWebEngineHistory>
+#include <QWebEngineNewWindowRequest>
+#include <QWebEngineProfile>
+#include <QWebEngineScript>
+#include <QWebEngineView>
+
+#include <array>
+#include <utility>
+
+namespace {
+
+constexpr int progressMax = 100;
+constexpr int forwardCommand = 1;
+constexpr int backCommand = 2;
+constexpr QSize smallestPopup(200, 150);
+constexpr QSize standardPopup(800, 600);
+
+struct ActionText
+{
+    QWebEnginePage::WebAction action;
+    QString text;
+};
+
+/// The context menu of a page speaks French; what makes no sense in a pane is left out of it.
+void setUpActions(QWebEnginePage &page)
+{
+    const std::array<ActionText, 20> texts = {{
+        {QWebEnginePage::Back, QStringLiteral("Précédent")},
+        {QWebEnginePage::Forward, QStringLiteral("Suivant")},
+        {QWebEnginePage::Reload, QStringLiteral("Actualiser")},
+        {QWebEnginePage::Stop, QStringLiteral("Arrêter")},
+        {QWebEnginePage::Cut, QStringLiteral("Couper")},
+        {QWebEnginePage::Copy, QStringLiteral("Copier")},
+        {QWebEnginePage::Paste, QStringLiteral("Coller")},
+        {QWebEnginePage::PasteAndMatchStyle, QStringLiteral("Coller sans mise en forme")},
+        {QWebEnginePage::Undo, QStringLiteral("Annuler")},
+        {QWebEnginePage::Redo, QStringLiteral("Rétablir")},
+        {QWebEnginePage::SelectAll, QStringLiteral("Tout sélectionner")},
+        {QWebEnginePage::OpenLinkInThisWindow, QStringLiteral("Suivre le lien")},
+        {QWebEnginePage::OpenLinkInNewWindow, QStringLiteral("Ouvrir le lien dans une nouvelle fenêtre")},
+        {QWebEnginePage::CopyLinkToClipboard, QStringLiteral("Copier l'adresse du lien")},
+        {QWebEnginePage::DownloadLinkToDisk, QStringLiteral("Enregistrer la cible du lien...")},
+        {QWebEnginePage::CopyImageToClipboard, QStringLiteral("Copier l'image")},
+        {QWebEnginePage::CopyImageUrlToClipboard, QStringLiteral("Copier l'adresse de l'image")},
+        {QWebEnginePage::DownloadImageToDisk, QStringLiteral("Enregistrer l'image...")},
+        {QWebEnginePage::CopyMediaUrlToClipboard, QStringLiteral("Copier l'adresse du média")},
+        {QWebEnginePage::SavePage, QStringLiteral("Enregistrer la page...")},
+    }};
+    for (const ActionText &entry : texts)
+        page.action(entry.action)->setText(entry.text);
+    for (const auto action : {QWebEnginePage::ViewSource, QWebEnginePage::OpenLinkInNewTab,
+                              QWebEnginePage::OpenLinkInNewBackgroundTab, QWebEnginePage::InspectElement})
+        page.action(action)->setVisible(false);
+}
+
+} // namespace
+
+EngineView::EngineView(DataDirectory directory, Messages &messages, QWidget *parent, Events events)
+    : m_scheme(std::move(directory)), m_messages(messages), m_events(std::move(events))
+{
+    m_profile = new QWebEngineProfile(&m_context); // off the record: nothing of the web stays on the disk
+    m_profile->installUrlSchemeHandler(PaneScheme::name(), &m_scheme);
+    m_page = new PanePage(m_profile, m_messages, PanePage::Kind::Pane);
+    m_page->setBackgroundColor(parent->palette().color(QPalette::Base));
+    connectPage();
+
+    m_view = new QWebEngineView(parent);
+    m_view->setPage(m_page);
+    m_view->setAccessibleName(parent->accessibleName());
+    setUpActions(*m_page);
+    m_events.commandState(forwardCommand, false);
+    m_events.commandState(backCommand, false);
+}
+
+EngineView::~EngineView()
+{
+    // Pages go before the profile that they live in, and that before its scheme handler.
+    for (const QPointer<QWebEngineView> &popup : std::as_const(m_popups))
+        delete popup.data();
+    delete m_view.data();
+    delete m_page.data();
+    delete m_profile.data();
+}
+
+QWidget *EngineView::widget()
+{
+    return m_view;
+}
+
+void EngineView::connectPage()
+{
+    QObject::connect(m_page, &QWebEnginePage::linkHovered, &m_context, [this](const QString &link) {
+        const QUrl url(link);
+        m_events.statusText(PaneScheme::isServed(url) ? m_scheme.fileAddressOf(url).toString() : link);
+    });
+    QObject::connect(m_page, &QWebEnginePage::loadStarted, &m_context, [this] {
+        m_loading = true;
+        m_events.downloadBegin();
+    });
+    QObject::connect(m_page, &QWebEnginePage::loadProgress, &m_context, [this](int progress) {
+        if (m_loading)
+            m_events.progress(progress, progressMax);
+    });
+    QObject::connect(m_page, &QWebEnginePage::loadFinished, &m_context, [this] {
+        m_loading = false;
+        m_events.documentComplete();
+    });
+    QObject::connect(m_page->action(QWebEnginePage::Forward), &QAction::enabledChanged, &m_context,
+                     [this](bool enabled) { m_events.commandState(forwardCommand, enabled); });
+    QObject::connect(m_page->action(QWebEnginePage::Back), &QAction::enabledChanged, &m_context,
+                     [this](bool enabled) { m_events.commandState(backCommand, enabled); });
+    QObject::connect(m_page, &PanePage::feedLinkAccepted, &m_context,
+                     [this](const QString &url) { m_events.feedLinkAccepted(url); });
+    QObject::connect(m_page, &PanePage::systemLinkActivated, &m_context,
+                     [this](const QString &url) { m_events.systemLinkActivated(url); });
+    QObject::connect(m_page, &PanePage::linkFollowed, &m_context, [this] { m_rendererDeaths = 0; });
+    QObject::connect(m_page, &PanePage::questionAnswered, &m_context, [this] {
+        if (!m_pending.isEmpty())
+            navigate(std::exchange(m_pending, {}));
+    });
+    QObject::connect(m_page, &QWebEnginePage::newWindowRequested, &m_context,
+                     [this](QWebEngineNewWindowRequest &request) { handleNewWindow(request, *m_page); });
+    QObject::connect(m_page, &QWebEnginePage::renderProcessTerminated, &m_context,
+                     [this](QWebEnginePage::RenderProcessTerminationStatus status) { handleRendererGone(status); });
+    QObject::connect(m_profile, &QWebEngineProfile::downloadRequested, &m_context,
+                     [this](QWebEngineDownloadRequest *download) { handleDownload(*download); });
+}
+
+void EngineView::navigate(const QString &target)
+{
+    m_rendererDeaths = 0;
+    if (isBusyAsking()) {
+        m_pending = target;
+        return;
+    }
+    QUrl url = m_scheme.addressOf(target);
+    if (!url.isValid())
+        url = QUrl::fromUserInput(target);
+    if (PanePage::canShow(url)) {
+        // The engine takes the address on show for a reload and would scroll the next item's page to where this one
+        // stood. The script runs in a world of its own, out of the page's reach and free of its policy.
+        if (PaneScheme::owns(url) && url == m_page->url())
+            m_page->runJavaScript(QStringLiteral("window.scrollTo(0, 0)"), QWebEngineScript::ApplicationWorld);
+        m_page->load(url);
+    } else if (PanePage::belongsToSystem(url)) {
+        m_events.systemLinkActivated(url.toString(QUrl::FullyEncoded));
+    }
+}
+
+void EngineView::goBack()
+{
+    if (!isBusyAsking())
+        m_page->history()->back();
+}
+
+void EngineView::goForward()
+{
+    if (!isBusyAsking())
+        m_page->history()->forward();
+}
+
+void EngineView::refresh()
+{
+    if (!isBusyAsking())
+        m_page->triggerAction(QWebEnginePage::Reload);
+}
+
+void EngineView::stop()
+{
+    if (!isBusyAsking())
+        m_page->triggerAction(QWebEnginePage::Stop);
+}
+
+QString EngineView::location() const
+{
+    return m_scheme.fileAddressOf(m_page->url()).toString(QUrl::FullyEncoded);
+}
+
+void EngineView::handleNewWindow(QWebEngineNewWindowRequest &request, PanePage &opener)
+{
+    const QPointer<QObject> alive = &m_context;
+    if (!opener.popupIsAllowed() || !alive)
+        return;
+    // A window of its own that nothing here follows any more, but for its end: it can't outlive the profile.
+    auto *window = new QWebEngineView;
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    auto *content = new PanePage(m_profile, m_messages, PanePage::Kind::Popup, window);
+    window->setPage(content);
+    setUpActions(*content);
+    QObject::connect(content, &QWebEnginePage::windowCloseRequested, window, &QWidget::close);
+    QObject::connect(content, &QWebEnginePage::titleChanged, window, &QWidget::setWindowTitle);
+    QObject::connect(content, &PanePage::systemLinkActivated, &m_context,
+                     [this](const QString &url) { m_events.systemLinkActivated(url); });
+    QObject::connect(content, &QWebEnginePage::newWindowRequested, &m_context,
+                     [this, content](QWebEngineNewWindowRequest &next) { handleNewWindow(next, *content); });
+    const QSize asked = request.requestedGeometry().size();
+    window->resize(asked.isEmpty() ? standardPopup : asked.expandedTo(smallestPopup));
+    m_popups.removeAll(QPointer<QWebEngineView>());
+    m_popups.append(window);
+    request.openIn(content);
+    window->show();
+}
+
+void EngineView::handleDownload(QWebEngineDownloadRequest &download)
+{
+    if (m_choosingDownload)
+        return; // one question at a time; a request that isn't accepted is dropped by the engine
+    m_choosingDownload = true;
+    const QPointer<QObject> alive = &m_context;
+    const QPointer<QWebEngineDownloadRequest> request = &download;
+    const QDir folder(QStandardPaths::writableLocation(QStandardPaths::DownloadLocation));
+    const auto ask = m_events.askDownloadPath; // outlives this object, should the pane go meanwhile
+    const QString path = ask(folder.filePath(QFileInfo(download.downloadFileName()).fileName()));
+    if (!alive)
+        return;
+    m_choosingDownload = false;
+    if (path.isEmpty() || !request)
+        return;
+    const QFileInfo chosen(path);
+    request->setDownloadDirectory(chosen.absolutePath());
+    request->setDownloadFileName(chosen.fileName());
+    QObject::connect(request, &QWebEngineDownloadRequest::isFinishedChanged, &m_context, [this, request, chosen] {
+        const bool complete = request && request->state() == QWebEngineDownloadRequest::DownloadCompleted;
+        m_events.statusText(
+            (complete ? QStringLiteral("Téléchargement terminé : %1") : QStringLiteral("Échec du téléchargement : %1"))
+                .arg(chosen.fileName()));
+    });
+    request->accept();
+}
+
+/// A page whose process is gone is loaded once more, then replaced by the start page, then left: the next navigation
+/// starts a new process by itself.
+void EngineView::handleRendererGone(QWebEnginePage::RenderProcessTerminationStatus status)
+{
+    if (status == QWebEnginePage::NormalTerminationStatus)
+        return;
+    ++m_rendererDeaths;
+    if (m_loading) {
+        m_loading = false;
+        m_events.documentComplete();
+    }
+    m_events.statusText(QStringLiteral("L'affichage de la page s'est arrêté de façon inattendue"));
+    if (m_rendererDeaths > 2)
+        return;
+    QTimer::singleShot(0, m_page, [this, again = m_rendererDeaths == 1] {
+        if (again)
+            m_page->triggerAction(QWebEnginePage::Reload);
+        else
+            m_page->load(m_scheme.startPage());
+    });
+}

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "core/DataDirectory.h"
+#include "reading/WebPane.h"
+#include "reading/web/PanePage.h"
+#include "reading/web/PaneScheme.h"
+
+#include <QList>
+#include <QPointer>
+
+class QWebEngineDownloadRequest;
+class QWebEngineNewWindowRequest;
+class QWebEngineProfile;
+class QWebEngineView;
+
+/// The browser engine behind the pane: one page in a profile that keeps nothing on the disk, and the windows that the
+/// user allowed it to open.
+class EngineView final : public WebPane
+{
+public:
+    EngineView(DataDirectory directory, Messages &messages, QWidget *parent, Events events);
+
+    /// Closes the windows that the pane was allowed to open as well.
+    ~EngineView() override;
+
+    QWidget *widget() override;
+    void navigate(const QString &target) override;
+    void goBack() override;
+    void goForward() override;
+    void refresh() override;
+    void stop() override;
+    QString location() const override;
+
+private:
+    void connectPage();
+    void handleNewWindow(QWebEngineNewWindowRequest &request, PanePage &opener);
+    void handleDownload(QWebEngineDownloadRequest &download);
+    void handleRendererGone(QWebEnginePage::RenderProcessTerminationStatus status);
+    bool isBusyAsking() const { return m_page->isAsking(); }
+
+    QObject m_context; ///< of all connections: with it they end
+    PaneScheme m_scheme;
+    Messages &m_messages;
+    Events m_events;
+    QPointer<QWebEngineProfile> m_profile;
+    QPointer<PanePage> m_page;
+    QPointer<QWebEngineView> m_view;
+    QList<QPointer<QWebEngineView>> m_popups;
+    QString m_pending; ///< asked for while a question is on show
+    bool m_loading = false;
+    bool m_choosingDownload = false;
+    int m_rendererDeaths = 0; ///< since the program or the user last went somewhere
+};

@@ -1,0 +1,13 @@
+#include "reading/web/EngineView.h"
+
+/// The one symbol of the module. The scheme is registered here, before the engine comes to life with the first profile.
+extern "C" Q_DECL_EXPORT WebPane *quillwireMakeWebPane(const QString &dataDirectory, Messages &messages,
+                                                       QWidget *parent, const WebPane::Events &events)
+{
+    static const bool registered = [] {
+        PaneScheme::registerScheme();
+        return true;
+    }();
+    Q_UNUSED(registered)
+    return new EngineView(DataDirectory(dataDirectory), messages, parent, events);
+}
