@@ -228,7 +228,7 @@ bool CachedFeed::IsItemDeleted(qint16 index) const
 
 QString CachedFeed::ItemDownloadDate(qint16 index) const
 {
-    return holds(index) ? DateText::toText(m_document->downloadDate(index)) : QString();
+    return holds(index) ? m_document->downloadDate(index) : QString();
 }
 
 void CachedFeed::SetItemRead(qint16 index, bool read)

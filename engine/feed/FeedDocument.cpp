@@ -2,6 +2,7 @@
 
 #include "engine/feed/ItemMarks.h"
 #include "engine/feed/ItemTransfer.h"
+#include "platform/DateText.h"
 
 #include <algorithm>
 #include <cstring>
@@ -75,10 +76,21 @@ const ChildElements &FeedDocument::itemElements(qsizetype index) const
     return *item.elements;
 }
 
-QDateTime FeedDocument::downloadDate(qsizetype index) const
+/// The items of one update share their date, so that the mark read last is mostly the one to be read: a merge asks for
+/// that of each item.
+const FeedDocument::NotedDate &FeedDocument::notedDate(const xmlNode *item) const
 {
-    const QDateTime noted = ItemMarks::downloadDate(item(index));
-    return noted.isValid() ? noted : m_written;
+    const QString mark = ItemMarks::downloadMark(item);
+    if (!m_notedDate || mark != m_notedDate->mark) {
+        const QDateTime date = ItemMarks::downloadDate(mark);
+        m_notedDate = {mark, date.isValid(), DateText::toText(date.isValid() ? date : m_written)};
+    }
+    return *m_notedDate;
+}
+
+QString FeedDocument::downloadDate(qsizetype index) const
+{
+    return notedDate(item(index)).text;
 }
 
 /// The element that items go into, made when the document has none.
@@ -98,7 +110,13 @@ void FeedDocument::add(const FeedDocument &from, const xmlNode *node, const QDat
         from.format().version() == m_format.version()
             ? ItemTransfer::copy(node, m_format, original, from.channel(), parent, enter)
             : ItemTransfer::convert(readItem(from.format(), original, from.channel()), m_format, parent, enter);
-    ItemMarks::setDownloadDate(item, now);
+    // To the second, and by the fields: going through the time zone for each item costs as much as copying it.
+    if (now.date() != m_addedAt.date() ||
+        now.time().msecsSinceStartOfDay() / 1000 != m_addedAt.time().msecsSinceStartOfDay() / 1000) {
+        m_addedAt = now;
+        m_addedMark = ItemMarks::markOf(now);
+    }
+    ItemMarks::setDownloadMark(item, m_addedMark);
     if (xmlNode *listEntry = m_format.enterIntoList(m_root, item, m_lastListEntry))
         m_lastListEntry = listEntry;
     m_added.push_back({item, nullptr});
@@ -146,8 +164,9 @@ void FeedDocument::dropRemovedItems()
 QByteArray FeedDocument::prepareForSaving()
 {
     dropRemovedItems();
+    const QString writtenMark = ItemMarks::markOf(m_written);
     for (const Entry &item : m_items)
-        if (!ItemMarks::downloadDate(item.node).isValid())
-            ItemMarks::setDownloadDate(item.node, m_written);
+        if (!notedDate(item.node).readable)
+            ItemMarks::setDownloadMark(item.node, writtenMark);
     return FeedParser::toBytes(m_tree.get());
 }

@@ -5,6 +5,7 @@
 
 #include <QDateTime>
 
+#include <optional>
 #include <vector>
 
 /// Tells what a well-formed document is. `format` is set when the result is LoadOk, and null otherwise.
@@ -33,8 +34,8 @@ public:
     xmlNode *item(qsizetype index) const { return entry(index).node; }
     const ChildElements &itemElements(qsizetype index) const;
 
-    /// When the item was downloaded, in local time.
-    QDateTime downloadDate(qsizetype index) const;
+    /// When the item was downloaded, as DateText writes it.
+    QString downloadDate(qsizetype index) const;
     void markForRemoval(qsizetype index) { entry(index).removed = true; }
 
     /// Takes a copy of the item in, behind those added since the document was loaded or saved, in front of all others.
@@ -51,6 +52,15 @@ private:
         bool removed = false;
     };
 
+    /// The date that a mark stands for; that of the file when the mark isn't to be read.
+    struct NotedDate
+    {
+        QString mark;
+        bool readable;
+        QString text;
+    };
+
+    const NotedDate &notedDate(const xmlNode *item) const;
     const Entry &entry(qsizetype index) const;
     Entry &entry(qsizetype index) { return const_cast<Entry &>(std::as_const(*this).entry(index)); }
     void readChildren();
@@ -62,10 +72,13 @@ private:
     XmlDocPtr m_tree;
     const FeedFormat &m_format;
     QDateTime m_written;
+    mutable std::optional<NotedDate> m_notedDate; ///< that of the item asked for last
     xmlNode *m_root;
     ChildElements m_channel;
     std::vector<Entry> m_items; ///< those that were there when the document was loaded or saved
     std::vector<Entry> m_added; ///< those added since, which stand in front
+    QDateTime m_addedAt;        ///< when the last item was added, and its mark
+    QString m_addedMark;
     xmlNode *m_lastListEntry = nullptr;
     std::vector<xmlNode *> m_dropped; ///< outside the tree; FeedItems may still name them
 };

@@ -115,10 +115,10 @@ xmlNs *declaredNamespace(xmlNode *element, const char *name, const char *prefix,
     for (int number = 1;; ++number) {
         const std::string candidate = number == 1 ? std::string(prefix) : prefix + std::to_string(number);
         const xmlChar *wish = reinterpret_cast<const xmlChar *>(candidate.c_str());
-        if (everyPrefixIsDeclared && !declaresPrefix(root, wish) && !isHidden(element, root, wish))
-            return xmlNewNs(root, href, wish);
-        if (!declaresPrefix(element, wish) && (everyPrefixIsDeclared || !hasAttributeOfPrefix(element, candidate)))
-            return xmlNewNs(element, href, wish);
+        xmlNode *place = everyPrefixIsDeclared ? root : element;
+        if (!declaresPrefix(place, wish) && !isHidden(element, place, wish) &&
+            !hasAttributeOfPrefix(element, candidate))
+            return xmlNewNs(place, href, wish);
     }
 }
 

@@ -38,8 +38,9 @@ Namespace kindOf(const xmlNs *ns);
 /// counts only when `prefixed` is false: attributes can't use it.
 xmlNs *namespaceInScope(xmlNode *element, const char *name, bool prefixed);
 
-/// As namespaceInScope(), but declares the namespace when it isn't in scope: on the document element, or on `element`
-/// itself where the prefix is taken. `prefix` is the one wished for; the one used may bear a number.
+/// As namespaceInScope(), but declares the namespace when it isn't in scope: on the document element, or, in a
+/// document that uses prefixes without declaring them, on `element` itself. `prefix` is the one wished for; the one
+/// used bears a number where that is taken.
 xmlNs *declaredNamespace(xmlNode *element, const char *name, const char *prefix, bool prefixed);
 
 /// True when the local name and namespace name of an attribute are these; a null `name` stands for no namespace.

@@ -17,6 +17,35 @@ struct ParserDeleter
 };
 using ParserPtr = std::unique_ptr<xmlParserCtxt, ParserDeleter>;
 
+void sayNothing(void *, const char *, ...) {}
+
+/// Keeps the library from writing to the error stream what it thinks of a feed's bytes.
+class Silence final
+{
+public:
+    Silence() { xmlSetGenericErrorFunc(nullptr, sayNothing); }
+    Silence(const Silence &) = delete;
+    Silence &operator=(const Silence &) = delete;
+    ~Silence() { xmlSetGenericErrorFunc(m_context, m_function); }
+
+private:
+    void *m_context = xmlGenericErrorContext;
+    xmlGenericErrorFunc m_function = xmlGenericError;
+};
+
+/// What is noted while a document is parsed.
+struct ParserNotes
+{
+    bool refused = false;
+    int parameterReferences = 0;
+    qint64 parameterText = 0; ///< bytes of the parameter entities that were referred to
+};
+
+ParserNotes &notesOf(xmlParserCtxt *parser)
+{
+    return *static_cast<ParserNotes *>(parser->_private);
+}
+
 /// Entities whose text lies outside the document are never declared, and so never read.
 void declareInternalEntity(void *context, const xmlChar *name, int type, const xmlChar *publicId,
                            const xmlChar *systemId, xmlChar *content)
@@ -35,8 +64,25 @@ xmlEntity *findEntity(void *context, const xmlChar *name)
         entity = xmlSAX2GetEntity(context, name);
     const bool inDocumentType = parser->inSubset != 0;
     if (entity == nullptr && !inDocumentType)
-        *static_cast<bool *>(parser->_private) = true;
+        notesOf(parser).refused = true;
     return entity;
+}
+
+/// The library bounds what general entities expand to, but not parameter entities: a few lines of them keep it busy for
+/// ever.
+xmlEntity *findParameterEntity(void *context, const xmlChar *name)
+{
+    constexpr int mostReferences = 1000;
+    constexpr qint64 mostText = 1000000;
+    auto *parser = static_cast<xmlParserCtxt *>(context);
+    xmlEntity *entity = xmlSAX2GetParameterEntity(context, name);
+    ParserNotes &notes = notesOf(parser);
+    notes.parameterText += entity == nullptr ? 0 : entity->length;
+    if (++notes.parameterReferences <= mostReferences && notes.parameterText <= mostText)
+        return entity;
+    notes.refused = true;
+    xmlStopParser(parser);
+    return nullptr;
 }
 
 /// A document that begins with the byte order mark of UTF-16, declared or not, is written back as that.
@@ -67,19 +113,24 @@ XmlDocPtr FeedParser::parse(const QByteArray &bytes)
 {
     if (bytes.size() > std::numeric_limits<int>::max())
         return nullptr;
+    const Silence silence;
     const ParserPtr parser(xmlNewParserCtxt());
     if (!parser)
         throw std::bad_alloc();
-    bool undeclaredEntity = false;
-    parser->_private = &undeclaredEntity;
+    ParserNotes notes;
+    parser->_private = &notes;
     parser->sax->entityDecl = declareInternalEntity;
     parser->sax->getEntity = findEntity;
+    parser->sax->getParameterEntity = findParameterEntity;
     parser->sax->externalSubset = nullptr;
     constexpr int options =
         XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_NOENT | XML_PARSE_COMPACT;
     XmlDocPtr document(
         xmlCtxtReadMemory(parser.get(), bytes.constData(), static_cast<int>(bytes.size()), nullptr, nullptr, options));
-    if (!document || parser->wellFormed == 0 || undeclaredEntity || xmlDocGetRootElement(document.get()) == nullptr)
+    // Where a bound is met the library may stop and still call what it has well-formed.
+    const bool stopped = parser->disableSAX != 0 || parser->errNo == XML_ERR_NO_MEMORY;
+    if (!document || parser->wellFormed == 0 || stopped || notes.refused ||
+        xmlDocGetRootElement(document.get()) == nullptr)
         return nullptr;
     noteByteOrderMark(document.get(), bytes);
     return document;
@@ -87,6 +138,7 @@ XmlDocPtr FeedParser::parse(const QByteArray &bytes)
 
 QByteArray FeedParser::toBytes(xmlDoc *document)
 {
+    const Silence silence;
     // Without a declared encoding the library would write every character beyond ASCII as a reference; such a document
     // is UTF-8, so it is written as that, under a declaration that names no encoding either.
     const auto *encoding = reinterpret_cast<const char *>(document->encoding);

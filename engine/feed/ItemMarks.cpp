@@ -36,10 +36,14 @@ bool ItemMarks::isDeleted(const xmlNode *item)
     return isSet(item, deletedName);
 }
 
-QDateTime ItemMarks::downloadDate(const xmlNode *item)
+QString ItemMarks::downloadMark(const xmlNode *item)
 {
-    const QString text = attributeOf(item, downloadedName, marks);
-    const QDateTime when = QDateTime::fromString(text, Qt::ISODate).toLocalTime();
+    return attributeOf(item, downloadedName, marks);
+}
+
+QDateTime ItemMarks::downloadDate(const QString &mark)
+{
+    const QDateTime when = QDateTime::fromString(mark, Qt::ISODate).toLocalTime();
     // A feed may bring marks of its own making; a year past four digits has no text that reads back.
     return when.isValid() && when.date().year() >= 100 && when.date().year() <= 9999 ? when : QDateTime();
 }
@@ -55,9 +59,14 @@ void ItemMarks::setDeleted(xmlNode *item)
     set(item, deletedName, QStringLiteral("1"));
 }
 
-void ItemMarks::setDownloadDate(xmlNode *item, const QDateTime &when)
+void ItemMarks::setDownloadMark(xmlNode *item, const QString &mark)
 {
-    set(item, downloadedName, when.toUTC().toString(Qt::ISODate));
+    set(item, downloadedName, mark);
+}
+
+QString ItemMarks::markOf(const QDateTime &when)
+{
+    return when.toUTC().toString(Qt::ISODate);
 }
 
 void ItemMarks::clear(xmlNode *item)

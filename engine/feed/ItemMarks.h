@@ -11,12 +11,18 @@ namespace ItemMarks {
 bool isRead(const xmlNode *item);
 bool isDeleted(const xmlNode *item);
 
-/// The date of download in local time; not valid when the item bears none, or one that isn't to be read.
-QDateTime downloadDate(const xmlNode *item);
+/// The date of download as the item's mark writes it; "" when the item bears none.
+QString downloadMark(const xmlNode *item);
+
+/// The date that such a mark stands for, in local time; not valid when it isn't to be read.
+QDateTime downloadDate(const QString &mark);
 
 void setRead(xmlNode *item, bool read);
 void setDeleted(xmlNode *item);
-void setDownloadDate(xmlNode *item, const QDateTime &when);
+void setDownloadMark(xmlNode *item, const QString &mark);
+
+/// The mark that stands for a date, to the second.
+QString markOf(const QDateTime &when);
 
 /// Takes all marks off the item.
 void clear(xmlNode *item);

@@ -1,0 +1,409 @@
+#include "engine/feed/CachedFeed.h"
+#include "platform/DateText.h"
+#include "platform/Files.h"
+#include "platform/RunTimeError.h"
+#include "tests/feed/FeedDump.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+/// Marks, added and removed items, and what stays of them in the file.
+class tst_FeedMarks : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void marksSurviveSavingInEveryFormat_data();
+    void marksSurviveSavingInEveryFormat();
+    void anItemWithoutDateWasDownloadedWhenItsFileWasWritten();
+    void aDateThatIsNoneDoesNotCount();
+    void addedItemsStandInFrontInTheirOrder();
+    void addedItemsLeaveTheirMarksBehind();
+    void everyFormatTakesTheItemsOfEveryOther_data();
+    void everyFormatTakesTheItemsOfEveryOther();
+    void copiesKeepTheirNamespaces_data();
+    void copiesKeepTheirNamespaces();
+    void anAtomEntryKeepsTheAuthorOfItsFeed();
+    void theRdfListFollowsTheItems();
+    void removedItemsGoAtTheNextSave();
+    void whatIsNotKnownIsKept();
+    void anUndeclaredPrefixGetsNoMeaning();
+    void aFailedSaveIsRaisedAndLeavesTheFile();
+    void onlyAsManyItemsAsAnIndexCanNameAreOffered();
+
+private:
+    QString path(const char *name) const { return m_directory->filePath(QLatin1String(name)); }
+    QString write(const char *name, const QByteArray &bytes) const
+    {
+        Files::write(path(name), bytes);
+        return path(name);
+    }
+    static QByteArray rss(const QByteArray &items)
+    {
+        return "<rss version=\"2.0\"><channel><title>t</title>" + items + "</channel></rss>";
+    }
+    static QStringList titles(const CachedFeed &feed)
+    {
+        QStringList result;
+        for (qint16 i = 0; i < feed.ItemCount(); ++i)
+            result += feed.ItemTitle(i);
+        return result;
+    }
+
+    std::unique_ptr<QTemporaryDir> m_directory;
+    QDateTime m_now{QDate(2004, 7, 1), QTime(14, 0)};
+    Clock m_clock = [this] { return m_now; };
+};
+
+void tst_FeedMarks::init()
+{
+    m_directory = std::make_unique<QTemporaryDir>();
+}
+
+static void addSampleRows()
+{
+    QTest::addColumn<QString>("sample");
+    for (const char *name : {"rss091", "rss092", "rss20", "rdf10", "atom03"})
+        QTest::newRow(name) << QStringLiteral(SAMPLES_DIR "/") + QLatin1String(name) + QLatin1String(".xml");
+}
+
+void tst_FeedMarks::marksSurviveSavingInEveryFormat_data()
+{
+    addSampleRows();
+}
+
+void tst_FeedMarks::marksSurviveSavingInEveryFormat()
+{
+    QFETCH(const QString, sample);
+    const QString file = write("feed.xml", Files::read(sample).bytes);
+    CachedFeed feed(m_clock);
+    QCOMPARE(feed.Load(file), LoadOk);
+    const QStringList before = FeedDump::all(feed);
+    QVERIFY(!feed.IsItemRead(0) && !feed.IsItemDeleted(1));
+    feed.SetItemRead(0, true);
+    feed.SetItemRead(1, true);
+    feed.SetItemRead(1, false);
+    feed.DeleteItem(1);
+    feed.Save();
+
+    CachedFeed again(m_clock);
+    QCOMPARE(again.Load(file), LoadOk);
+    QVERIFY(again.IsItemRead(0) && !again.IsItemDeleted(0));
+    QVERIFY(!again.IsItemRead(1) && again.IsItemDeleted(1));
+    QCOMPARE(FeedDump::all(again), before);
+}
+
+void tst_FeedMarks::anItemWithoutDateWasDownloadedWhenItsFileWasWritten()
+{
+    const QString file = write("feed.xml", rss("<item/><item/>"));
+    const QDateTime written(QDate(2004, 3, 28), QTime(12, 30, 15)); // summer time began that night
+    QFile handle(file);
+    QVERIFY(handle.open(QIODevice::ReadWrite) && handle.setFileTime(written, QFileDevice::FileModificationTime));
+    handle.close();
+    CachedFeed feed(m_clock);
+    QCOMPARE(feed.Load(file), LoadOk);
+    QCOMPARE(feed.ItemDownloadDate(1), DateText::toText(written));
+    feed.Save();
+    QCOMPARE(feed.Load(file), LoadOk);
+    QCOMPARE(feed.ItemDownloadDate(0), DateText::toText(written));
+    QCOMPARE(feed.ItemDownloadDate(1), DateText::toText(written));
+}
+
+void tst_FeedMarks::aDateThatIsNoneDoesNotCount()
+{
+    const QString file =
+        write("feed.xml", rss("<item xmlns:m='urn:quillwire:marks' m:downloaded='soon' m:read='yes'/>"));
+    CachedFeed feed(m_clock);
+    QCOMPARE(feed.Load(file), LoadOk);
+    QVERIFY(!feed.IsItemRead(0));
+    QVERIFY(DateText::isDate(feed.ItemDownloadDate(0)));
+    const QString before = feed.ItemDownloadDate(0);
+    feed.Save();
+    QCOMPARE(feed.Load(file), LoadOk);
+    QCOMPARE(feed.ItemDownloadDate(0), before);
+}
+
+void tst_FeedMarks::addedItemsStandInFrontInTheirOrder()
+{
+    CachedFeed fresh(m_clock);
+    QCOMPARE(fresh.Load(write("fresh.xml", rss("<item><title>c</title></item><item><title>d</title></item>"))), LoadOk);
+    CachedFeed store(m_clock);
+    QCOMPARE(store.Load(write("store.xml", rss("<item><title>a</title></item><item><title>b</title></item>"))), LoadOk);
+    store.AddItem(fresh.GetItemNode(0));
+    store.AddItem(fresh.GetItemNode(1));
+    const QStringList merged{QStringLiteral("c"), QStringLiteral("d"), QStringLiteral("a"), QStringLiteral("b")};
+    QCOMPARE(titles(store), merged);
+    store.Save();
+    QCOMPARE(titles(store), merged);
+    store.AddItem(store.GetItemNode(3)); // a new run, which stands in front of the last one; from itself at that
+    QCOMPARE(titles(store), QStringList(QStringLiteral("b")) + merged);
+    store.Save();
+    QCOMPARE(store.Load(path("store.xml")), LoadOk);
+    QCOMPARE(titles(store), QStringList(QStringLiteral("b")) + merged);
+}
+
+void tst_FeedMarks::addedItemsLeaveTheirMarksBehind()
+{
+    CachedFeed fresh(m_clock);
+    QCOMPARE(fresh.Load(write("fresh.xml", rss("<item><title>new</title></item>"))), LoadOk);
+    fresh.SetItemRead(0, true);
+    fresh.DeleteItem(0);
+    fresh.Save();
+    CachedFeed store(m_clock);
+    QCOMPARE(store.Load(write("store.xml", rss({}))), LoadOk);
+    {
+        CachedFeed source(m_clock);
+        QCOMPARE(source.Load(path("fresh.xml")), LoadOk);
+        const auto node = source.GetItemNode(0);
+        QCOMPARE(source.Load(path("absent")), LoadFileNotFound); // the node keeps its document
+        store.AddItem(node);
+    }
+    QVERIFY(!store.IsItemRead(0) && !store.IsItemDeleted(0));
+    QCOMPARE(store.ItemDownloadDate(0), DateText::toText(m_now));
+}
+
+void tst_FeedMarks::everyFormatTakesTheItemsOfEveryOther_data()
+{
+    QTest::addColumn<QString>("from");
+    QTest::addColumn<QString>("into");
+    QTest::addColumn<QStringList>("lost"); // the fields that the format has no place for
+    const QStringList names{QStringLiteral("rss091"), QStringLiteral("rss092"), QStringLiteral("rss20"),
+                            QStringLiteral("rdf10"), QStringLiteral("atom03")};
+    const QStringList lost[] = {{QStringLiteral("Source"), QStringLiteral("Enclosure"), QStringLiteral("Category")},
+                                {},
+                                {},
+                                {QStringLiteral("Source"), QStringLiteral("Enclosure"), QStringLiteral("Comments")},
+                                {QStringLiteral("Source"), QStringLiteral("Comments")}};
+    for (const QString &from : names)
+        for (int into = 0; into < names.size(); ++into)
+            for (const char *kind : {"", "-edges"}) {
+                const QString source = from + QLatin1String(kind);
+                QTest::newRow(qPrintable(source + QLatin1String(" into ") + names[into]))
+                    << source << names[into] << (from == names[into] ? QStringList() : lost[into]);
+            }
+}
+
+void tst_FeedMarks::everyFormatTakesTheItemsOfEveryOther()
+{
+    QFETCH(const QString, from);
+    QFETCH(const QString, into);
+    QFETCH(const QStringList, lost);
+    const bool isSample = !from.endsWith(QLatin1String("-edges"));
+    const QString folder = isSample ? QStringLiteral(SAMPLES_DIR "/") : QStringLiteral(TEST_DATA_DIR "/");
+    CachedFeed source(m_clock);
+    QCOMPARE(source.Load(folder + from + QLatin1String(".xml")), LoadOk);
+    const QString file =
+        write("store.xml", Files::read(QStringLiteral(SAMPLES_DIR "/") + into + QLatin1String(".xml")).bytes);
+    CachedFeed store(m_clock);
+    QCOMPARE(store.Load(file), LoadOk);
+    const QString first = store.ItemTitle(0);
+    for (qint16 i = 0; i < source.ItemCount(); ++i)
+        store.AddItem(source.GetItemNode(i));
+
+    const auto compare = [&] {
+        QCOMPARE(store.ItemTitle(source.ItemCount()), first);
+        for (qint16 i = 0; i < source.ItemCount(); ++i) {
+            QStringList expected = FeedDump::item(source, i);
+            expected.removeIf([&](const QString &line) { return lost.contains(line.section(u':', 0, 0)); });
+            QStringList found = FeedDump::item(store, i);
+            // An Atom entry without author has that of the feed.
+            if (into == QLatin1String("atom03") && source.ItemAuthor(i).isEmpty())
+                found.removeOne(QStringLiteral("Author: Anne Roux"));
+            QCOMPARE(found, expected);
+        }
+    };
+    compare();
+    store.Save();
+    QCOMPARE(store.Load(file), LoadOk);
+    compare();
+}
+
+void tst_FeedMarks::copiesKeepTheirNamespaces_data()
+{
+    QTest::addColumn<QByteArray>("from");
+    QTest::addColumn<QByteArray>("into");
+    const QByteArray dc = "http://purl.org/dc/elements/1.1/";
+    const QByteArray item = "<title>t</title><dc:creator>c</dc:creator>";
+    QTest::newRow("declared on the root")
+        << QByteArray("<rss version='2.0' xmlns:dc='" + dc + "'><channel><item>" + item + "</item></channel></rss>")
+        << rss({});
+    QTest::newRow("prefix that means something else here")
+        << QByteArray("<rss version='2.0' xmlns:dc='" + dc + "'><channel><item>" + item + "</item></channel></rss>")
+        << QByteArray("<rss version='2.0' xmlns:dc='urn:other'><channel><dc:x/></channel></rss>");
+    QTest::newRow("default namespace there, none here")
+        << QByteArray("<rss version='2.0' xmlns='http://backend.userland.com/rss2' xmlns:dc='" + dc +
+                      "'><channel><item>" + item + "</item></channel></rss>")
+        << rss({});
+    QTest::newRow("none there, default namespace here")
+        << QByteArray("<rss version='2.0' xmlns:dc='" + dc + "'><channel><item>" + item + "</item></channel></rss>")
+        << QByteArray("<rss version='2.0' xmlns='http://backend.userland.com/rss2'><channel/></rss>");
+    const QByteArray rdf = "http://www.w3.org/1999/02/22-rdf-syntax-ns#";
+    QTest::newRow("prefixed there, default namespace here, and an element of no namespace")
+        << QByteArray("<r:RDF xmlns:r='" + rdf + "' xmlns:s='http://purl.org/rss/1.0/' xmlns:dc='" + dc +
+                      "'><s:channel/><s:item><title>of no namespace</title><dc:title>t</dc:title>"
+                      "<dc:creator>c</dc:creator></s:item></r:RDF>")
+        << QByteArray("<r:RDF xmlns:r='" + rdf + "' xmlns='http://purl.org/rss/1.0/'><channel/></r:RDF>");
+    QTest::newRow("namespace of the items declared on the channel only")
+        << QByteArray("<rss version='2.0' xmlns:dc='" + dc + "'><channel><item>" + item + "</item></channel></rss>")
+        << QByteArray("<r:RDF xmlns:r='" + rdf + "'><channel xmlns='http://purl.org/rss/1.0/'/></r:RDF>");
+}
+
+void tst_FeedMarks::copiesKeepTheirNamespaces()
+{
+    QFETCH(const QByteArray, from);
+    QFETCH(const QByteArray, into);
+    CachedFeed source(m_clock);
+    QCOMPARE(source.Load(write("source.xml", from)), LoadOk);
+    CachedFeed store(m_clock);
+    QCOMPARE(store.Load(write("store.xml", into)), LoadOk);
+    store.AddItem(source.GetItemNode(0));
+    store.AddItem(source.GetItemNode(0));
+    store.Save();
+    QCOMPARE(store.Load(path("store.xml")), LoadOk);
+    QCOMPARE(store.ItemCount(), qint16(2));
+    for (const qint16 index : {qint16(0), qint16(1)}) {
+        QCOMPARE(store.ItemTitle(index), QStringLiteral("t"));
+        QCOMPARE(store.ItemAuthor(index), QStringLiteral("c"));
+    }
+    QVERIFY(Files::read(path("store.xml")).bytes.count("elements/1.1/") <= 2); // declared once, or once an item
+}
+
+void tst_FeedMarks::anAtomEntryKeepsTheAuthorOfItsFeed()
+{
+    const auto atom = [](const QByteArray &author, const QByteArray &entry) {
+        return QByteArray("<feed version='0.3' xmlns='http://purl.org/atom/ns#'>" + author + entry + "</feed>");
+    };
+    CachedFeed source(m_clock);
+    QCOMPARE(source.Load(write("source.xml", atom("<author><name>Anne</name></author>", "<entry><author/></entry>"))),
+             LoadOk);
+    CachedFeed store(m_clock);
+    QCOMPARE(store.Load(write("store.xml", atom("<author><name>Paul</name></author>", {}))), LoadOk);
+    store.AddItem(source.GetItemNode(0));
+    QCOMPARE(store.ItemAuthor(0), QStringLiteral("Anne"));
+}
+
+void tst_FeedMarks::theRdfListFollowsTheItems()
+{
+    CachedFeed store(m_clock);
+    const QString file = write("store.xml", Files::read(QStringLiteral(SAMPLES_DIR "/rdf10.xml")).bytes);
+    QCOMPARE(store.Load(file), LoadOk);
+    CachedFeed source(m_clock);
+    QCOMPARE(source.Load(QStringLiteral(SAMPLES_DIR "/rss20.xml")), LoadOk);
+    store.AddItem(source.GetItemNode(0));
+    store.AddItem(source.GetItemNode(1));
+    store.AddItem(source.GetItemNode(2)); // has no link
+    store.RemoveItem(3);
+    store.Save();
+    const QString saved = QString::fromUtf8(Files::read(file).bytes);
+    const auto listed = saved.mid(saved.indexOf(QLatin1String("<rdf:Seq>"))).section(QLatin1String("</rdf:Seq>"), 0, 0);
+    const auto position = [&](const char *address) { return listed.indexOf(QLatin1String(address)); };
+    QVERIFY(position("etoiles.example.org/2004/venus") > 0);
+    QVERIFY(position("etoiles.example.org/2004/venus") < position("etoiles.example.org/2004/comete"));
+    QVERIFY(position("etoiles.example.org/2004/comete") < position("urn:quillwire:item:"));
+    QVERIFY(position("urn:quillwire:item:") < position("livres.example.org/notes/41"));
+    QCOMPARE(position("livres.example.org/notes/42"), -1);
+    QVERIFY(saved.contains(QLatin1String("<item rdf:about=\"http://etoiles.example.org/2004/venus\"")));
+}
+
+void tst_FeedMarks::removedItemsGoAtTheNextSave()
+{
+    CachedFeed feed(m_clock);
+    const QString file = write("feed.xml", rss("<item><title>a</title></item>\n<item><title>b</title></item>\n"
+                                               "<item><title>c</title></item>\n"));
+    QCOMPARE(feed.Load(file), LoadOk);
+    const auto node = feed.GetItemNode(1);
+    feed.RemoveItem(0);
+    feed.RemoveItem(1);
+    QCOMPARE(feed.ItemCount(), qint16(3));
+    QCOMPARE(feed.ItemTitle(1), QStringLiteral("b"));
+    feed.Save();
+    QCOMPARE(titles(feed), QStringList(QStringLiteral("c")));
+    feed.AddItem(node); // what was taken out can still be taken in
+    QCOMPARE(feed.ItemTitle(0), QStringLiteral("b"));
+    feed.Save();
+    QCOMPARE(feed.Load(file), LoadOk);
+    QCOMPARE(titles(feed), (QStringList{QStringLiteral("b"), QStringLiteral("c")}));
+}
+
+void tst_FeedMarks::whatIsNotKnownIsKept()
+{
+    const QByteArray bytes = "<?xml version=\"1.0\" encoding=\"ISO-8859-1\" standalone=\"yes\"?>\n"
+                             "<?style href=\"x\"?>\n<!-- before -->\n"
+                             "<rss xmlns:x=\"urn:x\" xmlns:quillwire=\"urn:theirs\" version=\"2.0\" quillwire:a=\"1\">"
+                             "<channel x:z=\"1\" a=\"2\"><x:y>\xE9</x:y><title><![CDATA[<t>]]></title><!-- in -->"
+                             "<item><x:y/><title>a &amp; b</title></item>\n</channel></rss>\n<!-- after -->\n";
+    const QString file = write("feed.xml", bytes);
+    CachedFeed feed(m_clock);
+    QCOMPARE(feed.Load(file), LoadOk);
+    feed.SetItemRead(0, true);
+    feed.Save();
+    QByteArray saved = Files::read(file).bytes;
+    QVERIFY(saved.contains("urn:quillwire:marks"));
+    // Without the marks the file is what it was.
+    saved.replace(" xmlns:quillwire2=\"urn:quillwire:marks\"", "");
+    saved.replace(" quillwire2:read=\"1\"", "");
+    const qsizetype date = saved.indexOf(" quillwire2:downloaded");
+    QVERIFY(date > 0);
+    saved.remove(date, saved.indexOf('>', date) - date);
+    QCOMPARE(saved, bytes);
+}
+
+void tst_FeedMarks::anUndeclaredPrefixGetsNoMeaning()
+{
+    const QString file = write(
+        "feed.xml", rss("<item quillwire:read='1'><title/><dc:title>x</dc:title></item><item><title>y</title></item>"));
+    CachedFeed feed(m_clock);
+    QCOMPARE(feed.Load(file), LoadOk);
+    QVERIFY(!feed.IsItemRead(0));
+    feed.SetItemRead(0, true);
+    feed.Save();
+    QCOMPARE(feed.Load(file), LoadOk); // two attributes of one name would have made it unreadable
+    QVERIFY(feed.IsItemRead(0) && !feed.IsItemRead(1));
+
+    CachedFeed store(m_clock);
+    QCOMPARE(store.Load(
+                 write("store.xml", "<rss version='2.0' xmlns:dc='http://purl.org/dc/elements/1.1/'><channel/></rss>")),
+             LoadOk);
+    store.AddItem(feed.GetItemNode(0));
+    store.Save();
+    QCOMPARE(store.Load(path("store.xml")), LoadOk);
+    QCOMPARE(store.ItemTitle(0), feed.ItemTitle(0));
+}
+
+void tst_FeedMarks::aFailedSaveIsRaisedAndLeavesTheFile()
+{
+    QVERIFY(QDir(m_directory->path()).mkdir(QStringLiteral("gone")));
+    const QString file = write("gone/feed.xml", rss("<item/>"));
+    CachedFeed feed(m_clock);
+    QCOMPARE(feed.Load(file), LoadOk);
+    QVERIFY(QDir(path("gone")).removeRecursively());
+    QVERIFY_EXCEPTION_THROWN(feed.Save(), RunTimeError);
+    QVERIFY(feed.IsLoaded());
+    QCOMPARE(feed.ItemCount(), qint16(1));
+}
+
+void tst_FeedMarks::onlyAsManyItemsAsAnIndexCanNameAreOffered()
+{
+    QByteArray items;
+    for (int i = 0; i < 70000; ++i)
+        items += "<item><title>" + QByteArray::number(i) + "</title></item>";
+    CachedFeed feed(m_clock);
+    const QString file = write("feed.xml", rss(items));
+    QCOMPARE(feed.Load(file), LoadOk);
+    QCOMPARE(feed.ItemCount(), qint16(32767));
+    feed.AddItem(feed.GetItemNode(32766));
+    QCOMPARE(feed.ItemCount(), qint16(32767));
+    QCOMPARE(feed.ItemTitle(0), QStringLiteral("32766"));
+    QCOMPARE(feed.ItemTitle(32766), QStringLiteral("32765"));
+    for (qint16 i = 0; i < 32767; ++i)
+        feed.RemoveItem(i);
+    feed.Save();
+    QCOMPARE(feed.Load(file), LoadOk);
+    QCOMPARE(feed.ItemTitle(0), QStringLiteral("32766")); // what wasn't offered has been kept
+}
+
+QTEST_GUILESS_MAIN(tst_FeedMarks)
+#include "tst_FeedMarks.moc"

@@ -1,0 +1,260 @@
+#include "engine/feed/CachedFeed.h"
+#include "platform/Files.h"
+#include "tests/feed/FeedDump.h"
+
+#include <QElapsedTimer>
+#include <QTcpServer>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <sys/resource.h>
+
+/// Documents made to harm: none may crash, hang or swell the program, or reach another file or host.
+class tst_HostileFeeds : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void entitiesThatMultiplyAreRefused_data();
+    void entitiesThatMultiplyAreRefused();
+    void nothingOutsideTheDocumentIsRead_data();
+    void nothingOutsideTheDocumentIsRead();
+    void hugeDocumentsEndInAnAnswer_data();
+    void hugeDocumentsEndInAnAnswer();
+    void anyTruncationEndsInAnAnswer_data();
+    void anyTruncationEndsInAnAnswer();
+    void wrongEncodingsEndInAnAnswer_data();
+    void wrongEncodingsEndInAnAnswer();
+    void deepMarkupInAnItemIsReadAndCarriedOver();
+
+private:
+    QString write(const QByteArray &bytes) const
+    {
+        const QString path = m_directory.filePath(QStringLiteral("feed.xml"));
+        Files::write(path, bytes);
+        return path;
+    }
+    static QByteArray rss(const QByteArray &documentType, const QByteArray &title, const QByteArray &items = {})
+    {
+        return documentType + "<rss version='2.0'><channel><title>" + title + "</title>" + items + "</channel></rss>";
+    }
+    static qint64 megabytesUsedAtMost()
+    {
+        rusage usage{};
+        getrusage(RUSAGE_SELF, &usage);
+        return usage.ru_maxrss / 1024;
+    }
+
+    QTemporaryDir m_directory;
+};
+
+void tst_HostileFeeds::entitiesThatMultiplyAreRefused_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+
+    QByteArray laughs = "<!DOCTYPE rss [<!ENTITY a0 'ha'>";
+    for (int i = 1; i <= 30; ++i) {
+        const QByteArray before = "&a" + QByteArray::number(i - 1) + ';';
+        laughs += "<!ENTITY a" + QByteArray::number(i) + " '" + before.repeated(10) + "'>";
+    }
+    QTest::newRow("a billion laughs") << rss(laughs + "]>", "&a30;");
+    QTest::newRow("a billion laughs in an attribute") << rss(laughs + "]>", "t", "<item a='&a30;'/>");
+    QTest::newRow("a billion laughs of elements")
+        << rss(QByteArray(laughs).replace("'ha'", "'&lt;item/>&lt;item/>'") + "]>", "t", "&a30;");
+    QTest::newRow("one long entity many times")
+        << rss("<!DOCTYPE rss [<!ENTITY a '" + QByteArray(100000, 'a') + "'>]>", QByteArray("&a;").repeated(100000));
+    QTest::newRow("an entity of itself") << rss("<!DOCTYPE rss [<!ENTITY a '&b;'><!ENTITY b '&a;'>]>", "&a;");
+
+    QByteArray parameters = "<!DOCTYPE rss [<!ENTITY % a0 'ha'>";
+    for (int i = 1; i <= 30; ++i)
+        parameters += "<!ENTITY % a" + QByteArray::number(i) + " '" +
+                      QByteArray("&#37;a" + QByteArray::number(i - 1) + ';').repeated(10) + "'>";
+    QTest::newRow("a billion laughs of parameters") << rss(parameters + "%a30;]>", "t");
+}
+
+void tst_HostileFeeds::entitiesThatMultiplyAreRefused()
+{
+    QFETCH(const QByteArray, bytes);
+    const QString path = write(bytes);
+    const qint64 before = megabytesUsedAtMost();
+    QElapsedTimer timer;
+    timer.start();
+    CachedFeed feed;
+    QCOMPARE(feed.Load(path), LoadNotAFeed);
+    QVERIFY2(timer.elapsed() < 5000, qPrintable(QString::number(timer.elapsed())));
+    QVERIFY2(megabytesUsedAtMost() - before < 200, qPrintable(QString::number(megabytesUsedAtMost() - before)));
+}
+
+void tst_HostileFeeds::nothingOutsideTheDocumentIsRead_data()
+{
+    QTest::addColumn<QByteArray>("documentType"); // FILE and HOST stand for a secret file and a local server
+    QTest::addColumn<QByteArray>("title");
+    QTest::addColumn<bool>("loads");
+    QTest::newRow("file entity") << QByteArray("<!DOCTYPE rss [<!ENTITY a SYSTEM 'file://FILE'>]>") << QByteArray("&a;")
+                                 << false;
+    QTest::newRow("relative entity") << QByteArray("<!DOCTYPE rss [<!ENTITY a SYSTEM 'secret'>]>") << QByteArray("&a;")
+                                     << false;
+    QTest::newRow("net entity") << QByteArray("<!DOCTYPE rss [<!ENTITY a SYSTEM 'http://HOST/a'>]>")
+                                << QByteArray("&a;") << false;
+    QTest::newRow("entity by public name")
+        << QByteArray("<!DOCTYPE rss [<!ENTITY a PUBLIC '-//x' 'file://FILE'>]>") << QByteArray("&a;") << false;
+    QTest::newRow("parameter entity") << QByteArray("<!DOCTYPE rss [<!ENTITY % a SYSTEM 'http://HOST/a'> %a;]>")
+                                      << QByteArray("t") << false;
+    QTest::newRow("parameter entity that declares another")
+        << QByteArray("<!DOCTYPE rss [<!ENTITY % f SYSTEM 'file://FILE'><!ENTITY % a '<!ENTITY b \"%f;\">'> %a;]>")
+        << QByteArray("&b;") << false;
+    QTest::newRow("unparsed entity")
+        << QByteArray("<!DOCTYPE rss [<!NOTATION n SYSTEM 'n'><!ENTITY a SYSTEM 'file://FILE' NDATA n>]>")
+        << QByteArray("t") << true;
+    QTest::newRow("external subset") << QByteArray("<!DOCTYPE rss SYSTEM 'http://HOST/rss.dtd'>") << QByteArray("t")
+                                     << true;
+    QTest::newRow("style sheet") << QByteArray("<?xml-stylesheet href='http://HOST/a.xsl' type='text/xsl'?>")
+                                 << QByteArray("t") << true;
+    QTest::newRow("inclusion") << QByteArray()
+                               << QByteArray("<i:include xmlns:i='http://www.w3.org/2001/XInclude' "
+                                             "parse='text' href='file://FILE'/>")
+                               << true;
+}
+
+void tst_HostileFeeds::nothingOutsideTheDocumentIsRead()
+{
+    QFETCH(QByteArray, documentType);
+    QFETCH(QByteArray, title);
+    QFETCH(const bool, loads);
+    QTcpServer server;
+    QVERIFY(server.listen(QHostAddress::LocalHost));
+    const QString secret = m_directory.filePath(QStringLiteral("secret"));
+    Files::write(secret, "<!ENTITY b 'the secret'>the secret");
+    const QByteArray host = "127.0.0.1:" + QByteArray::number(server.serverPort());
+    for (QByteArray *part : {&documentType, &title})
+        part->replace("FILE", secret.toUtf8()).replace("HOST", host);
+    CachedFeed feed;
+    QCOMPARE(feed.Load(write(rss(documentType, title))), loads ? LoadOk : LoadNotAFeed);
+    QVERIFY(!feed.Title().contains(QLatin1String("secret</")) && !feed.Title().contains(QLatin1String("the secret")));
+    feed.Save();
+    QVERIFY(!server.waitForNewConnection(20));
+}
+
+void tst_HostileFeeds::hugeDocumentsEndInAnAnswer_data()
+{
+    QTest::addColumn<QByteArray>("before");
+    QTest::addColumn<QByteArray>("repeated");
+    QTest::addColumn<int>("times");
+    QTest::addColumn<QByteArray>("after");
+    QTest::addColumn<int>("result");
+    const QByteArray head = "<rss version='2.0'><channel>";
+    const QByteArray tail = "</channel></rss>";
+    QTest::newRow("200,000 elements deep, never closed")
+        << head << QByteArray("<a>") << 200000 << QByteArray() << int(LoadNotAFeed);
+    QTest::newRow("200,000 elements deep, of other names")
+        << QByteArray() << QByteArray("<a><b>") << 100000 << QByteArray("</b></a>").repeated(100000)
+        << int(LoadNotAFeed);
+    QTest::newRow("a text of 100 MB") << QByteArray(head + "<title>") << QByteArray("0123456789") << 10000000
+                                      << QByteArray("</title>" + tail) << int(LoadOk);
+    QTest::newRow("an attribute of 20 MB") << QByteArray(head + "<item a='") << QByteArray("0123456789") << 2000000
+                                           << QByteArray("'/>" + tail) << int(LoadNotAFeed);
+    QTest::newRow("a comment of 20 MB") << QByteArray(head + "<!--") << QByteArray("0123456789") << 2000000
+                                        << QByteArray("-->" + tail) << int(LoadNotAFeed);
+    QTest::newRow("a name of 1 MB") << QByteArray(head + "<") << QByteArray("abcdefghij") << 100000
+                                    << QByteArray("/>" + tail) << int(LoadNotAFeed);
+    QTest::newRow("100,000 children of one item") << QByteArray(head + "<item>") << QByteArray("<category>c</category>")
+                                                  << 100000 << QByteArray("</item>" + tail) << int(LoadOk);
+    QTest::newRow("nothing but zero bytes")
+        << QByteArray() << QByteArray(10, '\0') << 1000000 << QByteArray() << int(LoadNotAFeed);
+}
+
+void tst_HostileFeeds::hugeDocumentsEndInAnAnswer()
+{
+    QFETCH(const QByteArray, before);
+    QFETCH(const QByteArray, repeated);
+    QFETCH(const int, times);
+    QFETCH(const QByteArray, after);
+    QFETCH(const int, result);
+    const QString path = write(before + repeated.repeated(times) + after);
+    QElapsedTimer timer;
+    timer.start();
+    CachedFeed feed;
+    QCOMPARE(static_cast<int>(feed.Load(path)), result);
+    for (int i = 0; i < 1000; ++i)
+        feed.ItemTitle(0);
+    feed.ItemCategory(0);
+    QVERIFY2(timer.elapsed() < 3000, qPrintable(QString::number(timer.elapsed())));
+}
+
+void tst_HostileFeeds::anyTruncationEndsInAnAnswer_data()
+{
+    QTest::addColumn<QString>("sample");
+    for (const char *name : {"rss091", "rss092", "rss20", "rdf10", "atom03"})
+        QTest::newRow(name) << QStringLiteral(SAMPLES_DIR "/") + QLatin1String(name) + QLatin1String(".xml");
+}
+
+void tst_HostileFeeds::anyTruncationEndsInAnAnswer()
+{
+    QFETCH(const QString, sample);
+    const QByteArray whole = Files::read(sample).bytes;
+    const qsizetype end = whole.lastIndexOf('>');
+    const QString path = write(whole);
+    for (qsizetype size = whole.size(); size >= 0; --size) {
+        QVERIFY(QFile::resize(path, size));
+        CachedFeed feed;
+        QCOMPARE(feed.Load(path), size > end ? LoadOk : LoadNotAFeed);
+    }
+}
+
+void tst_HostileFeeds::wrongEncodingsEndInAnAnswer_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    const auto declared = [](const char *encoding, const QByteArray &title) -> QByteArray {
+        return "<?xml version='1.0' encoding='" + QByteArray(encoding) + "'?>" + rss({}, title);
+    };
+    QTest::newRow("Latin-1 said to be UTF-8") << declared("UTF-8", "\xE9");
+    QTest::newRow("Latin-1 that says nothing") << rss({}, "\xE9");
+    QTest::newRow("an encoding that isn't") << declared("x-none", "t");
+    QTest::newRow("bytes said to be UTF-16") << declared("UTF-16", "t");
+    QTest::newRow("half a character") << declared("Shift_JIS", "\x93");
+    QTest::newRow("overlong UTF-8") << declared("UTF-8", "\xC0\xBC");
+    QTest::newRow("surrogates in UTF-8") << declared("UTF-8", "\xED\xA0\x80");
+    QTest::newRow("a control character") << declared("UTF-8", "\x01");
+    QTest::newRow("a reference to a control character") << declared("UTF-8", "&#1;");
+    QTest::newRow("a zero byte") << declared("UTF-8", QByteArray(1, '\0'));
+    QTest::newRow("odd number of bytes in UTF-16") << QByteArray("\xFF\xFE<\0r", 5);
+}
+
+void tst_HostileFeeds::wrongEncodingsEndInAnAnswer()
+{
+    QFETCH(const QByteArray, bytes);
+    CachedFeed feed;
+    QCOMPARE(feed.Load(write(bytes)), LoadNotAFeed);
+}
+
+void tst_HostileFeeds::deepMarkupInAnItemIsReadAndCarriedOver()
+{
+    // As deep as documents may be: entities nest what they hold beyond the bound on elements.
+    QByteArray type = "<!DOCTYPE rss [<!ENTITY e0 'x'>";
+    for (int i = 1; i <= 20; ++i)
+        type += "<!ENTITY e" + QByteArray::number(i) + " '" + QByteArray("<b>").repeated(200) + "&e" +
+                QByteArray::number(i - 1) + ";" + QByteArray("</b>").repeated(200) + "'>";
+    const QByteArray bytes = rss(type + "]>", "t", "<item><title>&e20;</title></item>");
+    CachedFeed feed;
+    if (feed.Load(write(bytes)) != LoadOk)
+        QCOMPARE(feed.ItemCount(), qint16(0)); // the library's own bound is as good an answer
+    const QByteArray shallow = rss({}, "t",
+                                   "<item><title>" + QByteArray("<b>").repeated(250) + "x" +
+                                       QByteArray("</b>").repeated(250) + "</title></item>");
+    CachedFeed source;
+    QCOMPARE(source.Load(write(shallow)), LoadOk);
+    const QString path = m_directory.filePath(QStringLiteral("store.xml"));
+    Files::write(path, rss({}, "store"));
+    CachedFeed store;
+    QCOMPARE(store.Load(path), LoadOk);
+    store.AddItem(source.GetItemNode(0));
+    if (feed.IsLoaded())
+        store.AddItem(feed.GetItemNode(0));
+    store.Save();
+    QCOMPARE(store.Load(path), LoadOk);
+    QCOMPARE(store.ItemTitle(0), source.ItemTitle(0));
+    QCOMPARE(source.ItemTitle(0).size(), qsizetype(250 * 7 + 1));
+}
+
+QTEST_GUILESS_MAIN(tst_HostileFeeds)
+#include "tst_HostileFeeds.moc"
