@@ -189,6 +189,11 @@ void FeedTreeView::startNodeDrag()
     setState(NoState);
 }
 
+bool FeedTreeView::carriesDraggedNode(const QMimeData &carried) const
+{
+    return m_draggedNode && carried.data(nodeMimeType) == m_draggedNode->key().toUtf8();
+}
+
 FeedTreeView::DropPlace FeedTreeView::dropPlace(const QPoint &position) const
 {
     const QModelIndex index = indexAt(position);
@@ -199,7 +204,7 @@ FeedTreeView::DropPlace FeedTreeView::dropPlace(const QPoint &position) const
 
 void FeedTreeView::dragEnterEvent(QDragEnterEvent *event)
 {
-    if (event->source() == this && event->mimeData()->hasFormat(nodeMimeType))
+    if (carriesDraggedNode(*event->mimeData()))
         event->acceptProposedAction();
     else
         event->ignore();
@@ -210,7 +215,7 @@ void FeedTreeView::dragMoveEvent(QDragMoveEvent *event)
     QTreeView::dragMoveEvent(event); // scrolls near the edges
     m_mark = dropPlace(event->position().toPoint());
     viewport()->update();
-    if (event->source() == this)
+    if (carriesDraggedNode(*event->mimeData()))
         event->acceptProposedAction();
     else
         event->ignore();
@@ -228,7 +233,7 @@ void FeedTreeView::dropEvent(QDropEvent *event)
     m_mark.reset();
     stopAutoScroll();
     viewport()->update();
-    if (event->source() != this || !event->mimeData()->hasFormat(nodeMimeType)) {
+    if (!carriesDraggedNode(*event->mimeData())) {
         event->ignore();
         return;
     }

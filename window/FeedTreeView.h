@@ -60,6 +60,7 @@ private:
     };
 
     FeedNodePtr nodeAt(const QPoint &position) const;
+    bool carriesDraggedNode(const QMimeData &carried) const;
     DropPlace dropPlace(const QPoint &position) const;
     void startNodeDrag();
     void makeSelectedCurrent();

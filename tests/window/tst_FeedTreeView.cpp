@@ -3,9 +3,10 @@
 #include "window/FeedTreeView.h"
 
 #include <QContextMenuEvent>
+#include <QDropEvent>
+#include <QMimeData>
 #include <QSignalSpy>
 #include <QTest>
-#include <QTimer>
 
 class tst_FeedTreeView : public QObject
 {
@@ -136,30 +137,31 @@ private Q_SLOTS:
         QVERIFY(m_view->isExpanded(m_tree.indexOf(node("1"))));
     }
 
-    void draggingANodeOntoTheUpperOrLowerHalfOfAnotherTellsTheSide_data()
+    void aDropTellsItsTargetAndTheSide_data()
     {
+        QTest::addColumn<QByteArray>("carried");
         QTest::addColumn<int>("offset");
-        QTest::addColumn<QString>("told");
-        QTest::newRow("upper half") << -4 << QStringLiteral("drop 4 1");
-        QTest::newRow("lower half") << 4 << QStringLiteral("drop 4 0");
+        QTest::addColumn<QStringList>("told");
+        QTest::newRow("upper half") << QByteArray("2") << -4 << QStringList(QStringLiteral("drop 4 1"));
+        QTest::newRow("lower half") << QByteArray("2") << 4 << QStringList(QStringLiteral("drop 4 0"));
+        QTest::newRow("no node there") << QByteArray("2") << 200 << QStringList(QStringLiteral("drop  0"));
+        QTest::newRow("not the dragged node") << QByteArray("3") << 4 << QStringList();
     }
 
-    void draggingANodeOntoTheUpperOrLowerHalfOfAnotherTellsTheSide()
+    void aDropTellsItsTargetAndTheSide()
     {
+        QFETCH(QByteArray, carried);
         QFETCH(int, offset);
         m_tree.select(node("3"));
-        QWindow *window = m_view->windowHandle();
-        const auto at = [&](const QPoint &place) { return m_view->viewport()->mapTo(m_view.get(), place); };
-        const QPoint from = placeOf("2");
-        const QPoint to = placeOf("4") + QPoint(0, offset);
-        // The drag holds this thread in a loop of its own; the pointer moves from within it.
-        QTimer::singleShot(50, window, [&] { QTest::mouseMove(window, at(to - QPoint(1, 0))); });
-        QTimer::singleShot(100, window, [&] { QTest::mouseMove(window, at(to)); });
-        QTimer::singleShot(150, window, [&] { QTest::mouseRelease(window, Qt::LeftButton, {}, at(to)); });
-        QTest::mousePress(window, Qt::LeftButton, {}, at(from));
-        QTest::mouseMove(window, at(from + QPoint(30, 0)));
-        QTRY_COMPARE(m_said.size(), 1);
-        QTEST(m_said.first(), "told");
+        QTest::mousePress(m_view->viewport(), Qt::LeftButton, {}, placeOf("2"));
+        QMimeData mime;
+        mime.setData(QStringLiteral("application/x-quillwire-node"), carried);
+        const QPointF place = placeOf("4") + QPoint(0, offset);
+        QDragEnterEvent enter(place.toPoint(), Qt::MoveAction, &mime, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(m_view->viewport(), &enter);
+        QDropEvent drop(place, Qt::MoveAction, &mime, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(m_view->viewport(), &drop);
+        QTEST(m_said, "told");
         QCOMPARE(m_tree.selected(), node("3")); // a drag neither clicks nor selects
     }
 };

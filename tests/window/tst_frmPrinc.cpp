@@ -479,6 +479,7 @@ private Q_SLOTS:
         m_f->adjustSettings = [](AppSettings &settings) {
             settings.rebarLayout.replace(QLatin1String("right=\"202\""), QLatin1String("right=\"60\""));
             settings.rebarLayout.replace(QLatin1String("left=\"206\""), QLatin1String("left=\"64\""));
+            settings.rebarLayout.replace(QLatin1String("MinWidth=\"94\""), QLatin1String("MinWidth=\"0\""));
         };
         m_f->start();
         QVERIFY(m_f->toolbar()->hasOverflow());
