@@ -76,7 +76,7 @@ void BrowserPane::Navigate(const QString &url)
         return;
     }
     d->pending = url;
-    if (isVisible())
+    if (isOnScreen())
         d->start(*this);
 }
 
@@ -119,12 +119,17 @@ bool BrowserPane::isAlive() const
     return d->engine != nullptr;
 }
 
+bool BrowserPane::isOnScreen() const
+{
+    return isVisible() && !window()->isMinimized();
+}
+
 void BrowserPane::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
     // Behind the first painting of the window.
     QTimer::singleShot(0, this, [this] {
-        if (!d->engine && !d->failed && isVisible() && !d->pending.isEmpty())
+        if (!d->engine && !d->failed && isOnScreen() && !d->pending.isEmpty())
             d->start(*this);
     });
 }

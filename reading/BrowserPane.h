@@ -71,6 +71,8 @@ protected:
     virtual QString askDownloadPath(const QString &proposed);
 
 private:
+    bool isOnScreen() const;
+
     struct Private;
     std::unique_ptr<Private> d;
 };
