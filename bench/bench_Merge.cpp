@@ -19,11 +19,12 @@ void mergeTenThousandIntoThirtyThousand(benchmark::State &state, const QString &
     const TemporaryDataDirectory folder;
     const QString storePath = folder.file(QStringLiteral("store.xml"));
     const QString freshPath = folder.file(QStringLiteral("fresh.xml"));
-    const QByteArray storeText =
-        FeedTexts::rss(QStringLiteral("T"), FeedTexts::titles(QStringLiteral("item"), 0, 30000));
-    const QByteArray freshText = FeedTexts::rss(QStringLiteral("T"), FeedTexts::titles(freshPrefix, 0, 10000));
-    Files::write(storePath, storeText);
-    Files::write(freshPath, freshText);
+    Files::write(storePath, FeedTexts::rss(QStringLiteral("T"), FeedTexts::titles(QStringLiteral("item"), 0, 30000)));
+    Files::write(freshPath, FeedTexts::rss(QStringLiteral("T"), FeedTexts::titles(freshPrefix, 0, 10000)));
+    CachedFeed marked; // a cache file bears the date of download of each item
+    marked.Load(storePath);
+    marked.Save();
+    const QByteArray storeText = Files::read(storePath).bytes;
     double loading = 0;
     double merging = 0;
     double saving = 0;

@@ -4,36 +4,48 @@
 #include "platform/Numbers.h"
 
 #include <QHash>
-#include <QSet>
 
 #include <limits>
 
 namespace {
 
-/// Adds the items of `fresh` whose titles `store` doesn't hold at that moment.
-qint16 addNewItems(const CachedFeed &fresh, CachedFeed &store)
+/// What is known of a title that the fresh document lists.
+struct ListedTitle
 {
-    // Each title with the lowest index of an item that bears it. An addition moves all of them up by one, and what
-    // moves past the last index that the document offers is no longer seen.
-    QHash<QString, qint32> stored;
-    const qint16 storedCount = store.ItemCount();
-    stored.reserve(storedCount);
-    for (qint16 i = 0; i < storedCount; ++i) {
-        const QString title = store.ItemTitle(i);
-        if (!stored.contains(title))
-            stored.insert(title, i);
+    qint32 storeIndex = -1; ///< the lowest index of an item of the store that bears it; -1 when there is none
+    bool added = false;
+};
+using ListedTitles = QHash<QString, ListedTitle>;
+
+ListedTitles listTitles(const CachedFeed &fresh, const CachedFeed &store)
+{
+    ListedTitles titles;
+    const qint16 freshCount = fresh.ItemCount();
+    titles.reserve(freshCount);
+    for (qint16 i = 0; i < freshCount; ++i)
+        titles.insert(fresh.ItemTitle(i), {});
+    const qint16 storeCount = store.ItemCount();
+    for (qint16 i = 0; i < storeCount; ++i) {
+        const auto listed = titles.find(store.ItemTitle(i));
+        if (listed != titles.end() && listed->storeIndex < 0)
+            listed->storeIndex = i;
     }
-    QSet<QString> added;
+    return titles;
+}
+
+/// Adds the items of `fresh` whose titles `store` doesn't hold at that moment.
+qint16 addNewItems(const CachedFeed &fresh, CachedFeed &store, ListedTitles &titles)
+{
     qint16 count = 0;
     const qint16 freshCount = fresh.ItemCount();
     for (qint16 i = 0; i < freshCount; ++i) {
-        const QString title = fresh.ItemTitle(i);
-        const auto known = stored.constFind(title);
-        const bool seen = known != stored.constEnd() && *known + count < std::numeric_limits<qint16>::max();
-        if (seen || added.contains(title))
+        ListedTitle &title = titles[fresh.ItemTitle(i)];
+        // An addition moves the items of the store up by one; what moves past the last index is no longer seen.
+        const bool stored = title.storeIndex >= 0 && title.storeIndex + count < std::numeric_limits<qint16>::max();
+        if (stored || title.added)
             continue;
         store.AddItem(fresh.GetItemNode(i));
-        added.insert(title);
+        title.added = true;
         ++count;
     }
     return count;
@@ -57,17 +69,12 @@ void markAgedItems(CachedFeed &store, qint16 days, QDate today)
     }
 }
 
-/// Takes out the deleted items that `fresh` no longer lists.
-void clearTombstones(const CachedFeed &fresh, CachedFeed &store)
+/// Takes out the deleted items that the fresh document no longer lists.
+void clearTombstones(CachedFeed &store, const ListedTitles &titles)
 {
-    QSet<QString> listed;
-    const qint16 freshCount = fresh.ItemCount();
-    listed.reserve(freshCount);
-    for (qint16 i = 0; i < freshCount; ++i)
-        listed.insert(fresh.ItemTitle(i));
     const qint16 count = store.ItemCount();
     for (qint16 i = 0; i < count; ++i)
-        if (store.IsItemDeleted(i) && !listed.contains(store.ItemTitle(i)))
+        if (store.IsItemDeleted(i) && !titles.contains(store.ItemTitle(i)))
             store.RemoveItem(i);
 }
 
@@ -86,12 +93,13 @@ bool ItemStore::ItemExists(qint16 index, const CachedFeed &source, const CachedF
 qint16 ItemStore::merge(const CachedFeed &fresh, CachedFeed &store, const QString &updatecache, QString &havecache,
                         QDate today)
 {
-    const qint16 count = addNewItems(fresh, store);
+    ListedTitles titles = listTitles(fresh, store);
+    const qint16 count = addNewItems(fresh, store, titles);
     if (havecache == u"0") {
         markAgedItems(store, Numbers::toInt16(updatecache), today);
         havecache = QStringLiteral("1");
     }
-    clearTombstones(fresh, store);
+    clearTombstones(store, titles);
     store.Save();
     return count;
 }
