@@ -2,75 +2,22 @@
 
 #include "controls/ImageList.h"
 #include "controls/OfficeXpStyle.h"
+#include "controls/ToolbarButton.h"
 #include "controls/cPopupMenu.h"
 
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMenuBar>
-#include <QMouseEvent>
 #include <QPainter>
 #include <QPointer>
 #include <QShortcut>
-#include <QStyleOptionToolButton>
+#include <QStyleOption>
 
 #include <algorithm>
-#include <functional>
 
 namespace {
 
 constexpr int separatorWidth = 8;
-
-/// A button whose arrow, if it has one, acts on its own: there is no menu behind it but an event.
-class ToolbarButton final : public QToolButton
-{
-public:
-    ToolbarButton(bool withArrow, std::function<void()> press, QWidget *parent)
-        : QToolButton(parent), m_press(std::move(press)), m_withArrow(withArrow)
-    {
-        setAutoRaise(true);
-        if (withArrow)
-            setPopupMode(QToolButton::MenuButtonPopup);
-    }
-
-    bool withArrow() const { return m_withArrow; }
-    void pressArrow() const { m_press(); }
-
-protected:
-    void mousePressEvent(QMouseEvent *event) override
-    {
-        if (m_withArrow && event->button() == Qt::LeftButton && arrowRect().contains(event->position().toPoint())) {
-            m_press();
-            return;
-        }
-        QToolButton::mousePressEvent(event);
-    }
-
-    void mouseDoubleClickEvent(QMouseEvent *event) override { mousePressEvent(event); }
-
-    void keyPressEvent(QKeyEvent *event) override
-    {
-        if (m_withArrow && (event->key() == Qt::Key_Down || event->key() == Qt::Key_F4)) {
-            m_press();
-            return;
-        }
-        if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
-            click();
-            return;
-        }
-        QToolButton::keyPressEvent(event);
-    }
-
-private:
-    QRect arrowRect() const
-    {
-        QStyleOptionToolButton option;
-        initStyleOption(&option);
-        return style()->subControlRect(QStyle::CC_ToolButton, &option, QStyle::SC_ToolButtonMenu, this);
-    }
-
-    std::function<void()> m_press;
-    bool m_withArrow;
-};
 
 class SeparatorLine final : public QWidget
 {
