@@ -121,6 +121,33 @@ frmPrinc::Surroundings surroundings(const DataDirectory &directory, AppSettings 
     return s;
 }
 
+/// Loads the form, shows it unless it is to start hidden, and runs the loop. A run-time error of the load is shown
+/// while the form still exists, as those of the loop are.
+int runForm(ErrorTrap &application, frmPrinc &form, const AppSettings &settings)
+{
+    application.setFreeze([&form] { form.abandon(); });
+    QObject::connect(&form, &frmPrinc::unloaded, &application, &QCoreApplication::quit, Qt::QueuedConnection);
+    QObject::connect(&application, &QGuiApplication::commitDataRequest, &form, [&form] { form.unload(); });
+    SignalWatch signalWatch;
+    QObject::connect(&signalWatch, &SignalWatch::endAsked, &form, &frmPrinc::postClose);
+    int code = 0;
+    try {
+        moveForm(form, settings);
+        form.load(commandLine());
+        if (!form.isUnloaded()) {
+            if (settings.startMode == QStringLiteral("Minimisé"))
+                form.hideToTray();
+            else
+                form.show();
+            code = QApplication::exec();
+        }
+    } catch (const RunTimeError &error) {
+        application.fail(error);
+    }
+    application.setFreeze({});
+    return code;
+}
+
 int runFirstInstance(ErrorTrap &application, InstanceLock &lock)
 {
     MessageBoxes messages;
@@ -139,21 +166,7 @@ int runFirstInstance(ErrorTrap &application, InstanceLock &lock)
         frmPrinc form(surroundings(directory, settings, settingsFile, messages, lock, created));
         created = &form;
         messages.setParentWindow(&form);
-        application.setFreeze([&form] { form.abandon(); });
-        QObject::connect(&form, &frmPrinc::unloaded, &application, &QCoreApplication::quit, Qt::QueuedConnection);
-        QObject::connect(&application, &QGuiApplication::commitDataRequest, &form, [&form] { form.unload(); });
-        SignalWatch signalWatch;
-        QObject::connect(&signalWatch, &SignalWatch::endAsked, &form, &frmPrinc::postClose);
-
-        moveForm(form, settings);
-        form.load(commandLine());
-        if (form.isUnloaded())
-            return 0;
-        if (settings.startMode == QStringLiteral("Minimisé"))
-            form.hideToTray();
-        else
-            form.show();
-        return QApplication::exec();
+        return runForm(application, form, settings);
     } catch (const RunTimeError &error) {
         application.fail(error);
         return 1;

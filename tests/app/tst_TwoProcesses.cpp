@@ -82,6 +82,21 @@ private Q_SLOTS:
         QVERIFY(m_data->read(QStringLiteral("params.xml")).contains("<start")); // written at the end of the run
     }
 
+    void aBrokenCatalogueEndsTheStartWithItsMessageAndSavesNothing()
+    {
+        m_data->write(QStringLiteral("feeds.xml"), "<favoris><feed");
+        const auto first = start();
+        QTRY_VERIFY_WITH_TIMEOUT(m_data->exists(QStringLiteral("params.xml")), 20000);
+        QTest::qWait(500); // the box stands and waits for its OK
+        QCOMPARE(first->state(), QProcess::Running);
+        first->terminate(); // no road out any more
+        QTest::qWait(200);
+        QVERIFY(!m_data->read(QStringLiteral("params.xml")).contains("<start"));
+        QCOMPARE(m_data->read(QStringLiteral("feeds.xml")), QByteArray("<favoris><feed"));
+        first->kill();
+        QVERIFY(ended(*first));
+    }
+
     void aSecondStartHandsItsTextOverUnchanged()
     {
         const QString feed = m_data->file(QStringLiteral("œuvre 日.rss"));
