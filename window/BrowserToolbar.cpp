@@ -87,11 +87,19 @@ void BrowserToolbar::handleButton(int index)
         m_p.reading.sendItemByMail(static_cast<qint16>(m_p.reading.selectedItem()));
         break;
     case 8:
-        m_p.browser.Navigate(m_p.current.document->ItemComments(static_cast<qint16>(m_p.reading.selectedItem())));
+        showComments(m_p.current.document->ItemComments(static_cast<qint16>(m_p.reading.selectedItem())));
         break;
     default: // the body of "browser_attachment" does nothing, only its arrow acts
         break;
     }
+}
+
+void BrowserToolbar::showComments(const QString &url)
+{
+    // A feed names this address: it leads to the web, or to nothing.
+    if (url.startsWith(QLatin1String("http://"), Qt::CaseInsensitive) ||
+        url.startsWith(QLatin1String("https://"), Qt::CaseInsensitive))
+        m_p.browser.Navigate(url);
 }
 
 void BrowserToolbar::handleDropDown(int index)

@@ -37,6 +37,7 @@ public:
 
 private:
     void handleButton(int index);
+    void showComments(const QString &url);
     void handleDropDown(int index);
     void handleAttachment(int index);
     void handleCommandState(int command, bool enable);
