@@ -31,8 +31,9 @@ void mergeTenThousandIntoThirtyThousand(benchmark::State &state, const QString &
     for (auto _ : state) {
         Files::write(storePath, storeText);
         const auto begin = std::chrono::steady_clock::now();
-        CachedFeed fresh;
-        CachedFeed store;
+        const Clock now = [moment = QDateTime::currentDateTime()] { return moment; }; // as an update does
+        CachedFeed fresh(now);
+        CachedFeed store(now);
         if (fresh.Load(freshPath) != LoadOk || store.Load(storePath) != LoadOk)
             state.SkipWithError("the files don't load");
         const auto loaded = std::chrono::steady_clock::now();

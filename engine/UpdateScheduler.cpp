@@ -168,21 +168,22 @@ void UpdateScheduler::handleDownloadComplete(qint32 status)
     if (m_stopped || !m_updateRunning)
         return;
     m_s.window.showProgress(false);
-    CachedFeed fresh(m_s.clock);
+    // One moment for all items of the update: asking the clock for each costs about as much as copying the item.
+    const Clock now = [moment = m_s.clock()] { return moment; };
+    CachedFeed fresh(now);
     if (status != 200 || fresh.Load(m_s.directory.file(QStringLiteral("tmpupd.xml"))) != LoadOk) {
         endUpdate(0);
         return;
     }
     const QString key = m_updatingNode->key();
     const QString cacheFile = m_s.directory.cacheFile(key);
-    CachedFeed store(m_s.clock);
+    CachedFeed store(now);
     // Without its cache file the feed stays in flight, and no other update begins until the program ends. So wanted.
     if (store.Load(cacheFile) != LoadOk)
         return;
     QString havecache = m_s.tables.havecache.Item(key);
     const QString before = havecache;
-    const qint16 newItems =
-        ItemStore::merge(fresh, store, m_s.tables.updatecache.Item(key), havecache, m_s.clock().date());
+    const qint16 newItems = ItemStore::merge(fresh, store, m_s.tables.updatecache.Item(key), havecache, now().date());
     if (havecache != before)
         m_s.tables.havecache.Replace(key, havecache);
 
