@@ -59,7 +59,8 @@ QSize UpDown::sizeHint() const
 
 bool UpDown::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched == m_buddy && event->type() == QEvent::KeyPress) {
+    // The type first: a box that is being destroyed still sends events, but is no text box any more.
+    if (event->type() == QEvent::KeyPress && watched == m_buddy) {
         const auto *key = static_cast<QKeyEvent *>(event);
         const bool plain = (key->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
         if (plain && (key->key() == Qt::Key_Up || key->key() == Qt::Key_Down)) {
