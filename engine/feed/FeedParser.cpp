@@ -136,23 +136,43 @@ XmlDocPtr FeedParser::parse(const QByteArray &bytes)
     return document;
 }
 
+bool FeedParser::holdsEveryCharacter(const xmlDoc *document)
+{
+    const auto *encoding = reinterpret_cast<const char *>(document->encoding);
+    return encoding == nullptr || qstrnicmp(encoding, "UTF-8", 5) == 0 || qstrnicmp(encoding, "UTF-16", 6) == 0;
+}
+
+static QByteArray withoutDeclaration(xmlDoc *document)
+{
+    QByteArray bytes;
+    return write(document, "UTF-8", XML_SAVE_NO_DECL, bytes) ? bytes : QByteArray();
+}
+
+static bool readsBack(xmlDoc *document, const QByteArray &written)
+{
+    const XmlDocPtr again = FeedParser::parse(written);
+    return again && withoutDeclaration(again.get()) == withoutDeclaration(document);
+}
+
 QByteArray FeedParser::toBytes(xmlDoc *document)
 {
     const Silence silence;
-    // Without a declared encoding the library would write every character beyond ASCII as a reference; such a document
-    // is UTF-8, so it is written as that, under a declaration that names no encoding either.
     const auto *encoding = reinterpret_cast<const char *>(document->encoding);
     QByteArray bytes;
-    if (encoding != nullptr) {
-        if (write(document, encoding, 0, bytes))
-            return bytes;
-        bytes.clear(); // an encoding that can be read but not written
-        if (write(document, "UTF-8", 0, bytes))
-            return bytes;
-    } else {
+    if (encoding == nullptr) {
+        // The library would write every character beyond ASCII as a reference; such a document is UTF-8, so it is
+        // written as that, under a declaration that names no encoding either.
         bytes = "<?xml version=\"1.0\"?>\n";
         if (write(document, "UTF-8", XML_SAVE_NO_DECL, bytes))
             return bytes;
+        throw RunTimeError::deviceError();
     }
+    // Other encodings lack characters, which can be written as references in texts but not in names; and some keep a
+    // state between characters, which the library loses, or map two ways. They are looked at again.
+    if (write(document, encoding, 0, bytes) && (holdsEveryCharacter(document) || readsBack(document, bytes)))
+        return bytes;
+    bytes.clear();
+    if (write(document, "UTF-8", 0, bytes))
+        return bytes;
     throw RunTimeError::deviceError();
 }

@@ -21,8 +21,12 @@ namespace FeedParser {
 /// Latin-1 entities of RSS 0.91's document type are known. Compressed bytes are not unpacked.
 XmlDocPtr parse(const QByteArray &bytes);
 
-/// The document in its own encoding, characters that it lacks as references. Throws RunTimeError::deviceError() when
-/// that can't be done.
+/// The document in its own encoding, characters that it lacks as references; in UTF-8, under a declaration that says
+/// so, where its own can't hold it so that it reads back. Throws RunTimeError::deviceError() when it can't be written
+/// at all.
 QByteArray toBytes(xmlDoc *document);
+
+/// True when the document's encoding lacks no character.
+bool holdsEveryCharacter(const xmlDoc *document);
 
 } // namespace FeedParser

@@ -1,7 +1,10 @@
 #include "engine/feed/ItemTransfer.h"
 
+#include "engine/feed/FeedParser.h"
 #include "engine/feed/ItemMarks.h"
 #include "engine/feed/ItemWriter.h"
+
+#include <libxml/parserInternals.h>
 
 #include <cstring>
 
@@ -103,6 +106,25 @@ void dropElementsOfUndeclaredPrefix(xmlNode *item)
     }
 }
 
+/// Lets CDATA be plain text: the document's encoding may lack some of its characters, and CDATA can't hold references.
+void dissolveCdata(xmlNode *top)
+{
+    xmlNode *node = top;
+    while (node != nullptr) {
+        if (node->type == XML_CDATA_SECTION_NODE) {
+            node->type = XML_TEXT_NODE;
+            node->name = xmlStringText;
+        }
+        if (node->type == XML_ELEMENT_NODE && node->children != nullptr) {
+            node = node->children;
+            continue;
+        }
+        while (node != top && node->next == nullptr)
+            node = node->parent;
+        node = node == top ? nullptr : node->next;
+    }
+}
+
 } // namespace
 
 xmlNode *ItemTransfer::copy(const xmlNode *item, const FeedFormat &format, const ChildElements &original,
@@ -113,6 +135,8 @@ xmlNode *ItemTransfer::copy(const xmlNode *item, const FeedFormat &format, const
         throw std::bad_alloc();
     ItemMarks::clear(result);
     dropElementsOfUndeclaredPrefix(result);
+    if (!FeedParser::holdsEveryCharacter(parent->doc))
+        dissolveCdata(result);
     enter(result);
     dropRepeatedDeclarations(result);
     keepOutOfDefaultNamespace(result);

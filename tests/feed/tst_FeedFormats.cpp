@@ -19,6 +19,8 @@ private Q_SLOTS:
     void documentsAreToldApart();
     void everyEncodingIsReadAndWrittenBack_data();
     void everyEncodingIsReadAndWrittenBack();
+    void anEncodingThatCannotHoldTheDocumentGivesWayToUtf8_data();
+    void anEncodingThatCannotHoldTheDocumentGivesWayToUtf8();
     void aFailedLoadLeavesNothingHeld();
     void indicesOutsideAreTolerated();
 
@@ -153,7 +155,7 @@ void tst_FeedFormats::everyEncodingIsReadAndWrittenBack()
     const QString otherPath = m_directory.filePath(QStringLiteral("other.xml"));
     Files::write(otherPath,
                  "<rss version='2.0'><channel><item><title>\xC3\xA9 \xE2\x82\xAC \xE6\x97\xA5 \xF0\x9F\x8C\x99"
-                 "</title></item></channel></rss>");
+                 "</title><description><![CDATA[\xE6\x97\xA5]]></description></item></channel></rss>");
     QCOMPARE(other.Load(otherPath), LoadOk);
     feed.AddItem(other.GetItemNode(0));
     feed.Save();
@@ -166,6 +168,35 @@ void tst_FeedFormats::everyEncodingIsReadAndWrittenBack()
     QCOMPARE(feed.Load(path), LoadOk);
     QCOMPARE(feed.Title(), expected);
     QCOMPARE(feed.ItemTitle(0), QStringLiteral("é € 日 🌙"));
+    QCOMPARE(feed.ItemDescription(0), QStringLiteral("日"));
+}
+
+void tst_FeedFormats::anEncodingThatCannotHoldTheDocumentGivesWayToUtf8_data()
+{
+    QTest::addColumn<QByteArray>("store");
+    QTest::newRow("a name that it lacks the characters of")
+        << QByteArray("<?xml version='1.0' encoding='ISO-8859-1'?><rss version='2.0'><channel/></rss>");
+    QTest::newRow("an encoding that isn't read as it is written")
+        << QByteArray("<?xml version='1.0' encoding='UTF-7'?><rss version='2.0'><channel/></rss>");
+}
+
+void tst_FeedFormats::anEncodingThatCannotHoldTheDocumentGivesWayToUtf8()
+{
+    QFETCH(const QByteArray, store);
+    const QString otherPath = m_directory.filePath(QStringLiteral("other.xml"));
+    Files::write(
+        otherPath,
+        "<rss version='2.0'><channel><item \xE6\x97\xA5='1'><title>\xE6\x97\xA5</title></item></channel></rss>");
+    CachedFeed other;
+    QCOMPARE(other.Load(otherPath), LoadOk);
+    const QString path = write(store);
+    CachedFeed feed;
+    QCOMPARE(feed.Load(path), LoadOk);
+    feed.AddItem(other.GetItemNode(0));
+    feed.Save();
+    QVERIFY(Files::read(path).bytes.startsWith("<?xml version=\"1.0\" encoding=\"UTF-8\"?>"));
+    QCOMPARE(feed.Load(path), LoadOk);
+    QCOMPARE(feed.ItemTitle(0), QStringLiteral("日"));
 }
 
 void tst_FeedFormats::aFailedLoadLeavesNothingHeld()

@@ -1,0 +1,124 @@
+#include "engine/feed/CachedFeed.h"
+#include "platform/DateText.h"
+#include "platform/Files.h"
+
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <vector>
+
+namespace {
+
+void require(bool holds)
+{
+    if (!holds)
+        std::abort();
+}
+
+/// A document of each format, as a place for the items of the document at hand.
+const QByteArray stores[] = {
+    "<rss version='0.91'><channel><item><title>old</title></item></channel></rss>",
+    "<?xml version='1.0' encoding='ISO-8859-1'?><rss version='0.92' xmlns='http://backend.userland.com/rss092' "
+    "xmlns:dc='urn:x'><channel/></rss>",
+    "<rss version='2.0' xmlns:dc='http://purl.org/dc/elements/1.1/' "
+    "xmlns:content='http://purl.org/rss/1.0/modules/content/' xmlns:a='urn:a'><channel/></rss>",
+    "<r:RDF xmlns:r='http://www.w3.org/1999/02/22-rdf-syntax-ns#' xmlns='http://purl.org/rss/1.0/'><channel/></r:RDF>",
+    "<feed version='0.3' xmlns='http://purl.org/atom/ns#'/>"};
+
+QString write(const QString &name, const QByteArray &bytes)
+{
+    static const QTemporaryDir folder(QStringLiteral("/dev/shm/quillwire-XXXXXX"));
+    const QString path = folder.filePath(name);
+    Files::write(path, bytes);
+    return path;
+}
+
+void readEveryField(const CachedFeed &feed)
+{
+    feed.HasDc();
+    feed.HasContent();
+    feed.Title();
+    feed.Link();
+    feed.Description();
+    feed.Language();
+    feed.Copyright();
+    feed.ManagingEditor();
+    feed.WebMaster();
+    feed.Ttl();
+    FeedImage image;
+    feed.GetImage(image);
+    for (int i = -1; i <= std::min<int>(feed.ItemCount(), 50); ++i) {
+        const auto index = static_cast<qint16>(i);
+        ItemSource source;
+        ItemEnclosure enclosure;
+        feed.ItemTitle(index);
+        feed.ItemLink(index);
+        feed.ItemDescription(index);
+        feed.GetItemSource(index, source);
+        feed.GetItemEnclosure(index, enclosure);
+        feed.ItemCategory(index);
+        feed.ItemAuthor(index);
+        feed.ItemComments(index);
+        feed.ItemPubDate(index);
+        feed.IsItemRead(index);
+        require(index < 0 || index >= feed.ItemCount() || DateText::isDate(feed.ItemDownloadDate(index)));
+    }
+}
+
+/// Saves `feed` and loads it again; titles and marks must be what they were.
+void requireTheSameAfterSaving(CachedFeed &feed, const QString &path)
+{
+    const qint16 count = feed.ItemCount();
+    std::vector<QString> titles;
+    for (qint16 i = 0; i < count; ++i)
+        titles.push_back(feed.ItemTitle(i));
+    const bool firstIsRead = feed.IsItemRead(0);
+    const bool lastIsDeleted = feed.IsItemDeleted(static_cast<qint16>(count - 1));
+    feed.Save();
+    require(feed.Load(path) == LoadOk);
+    require(feed.ItemCount() == count);
+    for (qint16 i = 0; i < count; ++i)
+        require(feed.ItemTitle(i) == titles[static_cast<std::size_t>(i)]);
+    require(feed.IsItemRead(0) == firstIsRead);
+    require(feed.IsItemDeleted(static_cast<qint16>(count - 1)) == lastIsDeleted);
+}
+
+} // namespace
+
+/// Any bytes as a feed: what loads is read, marked, carried over into a document of each format, and says the same
+/// after it was saved and loaded.
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
+{
+    const Clock clock = [] { return QDateTime(QDate(2004, 7, 1), QTime(12, 0)); };
+    const QString path = write(QStringLiteral("feed.xml"),
+                               QByteArray(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size)));
+    CachedFeed feed(clock);
+    if (feed.Load(path) != LoadOk)
+        return 0;
+    readEveryField(feed);
+    for (const QByteArray &bytes : stores) {
+        const QString storePath = write(QStringLiteral("store.xml"), bytes);
+        CachedFeed store(clock);
+        require(store.Load(storePath) == LoadOk);
+        const qint16 count = std::min<qint16>(feed.ItemCount(), 20);
+        for (qint16 i = 0; i < count; ++i) {
+            store.AddItem(feed.GetItemNode(i));
+            require(store.ItemTitle(i) == feed.ItemTitle(i));
+        }
+        requireTheSameAfterSaving(store, storePath);
+        readEveryField(store);
+    }
+    feed.SetItemRead(0, true);
+    feed.DeleteItem(static_cast<qint16>(feed.ItemCount() - 1));
+    requireTheSameAfterSaving(feed, path);
+    feed.AddItem(feed.GetItemNode(static_cast<qint16>(feed.ItemCount() - 1)));
+    requireTheSameAfterSaving(feed, path);
+    const qint16 before = feed.ItemCount();
+    feed.RemoveItem(1);
+    feed.Save();
+    require(feed.ItemCount() == (before > 1 ? before - 1 : before));
+    return 0;
+}
