@@ -76,8 +76,10 @@ public:
     FeedLoadResult Load(const QString &path);
 
     /// Writes the document back to the path of the last successful Load(), in one step, in its own encoding and with
-    /// all that this class doesn't know. Items taken out by RemoveItem() are dropped here. Does nothing when nothing is
-    /// held. Throws the RunTimeErrors of Files::write().
+    /// all that this class doesn't know. Items taken out by RemoveItem() are dropped here, and the indices behind
+    /// them move up. Items that bear no date of download are given the one that ItemDownloadDate() tells. Does nothing
+    /// when nothing is held. Throws the RunTimeErrors of Files::write(); the file is then unchanged, what is held stays
+    /// usable.
     void Save();
 
     bool IsLoaded() const;
@@ -102,7 +104,7 @@ public:
     /// Takes a copy of an item of another document into this one, without its marks and with now as date of download.
     /// An item of another format is carried over into this document's own format. Items added one after the other stand
     /// in front of those that were there before, in the order in which they were added: after n additions the item that
-    /// stood at index p stands at p + n.
+    /// stood at index p stands at p + n. A Save() ends such a run: what is added after it stands in front of all.
     void AddItem(const std::shared_ptr<const FeedItem> &node);
 
     QString ItemTitle(qint16 index) const;

@@ -2,6 +2,7 @@
 
 #include "engine/feed/ItemMarks.h"
 #include "engine/feed/ItemTransfer.h"
+#include "engine/feed/TreeWalk.h"
 #include "platform/DateText.h"
 
 #include <algorithm>
@@ -45,20 +46,9 @@ bool FeedDocument::isItem(const xmlNode *node) const
 
 bool FeedDocument::uses(Namespace kind) const
 {
-    const xmlNode *node = m_root;
-    while (node != nullptr) {
-        if (node->type == XML_ELEMENT_NODE) {
-            if (kindOf(node->ns) == kind)
-                return true;
-            if (node->children != nullptr) {
-                node = node->children;
-                continue;
-            }
-        }
-        while (node != m_root && node->next == nullptr)
-            node = node->parent;
-        node = node == m_root ? nullptr : node->next;
-    }
+    for (const xmlNode *node = m_root; node != nullptr; node = nextInTree(node, m_root))
+        if (node->type == XML_ELEMENT_NODE && kindOf(node->ns) == kind)
+            return true;
     return false;
 }
 

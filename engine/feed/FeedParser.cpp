@@ -1,10 +1,12 @@
 #include "engine/feed/FeedParser.h"
 
 #include "engine/feed/Latin1Entities.h"
+#include "engine/feed/TreeWalk.h"
 #include "platform/RunTimeError.h"
 
 #include <libxml/SAX2.h>
 #include <libxml/parser.h>
+#include <libxml/parserInternals.h>
 #include <libxml/xmlsave.h>
 
 #include <limits>
@@ -85,6 +87,37 @@ xmlEntity *findParameterEntity(void *context, const xmlChar *name)
     return nullptr;
 }
 
+/// Prefixes that are declared nowhere are borne with, since feeds have them. What else breaks the rules of namespaces,
+/// such as two colons in a name, has no form in the tree that could be written out again.
+void judgeError(void *context, xmlError *error)
+{
+    if (error->domain == XML_FROM_NAMESPACE && error->level >= XML_ERR_ERROR &&
+        error->code != XML_NS_ERR_UNDEFINED_NAMESPACE)
+        notesOf(static_cast<xmlParserCtxt *>(context)).refused = true;
+}
+
+/// What entities hold doesn't count against the bound on depth while it is parsed, but it does once it was written out
+/// in their place: such a document could be saved, but not read again.
+bool isTooDeep(const xmlDoc *document)
+{
+    if (document->intSubset == nullptr || document->intSubset->entities == nullptr)
+        return false;
+    const xmlNode *root = xmlDocGetRootElement(document);
+    unsigned depth = 1;
+    const xmlNode *node = root;
+    while (const xmlNode *next = nextInTree(node, root)) {
+        if (next->parent == node) {
+            if (++depth >= xmlParserMaxDepth)
+                return true;
+        } else {
+            for (const xmlNode *parent = node->parent; parent != next->parent; parent = parent->parent)
+                --depth;
+        }
+        node = next;
+    }
+    return false;
+}
+
 /// A document that begins with the byte order mark of UTF-16, declared or not, is written back as that.
 void noteByteOrderMark(xmlDoc *document, const QByteArray &bytes)
 {
@@ -123,6 +156,7 @@ XmlDocPtr FeedParser::parse(const QByteArray &bytes)
     parser->sax->getEntity = findEntity;
     parser->sax->getParameterEntity = findParameterEntity;
     parser->sax->externalSubset = nullptr;
+    parser->sax->serror = judgeError;
     constexpr int options =
         XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_NOENT | XML_PARSE_COMPACT;
     XmlDocPtr document(
@@ -130,7 +164,7 @@ XmlDocPtr FeedParser::parse(const QByteArray &bytes)
     // Where a bound is met the library may stop and still call what it has well-formed.
     const bool stopped = parser->disableSAX != 0 || parser->errNo == XML_ERR_NO_MEMORY;
     if (!document || parser->wellFormed == 0 || stopped || notes.refused ||
-        xmlDocGetRootElement(document.get()) == nullptr)
+        xmlDocGetRootElement(document.get()) == nullptr || isTooDeep(document.get()))
         return nullptr;
     noteByteOrderMark(document.get(), bytes);
     return document;

@@ -15,10 +15,11 @@ using XmlDocPtr = std::unique_ptr<xmlDoc, XmlDocDeleter>;
 /// Bytes of a feed into a tree and back.
 namespace FeedParser {
 
-/// The document, or null when the bytes aren't well-formed XML or go past the library's bounds (depth of 256 elements,
-/// names and attributes of a size that nobody writes, entities that multiply the document). Entities are resolved;
-/// those whose text lies outside the document are not declared, so that nothing but these bytes is read. The named
-/// Latin-1 entities of RSS 0.91's document type are known. Compressed bytes are not unpacked.
+/// The document, or null when the bytes aren't well-formed XML, break the rules of names with colons, or go past the
+/// library's bounds (depth of 256 elements, names and attributes of a size that nobody writes, entities that multiply
+/// the document). Entities are resolved; those whose text lies outside the document are not declared, so that nothing
+/// but these bytes is read. The named Latin-1 entities of RSS 0.91's document type are known. Compressed bytes are not
+/// unpacked.
 XmlDocPtr parse(const QByteArray &bytes);
 
 /// The document in its own encoding, characters that it lacks as references; in UTF-8, under a declaration that says

@@ -3,6 +3,7 @@
 #include "engine/feed/FeedParser.h"
 #include "engine/feed/ItemMarks.h"
 #include "engine/feed/ItemWriter.h"
+#include "engine/feed/TreeWalk.h"
 
 #include <libxml/parserInternals.h>
 
@@ -38,22 +39,14 @@ void takeOwnNamespace(xmlNode *item, Family family)
 /// Lets every element and attribute below that uses `from` use `to`.
 void replaceNamespace(xmlNode *top, const xmlNs *from, xmlNs *to)
 {
-    xmlNode *node = top;
-    while (node != nullptr) {
-        if (node->type == XML_ELEMENT_NODE) {
-            if (node->ns == from)
-                node->ns = to;
-            for (xmlAttr *attribute = node->properties; attribute != nullptr; attribute = attribute->next)
-                if (attribute->ns == from)
-                    attribute->ns = to;
-            if (node->children != nullptr) {
-                node = node->children;
-                continue;
-            }
-        }
-        while (node != top && node->next == nullptr)
-            node = node->parent;
-        node = node == top ? nullptr : node->next;
+    for (xmlNode *node = top; node != nullptr; node = nextInTree(node, top)) {
+        if (node->type != XML_ELEMENT_NODE)
+            continue;
+        if (node->ns == from)
+            node->ns = to;
+        for (xmlAttr *attribute = node->properties; attribute != nullptr; attribute = attribute->next)
+            if (attribute->ns == from)
+                attribute->ns = to;
     }
 }
 
@@ -109,19 +102,11 @@ void dropElementsOfUndeclaredPrefix(xmlNode *item)
 /// Lets CDATA be plain text: the document's encoding may lack some of its characters, and CDATA can't hold references.
 void dissolveCdata(xmlNode *top)
 {
-    xmlNode *node = top;
-    while (node != nullptr) {
+    for (xmlNode *node = top; node != nullptr; node = nextInTree(node, top)) {
         if (node->type == XML_CDATA_SECTION_NODE) {
             node->type = XML_TEXT_NODE;
             node->name = xmlStringText;
         }
-        if (node->type == XML_ELEMENT_NODE && node->children != nullptr) {
-            node = node->children;
-            continue;
-        }
-        while (node != top && node->next == nullptr)
-            node = node->parent;
-        node = node == top ? nullptr : node->next;
     }
 }
 

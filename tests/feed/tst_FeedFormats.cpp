@@ -85,6 +85,8 @@ void tst_FeedFormats::documentsAreToldApart_data()
     row("Latin-1 entity of another document type",
         "<!DOCTYPE rss SYSTEM 'other.dtd'><rss version='0.91'><channel><title>&eacute;</title></channel></rss>",
         LoadNotAFeed);
+    row("two colons in a name", "<rss version='2.0' xmlns:xmlns:a='urn:a'/>", LoadNotAFeed);
+    row("undeclared prefix", "<rss version='2.0' a:b='c'><d:e/></rss>", LoadOk);
     row("gzip", QByteArray::fromHex("1f8b08000000000000032b2a2e5628"), LoadNotAFeed);
     row("RSS of the future", "<rss version='3.0'/>", LoadBadVersion);
     row("RSS 0.93", "<rss version='0.93'><channel/></rss>", LoadBadVersion);

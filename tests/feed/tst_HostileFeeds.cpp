@@ -26,6 +26,8 @@ private Q_SLOTS:
     void wrongEncodingsEndInAnAnswer_data();
     void wrongEncodingsEndInAnAnswer();
     void deepMarkupInAnItemIsReadAndCarriedOver();
+    void whatEntitiesNestCanBeReadAgainOnceSaved_data();
+    void whatEntitiesNestCanBeReadAgainOnceSaved();
 
 private:
     QString write(const QByteArray &bytes) const
@@ -229,31 +231,41 @@ void tst_HostileFeeds::wrongEncodingsEndInAnAnswer()
 
 void tst_HostileFeeds::deepMarkupInAnItemIsReadAndCarriedOver()
 {
-    // As deep as documents may be: entities nest what they hold beyond the bound on elements.
-    QByteArray type = "<!DOCTYPE rss [<!ENTITY e0 'x'>";
-    for (int i = 1; i <= 20; ++i)
-        type += "<!ENTITY e" + QByteArray::number(i) + " '" + QByteArray("<b>").repeated(200) + "&e" +
-                QByteArray::number(i - 1) + ";" + QByteArray("</b>").repeated(200) + "'>";
-    const QByteArray bytes = rss(type + "]>", "t", "<item><title>&e20;</title></item>");
-    CachedFeed feed;
-    if (feed.Load(write(bytes)) != LoadOk)
-        QCOMPARE(feed.ItemCount(), qint16(0)); // the library's own bound is as good an answer
-    const QByteArray shallow = rss({}, "t",
-                                   "<item><title>" + QByteArray("<b>").repeated(250) + "x" +
-                                       QByteArray("</b>").repeated(250) + "</title></item>");
+    const QByteArray deep = QByteArray("<b>").repeated(250) + "x" + QByteArray("</b>").repeated(250);
     CachedFeed source;
-    QCOMPARE(source.Load(write(shallow)), LoadOk);
+    QCOMPARE(source.Load(write(rss({}, "t", "<item><title>" + deep + "</title></item>"))), LoadOk);
+    QCOMPARE(source.ItemTitle(0), QString::fromLatin1(deep));
     const QString path = m_directory.filePath(QStringLiteral("store.xml"));
     Files::write(path, rss({}, "store"));
     CachedFeed store;
     QCOMPARE(store.Load(path), LoadOk);
     store.AddItem(source.GetItemNode(0));
-    if (feed.IsLoaded())
-        store.AddItem(feed.GetItemNode(0));
     store.Save();
     QCOMPARE(store.Load(path), LoadOk);
     QCOMPARE(store.ItemTitle(0), source.ItemTitle(0));
-    QCOMPARE(source.ItemTitle(0).size(), qsizetype(250 * 7 + 1));
+}
+
+void tst_HostileFeeds::whatEntitiesNestCanBeReadAgainOnceSaved_data()
+{
+    QTest::addColumn<int>("depth");
+    QTest::addColumn<int>("result");
+    QTest::newRow("within the bound") << 120 << int(LoadOk);
+    QTest::newRow("past the bound") << 130 << int(LoadNotAFeed);
+}
+
+void tst_HostileFeeds::whatEntitiesNestCanBeReadAgainOnceSaved()
+{
+    QFETCH(const int, depth);
+    QFETCH(const int, result);
+    const QByteArray open = QByteArray("<b>").repeated(depth);
+    const QByteArray close = QByteArray("</b>").repeated(depth);
+    const QString path =
+        write(rss("<!DOCTYPE rss [<!ENTITY a '" + open + 'x' + close + "'><!ENTITY b '" + open + "&a;" + close + "'>]>",
+                  "<i/><u>&b;</u><i/>"));
+    CachedFeed feed;
+    QCOMPARE(static_cast<int>(feed.Load(path)), result);
+    feed.Save();
+    QCOMPARE(static_cast<int>(feed.Load(path)), result);
 }
 
 QTEST_GUILESS_MAIN(tst_HostileFeeds)
