@@ -132,6 +132,8 @@ void FeedOpener::handleDownloadProgress(double percent)
 
 void FeedOpener::handleDownloadComplete(qint32 status)
 {
+    if (status == Downloader::Cancelled) // another download took its place, and that one will tell how it ended
+        return;
     m_window.showProgress(false);
     switch (status) {
     case 200:

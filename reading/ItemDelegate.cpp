@@ -22,3 +22,10 @@ void ItemDelegate::initStyleOption(QStyleOptionViewItem *option, const QModelInd
     option->decorationAlignment = Qt::AlignCenter;
     option->decorationSize = option->decorationSize.boundedTo(option->rect.size());
 }
+
+QSize ItemDelegate::sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+    constexpr int air = 4; // pixels between the lines of two rows
+    const QSize size = QStyledItemDelegate::sizeHint(option, index);
+    return {size.width(), qMax(size.height(), option.fontMetrics.height() + air)};
+}
