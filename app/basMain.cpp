@@ -40,7 +40,6 @@ void nameApplication()
 {
     QCoreApplication::setApplicationName(QStringLiteral("quillwire"));
     QCoreApplication::setApplicationVersion(QStringLiteral("3.1.0"));
-    QGuiApplication::setApplicationDisplayName(QStringLiteral("Quillwire"));
     QGuiApplication::setDesktopFileName(QStringLiteral("quillwire"));
     QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/quillwire.svg")));
     QGuiApplication::setQuitOnLastWindowClosed(false);

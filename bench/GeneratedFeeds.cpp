@@ -1,5 +1,7 @@
 #include "bench/GeneratedFeeds.h"
 
+#include <QString> // with it come the operators of QByteArray
+
 #include <array>
 
 namespace {

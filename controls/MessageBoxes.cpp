@@ -34,7 +34,7 @@ Messages::Answer MessageBoxes::show(const Message &message)
     QWidget *parent = QApplication::activeModalWidget();
     QMessageBox box(parent ? parent : m_parent.data());
     box.setIcon(boxIcon(message.icon));
-    box.setWindowTitle(message.title.isEmpty() ? QGuiApplication::applicationDisplayName() : message.title);
+    box.setWindowTitle(message.title.isEmpty() ? QStringLiteral("Quillwire") : message.title);
     box.setTextFormat(Qt::PlainText); // texts carry titles of feeds, which must not act as markup
     box.setText(message.text);
     box.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
