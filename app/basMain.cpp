@@ -176,7 +176,6 @@ int runFirstInstance(ErrorTrap &application, InstanceLock &lock)
 
 int main(int argc, char *argv[])
 {
-    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts); // the browser engine, which starts later, needs it
     ErrorTrap application(argc, argv);
     nameApplication();
     QTranslator french;
