@@ -176,6 +176,9 @@ int runFirstInstance(ErrorTrap &application, InstanceLock &lock)
 
 int main(int argc, char *argv[])
 {
+    // Unless it is told so, the C library looks at the file of the time zone anew with each date that it converts.
+    if (!qEnvironmentVariableIsSet("TZ"))
+        qputenv("TZ", ":/etc/localtime");
     ErrorTrap application(argc, argv);
     nameApplication();
     QTranslator french;
