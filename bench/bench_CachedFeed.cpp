@@ -10,7 +10,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <ctime>
 #include <fstream>
 #include <functional>
@@ -50,16 +49,6 @@ qsizetype readEveryField(const CachedFeed &feed)
     return characters;
 }
 
-/// Processor time of the work, from a heap that has nothing left over from earlier work. Other programs don't disturb
-/// it.
-double secondsOf(const std::function<void()> &work)
-{
-    malloc_trim(0);
-    const std::clock_t begin = std::clock();
-    work();
-    return static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
-}
-
 /// A line of /proc/self/status, in kilobytes.
 long status(const std::string &field)
 {
@@ -70,28 +59,44 @@ long status(const std::string &field)
     return 0;
 }
 
-/// By how many kilobytes a process grows at most that does `work`; in a child, so that each starts alike.
-double peakOf(const std::function<void()> &work)
+struct Cost
+{
+    double seconds = std::numeric_limits<double>::max(); ///< processor time, so that other programs disturb little
+    double kilobytes = 0;                                ///< by how much the process grew at most
+};
+
+/// What `work` costs, in a process of its own, so that every piece of work begins alike.
+Cost costOf(const std::function<void()> &work)
 {
     int ends[2];
     if (pipe(ends) != 0)
-        return 0;
+        return {};
     malloc_trim(0);
     const pid_t child = fork();
     if (child == 0) {
         std::ofstream("/proc/self/clear_refs") << 5; // the peak starts from here
         const long before = status("VmRSS");
+        const std::clock_t begin = std::clock();
         work();
-        const long grown = status("VmHWM") - before;
-        _exit(write(ends[1], &grown, sizeof grown) == sizeof grown ? 0 : 1);
+        Cost cost;
+        cost.seconds = static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
+        cost.kilobytes = static_cast<double>(status("VmHWM") - before);
+        _exit(write(ends[1], &cost, sizeof cost) == sizeof cost ? 0 : 1);
     }
-    long grown = 0;
-    if (read(ends[0], &grown, sizeof grown) != sizeof grown)
-        grown = 0;
+    Cost cost;
+    if (read(ends[0], &cost, sizeof cost) != sizeof cost)
+        cost = {};
     waitpid(child, nullptr, 0);
     close(ends[0]);
     close(ends[1]);
-    return static_cast<double>(grown);
+    return cost;
+}
+
+/// The least of several rounds.
+void keepLeast(Cost &least, const Cost &cost)
+{
+    if (cost.seconds < least.seconds)
+        least = cost;
 }
 
 /// Loads a feed of so many items and reads every field of it, against the library's parse of the same bytes in the same
@@ -101,42 +106,34 @@ void loadAndRead(benchmark::State &state, Generator generate)
     const QTemporaryDir folder;
     const QString path = folder.filePath(QStringLiteral("feed.xml"));
     Files::write(path, generate(static_cast<int>(state.range(0))));
-    const double parsePeak = peakOf([&] {
-        const QByteArray bytes = Files::read(path).bytes;
-        benchmark::DoNotOptimize(parse(bytes));
-    });
-    const double loadPeak = peakOf([&] {
-        CachedFeed feed;
-        benchmark::DoNotOptimize(feed.Load(path));
-    });
-
-    double parsing = std::numeric_limits<double>::max(); // the least of all rounds, as for the others
-    double loading = parsing;
-    double reading = parsing;
-    for (auto _ : state) {
-        parsing = std::min(parsing, secondsOf([&] {
-                               const QByteArray bytes = Files::read(path).bytes;
-                               benchmark::DoNotOptimize(parse(bytes));
-                           }));
-        const double load = secondsOf([&] {
-            CachedFeed feed;
-            benchmark::DoNotOptimize(feed.Load(path));
-        });
-        loading = std::min(loading, load);
-        state.SetIterationTime(load);
-        CachedFeed feed;
-        if (feed.Load(path) != LoadOk || feed.ItemCount() != state.range(0))
-            state.SkipWithError("the feed doesn't load");
-        reading = std::min(reading, secondsOf([&] { benchmark::DoNotOptimize(readEveryField(feed)); }));
-    }
     CachedFeed feed;
+    if (feed.Load(path) != LoadOk || feed.ItemCount() != state.range(0))
+        state.SkipWithError("the feed doesn't load");
+    const Cost save = costOf([&] { feed.Save(); }); // a cache file bears the date of download of each item
     feed.Load(path);
-    const double saving = secondsOf([&] { feed.Save(); });
-    state.counters["load_to_parse"] = loading / parsing;
-    state.counters["fields_to_parse"] = reading / parsing;
-    state.counters["peak_to_parse"] = loadPeak / parsePeak;
-    state.counters["peak_MB"] = loadPeak / 1024;
-    state.counters["first_save_ms"] = 1000 * saving;
+
+    Cost parsing;
+    Cost loading;
+    Cost reading;
+    for (auto _ : state) {
+        keepLeast(parsing, costOf([&] {
+                      const QByteArray bytes = Files::read(path).bytes;
+                      benchmark::DoNotOptimize(parse(bytes));
+                  }));
+        const Cost load = costOf([&] {
+            CachedFeed fresh;
+            benchmark::DoNotOptimize(fresh.Load(path));
+        });
+        keepLeast(loading, load);
+        keepLeast(reading, costOf([&] { benchmark::DoNotOptimize(readEveryField(feed)); }));
+        state.SetIterationTime(load.seconds);
+    }
+    state.counters["load_to_parse"] = loading.seconds / parsing.seconds;
+    state.counters["fields_to_parse"] = reading.seconds / parsing.seconds;
+    state.counters["peak_to_parse"] = loading.kilobytes / parsing.kilobytes;
+    state.counters["peak_MB"] = loading.kilobytes / 1024;
+    state.counters["parse_ms"] = 1000 * parsing.seconds;
+    state.counters["save_ms"] = 1000 * save.seconds;
 }
 
 } // namespace
