@@ -18,7 +18,10 @@ QIcon ImageList::icon(int index) const
     const auto known = m_icons.constFind(index);
     if (known != m_icons.constEnd())
         return *known;
-    return *m_icons.insert(index, QIcon(u":/icons/" + *name + u".svg"));
+    const QString file = u":/icons/" + *name + u".svg";
+    QIcon icon(file);
+    icon.addFile(file, QSize(), QIcon::Selected); // as it is: tinted by the selection a blue picture would be gone
+    return *m_icons.insert(index, icon);
 }
 
 namespace {
