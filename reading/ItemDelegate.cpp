@@ -2,6 +2,12 @@
 
 #include "reading/ItemListModel.h"
 
+#include <QPainter>
+#include <QStyle>
+#include <QWidget>
+
+#include <utility>
+
 QString ItemDelegate::displayText(const QVariant &value, const QLocale &locale) const
 {
     constexpr qsizetype longestText = 1000;
@@ -12,15 +18,17 @@ QString ItemDelegate::displayText(const QVariant &value, const QLocale &locale) 
     return text;
 }
 
-void ItemDelegate::initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const
+void ItemDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
 {
-    QStyledItemDelegate::initStyleOption(option, index);
-    if (static_cast<ItemColumn>(index.column()) != ItemColumn::Read)
-        return;
-    option->features &= ~QStyleOptionViewItem::HasDisplay;
-    option->text.clear();
-    option->decorationAlignment = Qt::AlignCenter;
-    option->decorationSize = option->decorationSize.boundedTo(option->rect.size());
+    QStyleOptionViewItem item = option;
+    initStyleOption(&item, index);
+    const bool readMark = static_cast<ItemColumn>(index.column()) == ItemColumn::Read;
+    const QIcon picture = readMark ? std::exchange(item.icon, {}) : QIcon();
+    if (readMark)
+        item.text.clear();
+    item.widget->style()->drawControl(QStyle::CE_ItemViewItem, &item, painter, item.widget);
+    if (readMark) // without the margins of a text: the column is just as wide as its picture
+        picture.paint(painter, item.rect, Qt::AlignCenter, QIcon::Normal);
 }
 
 QSize ItemDelegate::sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const
