@@ -3,7 +3,7 @@
 #include <QString>
 #include <QStringList>
 
-/// Texts of the Desktop Entry Specification 1.5.
+/// Texts of the desktop entry format, version 1.5 (freedesktop.org).
 namespace DesktopEntry {
 
 /// The value of the key Exec that starts `program` with `arguments`, quoted and escaped, ready to stand in the file.
