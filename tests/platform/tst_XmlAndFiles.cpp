@@ -122,6 +122,12 @@ void XmlAndFilesTest::hostileDocumentsAreRefusedQuickly_data()
     }
     QTest::newRow("entities that multiply") << laughs + "]><a>&l11;</a>";
     QTest::newRow("entities that multiply in an attribute") << laughs + "]><a x=\"&l11;\"/>";
+    QByteArray nested = "<!DOCTYPE a [<!ENTITY % p0 \"<!ENTITY x 'y'>\">";
+    for (int i = 1; i < 30; ++i) {
+        const QByteArray inner = "&#37;p" + QByteArray::number(i - 1) + ";";
+        nested += "<!ENTITY % p" + QByteArray::number(i) + " \"" + inner.repeated(10) + "\">";
+    }
+    QTest::newRow("parameter entities that multiply") << nested + "%p29;]><a>&x;</a>";
     QTest::newRow("an entity that holds itself") << QByteArray("<!DOCTYPE a [<!ENTITY e \"&e;\">]><a>&e;</a>");
     QTest::newRow("elements 200,000 deep") << QByteArray("<a>").repeated(200000) + QByteArray("</a>").repeated(200000);
     QTest::newRow("a declared encoding that is none") << QByteArray("<?xml version=\"1.0\" encoding=\"X-?\"?><a/>");
