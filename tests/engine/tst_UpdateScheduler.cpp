@@ -7,7 +7,6 @@
 #include "tests/fixtures/FeedTexts.h"
 #include "tests/fixtures/TemporaryDataDirectory.h"
 
-#include <QSignalSpy>
 #include <QTest>
 
 #include <functional>
@@ -17,31 +16,348 @@ class UpdateSchedulerTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void anUpdateMergesAnnouncesAndReports();
-    void anUpdateThatCannotBeginReturnsWithoutAWord();
-    void failuresEndQuietlyAndCountAsUpdated_data();
-    void failuresEndQuietlyAndCountAsUpdated();
-    void aFeedWithoutItsCacheFileHangsTheUpdates();
-    void storedCredentialsAreDecipheredAndFeedAddressesResolved();
-    void theFeedOnShowIsSavedRefilledAndKeepsItsRow_data();
-    void theFeedOnShowIsSavedRefilledAndKeepsItsRow();
-    void theSelectionCountsAsItStandsAtTheEndOfTheDownload();
-    void aFeedIsDueOnlyAfterItsWholePeriod();
-    void numbersPastSixteenBitsRaiseAnError();
-    void allFeedsAreTakenInTheOrderOfTheTree();
-    void whatIsDeletedDuringAWaitIsPassedOver();
-    void aDeletedFeedInFlightEndsItsUpdate();
-    void entriesThatChangePlacesDuringAScanDoNoHarm();
-    void aTickBesideAnUpdateOfAllTakesWhatIsFree();
-    void closingTheWindowEndsEveryLoop();
-    void exactlyOneTimerRuns();
-    void aDayOfTwoHundredFeeds();
+    void init()
+    {
+        m_scheduler.reset();
+        m_catalogue.reset();
+        m_folder = std::make_unique<TemporaryDataDirectory>();
+        m_folder->write(u"feeds.xml"_qs, "<favoris/>");
+        m_downloader = std::make_unique<FakeDownloader>();
+        m_window = std::make_unique<FakeOpeningWindow>();
+        m_tree = std::make_unique<FeedTree>();
+        m_current = std::make_unique<CurrentFeed>();
+        m_settings = AppSettings();
+        m_settings.notifyNew = true;
+        m_now = QDateTime(QDate(2004, 7, 1), QTime(12, 0));
+        m_connected = true;
+        m_waits = 0;
+        m_duringWait = [this] { m_downloader->answer(); };
+        m_catalogue =
+            std::make_unique<FeedCatalogue>(m_folder->directory(), *m_tree, m_cipher, [this] { return m_now; });
+        m_catalogue->loadCatalogue();
+        const Wait wait = [this](int milliseconds) {
+            QCOMPARE(milliseconds, 100);
+            m_now = m_now.addMSecs(milliseconds);
+            ++m_waits;
+            m_duringWait();
+        };
+        m_scheduler = std::make_unique<UpdateScheduler>(UpdateScheduler::Surroundings{
+            m_folder->directory(), *m_tree, m_catalogue->tables, *m_current, m_settings, m_cipher, *m_downloader,
+            *m_window, [this] { return m_connected; }, [this] { return m_now; }, wait});
+    }
+
+    void anUpdateMergesAnnouncesAndReports()
+    {
+        addFeed(1, {u"a"_qs});
+        m_tree->select(nullptr);
+        m_scheduler->updateFeed(node(1));
+        QCOMPARE(node(1)->selectedImage(), NodeImage::FeedUpdating);
+        QVERIFY(m_scheduler->updateRunning() && m_window->progressVisible && !m_window->updateEnabled);
+        m_now = m_now.addSecs(300);
+        serve(1, {u"b"_qs, u"a"_qs, u"c"_qs});
+        m_downloader->answer();
+        QCOMPARE(node(1)->selectedImage(), NodeImage::Feed);
+        QVERIFY(!m_scheduler->updateRunning() && !m_window->progressVisible && m_window->updateEnabled);
+        QCOMPARE(storedItems(1), qint16(3));
+        QCOMPARE(m_window->statusTexts, (QStringList{u"Mise à jour de Feed 1"_qs,
+                                                     u"Mise à jour de Feed 1 terminée (2 nouveaux messages)"_qs}));
+        QCOMPARE(m_window->announcements, QStringList{u"Feed 1: 2"_qs});
+        QCOMPARE(m_catalogue->tables.updatedate.Item(u"1"_qs).date(), m_now);
+        QCOMPARE(m_catalogue->tables.havecache.Item(u"1"_qs), u"1"_qs);
+    }
+
+    void anUpdateThatCannotBeginReturnsWithoutAWord()
+    {
+        addFeed(1, {});
+        addFeed(2, {});
+        m_connected = false;
+        m_scheduler->updateFeed(node(1));
+        m_scheduler->updateAllFeeds();
+        m_connected = true;
+        m_scheduler->updateFeed(m_tree->root());
+        m_scheduler->updateFeed(nullptr);
+        QVERIFY(m_downloader->requests.empty());
+        m_scheduler->updateFeed(node(1));
+        m_scheduler->updateFeed(node(2)); // one is in flight
+        QCOMPARE(m_downloader->requests.size(), std::size_t(1));
+        QCOMPARE(m_window->statusTexts.size(), 1);
+        QCOMPARE(node(2)->image(), NodeImage::Feed);
+    }
+
+    void failuresEndQuietlyAndCountAsUpdated_data()
+    {
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QByteArray>("body");
+        QTest::newRow("host not found") << 3 << QByteArray();
+        QTest::newRow("authentication") << 4 << QByteArray();
+        QTest::newRow("not modified") << 304 << QByteArray();
+        QTest::newRow("not a feed") << 200 << QByteArray("<html>");
+    }
+
+    void failuresEndQuietlyAndCountAsUpdated()
+    {
+        QFETCH(int, status);
+        QFETCH(QByteArray, body);
+        addFeed(1, {u"a"_qs});
+        const QByteArray cache = m_folder->read(u"feeds/1.xml"_qs);
+        m_scheduler->updateFeed(node(1));
+        m_now = m_now.addSecs(120);
+        m_downloader->finish(status, body);
+        QCOMPARE(node(1)->image(), NodeImage::Feed);
+        QVERIFY(!m_scheduler->updateRunning() && m_window->updateEnabled);
+        QCOMPARE(m_window->statusTexts.back(), u"Mise à jour de Feed 1 terminée (0 nouveaux messages)"_qs);
+        QCOMPARE(m_catalogue->tables.updatedate.Item(u"1"_qs).date(), m_now);
+        QCOMPARE(m_catalogue->tables.havecache.Item(u"1"_qs), u"0"_qs);
+        QCOMPARE(m_folder->read(u"feeds/1.xml"_qs), cache);
+    }
+
+    void aFeedWithoutItsCacheFileHangsTheUpdates()
+    {
+        addFeed(1, {});
+        addFeed(2, {});
+        m_folder->write(u"feeds/1.xml"_qs, "<rss");
+        const QDateTime before = m_now;
+        m_scheduler->updateFeed(node(1));
+        m_now = m_now.addSecs(60);
+        m_downloader->answer();
+        QVERIFY(m_scheduler->updateRunning());
+        QVERIFY(!m_window->progressVisible);
+        QCOMPARE(node(1)->image(), NodeImage::FeedUpdating);
+        QCOMPARE(m_catalogue->tables.updatedate.Item(u"1"_qs).date(), before);
+        m_scheduler->updateFeed(node(2));
+        QCOMPARE(m_downloader->requests.size(), std::size_t(1));
+        m_duringWait = [this] { // the scan waits for ever; here until the window closes
+            if (m_waits == 1000)
+                m_scheduler->stop();
+        };
+        m_now = m_now.addSecs(7200);
+        m_scheduler->handleUpdateTick();
+        QCOMPARE(m_waits, 1000);
+        QCOMPARE(m_folder->read(u"feeds/1.xml"_qs), QByteArray("<rss"));
+    }
+
+    void storedCredentialsAreDecipheredAndFeedAddressesResolved()
+    {
+        addFeed(1, {});
+        node(1)->tag = u"feed://example.org/feed://"_qs;
+        m_catalogue->tables.usernames.Add(u"1"_qs, u"user"_qs);
+        m_catalogue->tables.passwords.Add(u"1"_qs, m_cipher.EncryptString(u"pässword"_qs, u"%%K9:Tm411"_qs, true));
+        m_scheduler->updateFeed(node(1));
+        QCOMPARE(m_downloader->requests[0].url, u"http://example.org/feed://"_qs);
+        QCOMPARE(m_downloader->requests[0].username, u"user"_qs);
+        QCOMPARE(m_downloader->requests[0].password, u"pässword"_qs);
+    }
+
+    void theFeedOnShowIsSavedRefilledAndKeepsItsRow_data()
+    {
+        QTest::addColumn<bool>("addressFeedShown");
+        QTest::addColumn<int>("row");
+        QTest::addColumn<int>("rowAfter");
+        QTest::newRow("row selected") << false << 5 << 8;
+        QTest::newRow("no row selected") << false << -1 << -1;
+        QTest::newRow("a feed of the address box on show") << true << 5 << 5;
+    }
+
+    void theFeedOnShowIsSavedRefilledAndKeepsItsRow()
+    {
+        QFETCH(bool, addressFeedShown);
+        QFETCH(int, row);
+        QFETCH(int, rowAfter);
+        addFeed(1, FeedTexts::titles(u"i"_qs, 0, 7));
+        m_tree->select(node(1));
+        QCOMPARE(m_current->document->Load(m_folder->cacheFile(u"1"_qs)), LoadOk);
+        m_current->addressFeedShown = addressFeedShown;
+        m_current->document->SetItemRead(0, true);
+        m_window->row = row;
+        m_window->onFill = [this] { QVERIFY(m_scheduler->updateRunning()); };
+        serve(1, FeedTexts::titles(u"new"_qs, 0, 3));
+        m_scheduler->updateFeed(node(1));
+        m_downloader->answer();
+        QCOMPARE(m_window->fills, addressFeedShown ? 0 : 1);
+        QCOMPARE(m_window->row, rowAfter);
+        QCOMPARE(m_current->document->ItemCount(), qint16(addressFeedShown ? 7 : 10));
+        CachedFeed stored;
+        QCOMPARE(stored.Load(m_folder->cacheFile(u"1"_qs)), LoadOk);
+        QCOMPARE(stored.IsItemRead(3), !addressFeedShown);
+    }
+
+    void aFeedIsDueOnlyAfterItsWholePeriod()
+    {
+        addFeed(1, {});
+        addFeed(2, {});
+        addFeed(3, {}, 0);
+        m_now = QDateTime(QDate(2004, 7, 1), QTime(14, 0, 59));
+        setUpdated(1, m_now.addSecs(-3600 - 59)); // 60 boundaries
+        setUpdated(2, m_now.addSecs(-3600 - 60)); // 61
+        setUpdated(3, m_now.addSecs(-59));        // none
+        m_scheduler->handleUpdateTick();
+        QCOMPARE(fetched(), QStringList{u"2"_qs});
+        QCOMPARE(m_waits, 2); // one before the update, one for it
+        m_now = QDateTime(QDate(2004, 7, 1), QTime(14, 2));
+        m_scheduler->handleUpdateTick();
+        QCOMPARE(fetched(), (QStringList{u"2"_qs, u"1"_qs, u"3"_qs}));
+    }
+
+    void numbersPastSixteenBitsRaiseAnError()
+    {
+        addFeed(1, {});
+        const auto errorOfTick = [this] {
+            try {
+                m_scheduler->handleUpdateTick();
+                return 0;
+            } catch (const RunTimeError &error) {
+                return error.number();
+            }
+        };
+        setUpdated(1, m_now.addSecs(-32768LL * 60));
+        QCOMPARE(errorOfTick(), RunTimeError::overflow().number());
+        setUpdated(1, m_now.addSecs(-32767LL * 60));
+        QCOMPARE(errorOfTick(), 0);
+        setUpdated(1, m_now.addYears(50));
+        QCOMPARE(errorOfTick(), RunTimeError::overflow().number());
+        setUpdated(1, m_now);
+        m_catalogue->tables.updatettl.Replace(u"1"_qs, u"32768"_qs);
+        QCOMPARE(errorOfTick(), RunTimeError::overflow().number());
+        m_catalogue->tables.updatettl.Replace(u"1"_qs, u"often"_qs);
+        QCOMPARE(errorOfTick(), RunTimeError::typeMismatch().number());
+        m_catalogue->tables.updatedate.Replace(u"1"_qs, UpdateDate(u"yesterday"_qs));
+        QCOMPARE(errorOfTick(), RunTimeError::typeMismatch().number());
+    }
+
+    void allFeedsAreTakenInTheOrderOfTheTree()
+    {
+        m_catalogue->createFolder(m_tree->root(), u"D"_qs); // 1
+        m_catalogue->createFolder(node(1), u"E"_qs);        // 2
+        addFeed(3, {});
+        m_tree->select(node(2));
+        addFeed(4, {});
+        m_tree->select(node(1));
+        addFeed(5, {});
+        bool nested = false;
+        m_duringWait = [&] {
+            QVERIFY(m_scheduler->updateAllRunning());
+            if (!nested)
+                m_scheduler->updateAllFeeds(); // does nothing while it runs
+            nested = true;
+            m_downloader->answer();
+            QVERIFY(!m_window->updateEnabled);
+        };
+        m_scheduler->updateAllFeeds();
+        QCOMPARE(fetched(), (QStringList{u"4"_qs, u"5"_qs, u"3"_qs}));
+        QCOMPARE(m_waits, 5 + 3); // one before each child, one for each update
+        QVERIFY(!m_scheduler->updateAllRunning() && m_window->updateEnabled);
+    }
+
+    void whatIsDeletedDuringAWaitIsPassedOver()
+    {
+        m_catalogue->createFolder(m_tree->root(), u"D"_qs); // 1
+        m_tree->select(node(1));
+        for (int key = 2; key <= 5; ++key)
+            addFeed(key, {});
+        m_tree->select(nullptr);
+        addFeed(6, {});
+        const FeedNodePtr folder = node(1);
+        m_duringWait = [&] {
+            m_downloader->answer();
+            if (fetched() == QStringList{u"2"_qs}) {
+                m_tree->remove(node(2)); // the one that was just updated: the next one isn't skipped
+                m_tree->remove(node(4));
+            } else if (fetched().endsWith(u"3"_qs)) {
+                m_tree->remove(folder); // the folder that the walk is in
+            }
+        };
+        m_scheduler->updateAllFeeds();
+        QCOMPARE(fetched(), (QStringList{u"2"_qs, u"3"_qs, u"6"_qs}));
+    }
+
+    void aDeletedFeedInFlightEndsItsUpdate()
+    {
+        addFeed(1, {});
+        addFeed(2, {});
+        m_tree->select(node(1));
+        m_scheduler->updateFeed(node(1));
+        m_tree->remove(node(1));
+        m_downloader->answer();
+        QVERIFY(!m_scheduler->updateRunning());
+        QCOMPARE(m_window->fills, 0);
+        QCOMPARE(m_window->statusTexts.back(), u"Mise à jour de Feed 1 terminée (0 nouveaux messages)"_qs);
+        m_now = m_now.addSecs(7200); // the tables keep the entry, and the scan visits it
+        m_scheduler->handleUpdateTick();
+        QCOMPARE(fetched(), (QStringList{u"1"_qs, u"2"_qs}));
+    }
+
+    void aTickBesideAnUpdateOfAllTakesWhatIsFree()
+    {
+        for (int key = 1; key <= 3; ++key)
+            addFeed(key, {});
+        m_now = m_now.addSecs(7200);
+        bool ticked = false;
+        m_duringWait = [&] {
+            if (!ticked && m_downloader->requests.size() == 1) {
+                ticked = true;
+                m_scheduler->handleUpdateTick(); // runs to its end within this wait
+            }
+            m_downloader->answer();
+        };
+        m_scheduler->updateAllFeeds();
+        QVERIFY(ticked && !m_scheduler->updateRunning());
+        // The first is fetched twice: it ended in the wait between being found due and being taken.
+        QCOMPARE(fetched().join(u' '), u"1 1 2 3 2 3"_qs);
+    }
+
+    void closingTheWindowEndsEveryLoop()
+    {
+        for (int key = 1; key <= 3; ++key)
+            addFeed(key, {});
+        const QByteArray cache = m_folder->read(u"feeds/1.xml"_qs);
+        serve(1, {u"late"_qs});
+        m_duringWait = [&] {
+            if (m_waits == 5)
+                m_scheduler->stop();
+            QVERIFY(m_waits <= 5);
+        };
+        m_scheduler->start(true);
+        m_scheduler->handleGlobalUpdateTick();
+        QCOMPARE(m_downloader->requests.size(), std::size_t(1));
+        const qsizetype texts = m_window->statusTexts.size();
+        m_downloader->answer(); // the end of a download that nothing waited for
+        QCOMPARE(m_folder->read(u"feeds/1.xml"_qs), cache);
+        QCOMPARE(m_window->statusTexts.size(), texts);
+        m_scheduler->updateFeed(node(2));
+        m_scheduler->updateAllFeeds();
+        m_scheduler->start(false);
+        QCOMPARE(m_downloader->requests.size(), std::size_t(1));
+        for (const QTimer *timer : m_scheduler->findChildren<QTimer *>())
+            QVERIFY(!timer->isActive());
+    }
+
+    void exactlyOneTimerRuns()
+    {
+        const auto intervals = [this] {
+            QList<int> active;
+            for (const QTimer *timer : m_scheduler->findChildren<QTimer *>())
+                if (timer->isActive())
+                    active.append(timer->interval());
+            return active;
+        };
+        m_scheduler->start(true);
+        QCOMPARE(intervals(), QList<int>{1000});
+        addFeed(1, {});
+        m_duringWait = [&] {
+            QCOMPARE(intervals(), QList<int>()); // off during its own tick
+            m_downloader->answer();
+        };
+        m_scheduler->handleGlobalUpdateTick();
+        m_now = m_now.addSecs(7200);
+        m_scheduler->handleUpdateTick();
+        QCOMPARE(intervals(), QList<int>{60000});
+        QCOMPARE(m_downloader->requests.size(), std::size_t(2));
+    }
 
 private:
     void addFeed(int key, const QStringList &items, int ttl = 60)
     {
-        m_folder->write(QStringLiteral("tmp.xml"), FeedTexts::rss(QStringLiteral("Feed"), items));
+        m_folder->write(u"tmp.xml"_qs, FeedTexts::rss(u"Feed"_qs, items));
         m_catalogue->addFeed({name(key), QString::number(ttl), address(key), {}, {}});
         QCOMPARE(m_tree->find(QString::number(key))->tag, address(key));
         serve(key, items);
@@ -50,8 +366,8 @@ private:
     {
         m_downloader->pages[address(key)] = FeedTexts::rss(name(key), items);
     }
-    static QString name(int key) { return QStringLiteral("Feed %1").arg(key); }
-    static QString address(int key) { return QStringLiteral("http://example.org/%1").arg(key); }
+    static QString name(int key) { return u"Feed %1"_qs.arg(key); }
+    static QString address(int key) { return u"http://example.org/%1"_qs.arg(key); }
     FeedNodePtr node(int key) const { return m_tree->find(QString::number(key)); }
     QStringList fetched() const
     {
@@ -84,431 +400,6 @@ private:
     int m_waits = 0;
     std::function<void()> m_duringWait; ///< what happens in a wait; by default the running download is answered
 };
-
-void UpdateSchedulerTest::init()
-{
-    m_scheduler.reset();
-    m_catalogue.reset();
-    m_folder = std::make_unique<TemporaryDataDirectory>();
-    m_folder->write(QStringLiteral("feeds.xml"), "<favoris/>");
-    m_downloader = std::make_unique<FakeDownloader>();
-    m_window = std::make_unique<FakeOpeningWindow>();
-    m_tree = std::make_unique<FeedTree>();
-    m_current = std::make_unique<CurrentFeed>();
-    m_settings = AppSettings();
-    m_settings.notifyNew = true;
-    m_now = QDateTime(QDate(2004, 7, 1), QTime(12, 0));
-    m_connected = true;
-    m_waits = 0;
-    m_duringWait = [this] { m_downloader->answer(); };
-    m_catalogue = std::make_unique<FeedCatalogue>(m_folder->directory(), *m_tree, m_cipher, [this] { return m_now; });
-    m_catalogue->loadCatalogue();
-    const Wait wait = [this](int milliseconds) {
-        QCOMPARE(milliseconds, 100);
-        m_now = m_now.addMSecs(milliseconds);
-        ++m_waits;
-        m_duringWait();
-    };
-    m_scheduler = std::make_unique<UpdateScheduler>(UpdateScheduler::Surroundings{
-        m_folder->directory(), *m_tree, m_catalogue->tables, *m_current, m_settings, m_cipher, *m_downloader, *m_window,
-        [this] { return m_connected; }, [this] { return m_now; }, wait});
-}
-
-void UpdateSchedulerTest::anUpdateMergesAnnouncesAndReports()
-{
-    addFeed(1, {QStringLiteral("a")});
-    m_tree->select(nullptr);
-    m_scheduler->updateFeed(node(1));
-    QCOMPARE(node(1)->image(), NodeImage::FeedUpdating);
-    QCOMPARE(node(1)->selectedImage(), NodeImage::FeedUpdating);
-    QVERIFY(m_scheduler->updateRunning() && m_window->progressVisible && !m_window->updateEnabled);
-    QCOMPARE(m_downloader->requests[0].url, address(1));
-    QCOMPARE(m_downloader->requests[0].destination, m_folder->file(QStringLiteral("tmpupd.xml")));
-    Q_EMIT m_downloader->DownloadProgress(12.5);
-    QCOMPARE(m_window->progress, 12);
-
-    m_now = m_now.addSecs(300);
-    serve(1, {QStringLiteral("b"), QStringLiteral("a"), QStringLiteral("c")});
-    m_downloader->answer();
-    QCOMPARE(node(1)->image(), NodeImage::Feed);
-    QCOMPARE(node(1)->selectedImage(), NodeImage::Feed);
-    QVERIFY(!m_scheduler->updateRunning() && !m_window->progressVisible && m_window->updateEnabled);
-    QCOMPARE(storedItems(1), qint16(3));
-    QCOMPARE(m_window->statusTexts,
-             (QStringList{QStringLiteral("Mise à jour de Feed 1"),
-                          QStringLiteral("Mise à jour de Feed 1 terminée (2 nouveaux messages)")}));
-    QCOMPARE(m_window->announcements, QStringList{QStringLiteral("Feed 1: 2")});
-    QCOMPARE(m_catalogue->tables.updatedate.Item(QStringLiteral("1")).date(), m_now);
-    QCOMPARE(m_catalogue->tables.havecache.Item(QStringLiteral("1")), QStringLiteral("1"));
-    QCOMPARE(m_window->fills, 0);
-
-    m_settings.notifyNew = false;
-    serve(1, {QStringLiteral("d")});
-    m_scheduler->updateFeed(node(1));
-    m_downloader->answer();
-    QCOMPARE(m_window->announcements.size(), 1);
-}
-
-void UpdateSchedulerTest::anUpdateThatCannotBeginReturnsWithoutAWord()
-{
-    addFeed(1, {});
-    addFeed(2, {});
-    m_connected = false;
-    m_scheduler->updateFeed(node(1));
-    m_scheduler->updateAllFeeds();
-    m_connected = true;
-    m_scheduler->updateFeed(m_tree->root());
-    m_scheduler->updateFeed(nullptr);
-    QVERIFY(m_downloader->requests.empty());
-    m_scheduler->updateFeed(node(1));
-    m_scheduler->updateFeed(node(2)); // one is in flight
-    QCOMPARE(m_downloader->requests.size(), std::size_t(1));
-    QCOMPARE(m_window->statusTexts.size(), 1);
-    QCOMPARE(node(2)->image(), NodeImage::Feed);
-}
-
-void UpdateSchedulerTest::failuresEndQuietlyAndCountAsUpdated_data()
-{
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QByteArray>("body");
-    QTest::newRow("host not found") << 3 << QByteArray();
-    QTest::newRow("authentication") << 4 << QByteArray();
-    QTest::newRow("not found") << 404 << QByteArray();
-    QTest::newRow("not modified") << 304 << QByteArray();
-    QTest::newRow("not a feed") << 200 << QByteArray("<html>");
-    QTest::newRow("another version") << 200 << QByteArray("<rss version='9'/>");
-}
-
-void UpdateSchedulerTest::failuresEndQuietlyAndCountAsUpdated()
-{
-    QFETCH(int, status);
-    QFETCH(QByteArray, body);
-    addFeed(1, {QStringLiteral("a")});
-    const QByteArray cache = m_folder->read(QStringLiteral("feeds/1.xml"));
-    m_scheduler->updateFeed(node(1));
-    m_now = m_now.addSecs(120);
-    m_downloader->finish(status, body);
-    QCOMPARE(node(1)->image(), NodeImage::Feed);
-    QVERIFY(!m_scheduler->updateRunning() && m_window->updateEnabled);
-    QCOMPARE(m_window->statusTexts.back(), QStringLiteral("Mise à jour de Feed 1 terminée (0 nouveaux messages)"));
-    QCOMPARE(m_catalogue->tables.updatedate.Item(QStringLiteral("1")).date(), m_now);
-    QCOMPARE(m_catalogue->tables.havecache.Item(QStringLiteral("1")), QStringLiteral("0"));
-    QCOMPARE(m_folder->read(QStringLiteral("feeds/1.xml")), cache);
-}
-
-void UpdateSchedulerTest::aFeedWithoutItsCacheFileHangsTheUpdates()
-{
-    addFeed(1, {});
-    addFeed(2, {});
-    m_folder->write(QStringLiteral("feeds/1.xml"), "<rss");
-    const QDateTime before = m_now;
-    m_scheduler->updateFeed(node(1));
-    m_now = m_now.addSecs(60);
-    m_downloader->answer();
-    QVERIFY(m_scheduler->updateRunning());
-    QVERIFY(!m_window->progressVisible);
-    QCOMPARE(node(1)->image(), NodeImage::FeedUpdating);
-    QCOMPARE(m_catalogue->tables.updatedate.Item(QStringLiteral("1")).date(), before);
-    m_scheduler->updateFeed(node(2));
-    QCOMPARE(m_downloader->requests.size(), std::size_t(1));
-    m_duringWait = [this] { // the scan waits for ever; here until the window closes
-        if (m_waits == 1000)
-            m_scheduler->stop();
-    };
-    m_now = m_now.addSecs(7200);
-    m_scheduler->handleUpdateTick();
-    QCOMPARE(m_waits, 1000);
-    QCOMPARE(m_folder->read(QStringLiteral("feeds/1.xml")), QByteArray("<rss"));
-}
-
-void UpdateSchedulerTest::storedCredentialsAreDecipheredAndFeedAddressesResolved()
-{
-    addFeed(1, {});
-    node(1)->tag = QStringLiteral("feed://example.org/feed://");
-    m_catalogue->tables.usernames.Add(QStringLiteral("1"), QStringLiteral("user"));
-    const QString enciphered = m_cipher.EncryptString(QStringLiteral("pässword"), QStringLiteral("%%K9:Tm411"), true);
-    m_catalogue->tables.passwords.Add(QStringLiteral("1"), enciphered);
-    m_scheduler->updateFeed(node(1));
-    QCOMPARE(m_downloader->requests[0].url, QStringLiteral("http://example.org/feed://"));
-    QCOMPARE(m_downloader->requests[0].username, QStringLiteral("user"));
-    QCOMPARE(m_downloader->requests[0].password, QStringLiteral("pässword"));
-    QCOMPARE(m_catalogue->tables.passwords.Item(QStringLiteral("1")), enciphered);
-    m_downloader->finish(404);
-    node(1)->tag = QStringLiteral("feed:x"); // no other form is treated
-    m_scheduler->updateFeed(node(1));
-    QCOMPARE(m_downloader->requests[1].url, QStringLiteral("feed:x"));
-}
-
-void UpdateSchedulerTest::theFeedOnShowIsSavedRefilledAndKeepsItsRow_data()
-{
-    QTest::addColumn<bool>("addressFeedShown");
-    QTest::addColumn<int>("row");
-    QTest::addColumn<int>("rowAfter");
-    QTest::newRow("row selected") << false << 5 << 8;
-    QTest::newRow("no row selected") << false << -1 << -1;
-    QTest::newRow("a feed of the address box on show") << true << 5 << 5;
-}
-
-void UpdateSchedulerTest::theFeedOnShowIsSavedRefilledAndKeepsItsRow()
-{
-    QFETCH(bool, addressFeedShown);
-    QFETCH(int, row);
-    QFETCH(int, rowAfter);
-    addFeed(1, FeedTexts::titles(QStringLiteral("i"), 0, 7));
-    m_tree->select(node(1));
-    QCOMPARE(m_current->document->Load(m_folder->cacheFile(QStringLiteral("1"))), LoadOk);
-    m_current->addressFeedShown = addressFeedShown;
-    m_current->document->SetItemRead(0, true);
-    m_window->row = row;
-    m_window->onFill = [this] { QVERIFY(m_scheduler->updateRunning()); };
-    serve(1, FeedTexts::titles(QStringLiteral("new"), 0, 3));
-    m_scheduler->updateFeed(node(1));
-    m_downloader->answer();
-    QCOMPARE(m_window->fills, addressFeedShown ? 0 : 1);
-    QCOMPARE(m_window->row, rowAfter);
-    QCOMPARE(m_current->document->ItemCount(), qint16(addressFeedShown ? 7 : 10));
-    CachedFeed stored;
-    QCOMPARE(stored.Load(m_folder->cacheFile(QStringLiteral("1"))), LoadOk);
-    QCOMPARE(stored.IsItemRead(3), !addressFeedShown);
-}
-
-void UpdateSchedulerTest::theSelectionCountsAsItStandsAtTheEndOfTheDownload()
-{
-    addFeed(1, {QStringLiteral("a")});
-    addFeed(2, {QStringLiteral("x")});
-    m_tree->select(node(2));
-    m_current->document->Load(m_folder->cacheFile(QStringLiteral("2")));
-    m_scheduler->updateFeed(node(1));
-    m_tree->select(node(1));
-    m_downloader->answer();
-    QCOMPARE(m_window->fills, 1);
-    QCOMPARE(m_current->document->ItemTitle(0), QStringLiteral("a"));
-}
-
-void UpdateSchedulerTest::aFeedIsDueOnlyAfterItsWholePeriod()
-{
-    addFeed(1, {});
-    addFeed(2, {});
-    addFeed(3, {}, 0);
-    m_now = QDateTime(QDate(2004, 7, 1), QTime(14, 0, 59));
-    setUpdated(1, m_now.addSecs(-3600 - 59)); // 60 boundaries
-    setUpdated(2, m_now.addSecs(-3600 - 60)); // 61
-    setUpdated(3, m_now.addSecs(-59));        // none
-    m_scheduler->handleUpdateTick();
-    QCOMPARE(fetched(), QStringList{QStringLiteral("2")});
-    QCOMPARE(m_waits, 2); // one before the update, one for it
-    m_now = QDateTime(QDate(2004, 7, 1), QTime(14, 2));
-    m_scheduler->handleUpdateTick();
-    QCOMPARE(fetched(), (QStringList{QStringLiteral("2"), QStringLiteral("1"), QStringLiteral("3")}));
-}
-
-void UpdateSchedulerTest::numbersPastSixteenBitsRaiseAnError()
-{
-    addFeed(1, {});
-    const auto errorOfTick = [this] {
-        try {
-            m_scheduler->handleUpdateTick();
-            return 0;
-        } catch (const RunTimeError &error) {
-            return error.number();
-        }
-    };
-    setUpdated(1, m_now.addSecs(-32768LL * 60));
-    QCOMPARE(errorOfTick(), RunTimeError::overflow().number());
-    setUpdated(1, m_now.addSecs(-32767LL * 60));
-    QCOMPARE(errorOfTick(), 0);
-    setUpdated(1, m_now.addYears(50));
-    QCOMPARE(errorOfTick(), RunTimeError::overflow().number());
-    setUpdated(1, m_now);
-    m_catalogue->tables.updatettl.Replace(QStringLiteral("1"), QStringLiteral("32768"));
-    QCOMPARE(errorOfTick(), RunTimeError::overflow().number());
-    m_catalogue->tables.updatettl.Replace(QStringLiteral("1"), QStringLiteral("often"));
-    QCOMPARE(errorOfTick(), RunTimeError::typeMismatch().number());
-    m_catalogue->tables.updatedate.Replace(QStringLiteral("1"), UpdateDate(QStringLiteral("yesterday")));
-    QCOMPARE(errorOfTick(), RunTimeError::typeMismatch().number());
-}
-
-void UpdateSchedulerTest::allFeedsAreTakenInTheOrderOfTheTree()
-{
-    m_catalogue->createFolder(m_tree->root(), QStringLiteral("D")); // 1
-    m_catalogue->createFolder(node(1), QStringLiteral("E"));        // 2
-    addFeed(3, {});
-    m_tree->select(node(2));
-    addFeed(4, {});
-    m_tree->select(node(1));
-    addFeed(5, {});
-    bool nested = false;
-    m_duringWait = [&] {
-        QVERIFY(m_scheduler->updateAllRunning());
-        if (!nested)
-            m_scheduler->updateAllFeeds(); // does nothing while it runs
-        nested = true;
-        m_downloader->answer();
-        QVERIFY(!m_window->updateEnabled);
-    };
-    m_scheduler->updateAllFeeds();
-    QCOMPARE(fetched(), (QStringList{QStringLiteral("4"), QStringLiteral("5"), QStringLiteral("3")}));
-    QCOMPARE(m_waits, 5 + 3); // one before each child, one for each update
-    QVERIFY(!m_scheduler->updateAllRunning() && m_window->updateEnabled);
-}
-
-void UpdateSchedulerTest::whatIsDeletedDuringAWaitIsPassedOver()
-{
-    m_catalogue->createFolder(m_tree->root(), QStringLiteral("D")); // 1
-    m_tree->select(node(1));
-    for (int key = 2; key <= 5; ++key)
-        addFeed(key, {});
-    m_tree->select(nullptr);
-    addFeed(6, {});
-    const FeedNodePtr folder = node(1);
-    m_duringWait = [&] {
-        m_downloader->answer();
-        if (fetched() == QStringList{QStringLiteral("2")}) {
-            m_tree->remove(node(2)); // the one that was just updated: the next one isn't skipped
-            m_tree->remove(node(4));
-        } else if (fetched().endsWith(QStringLiteral("3"))) {
-            m_tree->remove(folder); // the folder that the walk is in
-        }
-    };
-    m_scheduler->updateAllFeeds();
-    QCOMPARE(fetched(), (QStringList{QStringLiteral("2"), QStringLiteral("3"), QStringLiteral("6")}));
-}
-
-void UpdateSchedulerTest::aDeletedFeedInFlightEndsItsUpdate()
-{
-    addFeed(1, {});
-    addFeed(2, {});
-    m_tree->select(node(1));
-    m_scheduler->updateFeed(node(1));
-    m_tree->remove(node(1));
-    m_downloader->answer();
-    QVERIFY(!m_scheduler->updateRunning());
-    QCOMPARE(m_window->fills, 0);
-    QCOMPARE(m_window->statusTexts.back(), QStringLiteral("Mise à jour de Feed 1 terminée (0 nouveaux messages)"));
-    m_now = m_now.addSecs(7200); // the tables keep the entry, and the scan visits it
-    m_scheduler->handleUpdateTick();
-    QCOMPARE(fetched(), (QStringList{QStringLiteral("1"), QStringLiteral("2")}));
-}
-
-void UpdateSchedulerTest::entriesThatChangePlacesDuringAScanDoNoHarm()
-{
-    for (int key = 1; key <= 4; ++key)
-        addFeed(key, {});
-    m_now = m_now.addSecs(7200);
-    bool changed = false;
-    m_duringWait = [&] {
-        m_downloader->answer();
-        if (!changed) {
-            m_catalogue->tables.updatettl.Replace(QStringLiteral("1"), QStringLiteral("30"));
-            addFeed(5, {});
-        }
-        changed = true;
-    };
-    m_scheduler->handleUpdateTick();
-    m_scheduler->handleUpdateTick();
-    QStringList all = fetched();
-    all.sort();
-    QCOMPARE(all, (QStringList{QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3"), QStringLiteral("4")}));
-}
-
-void UpdateSchedulerTest::aTickBesideAnUpdateOfAllTakesWhatIsFree()
-{
-    for (int key = 1; key <= 3; ++key)
-        addFeed(key, {});
-    m_now = m_now.addSecs(7200);
-    bool ticked = false;
-    m_duringWait = [&] {
-        if (!ticked && m_downloader->requests.size() == 1) {
-            ticked = true;
-            m_scheduler->handleUpdateTick(); // runs to its end within this wait
-        }
-        m_downloader->answer();
-    };
-    m_scheduler->updateAllFeeds();
-    QVERIFY(ticked && !m_scheduler->updateRunning());
-    // The first is fetched twice: it ended in the wait between being found due and being taken.
-    QCOMPARE(fetched().join(u' '), QStringLiteral("1 1 2 3 2 3"));
-}
-
-void UpdateSchedulerTest::closingTheWindowEndsEveryLoop()
-{
-    for (int key = 1; key <= 3; ++key)
-        addFeed(key, {});
-    const QByteArray cache = m_folder->read(QStringLiteral("feeds/1.xml"));
-    serve(1, {QStringLiteral("late")});
-    m_duringWait = [&] {
-        if (m_waits == 5)
-            m_scheduler->stop();
-        QVERIFY(m_waits <= 5);
-    };
-    m_scheduler->start(true);
-    m_scheduler->handleGlobalUpdateTick();
-    QCOMPARE(m_downloader->requests.size(), std::size_t(1));
-    const qsizetype texts = m_window->statusTexts.size();
-    m_downloader->answer(); // the end of a download that nothing waited for
-    QCOMPARE(m_folder->read(QStringLiteral("feeds/1.xml")), cache);
-    QCOMPARE(m_window->statusTexts.size(), texts);
-    m_scheduler->updateFeed(node(2));
-    m_scheduler->updateAllFeeds();
-    m_scheduler->start(false);
-    QCOMPARE(m_downloader->requests.size(), std::size_t(1));
-    for (const QTimer *timer : m_scheduler->findChildren<QTimer *>())
-        QVERIFY(!timer->isActive());
-}
-
-void UpdateSchedulerTest::exactlyOneTimerRuns()
-{
-    const auto intervals = [this] {
-        QList<int> active;
-        for (const QTimer *timer : m_scheduler->findChildren<QTimer *>())
-            if (timer->isActive())
-                active.append(timer->interval());
-        return active;
-    };
-    QCOMPARE(intervals(), QList<int>());
-    m_scheduler->start(true);
-    QCOMPARE(intervals(), QList<int>{1000});
-    addFeed(1, {});
-    m_duringWait = [&] {
-        QCOMPARE(intervals(), QList<int>());
-        m_downloader->answer();
-    };
-    m_scheduler->handleGlobalUpdateTick();
-    QCOMPARE(intervals(), QList<int>{60000});
-    m_now = m_now.addSecs(7200);
-    m_scheduler->handleUpdateTick(); // off during its own tick
-    QCOMPARE(intervals(), QList<int>{60000});
-    QCOMPARE(m_downloader->requests.size(), std::size_t(2));
-}
-
-void UpdateSchedulerTest::aDayOfTwoHundredFeeds()
-{
-    constexpr int feeds = 200;
-    for (int key = 1; key <= feeds; ++key)
-        addFeed(key, {QStringLiteral("first")}, 360 + key); // periods from six to more than nine hours
-    const QDateTime begin = m_now;
-    int serial = 0;
-    m_duringWait = [&] {
-        if (!m_downloader->isRunning())
-            return;
-        const int key = m_downloader->requests.back().url.section(u'/', -1).toInt();
-        serve(key, {QStringLiteral("item%1").arg(++serial), QStringLiteral("first")});
-        m_downloader->answer();
-    };
-    while (begin.secsTo(m_now) < 86400) {
-        m_now = m_now.addSecs(60);
-        m_scheduler->handleUpdateTick();
-    }
-    QHash<QString, int> updates;
-    for (const QString &key : fetched())
-        ++updates[key];
-    for (int key = 1; key <= feeds; ++key) {
-        const int count = updates[QString::number(key)];
-        const int atMost = 1440 / (360 + key);
-        QVERIFY2(count <= atMost && count >= atMost - 1, qPrintable(name(key)));
-        QCOMPARE(storedItems(key), qint16(1 + count));
-    }
-}
 
 QTEST_GUILESS_MAIN(UpdateSchedulerTest)
 #include "tst_UpdateScheduler.moc"
