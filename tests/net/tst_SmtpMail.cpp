@@ -51,292 +51,221 @@ class tst_SmtpMail : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void mailArrivesAsItWasWritten_data();
-    void mailArrivesAsItWasWritten();
-    void noFieldReachesHeadersOrEnvelope();
-    void addressesAreCheckedBeforeAnythingIsSent_data();
-    void addressesAreCheckedBeforeAnythingIsSent();
-    void envelopeTakesTheAsciiFormOfADomain();
-    void refusalIsExplainedByTheServersAnswer_data();
-    void refusalIsExplainedByTheServersAnswer();
-    void stallingServerIsGivenUp_data();
-    void stallingServerIsGivenUp();
-    void aServerThatForgetsToSayGoodByeIsNoFailure();
-    void unreachableServerIsAFailure_data();
-    void unreachableServerIsAFailure();
-    void windowStaysAliveWhileSending();
-    void sendingTwiceAtOnceAndDyingMeanwhileAreHarmless();
+    void init() { m_server = std::make_unique<LocalSmtpServer>(); }
+
+    void mailArrivesAsItWasWritten_data()
+    {
+        QTest::addColumn<QString>("subject");
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("body");
+        QTest::newRow("nothing") << u""_qs << u""_qs << u""_qs << u"\r\n"_qs;
+        QTest::newRow("plain") << u"A subject"_qs << u"A Name"_qs << u"One\r\nTwo\r\n"_qs << u"One\r\nTwo\r\n"_qs;
+        QTest::newRow("accents") << u"L'été à Besançon"_qs << u"Éloïse \"L.\" d'Été"_qs << u"déjà vu"_qs
+                                 << u"déjà vu\r\n"_qs;
+        QTest::newRow("specials in a name")
+            << u"=?UTF-8?Q?no?= =3D"_qs << u"a, \"b\" \\ <c@d>; (e)"_qs << u"=41 =\n"_qs << u"=41 =\r\n"_qs;
+        QTest::newRow("dots and From at line starts")
+            << u"."_qs << u"."_qs << u".\n..\nFrom me\n.\r\n.x\n"_qs << u".\r\n..\r\nFrom me\r\n.\r\n.x\r\n"_qs;
+        QTest::newRow("any line end") << u"s"_qs << u"n"_qs << u"a\rb\nc\r\nd\n\n"_qs << u"a\r\nb\r\nc\r\nd\r\n\r\n"_qs;
+        QTest::newRow("blanks at line ends") << u"s"_qs << u"n"_qs << u"a \nb\t\n \n"_qs << u"a \r\nb\t\r\n \r\n"_qs;
+        QTest::newRow("zero characters") << u"s"_qs << u"n"_qs << u"a\0b\0é\0"_qs << u"abé\r\n"_qs;
+        QTest::newRow("long lines") << QString(300, u'é') + QString(300, u'x') << QString(60, u'\u20ac')
+                                    << QString(5000, u'x') + QString(200, u'é') + u' ' + QString(77, u'=')
+                                    << QString(5000, u'x') + QString(200, u'é') + u' ' + QString(77, u'=') + u"\r\n";
+        QString pairs;
+        for (int i = 0; i < 40; ++i)
+            pairs += u"\U0001F600"_qs;
+        QTest::newRow("characters beyond the first plane") << pairs << pairs << pairs << pairs + u"\r\n";
+    }
+
+    void mailArrivesAsItWasWritten()
+    {
+        QFETCH(QString, subject);
+        QFETCH(QString, name);
+        QFETCH(QString, text);
+        QFETCH(QString, body);
+        const auto mail = newMail();
+        mail->setSubject(subject);
+        mail->setFromDisplayName(name);
+        mail->setRecipientDisplayName(name);
+        mail->setMessage(text);
+        QCOMPARE(send(*mail), u"sent");
+
+        QCOMPARE(m_server->mails().size(), 1);
+        const LocalSmtpServer::Mail received = m_server->mails().first();
+        QCOMPARE(received.from, QByteArray("<me@here.example>"));
+        QCOMPARE(received.recipients, QList<QByteArray>{"<you@there.example>"});
+        const QList<QByteArray> lines = received.data.split('\n');
+        for (const QByteArray &line : lines) {
+            QVERIFY2(line.size() <= 77, line.constData());
+            QVERIFY(std::ranges::all_of(line, [](char byte) { return (byte >= ' ' && byte < 0x7f) || byte == '\r'; }));
+        }
+
+        const QJsonObject read = readByPython(received.data);
+        QCOMPARE(read.value(u"body").toString(), body);
+        QCOMPARE(read.value(u"subject").toString(), subject);
+        QCOMPARE(read.value(u"from").toObject(),
+                 (QJsonObject{{u"name"_qs, name}, {u"address"_qs, u"me@here.example"_qs}}));
+        QCOMPARE(read.value(u"to").toObject(),
+                 (QJsonObject{{u"name"_qs, name}, {u"address"_qs, u"you@there.example"_qs}}));
+        QCOMPARE(read.value(u"type").toString(), u"text/plain");
+        QVERIFY(read.value(u"id").toString().endsWith(u"@here.example>"));
+        QVERIFY(qAbs(read.value(u"date").toDouble() - double(QDateTime::currentSecsSinceEpoch())) < 60);
+    }
+
+    void noFieldReachesHeadersOrEnvelope()
+    {
+        const QString attack =
+            u"x\r\nBcc: evil@evil.example\r\n\r\n.\r\nMAIL FROM:<evil@evil.example>\u0085\u2028\x7f"_qs;
+        const auto mail = newMail();
+        mail->setSubject(attack);
+        mail->setFromDisplayName(attack);
+        mail->setRecipientDisplayName(attack);
+        mail->setMessage(attack);
+        QCOMPARE(send(*mail), u"sent");
+        QCOMPARE(m_server->mails().size(), 1);
+        const QJsonObject read = readByPython(m_server->mails().first().data);
+        QCOMPARE(read.value(u"headers").toVariant().toStringList(),
+                 (QStringList{u"Content-Transfer-Encoding"_qs, u"Content-Type"_qs, u"Date"_qs, u"From"_qs,
+                              u"MIME-Version"_qs, u"Message-ID"_qs, u"Subject"_qs, u"To"_qs}));
+        QVERIFY(read.value(u"subject").toString().startsWith(u"x  Bcc: evil"));
+        QVERIFY(
+            std::ranges::none_of(m_server->commands(), [](const QByteArray &line) { return line.contains("evil"); }));
+    }
+
+    void addressesAreCheckedBeforeAnythingIsSent_data()
+    {
+        QTest::addColumn<QString>("address");
+        QTest::newRow("nothing") << u""_qs;
+        QTest::newRow("no domain") << u"you"_qs;
+        QTest::newRow("out of the brackets") << u"you@there.example> SIZE=1"_qs;
+        QTest::newRow("a second recipient") << u"you@there.example,evil@evil.example"_qs;
+        QTest::newRow("a command behind a line break") << u"you@there.example>\r\nRCPT TO:<evil@evil.example"_qs;
+        QTest::newRow("a name around it") << u"You <you@there.example>"_qs;
+        QTest::newRow("no ASCII before the sign") << u"été@there.example"_qs;
+        QTest::newRow("endless") << QString(300, u'x') + u"@there.example";
+    }
+
+    void addressesAreCheckedBeforeAnythingIsSent()
+    {
+        QFETCH(QString, address);
+        const auto mail = newMail();
+        mail->setRecipient(address);
+        QCOMPARE(send(*mail), u"L'adresse du destinataire est incorrecte : " + address);
+        mail->setFrom(address);
+        QCOMPARE(send(*mail), u"L'adresse de l'expéditeur est incorrecte : " + address);
+        QVERIFY(m_server->commands().isEmpty());
+    }
+
+    void envelopeTakesTheAsciiFormOfADomain()
+    {
+        const auto mail = newMail();
+        mail->setRecipient(u" you+tag@été.example\n"_qs);
+        mail->setFrom(u"admin@localhost"_qs);
+        QCOMPARE(send(*mail), u"sent");
+        QCOMPARE(m_server->mails().first().recipients, QList<QByteArray>{"<you+tag@xn--t-9fab.example>"});
+        QCOMPARE(m_server->mails().first().from, QByteArray("<admin@localhost>"));
+        QCOMPARE(MailMessage::envelopeAddress(u"you@[192.0.2.1]"_qs), QByteArray("you@[192.0.2.1]"));
+        QCOMPARE(MailMessage::envelopeAddress(u"you@[1]>[2]"_qs), QByteArray());
+    }
+
+    void refusalIsExplainedByTheServersAnswer()
+    {
+        for (const Step step : {Step::Greeting, Step::MailFrom, Step::RcptTo, Step::Data, Step::EndOfData}) {
+            m_server = std::make_unique<LocalSmtpServer>();
+            m_server->refuseAt(step, "554 5.7.1 Not today");
+            const QString explanation = send(*newMail());
+            QVERIFY2(explanation.endsWith(u"\n554 5.7.1 Not today"), qPrintable(explanation));
+            QVERIFY(m_server->mails().isEmpty());
+        }
+    }
+
+    void stallingServerIsGivenUp()
+    {
+        for (const Step step : {Step::Greeting, Step::EndOfData, Step::Quit}) {
+            m_server = std::make_unique<LocalSmtpServer>();
+            m_server->stallAt(step);
+            const auto mail = newMail();
+            SmtpMail::Limits limits;
+            limits.idleMs = 300;
+            mail->setLimits(limits);
+            QElapsedTimer timer;
+            timer.start();
+            const QString outcome = send(*mail);
+            QVERIFY(timer.elapsed() < 3000);
+            if (step == Step::Quit) // that it forgets to say good-bye is no failure
+                QCOMPARE(outcome, u"sent");
+            else
+                QVERIFY2(outcome.contains(u"Timeout") || outcome.contains(u"timed out"), qPrintable(outcome));
+        }
+    }
+
+    void unreachableServerIsAFailure()
+    {
+        const QString incorrect = u"Le nom du serveur SMTP est incorrect : "_qs;
+        const QList<QPair<QString, QString>> hosts = {{u"127.0.0.1"_qs, u"connect"_qs},
+                                                      {u"no-such-host.invalid"_qs, u"resolve"_qs},
+                                                      {QString(), incorrect},
+                                                      {u"127.0.0.1/x?y@z"_qs, incorrect}};
+        const auto mail = newMail();
+        m_server.reset();
+        for (const auto &[host, explanation] : hosts) {
+            mail->setSmtpHost(host);
+            const QString told = send(*mail);
+            QVERIFY2(told.contains(explanation), qPrintable(told));
+        }
+    }
+
+    void sendingTwiceAtOnceAndDyingMeanwhileAreHarmless()
+    {
+        std::unique_ptr<SmtpMail> mail;
+        bool again = true;
+        int events = 0;
+        mail = newMail([&] {
+            QCoreApplication::processEvents();
+            if (std::exchange(again, false))
+                mail->Send();
+        });
+        connect(mail.get(), &SmtpMail::SendFailed, this, [&events] { events += 1; });
+        connect(mail.get(), &SmtpMail::SendSuccesful, this, [&events] { events += 10; });
+        mail->Send();
+        QCOMPARE(events, 11);
+        QCOMPARE(m_server->mails().size(), 1);
+
+        m_server->stallAt(Step::Hello);
+        mail = newMail([&mail] {
+            QCoreApplication::processEvents();
+            mail.reset();
+        });
+        mail->Send();
+        QVERIFY(!mail);
+    }
 
 private:
-    std::unique_ptr<SmtpMail> newMail(std::function<void()> keepAlive = [] { QCoreApplication::processEvents(); });
+    std::unique_ptr<SmtpMail> newMail(std::function<void()> keepAlive = [] { QCoreApplication::processEvents(); })
+    {
+        auto mail = std::make_unique<SmtpMail>(std::move(keepAlive));
+        mail->setSmtpHost(u"127.0.0.1"_qs);
+        mail->setPort(m_server->port());
+        mail->setFrom(u"me@here.example"_qs);
+        mail->setRecipient(u"you@there.example"_qs);
+        return mail;
+    }
+
     /// "sent", or the explanation; "?" when there wasn't exactly one event.
-    QString send(SmtpMail &mail);
+    QString send(SmtpMail &mail)
+    {
+        QSignalSpy successes(&mail, &SmtpMail::SendSuccesful);
+        QSignalSpy failures(&mail, &SmtpMail::SendFailed);
+        mail.Send();
+        if (successes.size() + failures.size() != 1)
+            return u"?"_qs;
+        return failures.isEmpty() ? u"sent"_qs : failures.first().first().toString();
+    }
 
     std::unique_ptr<LocalSmtpServer> m_server;
 };
-
-void tst_SmtpMail::init()
-{
-    m_server = std::make_unique<LocalSmtpServer>();
-}
-
-std::unique_ptr<SmtpMail> tst_SmtpMail::newMail(std::function<void()> keepAlive)
-{
-    auto mail = std::make_unique<SmtpMail>(std::move(keepAlive));
-    mail->setSmtpHost(u"127.0.0.1"_qs);
-    mail->setPort(m_server->port());
-    mail->setFrom(u"me@here.example"_qs);
-    mail->setRecipient(u"you@there.example"_qs);
-    return mail;
-}
-
-QString tst_SmtpMail::send(SmtpMail &mail)
-{
-    QSignalSpy successes(&mail, &SmtpMail::SendSuccesful);
-    QSignalSpy failures(&mail, &SmtpMail::SendFailed);
-    mail.Send();
-    if (successes.size() + failures.size() != 1)
-        return u"?"_qs;
-    return failures.isEmpty() ? u"sent"_qs : failures.first().first().toString();
-}
-
-void tst_SmtpMail::mailArrivesAsItWasWritten_data()
-{
-    QTest::addColumn<QString>("subject");
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("body");
-    QTest::newRow("nothing") << u""_qs << u""_qs << u""_qs << u"\r\n"_qs;
-    QTest::newRow("plain") << u"A subject"_qs << u"A Name"_qs << u"One\r\nTwo\r\n"_qs << u"One\r\nTwo\r\n"_qs;
-    QTest::newRow("accents") << u"L'été à Besançon"_qs << u"Éloïse \"L.\" d'Été"_qs << u"déjà vu"_qs
-                             << u"déjà vu\r\n"_qs;
-    QTest::newRow("specials in a name") << u"=?UTF-8?Q?no?= =3D"_qs << u"a, \"b\" \\ <c@d>; (e)"_qs << u"=41 =\n"_qs
-                                        << u"=41 =\r\n"_qs;
-    QTest::newRow("dots and From at line starts")
-        << u"."_qs << u"."_qs << u".\n..\nFrom me\n.\r\n.x\n"_qs << u".\r\n..\r\nFrom me\r\n.\r\n.x\r\n"_qs;
-    QTest::newRow("any line end") << u"s"_qs << u"n"_qs << u"a\rb\nc\r\nd\n\n"_qs << u"a\r\nb\r\nc\r\nd\r\n\r\n"_qs;
-    QTest::newRow("blanks at line ends") << u"s"_qs << u"n"_qs << u"a \nb\t\n \n"_qs << u"a \r\nb\t\r\n \r\n"_qs;
-    QTest::newRow("zero characters") << u"s"_qs << u"n"_qs << u"a\0b\0é\0"_qs << u"abé\r\n"_qs;
-    QTest::newRow("long lines") << QString(300, u'é') + QString(300, u'x') << QString(60, u'\u20ac')
-                                << QString(5000, u'x') + QString(200, u'é') + u' ' + QString(77, u'=')
-                                << QString(5000, u'x') + QString(200, u'é') + u' ' + QString(77, u'=') + u"\r\n";
-    QString pairs;
-    for (int i = 0; i < 40; ++i)
-        pairs += u"\U0001F600"_qs;
-    QTest::newRow("characters beyond the first plane") << pairs << pairs << pairs << pairs + u"\r\n";
-    QTest::newRow("a long subject of words")
-        << u"word "_qs.repeated(60).trimmed() << u"name "_qs.repeated(30).trimmed() << u"x"_qs << u"x\r\n"_qs;
-}
-
-void tst_SmtpMail::mailArrivesAsItWasWritten()
-{
-    QFETCH(QString, subject);
-    QFETCH(QString, name);
-    QFETCH(QString, text);
-    QFETCH(QString, body);
-    const auto mail = newMail();
-    mail->setSubject(subject);
-    mail->setFromDisplayName(name);
-    mail->setRecipientDisplayName(name);
-    mail->setMessage(text);
-    QCOMPARE(send(*mail), u"sent");
-
-    QCOMPARE(m_server->mails().size(), 1);
-    const LocalSmtpServer::Mail received = m_server->mails().first();
-    QCOMPARE(received.from, QByteArray("<me@here.example>"));
-    QCOMPARE(received.recipients, QList<QByteArray>{"<you@there.example>"});
-    const QList<QByteArray> lines = received.data.split('\n');
-    for (const QByteArray &line : lines) {
-        QVERIFY2(line.size() <= 77, line.constData());
-        QVERIFY(std::ranges::all_of(line, [](char byte) { return (byte >= ' ' && byte < 0x7f) || byte == '\r'; }));
-    }
-
-    const QJsonObject read = readByPython(received.data);
-    QCOMPARE(read.value(u"body").toString(), body);
-    QCOMPARE(read.value(u"subject").toString(), subject);
-    QCOMPARE(read.value(u"from").toObject(), (QJsonObject{{u"name"_qs, name}, {u"address"_qs, u"me@here.example"_qs}}));
-    QCOMPARE(read.value(u"to").toObject(), (QJsonObject{{u"name"_qs, name}, {u"address"_qs, u"you@there.example"_qs}}));
-    QCOMPARE(read.value(u"type").toString(), u"text/plain");
-    QVERIFY(read.value(u"id").toString().endsWith(u"@here.example>"));
-    QVERIFY(qAbs(read.value(u"date").toDouble() - double(QDateTime::currentSecsSinceEpoch())) < 60);
-}
-
-void tst_SmtpMail::noFieldReachesHeadersOrEnvelope()
-{
-    const QString attack = u"x\r\nBcc: evil@evil.example\r\n\r\n.\r\nMAIL FROM:<evil@evil.example>\u0085\u2028\x7f"_qs;
-    const auto mail = newMail();
-    mail->setSubject(attack);
-    mail->setFromDisplayName(attack);
-    mail->setRecipientDisplayName(attack);
-    mail->setMessage(attack);
-    QCOMPARE(send(*mail), u"sent");
-    QCOMPARE(m_server->mails().size(), 1);
-    const QJsonObject read = readByPython(m_server->mails().first().data);
-    QCOMPARE(read.value(u"headers").toVariant().toStringList(),
-             (QStringList{u"Content-Transfer-Encoding"_qs, u"Content-Type"_qs, u"Date"_qs, u"From"_qs,
-                          u"MIME-Version"_qs, u"Message-ID"_qs, u"Subject"_qs, u"To"_qs}));
-    QVERIFY(read.value(u"subject").toString().startsWith(u"x  Bcc: evil"));
-    QVERIFY(std::ranges::none_of(m_server->commands(), [](const QByteArray &line) { return line.contains("evil"); }));
-}
-
-void tst_SmtpMail::addressesAreCheckedBeforeAnythingIsSent_data()
-{
-    QTest::addColumn<QString>("address");
-    QTest::newRow("nothing") << u""_qs;
-    QTest::newRow("no domain") << u"you"_qs;
-    QTest::newRow("nothing before the sign") << u"@there.example"_qs;
-    QTest::newRow("nothing behind the sign") << u"you@"_qs;
-    QTest::newRow("out of the brackets") << u"you@there.example> SIZE=1"_qs;
-    QTest::newRow("a second recipient") << u"you@there.example,evil@evil.example"_qs;
-    QTest::newRow("a command behind a line break") << u"you@there.example>\r\nRCPT TO:<evil@evil.example"_qs;
-    QTest::newRow("a name around it") << u"You <you@there.example>"_qs;
-    QTest::newRow("no ASCII before the sign") << u"été@there.example"_qs;
-    QTest::newRow("endless") << QString(300, u'x') + u"@there.example";
-}
-
-void tst_SmtpMail::addressesAreCheckedBeforeAnythingIsSent()
-{
-    QFETCH(QString, address);
-    const auto mail = newMail();
-    mail->setRecipient(address);
-    QCOMPARE(send(*mail), u"L'adresse du destinataire est incorrecte : " + address);
-    mail->setFrom(address);
-    QCOMPARE(send(*mail), u"L'adresse de l'expéditeur est incorrecte : " + address);
-    QVERIFY(m_server->commands().isEmpty());
-}
-
-void tst_SmtpMail::envelopeTakesTheAsciiFormOfADomain()
-{
-    const auto mail = newMail();
-    mail->setRecipient(u" you+tag@été.example\n"_qs);
-    mail->setFrom(u"admin@localhost"_qs);
-    QCOMPARE(send(*mail), u"sent");
-    QCOMPARE(m_server->mails().first().recipients, QList<QByteArray>{"<you+tag@xn--t-9fab.example>"});
-    QCOMPARE(m_server->mails().first().from, QByteArray("<admin@localhost>"));
-    QCOMPARE(MailMessage::envelopeAddress(u"you@[192.0.2.1]"_qs), QByteArray("you@[192.0.2.1]"));
-    QCOMPARE(MailMessage::envelopeAddress(u"you@[1]>[2]"_qs), QByteArray());
-}
-
-void tst_SmtpMail::refusalIsExplainedByTheServersAnswer_data()
-{
-    QTest::addColumn<Step>("step");
-    QTest::newRow("greeting") << Step::Greeting;
-    QTest::newRow("sender") << Step::MailFrom;
-    QTest::newRow("recipient") << Step::RcptTo;
-    QTest::newRow("data") << Step::Data;
-    QTest::newRow("end of data") << Step::EndOfData;
-}
-
-void tst_SmtpMail::refusalIsExplainedByTheServersAnswer()
-{
-    QFETCH(Step, step);
-    m_server->refuseAt(step, "554 5.7.1 Not today");
-    const auto mail = newMail();
-    mail->setMessage(u"text"_qs);
-    const QString explanation = send(*mail);
-    QVERIFY2(explanation.endsWith(u"\n554 5.7.1 Not today"), qPrintable(explanation));
-    QVERIFY(m_server->mails().isEmpty());
-}
-
-void tst_SmtpMail::stallingServerIsGivenUp_data()
-{
-    QTest::addColumn<Step>("step");
-    QTest::newRow("greeting") << Step::Greeting;
-    QTest::newRow("end of data") << Step::EndOfData;
-}
-
-void tst_SmtpMail::stallingServerIsGivenUp()
-{
-    QFETCH(Step, step);
-    m_server->stallAt(step);
-    const auto mail = newMail();
-    SmtpMail::Limits limits;
-    limits.idleMs = 300;
-    mail->setLimits(limits);
-    QElapsedTimer timer;
-    timer.start();
-    const QString explanation = send(*mail);
-    QVERIFY2(explanation.contains(u"Timeout") || explanation.contains(u"timed out"), qPrintable(explanation));
-    QVERIFY(timer.elapsed() >= 300 && timer.elapsed() < 3000);
-}
-
-void tst_SmtpMail::aServerThatForgetsToSayGoodByeIsNoFailure()
-{
-    m_server->stallAt(Step::Quit);
-    const auto mail = newMail();
-    SmtpMail::Limits limits;
-    limits.idleMs = 300;
-    mail->setLimits(limits);
-    QElapsedTimer timer;
-    timer.start();
-    QCOMPARE(send(*mail), u"sent");
-    QVERIFY(timer.elapsed() < 3000);
-    QCOMPARE(m_server->mails().size(), 1);
-}
-
-void tst_SmtpMail::unreachableServerIsAFailure_data()
-{
-    QTest::addColumn<QString>("host");
-    QTest::addColumn<QString>("explanation");
-    QTest::newRow("refused") << u"127.0.0.1"_qs << u"connect"_qs;
-    QTest::newRow("unknown") << u"no-such-host.invalid"_qs << u"resolve"_qs;
-    QTest::newRow("nothing") << u""_qs << u"Le nom du serveur SMTP est incorrect : "_qs;
-    QTest::newRow("more than a name") << u"127.0.0.1/x?y@z"_qs << u"Le nom du serveur SMTP est incorrect : "_qs;
-}
-
-void tst_SmtpMail::unreachableServerIsAFailure()
-{
-    QFETCH(QString, host);
-    QFETCH(QString, explanation);
-    const auto mail = newMail();
-    mail->setSmtpHost(host);
-    m_server.reset();
-    const QString told = send(*mail);
-    QVERIFY2(told.contains(explanation), qPrintable(told));
-}
-
-void tst_SmtpMail::windowStaysAliveWhileSending()
-{
-    m_server->stallAt(Step::Greeting);
-    QElapsedTimer sinceLast;
-    sinceLast.start();
-    qint64 longest = 0;
-    const auto mail = newMail([&] {
-        longest = std::max(longest, sinceLast.restart());
-        QCoreApplication::processEvents();
-    });
-    SmtpMail::Limits limits;
-    limits.idleMs = 600;
-    mail->setLimits(limits);
-    send(*mail);
-    QVERIFY2(longest > 0 && longest <= 100, QByteArray::number(longest).constData());
-}
-
-void tst_SmtpMail::sendingTwiceAtOnceAndDyingMeanwhileAreHarmless()
-{
-    std::unique_ptr<SmtpMail> mail;
-    bool again = true;
-    int events = 0;
-    mail = newMail([&] {
-        QCoreApplication::processEvents();
-        if (std::exchange(again, false))
-            mail->Send();
-    });
-    connect(mail.get(), &SmtpMail::SendFailed, this, [&events] { events += 1; });
-    connect(mail.get(), &SmtpMail::SendSuccesful, this, [&events] { events += 10; });
-    mail->Send();
-    QCOMPARE(events, 11);
-    QCOMPARE(m_server->mails().size(), 1);
-
-    m_server->stallAt(Step::Hello);
-    mail = newMail([&mail] {
-        QCoreApplication::processEvents();
-        mail.reset();
-    });
-    mail->Send();
-    QVERIFY(!mail);
-}
 
 QTEST_GUILESS_MAIN(tst_SmtpMail)
 #include "tst_SmtpMail.moc"

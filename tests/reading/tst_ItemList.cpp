@@ -56,11 +56,6 @@ class TestItemList : public QObject
         return texts;
     }
 
-    static bool isBold(const ItemListModel &model, int row)
-    {
-        return model.data(model.index(row, 0), Qt::FontRole).value<QFont>().bold();
-    }
-
     /// A view on the loaded feed with a pixel for each twip, wide enough for all columns.
     std::unique_ptr<ItemListView> view()
     {
@@ -94,20 +89,12 @@ private Q_SLOTS:
         const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
         model.fill(m_feed);
         QCOMPARE(column(model, ItemColumn::Title), QStringList({u"un"_s, u"trois"_s}));
-        QCOMPARE(column(model, ItemColumn::Read), QStringList({u"u"_s, u"r"_s}));
         QCOMPARE(column(model, ItemColumn::PubDate),
                  QStringList({u"01/07/2004 12:00:00"_s, u"30/11/1999 00:00:00"_s})); // no date isn't an empty cell
-        QCOMPARE(column(model, ItemColumn::DownloadDate).at(0), m_feed.ItemDownloadDate(0));
-        QCOMPARE(column(model, ItemColumn::Author), QStringList({u"Zoé"_s, QString()}));
-        QCOMPARE(column(model, ItemColumn::Category), QStringList({u"c"_s, u"c"_s}));
         QCOMPARE(model.key(1), qint16(2));
-        QCOMPARE(model.rowOfKey(2), 1);
         QCOMPARE(model.rowOfKey(1), -1);
-        QCOMPARE(model.key(-1), qint16(-1));
-        QVERIFY(isBold(model, 0) && !isBold(model, 1));
-
         model.setRead(0, true);
-        QVERIFY(!isBold(model, 0) && model.isShownRead(0));
+        QVERIFY(!model.data(model.index(0, 0), Qt::FontRole).value<QFont>().bold() && model.isShownRead(0));
         QCOMPARE(column(model, ItemColumn::Read), QStringList({u"u"_s, u"r"_s})); // the text stays
         model.sort(0, Qt::DescendingOrder);
         model.removeRow(0);
@@ -129,10 +116,8 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("titles");
         const QString a = u"été"_s, b = u"Zone"_s, c = u"ete"_s, d = u"eux"_s;
         QTest::newRow("text") << ItemColumn::Title << Qt::AscendingOrder << QStringList({c, a, d, b});
-        QTest::newRow("text down") << ItemColumn::Title << Qt::DescendingOrder << QStringList({b, d, a, c});
         // As dates: the texts would put 01/02/2005 before 30/06/2004.
         QTest::newRow("date") << ItemColumn::PubDate << Qt::AscendingOrder << QStringList({d, b, a, c});
-        QTest::newRow("date down") << ItemColumn::PubDate << Qt::DescendingOrder << QStringList({a, c, b, d});
         QTest::newRow("equal") << ItemColumn::Category << Qt::DescendingOrder << QStringList({a, b, c, d});
         QTest::newRow("read") << ItemColumn::Read << Qt::AscendingOrder << QStringList({b, a, c, d});
     }
@@ -186,23 +171,6 @@ private Q_SLOTS:
         QCOMPARE(list->NextSortOrder(1), 1);
     }
 
-    void columnWidthsAreTwipsAndZeroHides()
-    {
-        ItemListView list(Dates(utc), ScreenScale{15.0, 15.0});
-        list.setColumnWidthTwips(1, 252 * 15);
-        QCOMPARE(list.columnWidth(0), 252);
-        QCOMPARE(list.columnWidthTwips(1), 3780.0);
-        list.setColumnWidthTwips(1, 0);
-        QVERIFY(list.isColumnHidden(0));
-        QCOMPARE(list.columnWidthTwips(1), 0.0);
-        list.setColumnWidthTwips(1, 16 * 15);
-        QCOMPARE(list.columnWidthTwips(1), 240.0);
-        list.setColumnWidthTwips(1, 1e30);
-        QVERIFY(list.columnWidth(0) > 1000);
-        list.setColumnWidthTwips(1, -5);
-        QCOMPARE(list.columnWidthTwips(1), 0.0);
-    }
-
     void clicksTellRowColumnAndButton()
     {
         loadFeed();
@@ -211,36 +179,18 @@ private Q_SLOTS:
         QSignalSpy selected(list.get(), &ItemListView::clickedWithSelection);
         QSignalSpy outside(list.get(), &ItemListView::rightClickedWithoutSelection);
         const QPoint empty(50, 150);
-
-        click(*list, placeOf(*list, 2, 1));
-        QCOMPARE(rows.takeLast(), QVariantList({2, 1, QVariant::fromValue(Qt::LeftButton)}));
         click(*list, placeOf(*list, 1, 2), Qt::LeftButton, Qt::ControlModifier);
         QCOMPARE(rows.takeLast(), QVariantList({1, 2, QVariant::fromValue(Qt::LeftButton)}));
         click(*list, placeOf(*list, 0, 6), Qt::RightButton);
         QCOMPARE(rows.takeLast(), QVariantList({0, 6, QVariant::fromValue(Qt::RightButton)}));
-        QCOMPARE(list->selectedRow(), 0);
         QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, placeOf(*list, 1, 1));
         QCOMPARE(rows.size(), 1); // the second click of two counts as well as the first
-        QCOMPARE(selected.size(), 4);
-        QVERIFY(outside.isEmpty());
-
+        QCOMPARE(selected.size(), 3);
         click(*list, empty);
         QCOMPARE(list->selectedRow(), -1);
         click(*list, empty, Qt::RightButton);
         QCOMPARE(outside.size(), 1);
-        QCOMPARE(rows.size(), 1);
-        QCOMPARE(selected.size(), 4);
-    }
-
-    void theSelectionDoesntFollowADrag()
-    {
-        loadFeed();
-        const auto list = view();
-        QTest::mousePress(list->viewport(), Qt::LeftButton, {}, placeOf(*list, 0, 1));
-        QMouseEvent drag(QEvent::MouseMove, placeOf(*list, 2, 1), list->viewport()->mapToGlobal(QPoint()), Qt::NoButton,
-                         Qt::LeftButton, {});
-        QCoreApplication::sendEvent(list->viewport(), &drag);
-        QCOMPARE(list->selectedRow(), 0);
+        QCOMPARE(selected.size(), 3);
     }
 
     void theMenuKeyAndTheHeaderReachTheMenus()
@@ -249,17 +199,16 @@ private Q_SLOTS:
         const auto list = view();
         QSignalSpy rows(list.get(), &ItemListView::rowClicked);
         QSignalSpy outside(list.get(), &ItemListView::rightClickedWithoutSelection);
-        const auto menuKey = [](QWidget *target) {
-            QContextMenuEvent event(QContextMenuEvent::Keyboard, QPoint(5, 5), QPoint(5, 5));
-            QCoreApplication::sendEvent(target, &event);
+        const auto ask = [&list] {
+            QContextMenuEvent key(QContextMenuEvent::Keyboard, QPoint(5, 5), QPoint(5, 5));
+            QCoreApplication::sendEvent(list->viewport(), &key);
+            QContextMenuEvent onHeader(QContextMenuEvent::Mouse, QPoint(5, 5), QPoint(5, 5));
+            QCoreApplication::sendEvent(list->header()->viewport(), &onHeader);
         };
-        menuKey(list->viewport());
-        QContextMenuEvent onHeader(QContextMenuEvent::Mouse, QPoint(5, 5), QPoint(5, 5));
-        QCoreApplication::sendEvent(list->header()->viewport(), &onHeader);
+        ask();
         QCOMPARE(outside.size(), 2);
         list->selectRow(1);
-        menuKey(list->viewport());
-        QCoreApplication::sendEvent(list->header()->viewport(), &onHeader);
+        ask();
         QCOMPARE(outside.size(), 2);
         QCOMPARE(rows.first(), QVariantList({1, 1, QVariant::fromValue(Qt::RightButton)}));
     }

@@ -33,261 +33,208 @@ class tst_clsDES : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void oneBlockAgreesWithThePublishedVectors_data();
-    void oneBlockAgreesWithThePublishedVectors();
-    void cipherTextIsHeadSizeAndDataChainedFromZero();
-    void whatWasEncipheredDeciphers_data();
-    void whatWasEncipheredDeciphers();
-    void twoRunsDiffer();
-    void keyIsCutToEightCharactersAndKeptBetweenCalls();
-    void wrongKeyOrBrokenCipherTextIsSilent();
-    void emptyTextDeciphersToItsWholeBlock();
-    void decryptStringOverwritesTheTextIn64();
-    void base64LinesBreakAfter76Characters_data();
-    void base64LinesBreakAfter76Characters();
-    void strangeBase64IsDecodedWithoutError_data();
-    void strangeBase64IsDecodedWithoutError();
-    void filesAreConvertedAndNeverOverwrittenUnasked();
-    void progressRisesToOneHundred();
+    void oneBlockAgreesWithThePublishedVectors_data()
+    {
+        QTest::addColumn<QByteArray>("key");
+        QTest::addColumn<QByteArray>("plain");
+        QTest::addColumn<QByteArray>("cipher");
+        // The substitution table test of NBS Special Publication 500-20, which reaches every entry of every box.
+        const QList<QByteArrayList> vectors{
+            {"7CA110454A1A6E57", "01A1D6D039776742", "690F5B0D9A26939B"},
+            {"0131D9619DC1376E", "5CD54CA83DEF57DA", "7A389D10354BD271"},
+            {"07A1133E4A0B2686", "0248D43806F67172", "868EBB51CAB4599A"},
+            {"3849674C2602319E", "51454B582DDF440A", "7178876E01F19B2A"},
+            {"04B915BA43FEB5B6", "42FD443059577FA2", "AF37FB421F8C4095"},
+            {"0113B970FD34F2CE", "059B5E0851CF143A", "86A560F10EC6D85B"},
+            {"0170F175468FB5E6", "0756D8E0774761D2", "0CD3DA020021DC09"},
+            {"43297FAD38E373FE", "762514B829BF486A", "EA676B2CB7DB2B7A"},
+            {"07A7137045DA2A16", "3BDD119049372802", "DFD64A815CAF1A0F"},
+            {"04689104C2FD3B2F", "26955F6835AF609A", "5C513C9C4886C088"},
+            {"37D06BB516CB7546", "164D5E404F275232", "0A2AEEAE3FF4AB77"},
+            {"1F08260D1AC2465E", "6B056E18759F5CCA", "EF1BF03E5DFA575A"},
+            {"584023641ABA6176", "004BD6EF09176062", "88BF0DB6D70DEE56"},
+            {"025816164629B007", "480D39006EE762F2", "A1F9915541020B56"},
+            {"49793EBC79B3258F", "437540C8698F3CFA", "6FBF1CAFCFFD0556"},
+            {"4FB05E1515AB73A7", "072D43A077075292", "2F22E49BAB7CA1AC"},
+            {"49E95D6D4CA229BF", "02FE55778117F12A", "5A6B612CC26CCE4A"},
+            {"018310DC409B26D6", "1D9D5C5018F728C2", "5F4C038ED12B2E41"},
+            {"1C587F1C13924FEF", "305532286D6F295A", "63FAC0D034D9F793"},
+        };
+        for (const QByteArrayList &vector : vectors)
+            QTest::newRow(vector[0].constData()) << vector[0] << vector[1] << vector[2];
+    }
+
+    void oneBlockAgreesWithThePublishedVectors()
+    {
+        QFETCH(QByteArray, key);
+        QFETCH(QByteArray, plain);
+        QFETCH(QByteArray, cipher);
+        clsDES des;
+        des.setKey(keyOf(key));
+        QCOMPARE(hexOf(des.encryptBlock(block(plain))), cipher);
+        QCOMPARE(hexOf(des.decryptBlock(block(cipher))), plain);
+    }
+
+    void cipherTextIsHeadSizeAndDataChainedFromZero()
+    {
+        clsDES des;
+        int draws = 0;
+        des.setRandom([&draws] { return ++draws == 1 ? 0.5 : 0.0; });
+        QByteArray bytes = "secret";
+        des.EncryptByte(bytes, u"12345678"_qs);
+        QCOMPARE(bytes.size(), 24);
+
+        QByteArray plain;
+        clsDES::Block chain{};
+        for (qsizetype offset = 0; offset < bytes.size(); offset += 8) {
+            const clsDES::Block cipher = block(bytes.mid(offset, 8).toHex());
+            const clsDES::Block deciphered = des.decryptBlock(cipher);
+            for (std::size_t i = 0; i < 8; ++i)
+                plain += static_cast<char>(deciphered[i] ^ chain[i]);
+            chain = cipher;
+        }
+        // 0.5 times 2147483647 lies halfway and goes to the even neighbour, 40000000 hex.
+        QCOMPARE(plain.toHex(),
+                 QByteArray("0000004000000000") + "06000000" + QByteArray("secret").toHex() + "000000000000");
+    }
+
+    void whatWasEncipheredDeciphers()
+    {
+        const QList<QPair<QString, int>> texts = {
+            {u"abcd"_qs, 16},           {u"abcde"_qs, 24},
+            {u"mot de passé €"_qs, 32}, {AnsiText::fromBytes(QByteArray::fromHex("00ff8081a0090d0a")), 24},
+            {QString(100, u'x'), 112},
+        };
+        for (const auto &[text, cipherSize] : texts) {
+            clsDES des;
+            QString raw = des.EncryptString(text, u"a key"_qs, false);
+            QCOMPARE(raw.size(), cipherSize);
+            QCOMPARE(des.DecryptString(raw, u"a key"_qs, false), text);
+            QString in64 = des.EncryptString(text, u"a key"_qs, true);
+            QVERIFY(in64 != des.EncryptString(text, u"a key"_qs, true)); // no two runs are alike
+            clsDES other;
+            QCOMPARE(other.DecryptString(in64, u"a key"_qs, true), text);
+        }
+    }
+
+    void keyIsCutToEightCharactersAndKeptBetweenCalls()
+    {
+        clsDES des;
+        QString cipher = des.EncryptString(u"password"_qs, u"%%K9:Tm417"_qs, true);
+        QString again = cipher;
+        QCOMPARE(des.DecryptString(again, u"%%K9:Tm4"_qs, true), u"password");
+        QCOMPARE(des.DecryptString(cipher, QString(), true), u"password");
+        // A short key is filled with zeros.
+        des.setKey(u"abc"_qs);
+        const QByteArray filled = hexOf(des.encryptBlock({}));
+        des.setKey(u"abc"_qs + QString(5, QChar(0)));
+        QCOMPARE(hexOf(des.encryptBlock({})), filled);
+    }
+
+    void wrongKeyOrBrokenCipherTextIsSilent()
+    {
+        clsDES des;
+        QByteArray bytes = "some text";
+        des.EncryptByte(bytes, u"right"_qs);
+        const QByteArray cipher = bytes;
+        des.DecryptByte(bytes, u"wrong"_qs);
+        QCOMPARE(bytes.size(), cipher.size());
+        QVERIFY(bytes != cipher);
+
+        QByteArray cut = cipher.left(13);
+        des.DecryptByte(cut, u"right"_qs);
+        QCOMPARE(cut.size(), 13);
+        QByteArray nothing;
+        des.DecryptByte(nothing, u"right"_qs);
+        QVERIFY(nothing.isEmpty());
+    }
+
+    void emptyTextDeciphersToItsWholeBlock()
+    {
+        clsDES des;
+        des.setRandom([] { return 0.0; });
+        QString cipher = des.EncryptString(QString(), u"k"_qs, false);
+        QCOMPARE(cipher.size(), 16);
+        QCOMPARE(des.DecryptString(cipher, u"k"_qs, false), QString(16, QChar(0)));
+    }
+
+    void base64LinesBreakAfter76Characters_data()
+    {
+        QTest::addColumn<int>("bytes");
+        QTest::addColumn<QList<int>>("lines");
+        QTest::addColumn<bool>("endsWithBreak");
+        QTest::newRow("one full line has no break") << 57 << QList<int>{76} << false;
+        QTest::newRow("one byte more") << 58 << QList<int>{76, 4} << false;
+        QTest::newRow("two full lines end with a break") << 114 << QList<int>{76, 76} << true;
+    }
+
+    void base64LinesBreakAfter76Characters()
+    {
+        QFETCH(int, bytes);
+        QFETCH(QList<int>, lines);
+        QFETCH(bool, endsWithBreak);
+        clsDES des;
+        const QByteArray input(bytes, '\xfb');
+        const QString coded = des.EncodeArray64(input);
+        QList<int> lengths;
+        const QStringList parts = coded.split(u"\r\n"_qs, Qt::SkipEmptyParts);
+        for (const QString &line : parts)
+            lengths.append(static_cast<int>(line.size()));
+        QCOMPARE(lengths, lines);
+        QCOMPARE(coded.endsWith(u"\r\n"), endsWithBreak);
+        QCOMPARE(des.DecodeArray64(coded), input);
+    }
+
+    void strangeBase64IsDecodedWithoutError()
+    {
+        clsDES des;
+        const QList<QPair<QString, QByteArray>> texts = {
+            {u""_qs, ""},
+            {u"Y=W=Jj"_qs, "616263"}, // padding in the middle
+            {u"YQ"_qs, "61"},         // two characters left
+            {u"YWI"_qs, "6162"},      // three
+            {u"YWJjZ"_qs, "616263"},  // one
+            {u"!é€-"_qs, "000000"},   // strangers count as zero
+            {u"YW\nj"_qs, "616023"},  // and so does a lone line feed
+        };
+        for (const auto &[coded, hex] : texts)
+            QCOMPARE(des.DecodeArray64(coded).toHex(), hex);
+    }
+
+    void filesAreConvertedAndNeverOverwrittenUnasked()
+    {
+        const QTemporaryDir directory;
+        const QString plain = directory.filePath(u"plain"_qs);
+        const QString cipher = directory.filePath(u"cipher"_qs);
+        const QString back = directory.filePath(u"back"_qs);
+        const QByteArray content = QByteArray::fromHex("00010aff") + QByteArray(200, 'z');
+        Files::write(plain, content);
+        clsDES des;
+        for (const bool in64 : {false, true}) {
+            QVERIFY(des.EncryptFile(plain, cipher, true, u"k"_qs, in64));
+            QVERIFY(Files::read(cipher).bytes != content);
+            QCOMPARE(Files::read(cipher).bytes.contains("\r\n"), in64);
+            QVERIFY(des.DecryptFile(cipher, back, true, u"k"_qs, in64));
+            QCOMPARE(Files::read(back).bytes, content);
+        }
+        Files::write(cipher, "mine");
+        QVERIFY(!des.EncryptFile(plain, cipher, false, u"k"_qs));
+        QCOMPARE(Files::read(cipher).bytes, QByteArray("mine"));
+        QVERIFY(!des.EncryptFile(directory.filePath(u"absent"_qs), back, true, u"k"_qs));
+        QVERIFY(!des.EncryptFile(plain, directory.filePath(u"no/such/place"_qs), true, u"k"_qs));
+    }
+
+    void progressRisesToOneHundred()
+    {
+        clsDES des;
+        QList<int> percents;
+        des.setProgress([&percents](int percent) { percents.append(percent); });
+        QByteArray bytes(20, 'a');
+        des.EncryptByte(bytes, u"k"_qs);
+        des.DecryptByte(bytes);
+        QCOMPARE(percents, (QList<int>{0, 25, 50, 75, 100, 0, 25, 50, 75, 100}));
+    }
 };
-
-void tst_clsDES::oneBlockAgreesWithThePublishedVectors_data()
-{
-    QTest::addColumn<QByteArray>("key");
-    QTest::addColumn<QByteArray>("plain");
-    QTest::addColumn<QByteArray>("cipher");
-    // The substitution table test of NBS Special Publication 500-20, which reaches every entry of every box.
-    const QList<QByteArrayList> vectors{
-        {"7CA110454A1A6E57", "01A1D6D039776742", "690F5B0D9A26939B"},
-        {"0131D9619DC1376E", "5CD54CA83DEF57DA", "7A389D10354BD271"},
-        {"07A1133E4A0B2686", "0248D43806F67172", "868EBB51CAB4599A"},
-        {"3849674C2602319E", "51454B582DDF440A", "7178876E01F19B2A"},
-        {"04B915BA43FEB5B6", "42FD443059577FA2", "AF37FB421F8C4095"},
-        {"0113B970FD34F2CE", "059B5E0851CF143A", "86A560F10EC6D85B"},
-        {"0170F175468FB5E6", "0756D8E0774761D2", "0CD3DA020021DC09"},
-        {"43297FAD38E373FE", "762514B829BF486A", "EA676B2CB7DB2B7A"},
-        {"07A7137045DA2A16", "3BDD119049372802", "DFD64A815CAF1A0F"},
-        {"04689104C2FD3B2F", "26955F6835AF609A", "5C513C9C4886C088"},
-        {"37D06BB516CB7546", "164D5E404F275232", "0A2AEEAE3FF4AB77"},
-        {"1F08260D1AC2465E", "6B056E18759F5CCA", "EF1BF03E5DFA575A"},
-        {"584023641ABA6176", "004BD6EF09176062", "88BF0DB6D70DEE56"},
-        {"025816164629B007", "480D39006EE762F2", "A1F9915541020B56"},
-        {"49793EBC79B3258F", "437540C8698F3CFA", "6FBF1CAFCFFD0556"},
-        {"4FB05E1515AB73A7", "072D43A077075292", "2F22E49BAB7CA1AC"},
-        {"49E95D6D4CA229BF", "02FE55778117F12A", "5A6B612CC26CCE4A"},
-        {"018310DC409B26D6", "1D9D5C5018F728C2", "5F4C038ED12B2E41"},
-        {"1C587F1C13924FEF", "305532286D6F295A", "63FAC0D034D9F793"},
-    };
-    for (const QByteArrayList &vector : vectors)
-        QTest::newRow(vector[0].constData()) << vector[0] << vector[1] << vector[2];
-}
-
-void tst_clsDES::oneBlockAgreesWithThePublishedVectors()
-{
-    QFETCH(QByteArray, key);
-    QFETCH(QByteArray, plain);
-    QFETCH(QByteArray, cipher);
-    clsDES des;
-    des.setKey(keyOf(key));
-    QCOMPARE(hexOf(des.encryptBlock(block(plain))), cipher);
-    QCOMPARE(hexOf(des.decryptBlock(block(cipher))), plain);
-}
-
-void tst_clsDES::cipherTextIsHeadSizeAndDataChainedFromZero()
-{
-    clsDES des;
-    int draws = 0;
-    des.setRandom([&draws] { return ++draws == 1 ? 0.5 : 0.0; });
-    QByteArray bytes = "secret";
-    des.EncryptByte(bytes, u"12345678"_qs);
-    QCOMPARE(bytes.size(), 24);
-
-    QByteArray plain;
-    clsDES::Block chain{};
-    for (qsizetype offset = 0; offset < bytes.size(); offset += 8) {
-        const clsDES::Block cipher = block(bytes.mid(offset, 8).toHex());
-        const clsDES::Block deciphered = des.decryptBlock(cipher);
-        for (std::size_t i = 0; i < 8; ++i)
-            plain += static_cast<char>(deciphered[i] ^ chain[i]);
-        chain = cipher;
-    }
-    // 0.5 times 2147483647 lies halfway and goes to the even neighbour, 40000000 hex.
-    QCOMPARE(plain.toHex(),
-             QByteArray("0000004000000000") + "06000000" + QByteArray("secret").toHex() + "000000000000");
-}
-
-void tst_clsDES::whatWasEncipheredDeciphers_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<int>("cipherSize");
-    QTest::newRow("one block of data and head") << u"abcd"_qs << 16;
-    QTest::newRow("one byte more") << u"abcde"_qs << 24;
-    QTest::newRow("accents and the euro sign") << u"mot de passé €"_qs << 32;
-    QTest::newRow("all the bytes") << AnsiText::fromBytes(QByteArray::fromHex("00ff8081a0090d0a")) << 24;
-    QTest::newRow("long enough for lines") << QString(100, u'x') << 112;
-}
-
-void tst_clsDES::whatWasEncipheredDeciphers()
-{
-    QFETCH(QString, text);
-    QFETCH(int, cipherSize);
-    clsDES des;
-    QString raw = des.EncryptString(text, u"a key"_qs, false);
-    QCOMPARE(raw.size(), cipherSize);
-    QCOMPARE(des.DecryptString(raw, u"a key"_qs, false), text);
-    QString in64 = des.EncryptString(text, u"a key"_qs, true);
-    clsDES other;
-    QCOMPARE(other.DecryptString(in64, u"a key"_qs, true), text);
-}
-
-void tst_clsDES::twoRunsDiffer()
-{
-    clsDES des;
-    const QString first = des.EncryptString(u"abcd"_qs, u"k"_qs, true);
-    QCOMPARE(first.size(), 24);
-    QVERIFY(first != des.EncryptString(u"abcd"_qs, u"k"_qs, true));
-}
-
-void tst_clsDES::keyIsCutToEightCharactersAndKeptBetweenCalls()
-{
-    clsDES des;
-    QString cipher = des.EncryptString(u"password"_qs, u"%%K9:Tm417"_qs, true);
-    QString again = cipher;
-    QCOMPARE(des.DecryptString(again, u"%%K9:Tm4"_qs, true), u"password");
-    QCOMPARE(des.DecryptString(cipher, QString(), true), u"password");
-    // A short key is filled with zeros.
-    des.setKey(u"abc"_qs);
-    const QByteArray filled = hexOf(des.encryptBlock({}));
-    des.setKey(u"abc"_qs + QString(5, QChar(0)));
-    QCOMPARE(hexOf(des.encryptBlock({})), filled);
-}
-
-void tst_clsDES::wrongKeyOrBrokenCipherTextIsSilent()
-{
-    clsDES des;
-    QByteArray bytes = "some text";
-    des.EncryptByte(bytes, u"right"_qs);
-    const QByteArray cipher = bytes;
-    des.DecryptByte(bytes, u"wrong"_qs);
-    QCOMPARE(bytes.size(), cipher.size());
-    QVERIFY(bytes != cipher);
-
-    QByteArray cut = cipher.left(13);
-    des.DecryptByte(cut, u"right"_qs);
-    QCOMPARE(cut.size(), 13);
-    QByteArray nothing;
-    des.DecryptByte(nothing, u"right"_qs);
-    QVERIFY(nothing.isEmpty());
-}
-
-void tst_clsDES::emptyTextDeciphersToItsWholeBlock()
-{
-    clsDES des;
-    des.setRandom([] { return 0.0; });
-    QString cipher = des.EncryptString(QString(), u"k"_qs, false);
-    QCOMPARE(cipher.size(), 16);
-    QCOMPARE(des.DecryptString(cipher, u"k"_qs, false), QString(16, QChar(0)));
-}
-
-void tst_clsDES::decryptStringOverwritesTheTextIn64()
-{
-    clsDES des;
-    const QString raw = des.EncryptString(u"abcd"_qs, u"k"_qs, false);
-    QString text = des.Encode64(raw);
-    des.DecryptString(text, u"k"_qs, true);
-    QCOMPARE(text, raw);
-}
-
-void tst_clsDES::base64LinesBreakAfter76Characters_data()
-{
-    QTest::addColumn<int>("bytes");
-    QTest::addColumn<QList<int>>("lines");
-    QTest::addColumn<bool>("endsWithBreak");
-    QTest::newRow("one full line has no break") << 57 << QList<int>{76} << false;
-    QTest::newRow("one byte more") << 58 << QList<int>{76, 4} << false;
-    QTest::newRow("two full lines end with a break") << 114 << QList<int>{76, 76} << true;
-}
-
-void tst_clsDES::base64LinesBreakAfter76Characters()
-{
-    QFETCH(int, bytes);
-    QFETCH(QList<int>, lines);
-    QFETCH(bool, endsWithBreak);
-    clsDES des;
-    const QByteArray input(bytes, '\xfb');
-    const QString coded = des.EncodeArray64(input);
-    QList<int> lengths;
-    const QStringList parts = coded.split(u"\r\n"_qs, Qt::SkipEmptyParts);
-    for (const QString &line : parts)
-        lengths.append(static_cast<int>(line.size()));
-    QCOMPARE(lengths, lines);
-    QCOMPARE(coded.endsWith(u"\r\n"), endsWithBreak);
-    QCOMPARE(des.DecodeArray64(coded), input);
-}
-
-void tst_clsDES::strangeBase64IsDecodedWithoutError_data()
-{
-    QTest::addColumn<QString>("coded");
-    QTest::addColumn<QByteArray>("hex");
-    QTest::newRow("nothing") << u""_qs << QByteArray();
-    QTest::newRow("padding in the middle") << u"Y=W=Jj"_qs << QByteArray("616263");
-    QTest::newRow("two characters left") << u"YQ"_qs << QByteArray("61");
-    QTest::newRow("three characters left") << u"YWI"_qs << QByteArray("6162");
-    QTest::newRow("one character left") << u"YWJjZ"_qs << QByteArray("616263");
-    QTest::newRow("strangers count as zero") << u"!é€-"_qs << QByteArray("000000");
-    QTest::newRow("a lone line feed counts as zero") << u"YW\nj"_qs << QByteArray("616023");
-}
-
-void tst_clsDES::strangeBase64IsDecodedWithoutError()
-{
-    QFETCH(QString, coded);
-    QFETCH(QByteArray, hex);
-    clsDES des;
-    QCOMPARE(des.DecodeArray64(coded).toHex(), hex);
-}
-
-void tst_clsDES::filesAreConvertedAndNeverOverwrittenUnasked()
-{
-    const QTemporaryDir directory;
-    const QString plain = directory.filePath(u"plain"_qs);
-    const QString cipher = directory.filePath(u"cipher"_qs);
-    const QString back = directory.filePath(u"back"_qs);
-    const QByteArray content = QByteArray::fromHex("00010aff") + QByteArray(200, 'z');
-    Files::write(plain, content);
-    clsDES des;
-    for (const bool in64 : {false, true}) {
-        QVERIFY(des.EncryptFile(plain, cipher, true, u"k"_qs, in64));
-        QVERIFY(Files::read(cipher).bytes != content);
-        QCOMPARE(Files::read(cipher).bytes.contains("\r\n"), in64);
-        QVERIFY(des.DecryptFile(cipher, back, true, u"k"_qs, in64));
-        QCOMPARE(Files::read(back).bytes, content);
-    }
-    Files::write(cipher, "mine");
-    QVERIFY(!des.EncryptFile(plain, cipher, false, u"k"_qs));
-    QCOMPARE(Files::read(cipher).bytes, QByteArray("mine"));
-    QVERIFY(!des.EncryptFile(directory.filePath(u"absent"_qs), back, true, u"k"_qs));
-    QVERIFY(!des.EncryptFile(plain, directory.filePath(u"no/such/place"_qs), true, u"k"_qs));
-}
-
-void tst_clsDES::progressRisesToOneHundred()
-{
-    clsDES des;
-    QList<int> percents;
-    des.setProgress([&percents](int percent) { percents.append(percent); });
-    QByteArray bytes(20, 'a');
-    des.EncryptByte(bytes, u"k"_qs);
-    QCOMPARE(percents, (QList<int>{0, 25, 50, 75, 100}));
-    percents.clear();
-    des.DecryptByte(bytes);
-    QCOMPARE(percents, (QList<int>{0, 25, 50, 75, 100}));
-
-    percents.clear();
-    QByteArray large(100000, 'a');
-    des.EncryptByte(large);
-    QVERIFY(std::ranges::is_sorted(percents));
-    QVERIFY(percents.size() <= 101);
-    QCOMPARE(percents.last(), 100);
-}
 
 QTEST_GUILESS_MAIN(tst_clsDES)
 #include "tst_clsDES.moc"
