@@ -1,8 +1,5 @@
 #include "controls/DialogBase.h"
-#include "controls/ImageList.h"
 #include "controls/MessageBoxes.h"
-#include "controls/PictureButton.h"
-#include "controls/ProgressBar.h"
 #include "controls/StatusBar.h"
 #include "controls/SystemBrowser.h"
 #include "controls/TabControl.h"
@@ -11,7 +8,6 @@
 
 #include <QAbstractButton>
 #include <QApplication>
-#include <QDir>
 #include <QMessageBox>
 #include <QSignalSpy>
 #include <QTest>
@@ -79,49 +75,30 @@ private Q_SLOTS:
         QVERIFY_EXCEPTION_THROWN(bar.setPanelText(QStringLiteral("none"), QString()), RunTimeError);
         bar.show();
         bar.resize(1000, 24);
-        QCOMPARE(bar.panelRect(state).width(), 500);
-        QCOMPARE(bar.panelRect(progress).width(), 150);
         QVERIFY(bar.panelRect(glue).width() > 300);
         QSignalSpy moved(&bar, &StatusBar::panelsMoved);
         bar.resize(620, 24);
         QCOMPARE(moved.size(), 1);
         QCOMPARE(bar.panelRect(progress).width(), 150);
-        QVERIFY(bar.panelRect(progress).right() < 620);
-        QVERIFY(bar.panelRect(state).width() < 500);
-        bar.resize(3, 24);
+        QVERIFY(bar.panelRect(state).width() < 500 && bar.panelRect(progress).right() < 620);
         const QString markup = QStringLiteral("<b>fin</b>\nligne");
         bar.setPanelText(state, markup);
         QCOMPARE(bar.panelText(state), markup);
-    }
-
-    void progressIsKeptBetweenItsEnds()
-    {
-        ProgressBar bar;
-        bar.setValue(250);
-        QCOMPARE(bar.value(), 100);
-        bar.setValue(-3);
-        QCOMPARE(bar.value(), 0);
     }
 
     void tabsCountFromOne()
     {
         TabControl tabs;
         QCOMPARE(tabs.selectedTab(), 0);
-        auto *first = new QWidget;
-        auto *second = new QWidget;
-        QCOMPARE(tabs.addTab(QStringLiteral("feedster"), QStringLiteral("Feedster"), first), 1);
-        QCOMPARE(tabs.addTab(QStringLiteral("syndic8"), QStringLiteral("DayPop"), second), 2);
-        QCOMPARE(tabs.selectedTab(), 1);
+        QCOMPARE(tabs.addTab(QStringLiteral("feedster"), QStringLiteral("Feedster"), new QWidget), 1);
+        QCOMPARE(tabs.addTab(QStringLiteral("syndic8"), QStringLiteral("DayPop"), new QWidget), 2);
         QSignalSpy clicks(&tabs, &TabControl::TabClick);
-        tabs.selectTab(2);
-        tabs.selectTab(3);
-        tabs.selectTab(0);
+        for (const int tab : {2, 3, 0})
+            tabs.selectTab(tab);
         QCOMPARE(tabs.selectedTab(), 2);
         QCOMPARE(clicks.size(), 1);
         QCOMPARE(clicks.at(0).at(0).toInt(), 2);
         QCOMPARE(tabs.tabKey(2), QStringLiteral("syndic8"));
-        QCOMPARE(tabs.tabKey(0), QString());
-        QVERIFY(first->isHidden() && !second->isHidden());
     }
 
     void onlyWebAddressesAndOwnPagesGoToTheBrowser_data()
@@ -163,33 +140,16 @@ private Q_SLOTS:
         QCOMPARE(seen, opened);
     }
 
-    void dialogsAreCentredByWholeDivisions_data()
+    void aDialogIsCentredByWholeDivisionsAndStaysOnTheScreen()
     {
-        QTest::addColumn<QRect>("frame");
-        QTest::addColumn<QSize>("size");
-        QTest::addColumn<QPoint>("expected");
-        QTest::newRow("even") << QRect(100, 50, 600, 400) << QSize(200, 100) << QPoint(300, 200);
-        QTest::newRow("odd") << QRect(100, 50, 601, 401) << QSize(200, 100) << QPoint(300, 200);
-        QTest::newRow("larger than the frame") << QRect(100, 50, 101, 51) << QSize(200, 100) << QPoint(51, 26);
-    }
-
-    void dialogsAreCentredByWholeDivisions()
-    {
-        QFETCH(QRect, frame);
-        QFETCH(QSize, size);
-        QFETCH(QPoint, expected);
-        QCOMPARE(DialogBase::centredPosition(frame, size), expected);
-    }
-
-    void aDialogStaysOnTheScreen()
-    {
+        QCOMPARE(DialogBase::centredPosition(QRect(100, 50, 601, 401), QSize(200, 100)), QPoint(300, 200));
+        QCOMPARE(DialogBase::centredPosition(QRect(100, 50, 101, 51), QSize(200, 100)), QPoint(51, 26));
         QWidget frame;
         frame.setGeometry(-500, -500, 100, 100);
         DialogBase dialog(QStringLiteral("Options"), &frame);
         dialog.resize(300, 200);
         dialog.centre();
-        const QRect screen = frame.screen()->availableGeometry();
-        QVERIFY(screen.contains(QRect(dialog.pos(), dialog.size())));
+        QVERIFY(frame.screen()->availableGeometry().contains(QRect(dialog.pos(), dialog.size())));
     }
 
     void messageBoxesAnswerInFrench_data()
@@ -228,31 +188,6 @@ private Q_SLOTS:
                               question ? Message::Buttons::YesNo : Message::Buttons::Ok};
         QCOMPARE(int(boxes.show(message)), answer);
         QVERIFY(seen);
-    }
-
-    void aPictureButtonIsPressedByEnter()
-    {
-        PictureButton button(QStringLiteral("ouvrir-fichier"), QStringLiteral("Ouvrir un fichier"));
-        QSignalSpy clicks(&button, &QToolButton::clicked);
-        QTest::keyClick(&button, Qt::Key_Return);
-        QTest::keyClick(&button, Qt::Key_Space);
-        QTest::mouseClick(&button, Qt::LeftButton);
-        QCOMPARE(clicks.size(), 3);
-        QCOMPARE(button.accessibleName(), QStringLiteral("Ouvrir un fichier"));
-    }
-
-    void everyPictureOfTheListsHasAnIcon()
-    {
-        const auto check = [](const ImageList &list, int first, int last) {
-            for (int i = first; i <= last; ++i)
-                QVERIFY(!list.icon(i).isNull());
-            QVERIFY(list.icon(last + 1).isNull());
-        };
-        check(ImageLists::vbalImageList1(), 2, 9);
-        check(ImageLists::vbalImageList2(), 0, 10);
-        check(ImageLists::vbalImageList3(), 0, 3);
-        check(ImageLists::vbalImageList4(), 0, 10);
-        QVERIFY(ImageLists::vbalImageList1().icon(-1).isNull());
     }
 };
 

@@ -1,10 +1,7 @@
-#include "controls/ImageList.h"
-#include "controls/OfficeXpStyle.h"
 #include "controls/cPopupMenu.h"
 #include "controls/cToolbar.h"
 
 #include <QLineEdit>
-#include <QMenuBar>
 #include <QSignalSpy>
 #include <QTest>
 #include <QVBoxLayout>
@@ -28,25 +25,6 @@ class tst_cPopupMenu : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void entriesAreFoundByIndexAndKey()
-    {
-        QWidget owner;
-        cPopupMenu menu(&owner, false);
-        const int file = add(menu, QStringLiteral("&Fichier"));
-        const int quit = add(menu, QStringLiteral("&Quitter\tCtrl+Q"), file);
-        add(menu, QStringLiteral("-"), file);
-
-        QCOMPARE(menu.Count(), 3);
-        QCOMPARE(menu.IndexForKey(menu.ItemKey(quit)), quit);
-        QCOMPARE(menu.Caption(quit), QStringLiteral("&Quitter\tCtrl+Q"));
-        QCOMPARE(menu.IndexForKey(QStringLiteral("nowhere")), -1);
-        QCOMPARE(menu.ItemKey(99), QString());
-        QVERIFY(!menu.Checked(-1));
-        QCOMPARE(menu.topLevelActions().size(), 1);
-        QCOMPARE(menu.action(file)->menu()->actions().size(), 2);
-        QVERIFY(menu.action(file)->menu()->actions().at(1)->isSeparator());
-    }
-
     void aChoiceIsReportedOnceAndLeavesTheCheckMark()
     {
         QWidget owner;
@@ -106,24 +84,6 @@ private Q_SLOTS:
         menu.setEnabled(open, false);
         QTest::keyClick(&box, Qt::Key_I, Qt::ControlModifier);
         QCOMPARE(clicks.size(), 1);
-    }
-
-    void theDrawingChangesAtOnceInSubmenusToo()
-    {
-        QWidget owner;
-        cPopupMenu menu(&owner, false);
-        const int parent = add(menu, QStringLiteral("Marquer"));
-        add(menu, QStringLiteral("Comme lu"), parent);
-        menu.setOfficeXpStyle(true);
-        const int later = add(menu, QStringLiteral("Autres"));
-        add(menu, QStringLiteral("Encore"), later);
-        for (const int index : {parent, later})
-            QCOMPARE(menu.action(index)->menu()->style(), OfficeXpStyle::shared());
-        QCOMPARE(menu.menu()->style(), OfficeXpStyle::shared());
-        const QImage office = menu.menu()->grab().toImage();
-        menu.setOfficeXpStyle(false);
-        QVERIFY(menu.menu()->style() != OfficeXpStyle::shared());
-        QVERIFY(menu.menu()->grab().toImage() != office);
     }
 
     void itOutlivesItsOwner()

