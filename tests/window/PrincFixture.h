@@ -64,12 +64,9 @@ public:
             return shell;
         };
         s.makeHelp = [] { return std::unique_ptr<HelpSystem>(); };
-        s.openInSystemBrowser = [this](const QString &url) {
-            systemUrls.append(url);
-            return true;
-        };
+        s.openInSystemBrowser = [](const QString &) { return true; };
         s.inputBox = [this](const QString &, const QString &) { return inputAnswer; };
-        s.askFeedFile = [this](const QString &, const QString &) { return chosenFile; };
+        s.askFeedFile = [](const QString &, const QString &) { return QString(); };
         s.runtimeDirectory = runtime.path();
         s.releaseInstance = [this] { ++releases; };
         window = std::make_unique<frmPrinc>(s);
@@ -133,9 +130,7 @@ public:
     std::unique_ptr<SettingsFile> settingsFile;
     std::function<void(AppSettings &)> adjustSettings;
     QDateTime now = QDateTime(QDate(2004, 7, 1), QTime(12, 0));
-    QStringList systemUrls;
     QString inputAnswer;
-    QString chosenFile;
     bool trayAvailable = true;
     FakeTrayShell *tray = nullptr;
     int releases = 0;

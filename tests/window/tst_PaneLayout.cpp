@@ -57,35 +57,15 @@ private Q_SLOTS:
         }
     }
 
-    void barsStopAtTheirBounds_data()
+    void barsStopAtTheirBoundsAndAtWhatTheSettingsCanHold()
     {
-        QTest::addColumn<bool>("horizontal");
-        QTest::addColumn<double>("candidate");
-        QTest::addColumn<bool>("allowed");
-        QTest::newRow("left end") << true << 201.0 << true;
-        QTest::newRow("past the left end") << true << 200.0 << false;
-        QTest::newRow("right end") << true << 11799.0 << true;
-        QTest::newRow("past the right end") << true << 11800.0 << false;
-        QTest::newRow("upper end") << false << 1101.0 << true;
-        QTest::newRow("past the upper end") << false << 1100.0 << false;
-        QTest::newRow("lower end") << false << 8199.0 << true;
-        QTest::newRow("past the lower end") << false << 8200.0 << false;
-    }
-
-    void barsStopAtTheirBounds()
-    {
-        QFETCH(bool, horizontal);
-        QFETCH(double, candidate);
-        const SplitBounds bounds =
-            horizontal ? PaneLayout::horizontalBounds(12000) : PaneLayout::verticalBounds(9000, 900, 300);
-        QTEST(bounds.allows(candidate), "allowed");
-    }
-
-    void aBarNeverGoesPastWhatTheSettingsCanHold()
-    {
+        const SplitBounds across = PaneLayout::horizontalBounds(12000);
+        QVERIFY(across.allows(201) && !across.allows(200) && across.allows(11799) && !across.allows(11800));
+        const SplitBounds down = PaneLayout::verticalBounds(9000, 900, 300);
+        QVERIFY(down.allows(1101) && !down.allows(1100) && down.allows(8199) && !down.allows(8200));
         QVERIFY(!PaneLayout::horizontalBounds(60000).allows(32768));
-        QVERIFY(PaneLayout::verticalBounds(60000, 900, 300).allows(900 + 32767));
-        QVERIFY(!PaneLayout::verticalBounds(60000, 900, 300).allows(900 + 32768));
+        const SplitBounds far = PaneLayout::verticalBounds(60000, 900, 300);
+        QVERIFY(far.allows(900 + 32767) && !far.allows(900 + 32768));
     }
 
     void neighboursMeetInPixelsWhateverTheScale()

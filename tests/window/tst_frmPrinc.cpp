@@ -37,6 +37,12 @@ private:
                                         FeedTexts::titles(QStringLiteral("f%1-").arg(key), 0, 3)));
     }
 
+    void start()
+    {
+        writeThreeFeeds();
+        m_f->start();
+    }
+
     QString catalogue() const { return QString::fromUtf8(m_f->data.read(QStringLiteral("feeds.xml"))); }
 
     QString titleOf(int row) const { return m_f->list()->items().index(row, 0).data().toString(); }
@@ -82,59 +88,37 @@ private Q_SLOTS:
 
     // --- The feed tree
 
-    void aClickOnAFeedOpensItAndEnablesItsButtons()
+    void clicksAndArrowsOpenFeedsAndSetTheButtons()
     {
-        writeThreeFeeds();
-        m_f->start();
+        start();
         m_f->click(m_f->node("3"));
         QCOMPARE(m_f->list()->items().rowCount(), 3);
-        QCOMPARE(titleOf(0), QStringLiteral("f3-0"));
         QCOMPARE(m_f->buttons(), QStringLiteral("1110"));
         const QByteArray title = AnsiText::toBytes(AnsiText::widenBytes(QStringLiteral("Flux 3")));
         QVERIFY(m_f->data.read(QStringLiteral("tmp.htm")).contains(title));
-    }
-
-    void aClickOnAFolderEmptiesTheListAndOneOnTheRootLeavesIt()
-    {
-        writeThreeFeeds();
-        m_f->start();
-        m_f->click(m_f->node("2"));
         m_f->click(m_f->node("root"));
         QCOMPARE(m_f->buttons(), QStringLiteral("0000"));
         QCOMPARE(m_f->list()->items().rowCount(), 3);
         m_f->click(m_f->node("1"));
         QCOMPARE(m_f->buttons(), QStringLiteral("0100"));
         QCOMPARE(m_f->list()->items().rowCount(), 0);
-    }
 
-    void aFeedBeingUpdatedOpensNothing()
-    {
-        writeThreeFeeds();
-        m_f->start();
-        m_f->click(m_f->node("2"));
+        QTest::keyClick(m_f->tree(), Qt::Key_Down);
+        QCOMPARE(titleOf(0), QStringLiteral("f2-0"));
+        QCOMPARE(m_f->window->feedTree().selected(), m_f->node("2"));
+        QCOMPARE(m_f->buttons(), QStringLiteral("0100")); // arrow keys don't touch the buttons
+        QTest::keyClick(m_f->tree(), Qt::Key_Up);         // onto the folder: nothing changes on show
+        QCOMPARE(titleOf(0), QStringLiteral("f2-0"));
+
         m_f->window->feedTree().setImages(m_f->node("3"), NodeImage::FeedUpdating, NodeImage::FeedUpdating);
         m_f->click(m_f->node("3"));
         QCOMPARE(m_f->buttons(), QStringLiteral("0000"));
         QCOMPARE(titleOf(0), QStringLiteral("f2-0"));
     }
 
-    void arrowKeysOpenFeedsWithoutTouchingTheButtons()
+    void theContextMenuFollowsTheKindOfTheNodeAndMakesFolders()
     {
-        writeThreeFeeds();
-        m_f->start();
-        m_f->click(m_f->node("1"));
-        QTest::keyClick(m_f->tree(), Qt::Key_Down);
-        QCOMPARE(titleOf(0), QStringLiteral("f2-0"));
-        QCOMPARE(m_f->window->feedTree().selected(), m_f->node("2"));
-        QCOMPARE(m_f->buttons(), QStringLiteral("0100"));
-        QTest::keyClick(m_f->tree(), Qt::Key_Up); // onto the folder: nothing changes on show
-        QCOMPARE(titleOf(0), QStringLiteral("f2-0"));
-    }
-
-    void theContextMenuFollowsTheKindOfTheNode()
-    {
-        writeThreeFeeds();
-        m_f->start();
+        start();
         m_f->click(m_f->node("2"));
         QStringList enabled;
         answerMenu(QString(), &enabled);
@@ -145,31 +129,30 @@ private Q_SLOTS:
         QCOMPARE(titleOf(0), QStringLiteral("f2-0")); // a right click on a folder leaves the list
 
         enabled.clear();
-        answerMenu(QString(), &enabled);
-        askContextMenu("4");
+        answerMenu(QStringLiteral("Nouveau dossier"), &enabled); // an empty name makes none
+        askContextMenu("3");
         QCOMPARE(enabled.size(), 4);
-        QCOMPARE(titleOf(0), QStringLiteral("f4-0"));
+        QCOMPARE(titleOf(0), QStringLiteral("f3-0"));
+        QVERIFY(!m_f->node("5"));
+        m_f->inputAnswer = QStringLiteral("Été & co");
+        answerMenu(QStringLiteral("Nouveau dossier"));
+        askContextMenu("3");
+        QCOMPARE(m_f->node("5")->parent(), m_f->node("1")); // beside the feed
+        QVERIFY(catalogue().contains(QStringLiteral("name=\"Été &amp; co\" key=\"5\" visible=\"1\"")));
     }
 
-    void aFeedIsDeletedWithoutAQuestion()
+    void aFeedIsDeletedWithoutAQuestionAndAFolderOnlyAfterAYes()
     {
-        writeThreeFeeds();
-        m_f->start();
+        start();
         m_f->click(m_f->node("2"));
         answerMenu(QStringLiteral("Supprimer"));
         askContextMenu("2");
         QVERIFY(m_f->messages.shown.empty());
-        QVERIFY(!m_f->node("2"));
-        QVERIFY(!m_f->window->feedTree().selected());
+        QVERIFY(!m_f->node("2") && !m_f->window->feedTree().selected());
         QCOMPARE(m_f->list()->items().rowCount(), 0);
         QVERIFY(!catalogue().contains(QStringLiteral("Monde")));
         QVERIFY(!Files::exists(m_f->data.cacheFile(QStringLiteral("2"))));
-    }
 
-    void aFolderIsDeletedOnlyAfterAYes()
-    {
-        writeThreeFeeds();
-        m_f->start();
         m_f->click(m_f->node("1"));
         pressToolbar(1);
         QCOMPARE(m_f->messages.shown.size(), std::size_t(1));
@@ -183,24 +166,9 @@ private Q_SLOTS:
         QVERIFY(Files::exists(m_f->data.cacheFile(QStringLiteral("4"))));
     }
 
-    void aNewFolderStandsBesideAFeedAndAnEmptyNameMakesNone()
-    {
-        writeThreeFeeds();
-        m_f->start();
-        answerMenu(QStringLiteral("Nouveau dossier"));
-        askContextMenu("3");
-        QVERIFY(!m_f->node("5"));
-        m_f->inputAnswer = QStringLiteral("Été & co");
-        answerMenu(QStringLiteral("Nouveau dossier"));
-        askContextMenu("3");
-        QCOMPARE(m_f->node("5")->parent(), m_f->node("1"));
-        QVERIFY(catalogue().contains(QStringLiteral("name=\"Été &amp; co\" key=\"5\" visible=\"1\"")));
-    }
-
     void aDropOnAFolderMovesTheFeedInTreeAndFile()
     {
-        writeThreeFeeds();
-        m_f->start();
+        start();
         QTest::mousePress(m_f->tree()->viewport(), Qt::LeftButton, {}, m_f->placeOf(m_f->node("4")));
         Q_EMIT m_f->tree()->nodeDropped(m_f->node("1"), false);
         QCOMPARE(m_f->node("4")->parent(), m_f->node("1"));
@@ -240,8 +208,7 @@ private Q_SLOTS:
     void anItemOnShowIsMarkedAsReadAfterTheDelayAndStaysSo()
     {
         m_f->adjustSettings = [](AppSettings &settings) { settings.readDelay = 20; };
-        writeThreeFeeds();
-        m_f->start();
+        start();
         m_f->click(m_f->node("2"));
         m_f->clickRow(1, 1);
         QVERIFY(m_f->browserToolbar()->isButtonEnabled(QStringLiteral("send_mail")));
@@ -352,10 +319,9 @@ private Q_SLOTS:
         const int before = bar->x();
         QTest::mousePress(bar, Qt::LeftButton, {}, QPoint(0, 5));
         QTest::mouseMove(bar, QPoint(70, 5));
-        QCOMPARE(bar->x(), before + 70);
         QTest::mouseMove(bar, QPoint(5000, 5)); // past the bound the bar stays
-        QCOMPARE(bar->x(), before + 70);
         QTest::mouseRelease(bar, Qt::LeftButton, {}, QPoint(0, 5));
+        QCOMPARE(bar->x(), before + 70);
         QCOMPARE(int(m_f->settings.splitHorizontal), (before + 70) * 15);
         QCOMPARE(m_f->tree()->width(), before + 70);
 
@@ -366,8 +332,6 @@ private Q_SLOTS:
         QTest::mouseRelease(lower, Qt::LeftButton, {}, QPoint(5, 0));
         QCOMPARE(m_f->list()->height(), height - 30);
         QCOMPARE(int(m_f->settings.splitVertical), (height - 30) * 15);
-        QTest::mouseClick(lower, Qt::LeftButton); // let go without a move: all stays
-        QCOMPARE(m_f->list()->height(), height - 30);
     }
 
     void panesKeepInsideASmallWindow()
@@ -381,26 +345,17 @@ private Q_SLOTS:
         }
     }
 
-    void theStyleIsRefusedForOldControls_data()
-    {
-        QTest::addColumn<int>("major");
-        QTest::addColumn<int>("minor");
-        QTest::addColumn<bool>("switched");
-        QTest::newRow("4.70") << 4 << 70 << false;
-        QTest::newRow("4.71") << 4 << 71 << true;
-        QTest::newRow("5.0") << 5 << 0 << true;
-    }
-
     void theStyleIsRefusedForOldControls()
     {
-        QFETCH(int, major);
-        QFETCH(int, minor);
         m_f->start();
-        m_f->toolbar()->setCommonControlsVersion({major, minor});
+        m_f->toolbar()->setCommonControlsVersion({4, 70});
         m_f->window->setStyle(QStringLiteral("mnuStandard")); // the settings of a first start say Office XP
-        QTEST(!m_f->settings.officeStyle, "switched");
-        QTEST(m_f->browserToolbar()->drawStyle() == DrawStyle::Standard, "switched");
-        QTEST(m_f->messages.shown.empty(), "switched");
+        QVERIFY(m_f->settings.officeStyle && m_f->browserToolbar()->drawStyle() != DrawStyle::Standard);
+        QCOMPARE(m_f->messages.shown.size(), std::size_t(1));
+        m_f->toolbar()->setCommonControlsVersion({4, 71});
+        m_f->window->setStyle(QStringLiteral("mnuStandard"));
+        QVERIFY(!m_f->settings.officeStyle && m_f->browserToolbar()->drawStyle() == DrawStyle::Standard);
+        QCOMPARE(m_f->messages.shown.size(), std::size_t(1));
     }
 
     void minimisingHidesOnlyWhereAnIconLeadsBack()
@@ -424,17 +379,6 @@ private Q_SLOTS:
         QVERIFY(m_f->window->isHidden());
     }
 
-    void aColumnIsHiddenAndShownAgainWithItsWidth()
-    {
-        m_f->start();
-        const double width = m_f->list()->columnWidthTwips(5);
-        for (const double expected : {0.0, width}) {
-            answerMenu(QStringLiteral("Auteur"));
-            QTest::mousePress(m_f->list()->viewport(), Qt::RightButton, {}, QPoint(5, 5));
-            QCOMPARE(m_f->list()->columnWidthTwips(5), expected);
-        }
-    }
-
     void theAddressBoxTakesAnAddressFromTheClipboardOnce()
     {
         m_f->start();
@@ -451,18 +395,6 @@ private Q_SLOTS:
         focusWith(QStringLiteral("http://example.org/a b"));
         QCOMPARE(txtURL->text(), QStringLiteral("http://example.org/a b"));
         QCOMPARE(QGuiApplication::clipboard()->text(), QString());
-    }
-
-    void aChosenFileIsOnlyPutIntoTheBox()
-    {
-        m_f->start();
-        m_f->chosenFile = QStringLiteral("/tmp/a.rss");
-        m_f->control<QAbstractButton>("Image1")->click();
-        QCOMPARE(m_f->window->addressText(), QStringLiteral("/tmp/a.rss"));
-        QVERIFY(m_f->messages.shown.empty());
-        m_f->chosenFile.clear();
-        m_f->control<QAbstractButton>("Image1")->click();
-        QCOMPARE(m_f->window->addressText(), QStringLiteral("/tmp/a.rss"));
     }
 
     void theCommandLineIsOpenedAtTheStart()
@@ -483,16 +415,12 @@ private Q_SLOTS:
         };
         m_f->start();
         QVERIFY(m_f->toolbar()->hasOverflow());
-        QToolButton *chevron = nullptr;
         for (auto *button :
              m_f->control<cReBar>("cReBar1")->findChildren<QToolButton *>(QString(), Qt::FindDirectChildrenOnly))
             if (button->isVisible())
-                chevron = button;
-        QVERIFY(chevron);
-        chevron->click();
+                button->click();
         auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
-        QVERIFY(menu);
-        QVERIFY(!menu->actions().isEmpty());
+        QVERIFY(menu && !menu->actions().isEmpty());
         menu->close();
     }
 };
