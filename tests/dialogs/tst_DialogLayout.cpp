@@ -22,6 +22,13 @@
 #include <QTabWidget>
 #include <QTest>
 
+namespace {
+
+constexpr const char *dialogNames[] = {"frmImport",  "frmExport",   "frmRechercher",       "frmProprietes",
+                                       "frmOptions", "frmSendMail", "frmAuthentification", "frmAbout"};
+
+} // namespace
+
 /// What holds for the looks of every dialog.
 class DialogLayoutTest : public QObject
 {
@@ -35,7 +42,6 @@ private Q_SLOTS:
     void buttonsKeepToTheCorner_data();
     void buttonsKeepToTheCorner();
     void optionFramesAre200TwipsNarrowerThanTheirPage();
-    void everyControlHasANameForScreenReaders_data();
     void everyControlHasANameForScreenReaders();
 
 private:
@@ -113,8 +119,7 @@ void DialogLayoutTest::noTextIsCut_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<double>("scale");
-    for (const char *const name : {"frmImport", "frmExport", "frmRechercher", "frmProprietes", "frmOptions",
-                                   "frmSendMail", "frmAuthentification", "frmAbout"})
+    for (const char *const name : dialogNames)
         for (const double scale : {1.0, 1.5, 2.0})
             QTest::addRow("%s at %.0f %%", name, scale * 100) << QString::fromLatin1(name) << scale;
 }
@@ -187,25 +192,18 @@ void DialogLayoutTest::optionFramesAre200TwipsNarrowerThanTheirPage()
     QVERIFY2(std::abs(twips - 200) < 20, qPrintable(QString::number(twips)));
 }
 
-void DialogLayoutTest::everyControlHasANameForScreenReaders_data()
-{
-    QTest::addColumn<QString>("name");
-    for (const char *const name : {"frmImport", "frmExport", "frmRechercher", "frmProprietes", "frmOptions",
-                                   "frmSendMail", "frmAuthentification", "frmAbout"})
-        QTest::newRow(name) << QString::fromLatin1(name);
-}
-
 void DialogLayoutTest::everyControlHasANameForScreenReaders()
 {
-    QFETCH(QString, name);
-    const std::unique_ptr<QDialog> dialog = make(name);
-    for (QWidget *const widget : dialog->findChildren<QWidget *>()) {
-        if (!(widget->focusPolicy() & Qt::TabFocus) || widget->objectName().startsWith(QStringLiteral("qt_")) ||
-            qobject_cast<QTabBar *>(widget) || qobject_cast<QTabWidget *>(widget) || widget->focusProxy())
-            continue;
-        const QAccessibleInterface *const accessible = QAccessible::queryAccessibleInterface(widget);
-        QVERIFY2(accessible && !accessible->text(QAccessible::Name).isEmpty(),
-                 qPrintable(widget->objectName() + u' ' + QString::fromLatin1(widget->metaObject()->className())));
+    for (const char *const name : dialogNames) {
+        const std::unique_ptr<QDialog> dialog = make(QString::fromLatin1(name));
+        for (QWidget *const widget : dialog->findChildren<QWidget *>()) {
+            if (!(widget->focusPolicy() & Qt::TabFocus) || widget->objectName().startsWith(QStringLiteral("qt_")) ||
+                qobject_cast<QTabBar *>(widget) || qobject_cast<QTabWidget *>(widget) || widget->focusProxy())
+                continue;
+            const QAccessibleInterface *const accessible = QAccessible::queryAccessibleInterface(widget);
+            QVERIFY2(accessible && !accessible->text(QAccessible::Name).isEmpty(),
+                     qPrintable(QString::fromLatin1(name) + u' ' + widget->objectName()));
+        }
     }
 }
 

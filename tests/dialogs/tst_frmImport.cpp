@@ -43,30 +43,331 @@ class ImportTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-    void listsOfOtherReadersAreRead_data();
-    void listsOfOtherReadersAreRead();
-    void documentsThatLackWhatTheReaderNeedsAreRefused_data();
-    void documentsThatLackWhatTheReaderNeedsAreRefused();
-    void aBadFileIsNamedAndThePageStays_data();
-    void aBadFileIsNamedAndThePageStays();
-    void pagesAreWalkedForwardAndBack();
-    void aListFromTheWebIsShown();
-    void webFailuresAreTold_data();
-    void webFailuresAreTold();
-    void aSecondPressStartsTheDownloadAgainWithoutAWord();
-    void theOutlineOfANodeIsFoundAcrossGaps();
-    void arrowKeysShowTheDescriptionOfTheNodeTheyGoTo();
-    void checksAreCounted();
-    void loadingAnewZeroesTheCountButLeavesTheBox();
-    void theRunFetchesTickedFeedsOneByOne();
-    void aRunWithoutTicksEndsAtOnce();
-    void aFeedThatStallsIsGivenUpAfterAHundredPasses();
-    void cancellingTheRunKeepsWhatWasAdded();
-    void theWizardIsLeftOnlyThroughItsButtons();
-    void aRunGoesThroughARealServer();
-    void twoThousandFeedsAreListedAtOnce();
+    void init()
+    {
+        m_form.reset();
+        m_window = std::make_unique<FakeMainWindow>();
+        m_messages = std::make_unique<FakeMessages>();
+        m_downloaders.clear();
+        m_passes = 0;
+        m_onPass = [this](int) { m_downloaders[1]->answer(); };
+        const auto make = [this] {
+            auto made = std::make_unique<FakeDownloader>();
+            m_downloaders.push_back(made.get());
+            return made;
+        };
+        const auto wait = [this](int milliseconds) {
+            QCOMPARE(milliseconds, 100);
+            m_onPass(++m_passes);
+        };
+        m_form = std::make_unique<frmImport>(*m_window, *m_messages, make, wait, [] { return QString(); });
+        m_form->show();
+    }
+
+    void cleanup() { m_form.reset(); }
+
+    void listsOfOtherReadersAreRead_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QStringList>("expected"); // "position text address"
+
+        QTest::newRow("empty body") << opml("") << QStringList();
+        QTest::newRow("attributes of other readers")
+            << opml("<outline type=\"rss\" version=\"RSS\" title=\"T\" text=\"A &amp; b\" htmlUrl=\"http://h/\" "
+                    "xmlUrl=\"http://h/f?a=1&amp;b=2\"/>")
+            << QStringList{QStringLiteral("0 A & b http://h/f?a=1&b=2")};
+        QTest::newRow("folders are skipped, and leave gaps")
+            << opml("<outline text=\"D\"><outline text=\"inner\" xmlUrl=\"http://h/i\"/></outline>"
+                    "<outline text=\"B\" xmlUrl=\"http://h/b\"/>")
+            << QStringList{QStringLiteral("1 B http://h/b")};
+        QTest::newRow("names are told with case") << opml("<outline text=\"A\" xmlURL=\"http://h/\"/>"
+                                                          "<OUTLINE text=\"B\" xmlUrl=\"http://h/\"/>"
+                                                          "<outline text=\"C\" xmlUrl=\"\"/>")
+                                                  << QStringList{QStringLiteral("1 C ")};
+        QTest::newRow("a document type without an outer part")
+            << QByteArray("<!DOCTYPE opml [<!ENTITY e \"été\">]>") +
+                   opml("<outline text=\"&e;\" xmlUrl=\"http://h/\"/>").mid(38)
+            << QStringList{QStringLiteral("0 été http://h/")};
+        QStringEncoder utf16(QStringEncoder::Utf16LE, QStringEncoder::Flag::WriteBom);
+        const QString wide =
+            QStringLiteral("<?xml version=\"1.0\" encoding=\"UTF-16\"?><opml><head><title/></head><body>"
+                           "<outline text=\"日本\" xmlUrl=\"http://h/\"/></body></opml>");
+        QTest::newRow("UTF-16") << QByteArray(utf16(wide)) << QStringList{QStringLiteral("0 日本 http://h/")};
+    }
+
+    void listsOfOtherReadersAreRead()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(QStringList, expected);
+        XmlDocument document;
+        QCOMPARE(document.loadXml(bytes), XmlDocument::LoadResult::Loaded);
+        QStringList found;
+        for (const OpmlList::Feed &feed : readOpmlList(document).feeds)
+            found.append(QString::number(feed.position) + u' ' + feed.text + u' ' + feed.address);
+        QCOMPARE(found, expected);
+    }
+
+    void aBadFileIsNamedOrFailsAndThePageStays_data()
+    {
+        QTest::addColumn<QByteArray>("bytes"); // none: no such file
+        QTest::addColumn<bool>("fails");
+        QTest::newRow("absent") << QByteArray() << false;
+        QTest::newRow("not well-formed") << opml("<outline text=\"a & b\" xmlUrl=\"http://h/\"/>") << false;
+        QTest::newRow("no markup") << QByteArray("Bonjour") << false;
+        QByteArray bomb = "<!DOCTYPE opml [<!ENTITY a \"aaaaaaaaaaaaaaaaaaaa\">";
+        for (char name = 'b'; name <= 'g'; ++name) {
+            const QByteArray inner = QByteArray("&") + char(name - 1) + ';';
+            bomb += QByteArray("<!ENTITY ") + name + " \"" + inner.repeated(14) + "\">";
+        }
+        bomb += "]><opml><head><title>&g;&g;</title></head><body/></opml>";
+        QTest::newRow("entity bomb") << bomb << false;
+        QTest::newRow("another root") << QByteArray("<rss><head><title/></head><body/></rss>") << true;
+        QTest::newRow("root in capitals") << QByteArray("<OPML><head><title/></head><body/></OPML>") << true;
+        QTest::newRow("no head") << opml("", "") << true;
+        QTest::newRow("no title") << opml("", "<head/>") << true;
+        QTest::newRow("no body") << QByteArray("<opml><head><title/></head></opml>") << true;
+        QTest::newRow("no text") << opml("<outline text=\"A\"/><outline xmlUrl=\"http://h/\"/>") << true;
+    }
+
+    void aBadFileIsNamedOrFailsAndThePageStays()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(bool, fails);
+        if (fails) {
+            QVERIFY_EXCEPTION_THROWN(open(bytes), RunTimeError);
+            return;
+        }
+        const QString path = m_window->dataFile(QStringLiteral("bad.opml"));
+        if (!bytes.isEmpty())
+            m_window->data.write(QStringLiteral("bad.opml"), bytes);
+        press("cmdSuivant");
+        find<QLineEdit>("txtOPMLPath")->setText(path);
+        press("cmdSuivant");
+        QCOMPARE(m_messages->shown.size(), 1U);
+        QCOMPARE(m_messages->shown[0].text, QStringLiteral("Le fichier %1 est incorrect").arg(path));
+        QCOMPARE(m_messages->shown[0].title, QStringLiteral("Avertissement"));
+        QCOMPARE(m_messages->shown[0].icon, Message::Icon::Exclamation);
+        QVERIFY(shown("fraWizard_1"));
+    }
+
+    void pagesAreWalkedForwardAndBack()
+    {
+        QVERIFY(shown("fraWizard_0") && !find<QPushButton>("cmdPrecedent")->isEnabled());
+        open(opml(outlines(1)));
+        QVERIFY(shown("fraWizard_3") && shown("cmdTerminer") && !shown("cmdSuivant"));
+        press("cmdPrecedent");
+        QVERIFY(shown("fraWizard_1") && shown("cmdSuivant") && !shown("cmdTerminer"));
+        press("cmdPrecedent");
+        find<QRadioButton>("optSource_1")->setChecked(true);
+        press("cmdSuivant");
+        QVERIFY(shown("fraWizard_2"));
+        QCOMPARE(find<QLineEdit>("txtURL")->text(), QStringLiteral("http://"));
+        QCOMPARE(list()->topLevelItemCount(), 1); // kept until a new load
+    }
+
+    void webFailuresAreTold_data()
+    {
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("title");
+        QTest::newRow("no list") << 200 << QString() << QStringLiteral("Avertissement");
+        QTest::newRow("absent") << 404 << QStringLiteral("Le fichier n'a pas été trouvé sur le serveur")
+                                << QStringLiteral("Erreur 404");
+        QTest::newRow("unknown host") << 3 << QStringLiteral("3") << QString();
+        QTest::newRow("server's trouble") << 500 << QStringLiteral("500") << QString();
+    }
+
+    void webFailuresAreTold()
+    {
+        QFETCH(int, status);
+        QFETCH(QString, text);
+        QFETCH(QString, title);
+        find<QRadioButton>("optSource_1")->setChecked(true);
+        press("cmdSuivant");
+        press("cmdSuivant");
+        m_downloaders[0]->finish(status, "no XML");
+        if (status == 200) // the temporary file is named, not the address
+            text = QStringLiteral("Le fichier %1 est incorrect").arg(m_window->dataFile(QStringLiteral("tmp.opml")));
+        QCOMPARE(m_messages->shown.size(), 1U);
+        QCOMPARE(m_messages->shown[0].text, text);
+        QCOMPARE(m_messages->shown[0].title, title);
+        QCOMPARE(m_messages->shown[0].icon, title.isEmpty() ? Message::Icon::None : Message::Icon::Exclamation);
+        QVERIFY(shown("fraWizard_2"));
+        // The step back after an attempt only forgets it; the next one leaves the page.
+        press("cmdPrecedent");
+        QVERIFY(shown("fraWizard_2"));
+        press("cmdPrecedent");
+        QVERIFY(shown("fraWizard_0"));
+    }
+
+    void aSecondPressStartsTheDownloadAgainWithoutAWord()
+    {
+        find<QRadioButton>("optSource_1")->setChecked(true);
+        press("cmdSuivant");
+        press("cmdSuivant");
+        press("cmdSuivant");
+        QCOMPARE(m_downloaders[0]->requests.size(), 2U);
+        Q_EMIT m_downloaders[0]->DownloadComplete(Downloader::Cancelled);
+        QVERIFY(m_messages->shown.empty());
+        QVERIFY(shown("fraWizard_2"));
+    }
+
+    void theDescriptionOfTheNodeIsFoundAcrossGapsByMouseAndArrows()
+    {
+        open(opml("<outline text=\"A\" xmlUrl=\"http://h/a\" description=\"of A\"/><outline text=\"folder\"/>"
+                  "<outline text=\"B\" xmlUrl=\"http://h/b\" description=\"of B\"/>"
+                  "<outline text=\"C\" xmlUrl=\"http://h/c\"/>"));
+        QTreeWidgetItem *const third = list()->topLevelItem(2);
+        QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, list()->visualItemRect(third).center());
+        QCOMPARE(description(), QStringLiteral("/"));
+        QTest::keyClick(list(), Qt::Key_Up);
+        QCOMPARE(description(), QStringLiteral("of B"));
+        QCOMPARE(list()->currentItem(), list()->topLevelItem(1));
+    }
+
+    void checksAreCounted()
+    {
+        open(opml(outlines(4)));
+        QCheckBox *const all = find<QCheckBox>("chkCkeckAll");
+        all->setChecked(true);
+        tick(0); // ticked already: no change
+        list()->topLevelItem(0)->setCheckState(0, Qt::Unchecked);
+        QVERIFY(all->isChecked()); // not kept in step
+        const QPoint name = list()->visualItemRect(list()->topLevelItem(1)).center();
+        QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, name);
+        QTest::mouseDClick(list()->viewport(), Qt::LeftButton, {}, name);
+        QCOMPARE(list()->topLevelItem(1)->checkState(0), Qt::Unchecked);
+        QCOMPARE(list()->currentItem(), list()->topLevelItem(1));
+        list()->setFocus();
+        QTest::keyClick(list(), Qt::Key_Space);
+        QCOMPARE(list()->topLevelItem(1)->checkState(0), Qt::Checked);
+        QCOMPARE(progressAfterRun(), 33); // three are ticked
+        QCOMPARE(m_downloaders[1]->requests.size(), 3U);
+    }
+
+    void loadingAnewZeroesTheCountButLeavesTheBox()
+    {
+        open(opml(outlines(5)));
+        find<QCheckBox>("chkCkeckAll")->setChecked(true);
+        press("cmdPrecedent");
+        m_form->handleNext();
+        QVERIFY(find<QCheckBox>("chkCkeckAll")->isChecked());
+        QCOMPARE(list()->topLevelItem(0)->checkState(0), Qt::Unchecked);
+        tick(1);
+        tick(2);
+        QCOMPARE(progressAfterRun(), 50);
+    }
+
+    void theRunFetchesTickedFeedsOneByOne()
+    {
+        open(opml(outlines(5)));
+        for (const int row : {0, 2, 3, 4})
+            tick(row);
+        m_downloaders[1]->pages[QStringLiteral("http://h/0")] = FeedTexts::rss(QStringLiteral("Zero"), {});
+        m_downloaders[1]->pages[QStringLiteral("http://h/2")] = "<html/>";
+        m_downloaders[1]->pages[QStringLiteral("http://h/4")] = FeedTexts::rss(QStringLiteral("Four"), {});
+        QStringList labels;
+        m_onPass = [&](int) {
+            QVERIFY(shown("fraImportation") && shown("cmdCanceller"));
+            QVERIFY(!shown("cmdTerminer") && !shown("cmdAnnuler") && !shown("cmdPrecedent"));
+            labels.append(find<QLabel>("lblTitre")->text());
+            m_downloaders[1]->answer();
+        };
+        press("cmdTerminer");
+        QCOMPARE(labels.join(u'|'), QStringLiteral("Téléchargement de Flux 0|Téléchargement de Flux 2|"
+                                                   "Téléchargement de Flux 3|Téléchargement de Flux 4"));
+        const QList<QPair<QString, QString>> expected{{QStringLiteral("Zero"), QStringLiteral("http://h/0")},
+                                                      {QStringLiteral("Four"), QStringLiteral("http://h/4")}};
+        QCOMPARE(m_window->added, expected);
+        QVERIFY(m_messages->shown.empty()); // failures are silent
+        QCOMPARE(m_downloaders[1]->requests[0].destination, m_window->dataFile(QStringLiteral("tmp.xml")));
+        QCOMPARE(find<QProgressBar>("vbalProgressBar1")->value(), 100);
+        QVERIFY(!m_form->isVisible());
+    }
+
+    void aFeedThatStallsIsGivenUpAfterAHundredPasses()
+    {
+        open(opml(outlines(2)));
+        tick(0);
+        tick(1);
+        m_downloaders[1]->pages[QStringLiteral("http://h/1")] = FeedTexts::rss(QStringLiteral("One"), {});
+        m_onPass = [&](int pass) {
+            if (pass == 100)
+                QCOMPARE(m_downloaders[1]->requests.size(), 1U);
+            if (pass > 100)
+                m_downloaders[1]->answer();
+        };
+        press("cmdTerminer");
+        QCOMPARE(m_passes, 101);
+        QCOMPARE(m_window->added.size(), 1);
+        QVERIFY(!m_form->isVisible());
+    }
+
+    void cancellingTheRunKeepsWhatWasAdded()
+    {
+        open(opml(outlines(3)));
+        find<QCheckBox>("chkCkeckAll")->setChecked(true);
+        m_downloaders[1]->pages[QStringLiteral("http://h/0")] = FeedTexts::rss(QStringLiteral("Zero"), {});
+        m_onPass = [&](int pass) {
+            if (pass == 1)
+                m_downloaders[1]->answer();
+            else
+                press("cmdCanceller");
+        };
+        press("cmdTerminer");
+        QCOMPARE(m_downloaders[1]->requests.size(), 2U);
+        QVERIFY(!m_downloaders[1]->isRunning());
+        QCOMPARE(m_window->added.size(), 1);
+        QCOMPARE(m_form->result(), int(QDialog::Rejected));
+        QVERIFY(!m_form->isVisible());
+    }
+
+    void theWizardIsLeftOnlyThroughItsButtons()
+    {
+        m_form->close();
+        QVERIFY(m_form->isVisible());
+        open(opml(outlines(1)));
+        tick(0);
+        m_onPass = [&](int) {
+            QTest::keyClick(m_form.get(), Qt::Key_Escape);
+            QVERIFY(m_form->isVisible()); // "Annuler" is hidden during the run
+            m_downloaders[1]->answer();
+        };
+        press("cmdTerminer");
+        QCOMPARE(m_passes, 1);
+
+        init();
+        QTest::keyClick(m_form.get(), Qt::Key_Escape);
+        QVERIFY(!m_form->isVisible());
+    }
+
+    void aRunGoesThroughARealServer()
+    {
+        LocalHttpServer server;
+        server.setBody(QStringLiteral("/a.xml"), FeedTexts::rss(QStringLiteral("A"), {QStringLiteral("one")}));
+        const QByteArray addresses[]{server.url(QStringLiteral("/a.xml")).toUtf8(),
+                                     server.url(QStringLiteral("/none.xml")).toUtf8()};
+        server.setBody(QStringLiteral("/list.opml"), opml("<outline text=\"A\" xmlUrl=\"" + addresses[0] +
+                                                          "\"/><outline text=\"B\" xmlUrl=\"" + addresses[1] + "\"/>"));
+        m_form = std::make_unique<frmImport>(
+            *m_window, *m_messages, [] { return std::make_unique<Downloader>(); }, Waiting::eventLoopWait());
+        // The user at the buttons, while the dialog runs modally.
+        QTimer::singleShot(0, m_form.get(), [&] {
+            find<QRadioButton>("optSource_1")->setChecked(true);
+            press("cmdSuivant");
+            find<QLineEdit>("txtURL")->setText(server.url(QStringLiteral("/list.opml")));
+            press("cmdSuivant");
+            QTRY_VERIFY(shown("fraWizard_3"));
+            find<QCheckBox>("chkCkeckAll")->setChecked(true);
+            press("cmdTerminer");
+        });
+        QCOMPARE(m_form->exec(), int(QDialog::Accepted));
+        QCOMPARE(m_window->added.size(), 1);
+        QCOMPARE(m_window->added[0].second, server.url(QStringLiteral("/a.xml")));
+        QCOMPARE(server.hits(QStringLiteral("/none.xml")), 1);
+        QVERIFY(m_window->data.exists(QStringLiteral("tmp.opml")));
+        QVERIFY(m_messages->shown.empty());
+    }
 
 private:
     template <class Widget>
@@ -81,8 +382,28 @@ private:
     QTreeWidget *list() const { return find<QTreeWidget>("tvwListeFlux"); }
     void tick(int row) const { list()->topLevelItem(row)->setCheckState(0, Qt::Checked); }
     QString description() const { return find<QPlainTextEdit>("txtDescription")->toPlainText(); }
-    void open(const QByteArray &bytes);
-    int progressAfterRun();
+    /// Goes to the list page with that document as file.
+    void open(const QByteArray &bytes)
+    {
+        m_window->data.write(QStringLiteral("in.opml"), bytes);
+        press("cmdSuivant");
+        find<QLineEdit>("txtOPMLPath")->setText(m_window->dataFile(QStringLiteral("in.opml")));
+        m_form->handleNext();
+    }
+
+    /// Runs the import of the ticked feeds and returns what the bar shows after the first one: it tells the count of
+    /// ticks.
+    int progressAfterRun()
+    {
+        int first = -1;
+        m_onPass = [&](int pass) {
+            if (pass == 2)
+                first = find<QProgressBar>("vbalProgressBar1")->value();
+            m_downloaders[1]->answer();
+        };
+        press("cmdTerminer");
+        return first;
+    }
 
     std::unique_ptr<FakeMainWindow> m_window;
     std::unique_ptr<FakeMessages> m_messages;
@@ -91,420 +412,6 @@ private:
     int m_passes = 0;
     std::unique_ptr<frmImport> m_form;
 };
-
-void ImportTest::init()
-{
-    m_form.reset();
-    m_window = std::make_unique<FakeMainWindow>();
-    m_messages = std::make_unique<FakeMessages>();
-    m_downloaders.clear();
-    m_passes = 0;
-    m_onPass = [this](int) { m_downloaders[1]->answer(); };
-    const auto make = [this] {
-        auto made = std::make_unique<FakeDownloader>();
-        m_downloaders.push_back(made.get());
-        return made;
-    };
-    const auto wait = [this](int milliseconds) {
-        QCOMPARE(milliseconds, 100);
-        m_onPass(++m_passes);
-    };
-    m_form = std::make_unique<frmImport>(*m_window, *m_messages, make, wait, [] { return QString(); });
-    m_form->show();
-}
-
-void ImportTest::cleanup()
-{
-    m_form.reset();
-}
-
-/// Goes to the list page with that document as file.
-void ImportTest::open(const QByteArray &bytes)
-{
-    m_window->data.write(QStringLiteral("in.opml"), bytes);
-    press("cmdSuivant");
-    find<QLineEdit>("txtOPMLPath")->setText(m_window->dataFile(QStringLiteral("in.opml")));
-    m_form->handleNext();
-}
-
-void ImportTest::listsOfOtherReadersAreRead_data()
-{
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<QStringList>("expected"); // "position text address"
-
-    QTest::newRow("empty body") << opml("") << QStringList();
-    QTest::newRow("attributes of other readers")
-        << opml("<outline type=\"rss\" version=\"RSS\" title=\"T\" text=\"A &amp; b\" htmlUrl=\"http://h/\" "
-                "xmlUrl=\"http://h/f?a=1&amp;b=2\"/>")
-        << QStringList{QStringLiteral("0 A & b http://h/f?a=1&b=2")};
-    QTest::newRow("folders are skipped, and leave gaps")
-        << opml("<outline text=\"D\"><outline text=\"inner\" xmlUrl=\"http://h/i\"/></outline>"
-                "<outline text=\"B\" xmlUrl=\"http://h/b\"/>")
-        << QStringList{QStringLiteral("1 B http://h/b")};
-    QTest::newRow("names are told with case") << opml("<outline text=\"A\" xmlURL=\"http://h/\"/>"
-                                                      "<OUTLINE text=\"B\" xmlUrl=\"http://h/\"/>"
-                                                      "<outline text=\"C\" xmlUrl=\"\"/>")
-                                              << QStringList{QStringLiteral("1 C ")};
-    QTest::newRow("a document type without an outer part")
-        << QByteArray("<!DOCTYPE opml [<!ENTITY e \"été\">]>") +
-               opml("<outline text=\"&e;\" xmlUrl=\"http://h/\"/>").mid(38)
-        << QStringList{QStringLiteral("0 été http://h/")};
-    QStringEncoder utf16(QStringEncoder::Utf16LE, QStringEncoder::Flag::WriteBom);
-    const QString wide = QStringLiteral("<?xml version=\"1.0\" encoding=\"UTF-16\"?><opml><head><title/></head><body>"
-                                        "<outline text=\"日本\" xmlUrl=\"http://h/\"/></body></opml>");
-    QTest::newRow("UTF-16") << QByteArray(utf16(wide)) << QStringList{QStringLiteral("0 日本 http://h/")};
-}
-
-void ImportTest::listsOfOtherReadersAreRead()
-{
-    QFETCH(QByteArray, bytes);
-    QFETCH(QStringList, expected);
-    XmlDocument document;
-    QCOMPARE(document.loadXml(bytes), XmlDocument::LoadResult::Loaded);
-    QStringList found;
-    for (const OpmlList::Feed &feed : readOpmlList(document).feeds)
-        found.append(QString::number(feed.position) + u' ' + feed.text + u' ' + feed.address);
-    QCOMPARE(found, expected);
-}
-
-void ImportTest::documentsThatLackWhatTheReaderNeedsAreRefused_data()
-{
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::newRow("another root") << QByteArray("<rss><head><title/></head><body/></rss>");
-    QTest::newRow("root in capitals") << QByteArray("<OPML><head><title/></head><body/></OPML>");
-    QTest::newRow("no head") << opml("", "");
-    QTest::newRow("no title") << opml("", "<head/>");
-    QTest::newRow("no body") << QByteArray("<opml><head><title/></head></opml>");
-    QTest::newRow("a feed without text") << opml("<outline text=\"A\"/><outline xmlUrl=\"http://h/\"/>");
-}
-
-void ImportTest::documentsThatLackWhatTheReaderNeedsAreRefused()
-{
-    QFETCH(QByteArray, bytes);
-    QVERIFY_EXCEPTION_THROWN(open(bytes), RunTimeError);
-}
-
-void ImportTest::aBadFileIsNamedAndThePageStays_data()
-{
-    QTest::addColumn<QByteArray>("bytes"); // none: no such file
-    QTest::newRow("absent") << QByteArray();
-    QTest::newRow("not well-formed") << opml("<outline text=\"a & b\" xmlUrl=\"http://h/\"/>");
-    QTest::newRow("no markup") << QByteArray("Bonjour");
-    QTest::newRow("entity bomb") << QByteArray("<!DOCTYPE opml [<!ENTITY a \"aaaaaaaaaaaaaaaaaaaa\">"
-                                               "<!ENTITY b \"&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;\">"
-                                               "<!ENTITY c \"&b;&b;&b;&b;&b;&b;&b;&b;&b;&b;&b;&b;&b;&b;\">"
-                                               "<!ENTITY d \"&c;&c;&c;&c;&c;&c;&c;&c;&c;&c;&c;&c;&c;&c;\">"
-                                               "<!ENTITY e \"&d;&d;&d;&d;&d;&d;&d;&d;&d;&d;&d;&d;&d;&d;\">"
-                                               "<!ENTITY f \"&e;&e;&e;&e;&e;&e;&e;&e;&e;&e;&e;&e;&e;&e;\">]>"
-                                               "<opml><head><title>&f;&f;&f;</title></head><body/></opml>");
-}
-
-void ImportTest::aBadFileIsNamedAndThePageStays()
-{
-    QFETCH(QByteArray, bytes);
-    const QString path = m_window->dataFile(QStringLiteral("bad.opml"));
-    if (!bytes.isEmpty())
-        m_window->data.write(QStringLiteral("bad.opml"), bytes);
-    press("cmdSuivant");
-    find<QLineEdit>("txtOPMLPath")->setText(path);
-    press("cmdSuivant");
-    QCOMPARE(m_messages->shown.size(), 1U);
-    QCOMPARE(m_messages->shown[0].text, QStringLiteral("Le fichier %1 est incorrect").arg(path));
-    QCOMPARE(m_messages->shown[0].title, QStringLiteral("Avertissement"));
-    QCOMPARE(m_messages->shown[0].icon, Message::Icon::Exclamation);
-    QVERIFY(shown("fraWizard_1"));
-}
-
-void ImportTest::pagesAreWalkedForwardAndBack()
-{
-    QVERIFY(shown("fraWizard_0") && !shown("fraWizard_1") && !shown("cmdTerminer") && !shown("fraImportation"));
-    QVERIFY(!find<QPushButton>("cmdPrecedent")->isEnabled());
-    open(opml(outlines(1)));
-    QVERIFY(shown("fraWizard_3") && shown("cmdTerminer") && !shown("cmdSuivant"));
-    press("cmdPrecedent");
-    QVERIFY(shown("fraWizard_1") && shown("cmdSuivant") && !shown("cmdTerminer"));
-    press("cmdPrecedent");
-    QVERIFY(shown("fraWizard_0") && !find<QPushButton>("cmdPrecedent")->isEnabled());
-    find<QRadioButton>("optSource_1")->setChecked(true);
-    press("cmdSuivant");
-    QVERIFY(shown("fraWizard_2"));
-    QCOMPARE(find<QLineEdit>("txtURL")->text(), QStringLiteral("http://"));
-    QCOMPARE(list()->topLevelItemCount(), 1); // kept until a new load
-}
-
-void ImportTest::aListFromTheWebIsShown()
-{
-    find<QRadioButton>("optSource_1")->setChecked(true);
-    press("cmdSuivant");
-    find<QLineEdit>("txtURL")->setText(QStringLiteral("http://h/l.opml"));
-    press("cmdSuivant");
-    QVERIFY(shown("fraWizard_2"));
-    const FakeDownloader::Request request = m_downloaders[0]->requests.at(0);
-    QCOMPARE(request.url, QStringLiteral("http://h/l.opml"));
-    QCOMPARE(request.destination, m_window->dataFile(QStringLiteral("tmp.opml")));
-    QCOMPARE(request.username + request.password, QString());
-    m_downloaders[0]->finish(200, opml(outlines(3)));
-    QVERIFY(shown("fraWizard_3") && shown("cmdTerminer") && !shown("cmdSuivant"));
-    QCOMPARE(list()->topLevelItemCount(), 3);
-    QCOMPARE(find<QLineEdit>("txtTitre")->text(), QStringLiteral("Liste"));
-    QVERIFY(m_window->data.exists(QStringLiteral("tmp.opml")));
-    press("cmdPrecedent");
-    QVERIFY(shown("fraWizard_2"));
-}
-
-void ImportTest::webFailuresAreTold_data()
-{
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("title");
-    QTest::newRow("no list") << 200 << QString() << QStringLiteral("Avertissement");
-    QTest::newRow("absent") << 404 << QStringLiteral("Le fichier n'a pas été trouvé sur le serveur")
-                            << QStringLiteral("Erreur 404");
-    QTest::newRow("unknown host") << 3 << QStringLiteral("3") << QString();
-    QTest::newRow("server's trouble") << 500 << QStringLiteral("500") << QString();
-}
-
-void ImportTest::webFailuresAreTold()
-{
-    QFETCH(int, status);
-    QFETCH(QString, text);
-    QFETCH(QString, title);
-    find<QRadioButton>("optSource_1")->setChecked(true);
-    press("cmdSuivant");
-    press("cmdSuivant");
-    m_downloaders[0]->finish(status, "no XML");
-    if (status == 200) // the temporary file is named, not the address
-        text = QStringLiteral("Le fichier %1 est incorrect").arg(m_window->dataFile(QStringLiteral("tmp.opml")));
-    QCOMPARE(m_messages->shown.size(), 1U);
-    QCOMPARE(m_messages->shown[0].text, text);
-    QCOMPARE(m_messages->shown[0].title, title);
-    QCOMPARE(m_messages->shown[0].icon, title.isEmpty() ? Message::Icon::None : Message::Icon::Exclamation);
-    QVERIFY(shown("fraWizard_2"));
-    // The step back after an attempt only forgets it; the next one leaves the page.
-    press("cmdPrecedent");
-    QVERIFY(shown("fraWizard_2"));
-    press("cmdPrecedent");
-    QVERIFY(shown("fraWizard_0"));
-}
-
-void ImportTest::aSecondPressStartsTheDownloadAgainWithoutAWord()
-{
-    find<QRadioButton>("optSource_1")->setChecked(true);
-    press("cmdSuivant");
-    press("cmdSuivant");
-    press("cmdSuivant");
-    QCOMPARE(m_downloaders[0]->requests.size(), 2U);
-    Q_EMIT m_downloaders[0]->DownloadComplete(Downloader::Cancelled);
-    QVERIFY(m_messages->shown.empty());
-    QVERIFY(shown("fraWizard_2"));
-}
-
-void ImportTest::theOutlineOfANodeIsFoundAcrossGaps()
-{
-    open(opml("<outline text=\"A\" xmlUrl=\"http://h/a\" description=\"of A\"/><outline text=\"folder\"/>"
-              "<outline text=\"B\" xmlUrl=\"http://h/b\" description=\"of B\"/>"
-              "<outline text=\"C\" xmlUrl=\"http://h/c\"/>"));
-    QCOMPARE(list()->topLevelItemCount(), 3);
-    const auto click = [this](int row) {
-        QTest::mouseClick(list()->viewport(), Qt::LeftButton, {},
-                          list()->visualItemRect(list()->topLevelItem(row)).center());
-    };
-    click(1);
-    QCOMPARE(description(), QStringLiteral("of B"));
-    QCOMPARE(list()->currentItem(), list()->topLevelItem(1));
-    click(2);
-    QCOMPARE(description(), QStringLiteral("/"));
-}
-
-void ImportTest::arrowKeysShowTheDescriptionOfTheNodeTheyGoTo()
-{
-    open(opml(outlines(3)));
-    list()->setCurrentItem(list()->topLevelItem(0));
-    QTest::keyClick(list(), Qt::Key_Up);
-    QCOMPARE(description(), QString());
-    QTest::keyClick(list(), Qt::Key_Down);
-    QCOMPARE(description(), QStringLiteral("D1"));
-    QCOMPARE(list()->currentItem(), list()->topLevelItem(1));
-    QTest::keyClick(list(), Qt::Key_Up);
-    QCOMPARE(description(), QStringLiteral("D0"));
-}
-
-/// Runs the import of the ticked feeds and returns what the bar shows after the first one: it tells the count of ticks.
-int ImportTest::progressAfterRun()
-{
-    int first = -1;
-    m_onPass = [&](int pass) {
-        if (pass == 2)
-            first = find<QProgressBar>("vbalProgressBar1")->value();
-        m_downloaders[1]->answer();
-    };
-    press("cmdTerminer");
-    return first;
-}
-
-void ImportTest::checksAreCounted()
-{
-    open(opml(outlines(4)));
-    QCheckBox *const all = find<QCheckBox>("chkCkeckAll");
-    all->setChecked(true);
-    tick(0); // ticked already: no change
-    list()->topLevelItem(0)->setCheckState(0, Qt::Unchecked);
-    QVERIFY(all->isChecked()); // not kept in step
-    const QPoint name = list()->visualItemRect(list()->topLevelItem(1)).center();
-    QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, name);
-    QTest::mouseDClick(list()->viewport(), Qt::LeftButton, {}, name);
-    QCOMPARE(list()->topLevelItem(1)->checkState(0), Qt::Unchecked);
-    QCOMPARE(list()->currentItem(), list()->topLevelItem(1));
-    list()->setFocus();
-    QTest::keyClick(list(), Qt::Key_Space);
-    QCOMPARE(list()->topLevelItem(1)->checkState(0), Qt::Checked);
-    QCOMPARE(progressAfterRun(), 33); // three are ticked
-    QCOMPARE(m_downloaders[1]->requests.size(), 3U);
-}
-
-void ImportTest::loadingAnewZeroesTheCountButLeavesTheBox()
-{
-    open(opml(outlines(5)));
-    find<QCheckBox>("chkCkeckAll")->setChecked(true);
-    press("cmdPrecedent");
-    m_form->handleNext();
-    QVERIFY(find<QCheckBox>("chkCkeckAll")->isChecked());
-    QCOMPARE(list()->topLevelItem(0)->checkState(0), Qt::Unchecked);
-    tick(1);
-    tick(2);
-    QCOMPARE(progressAfterRun(), 50);
-}
-
-void ImportTest::theRunFetchesTickedFeedsOneByOne()
-{
-    open(opml(outlines(5)));
-    for (const int row : {0, 2, 3, 4})
-        tick(row);
-    m_downloaders[1]->pages[QStringLiteral("http://h/0")] = FeedTexts::rss(QStringLiteral("Zero"), {});
-    m_downloaders[1]->pages[QStringLiteral("http://h/2")] = "<html/>";
-    m_downloaders[1]->pages[QStringLiteral("http://h/4")] = FeedTexts::rss(QStringLiteral("Four"), {});
-    QStringList labels;
-    m_onPass = [&](int) {
-        QVERIFY(shown("fraImportation") && shown("cmdCanceller"));
-        QVERIFY(!shown("cmdTerminer") && !shown("cmdAnnuler") && !shown("cmdPrecedent"));
-        labels.append(find<QLabel>("lblTitre")->text());
-        m_downloaders[1]->answer();
-    };
-    press("cmdTerminer");
-    QCOMPARE(labels.join(u'|'), QStringLiteral("Téléchargement de Flux 0|Téléchargement de Flux 2|"
-                                               "Téléchargement de Flux 3|Téléchargement de Flux 4"));
-    const QList<QPair<QString, QString>> expected{{QStringLiteral("Zero"), QStringLiteral("http://h/0")},
-                                                  {QStringLiteral("Four"), QStringLiteral("http://h/4")}};
-    QCOMPARE(m_window->added, expected);
-    QVERIFY(m_messages->shown.empty()); // failures are silent
-    QCOMPARE(m_downloaders[1]->requests[0].destination, m_window->dataFile(QStringLiteral("tmp.xml")));
-    QCOMPARE(find<QProgressBar>("vbalProgressBar1")->value(), 100);
-    QVERIFY(!m_form->isVisible());
-}
-
-void ImportTest::aRunWithoutTicksEndsAtOnce()
-{
-    open(opml(outlines(2)));
-    press("cmdTerminer");
-    QVERIFY(!m_form->isVisible());
-    QVERIFY(m_downloaders[1]->requests.empty());
-}
-
-void ImportTest::aFeedThatStallsIsGivenUpAfterAHundredPasses()
-{
-    open(opml(outlines(2)));
-    tick(0);
-    tick(1);
-    m_downloaders[1]->pages[QStringLiteral("http://h/1")] = FeedTexts::rss(QStringLiteral("One"), {});
-    m_onPass = [&](int pass) {
-        if (pass == 100)
-            QCOMPARE(m_downloaders[1]->requests.size(), 1U);
-        if (pass > 100)
-            m_downloaders[1]->answer();
-    };
-    press("cmdTerminer");
-    QCOMPARE(m_passes, 101);
-    QCOMPARE(m_window->added.size(), 1);
-    QVERIFY(!m_form->isVisible());
-}
-
-void ImportTest::cancellingTheRunKeepsWhatWasAdded()
-{
-    open(opml(outlines(3)));
-    find<QCheckBox>("chkCkeckAll")->setChecked(true);
-    m_downloaders[1]->pages[QStringLiteral("http://h/0")] = FeedTexts::rss(QStringLiteral("Zero"), {});
-    m_onPass = [&](int pass) {
-        if (pass == 1)
-            m_downloaders[1]->answer();
-        else
-            press("cmdCanceller");
-    };
-    press("cmdTerminer");
-    QCOMPARE(m_downloaders[1]->requests.size(), 2U);
-    QVERIFY(!m_downloaders[1]->isRunning());
-    QCOMPARE(m_window->added.size(), 1);
-    QCOMPARE(m_form->result(), int(QDialog::Rejected));
-    QVERIFY(!m_form->isVisible());
-}
-
-void ImportTest::theWizardIsLeftOnlyThroughItsButtons()
-{
-    QVERIFY(!m_form->windowFlags().testFlag(Qt::WindowCloseButtonHint));
-    m_form->close();
-    QVERIFY(m_form->isVisible());
-    open(opml(outlines(1)));
-    tick(0);
-    m_onPass = [&](int pass) {
-        QTest::keyClick(m_form.get(), Qt::Key_Escape);
-        QVERIFY(m_form->isVisible()); // "Annuler" is hidden during the run
-        if (pass == 2)
-            m_downloaders[1]->answer();
-    };
-    press("cmdTerminer");
-    QCOMPARE(m_passes, 2);
-
-    init();
-    QTest::keyClick(m_form.get(), Qt::Key_Escape);
-    QVERIFY(!m_form->isVisible());
-}
-
-void ImportTest::aRunGoesThroughARealServer()
-{
-    LocalHttpServer server;
-    server.setBody(QStringLiteral("/a.xml"), FeedTexts::rss(QStringLiteral("A"), {QStringLiteral("one")}));
-    const QByteArray addresses[]{server.url(QStringLiteral("/a.xml")).toUtf8(),
-                                 server.url(QStringLiteral("/none.xml")).toUtf8()};
-    server.setBody(QStringLiteral("/list.opml"), opml("<outline text=\"A\" xmlUrl=\"" + addresses[0] +
-                                                      "\"/><outline text=\"B\" xmlUrl=\"" + addresses[1] + "\"/>"));
-    m_form = std::make_unique<frmImport>(
-        *m_window, *m_messages, [] { return std::make_unique<Downloader>(); }, Waiting::eventLoopWait());
-    // The user at the buttons, while the dialog runs modally.
-    QTimer::singleShot(0, m_form.get(), [&] {
-        find<QRadioButton>("optSource_1")->setChecked(true);
-        press("cmdSuivant");
-        find<QLineEdit>("txtURL")->setText(server.url(QStringLiteral("/list.opml")));
-        press("cmdSuivant");
-        QTRY_VERIFY(shown("fraWizard_3"));
-        find<QCheckBox>("chkCkeckAll")->setChecked(true);
-        press("cmdTerminer");
-    });
-    QCOMPARE(m_form->exec(), int(QDialog::Accepted));
-    QCOMPARE(m_window->added.size(), 1);
-    QCOMPARE(m_window->added[0].second, server.url(QStringLiteral("/a.xml")));
-    QCOMPARE(server.hits(QStringLiteral("/none.xml")), 1);
-    QVERIFY(m_messages->shown.empty());
-}
-
-void ImportTest::twoThousandFeedsAreListedAtOnce()
-{
-    QElapsedTimer time;
-    time.start();
-    open(opml(outlines(2000)));
-    find<QCheckBox>("chkCkeckAll")->setChecked(true);
-    m_form->repaint();
-    QCOMPARE(list()->topLevelItemCount(), 2000);
-    QVERIFY2(time.elapsed() < 1500, qPrintable(QString::number(time.elapsed())));
-}
 
 QTEST_MAIN(ImportTest)
 #include "tst_frmImport.moc"

@@ -26,21 +26,155 @@ class PropertiesTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-    void nothingIsShownWithoutAFeed();
-    void whatIsKnownOfTheFeedIsShown();
-    void anUnsubscribedFeedShowsItsOwnPeriod();
-    void retentionOpensAsAMagnitudeAndABox_data();
-    void retentionOpensAsAMagnitudeAndABox();
-    void theClickOnNeverAloneEnablesNothing();
-    void applyingWritesTheTables_data();
-    void applyingWritesTheTables();
-    void aRetentionThatIsNoNumberFailsOnlyWhenItIsNegated();
-    void credentialsAreShownAndStored();
-    void credentialsAreNeverCreated();
-    void applyingActsOnTheSelectedNodeWhateverItIs();
-    void enterClosesAndEscapeDoesNot();
+    void init()
+    {
+        m_window = std::make_unique<FakeMainWindow>();
+        m_window->subscribe(QStringLiteral("3"), QStringLiteral("http://feed/3"));
+        m_window->data.write(QStringLiteral("f.xml"), Feed);
+        QCOMPARE(m_window->feed->Load(m_window->dataFile(QStringLiteral("f.xml"))), LoadOk);
+        m_form = std::make_unique<frmProprietes>(*m_window);
+    }
+
+    void cleanup() { m_form.reset(); }
+
+    void whatIsKnownOfTheFeedIsShown()
+    {
+        QVERIFY(m_form->fillFrom());
+        QStringList texts;
+        for (const char *const name : {"txtTitle", "txtURL", "txtSite", "txtVersion", "txtLangue", "txtEditeur",
+                                       "txtWebmaster", "txtCopyright", "txtMaj", "txtCache"})
+            texts.append(text(name));
+        QCOMPARE(texts.join(u'|'), QStringLiteral("Titre|http://feed/3|http://site/|RSS 2.0|fr|ed|wm|c|60|7"));
+        QCOMPARE(longText("txtDescription"), QStringLiteral("Deux\nlignes"));
+        QCOMPARE(longText("txtExtensions"), QStringLiteral("content\ndc\n"));
+        QCOMPARE(m_form->findChild<TabControl *>(QStringLiteral("tstrProp"))->count(), 4);
+        QVERIFY(!apply()->isEnabled());
+    }
+
+    void anUnsubscribedFeedShowsItsOwnPeriod()
+    {
+        m_window->addressFeed = true;
+        m_window->address = QStringLiteral("feed:http://typed/");
+        m_window->tree.select(nullptr);
+        QVERIFY(m_form->fillFrom());
+        QCOMPARE(text("txtURL"), QStringLiteral("feed:http://typed/"));
+        QCOMPARE(text("txtMaj"), QStringLiteral("45"));
+        QVERIFY(!box("txtCache")->isEnabled() && !widget("UpDown2")->isEnabled());
+        QVERIFY(noDel()->isHidden() && widget("lblCache")->isHidden());
+        QVERIFY_EXCEPTION_THROWN(m_form->handleApply(), RunTimeError);
+    }
+
+    void retentionOpensAsAMagnitudeAndABox_data()
+    {
+        QTest::addColumn<QString>("stored");
+        QTest::addColumn<QString>("shown"); // "": fails
+        QTest::addColumn<bool>("never");
+        QTest::newRow("days") << QStringLiteral("30") << QStringLiteral("30") << false;
+        QTest::newRow("never") << QStringLiteral("-30") << QStringLiteral("30") << true;
+        QTest::newRow("never is lost at zero") << QStringLiteral("-0") << QStringLiteral("0") << false;
+        QTest::newRow("rounded") << QStringLiteral("-2.5") << QStringLiteral("2") << true;
+        QTest::newRow("no number") << QStringLiteral("dix") << QString() << false;
+        QTest::newRow("too large") << QStringLiteral("40000") << QString() << false;
+        QTest::newRow("no magnitude") << QStringLiteral("-32768") << QString() << false;
+    }
+
+    void retentionOpensAsAMagnitudeAndABox()
+    {
+        QFETCH(QString, stored);
+        QFETCH(QString, shown);
+        QFETCH(bool, never);
+        setRetention(stored);
+        if (shown.isEmpty()) {
+            QVERIFY_EXCEPTION_THROWN(m_form->fillFrom(), RunTimeError);
+            return;
+        }
+        m_form->fillFrom();
+        QCOMPARE(text("txtCache"), shown);
+        QCOMPARE(noDel()->isChecked(), never);
+        QCOMPARE(box("txtCache")->isEnabled(), !never);
+        QCOMPARE(widget("UpDown2")->isEnabled(), !never);
+    }
+
+    void applyingWritesTheTables_data()
+    {
+        QTest::addColumn<QString>("days");
+        QTest::addColumn<bool>("never");
+        QTest::addColumn<QString>("stored");
+        QTest::newRow("days") << QStringLiteral("12") << false << QStringLiteral("12");
+        QTest::newRow("never") << QStringLiteral("12") << true << QStringLiteral("-12");
+        QTest::newRow("never is lost at zero") << QStringLiteral("0") << true << QStringLiteral("0");
+        QTest::newRow("any text stands") << QStringLiteral("douze") << false << QStringLiteral("douze");
+        QTest::newRow("twice negative") << QStringLiteral("-3") << true << QStringLiteral("3");
+        QTest::newRow("no number to negate") << QStringLiteral("sept") << true << QString();
+    }
+
+    void applyingWritesTheTables()
+    {
+        QFETCH(QString, days);
+        QFETCH(bool, never);
+        QFETCH(QString, stored);
+        m_form->fillFrom();
+        if (never)
+            noDel()->click();
+        QVERIFY(!apply()->isEnabled()); // the tick alone enables nothing
+        box("txtCache")->setText(days);
+        box("txtMaj")->setText(QStringLiteral("quatre"));
+        box("txtUsername")->setText(QStringLiteral("x")); // credentials are never created
+        if (stored.isEmpty()) {
+            QVERIFY_EXCEPTION_THROWN(m_form->handleApply(), RunTimeError);
+            return;
+        }
+        apply()->click();
+        const QString key = QStringLiteral("3");
+        QCOMPARE(m_window->tables.updatecache.Item(key), stored);
+        QCOMPARE(m_window->tables.updatettl.Item(key), QStringLiteral("quatre"));
+        QCOMPARE(m_window->tables.havecache.Item(key), QStringLiteral("0"));
+        QCOMPARE(m_window->tables.usernames.Count() + m_window->tables.passwords.Count(), 0);
+    }
+
+    void credentialsAreShownAndStored()
+    {
+        setCredentials();
+        m_form->fillFrom();
+        auto *const tabs = m_form->findChild<TabControl *>(QStringLiteral("tstrProp"));
+        QCOMPARE(tabs->count(), 5);
+        QCOMPARE(tabs->tabKey(5), QStringLiteral("authentication"));
+        QCOMPARE(text("txtUsername"), QStringLiteral("moi"));
+        QCOMPARE(text("txtPassword"), QStringLiteral("secret"));
+        QCOMPARE(box("txtPassword")->echoMode(), QLineEdit::Password);
+        QVERIFY(!apply()->isEnabled());
+        box("txtUsername")->setText(QStringLiteral("toi"));
+        box("txtPassword")->setText(QStringLiteral("é€"));
+        apply()->click();
+        QCOMPARE(m_window->tables.usernames.Item(QStringLiteral("3")), QStringLiteral("toi"));
+        QString stored = m_window->tables.passwords.Item(QStringLiteral("3"));
+        QCOMPARE(m_window->DESCrypt.DecryptString(stored, QStringLiteral("%%K9:Tm43"), true), QStringLiteral("é€"));
+    }
+
+    void applyingActsOnTheSelectedNodeWhateverItIs()
+    {
+        m_window->subscribe(QStringLiteral("9"), QStringLiteral("http://feed/9"));
+        m_window->addressFeed = true;
+        m_form->fillFrom();
+        box("txtMaj")->setText(QStringLiteral("5"));
+        m_form->handleApply();
+        QCOMPARE(m_window->tables.updatettl.Item(QStringLiteral("9")), QStringLiteral("5"));
+        QCOMPARE(m_window->tables.updatettl.Item(QStringLiteral("3")), QStringLiteral("60"));
+        m_window->tree.select(m_window->tree.root()); // a key that no table knows
+        QVERIFY_EXCEPTION_THROWN(m_form->handleApply(), RunTimeError);
+    }
+
+    void enterClosesAndEscapeDoesNot()
+    {
+        m_form->fillFrom();
+        m_form->show();
+        QTest::keyClick(m_form.get(), Qt::Key_Escape);
+        QVERIFY(m_form->isVisible());
+        box("txtMaj")->setText(QStringLiteral("5"));
+        QTest::keyClick(box("txtMaj"), Qt::Key_Return);
+        QVERIFY(!m_form->isVisible());
+        QCOMPARE(m_window->tables.updatettl.Item(QStringLiteral("3")), QStringLiteral("60"));
+    }
 
 private:
     QLineEdit *box(const char *name) const { return m_form->findChild<QLineEdit *>(QString::fromLatin1(name)); }
@@ -64,189 +198,6 @@ private:
     std::unique_ptr<FakeMainWindow> m_window;
     std::unique_ptr<frmProprietes> m_form;
 };
-
-void PropertiesTest::init()
-{
-    m_window = std::make_unique<FakeMainWindow>();
-    m_window->subscribe(QStringLiteral("3"), QStringLiteral("http://feed/3"));
-    m_window->data.write(QStringLiteral("f.xml"), Feed);
-    QCOMPARE(m_window->feed->Load(m_window->dataFile(QStringLiteral("f.xml"))), LoadOk);
-    m_form = std::make_unique<frmProprietes>(*m_window);
-}
-
-void PropertiesTest::cleanup()
-{
-    m_form.reset();
-}
-
-void PropertiesTest::nothingIsShownWithoutAFeed()
-{
-    m_window->feed = std::make_shared<CachedFeed>();
-    QVERIFY(!m_form->fillFrom());
-    frmProprietes::showFeedProperties(*m_window); // returns at once
-    QCOMPARE(text("txtMaj"), QString());
-}
-
-void PropertiesTest::whatIsKnownOfTheFeedIsShown()
-{
-    QVERIFY(m_form->fillFrom());
-    QStringList texts;
-    for (const char *const name : {"txtTitle", "txtURL", "txtSite", "txtVersion", "txtLangue", "txtEditeur",
-                                   "txtWebmaster", "txtCopyright", "txtMaj", "txtCache"})
-        texts.append(text(name));
-    QCOMPARE(texts.join(u'|'), QStringLiteral("Titre|http://feed/3|http://site/|RSS 2.0|fr|ed|wm|c|60|7"));
-    QCOMPARE(longText("txtDescription"), QStringLiteral("Deux\nlignes"));
-    QCOMPARE(longText("txtExtensions"), QStringLiteral("content\ndc\n"));
-    QCOMPARE(m_form->findChild<TabControl *>(QStringLiteral("tstrProp"))->count(), 4);
-    QVERIFY(!apply()->isEnabled());
-}
-
-void PropertiesTest::anUnsubscribedFeedShowsItsOwnPeriod()
-{
-    m_window->addressFeed = true;
-    m_window->address = QStringLiteral("feed:http://typed/");
-    m_window->tree.select(nullptr);
-    QVERIFY(m_form->fillFrom());
-    QCOMPARE(text("txtURL"), QStringLiteral("feed:http://typed/"));
-    QCOMPARE(text("txtMaj"), QStringLiteral("45"));
-    QVERIFY(!box("txtCache")->isEnabled() && !widget("UpDown2")->isEnabled());
-    QVERIFY(noDel()->isHidden() && widget("lblCache")->isHidden());
-    QVERIFY_EXCEPTION_THROWN(m_form->handleApply(), RunTimeError);
-}
-
-void PropertiesTest::retentionOpensAsAMagnitudeAndABox_data()
-{
-    QTest::addColumn<QString>("stored");
-    QTest::addColumn<QString>("shown"); // "": fails
-    QTest::addColumn<bool>("never");
-    QTest::newRow("days") << QStringLiteral("30") << QStringLiteral("30") << false;
-    QTest::newRow("never") << QStringLiteral("-30") << QStringLiteral("30") << true;
-    QTest::newRow("never is lost at zero") << QStringLiteral("-0") << QStringLiteral("0") << false;
-    QTest::newRow("rounded") << QStringLiteral("-2.5") << QStringLiteral("2") << true;
-    QTest::newRow("no number") << QStringLiteral("dix") << QString() << false;
-    QTest::newRow("too large") << QStringLiteral("40000") << QString() << false;
-    QTest::newRow("no magnitude") << QStringLiteral("-32768") << QString() << false;
-}
-
-void PropertiesTest::retentionOpensAsAMagnitudeAndABox()
-{
-    QFETCH(QString, stored);
-    QFETCH(QString, shown);
-    QFETCH(bool, never);
-    setRetention(stored);
-    if (shown.isEmpty()) {
-        QVERIFY_EXCEPTION_THROWN(m_form->fillFrom(), RunTimeError);
-        return;
-    }
-    m_form->fillFrom();
-    QCOMPARE(text("txtCache"), shown);
-    QCOMPARE(noDel()->isChecked(), never);
-    QCOMPARE(box("txtCache")->isEnabled(), !never);
-    QCOMPARE(widget("UpDown2")->isEnabled(), !never);
-}
-
-void PropertiesTest::theClickOnNeverAloneEnablesNothing()
-{
-    m_form->fillFrom();
-    noDel()->click();
-    QVERIFY(!apply()->isEnabled());
-    QVERIFY(!box("txtCache")->isEnabled());
-    noDel()->click();
-    QVERIFY(box("txtCache")->isEnabled());
-    box("txtMaj")->setText(QStringLiteral("5"));
-    QVERIFY(apply()->isEnabled());
-}
-
-void PropertiesTest::applyingWritesTheTables_data()
-{
-    QTest::addColumn<QString>("days");
-    QTest::addColumn<bool>("never");
-    QTest::addColumn<QString>("stored");
-    QTest::newRow("days") << QStringLiteral("12") << false << QStringLiteral("12");
-    QTest::newRow("never") << QStringLiteral("12") << true << QStringLiteral("-12");
-    QTest::newRow("never is lost at zero") << QStringLiteral("0") << true << QStringLiteral("0");
-    QTest::newRow("any text stands") << QStringLiteral("douze") << false << QStringLiteral("douze");
-    QTest::newRow("twice negative") << QStringLiteral("-3") << true << QStringLiteral("3");
-}
-
-void PropertiesTest::applyingWritesTheTables()
-{
-    QFETCH(QString, days);
-    QFETCH(bool, never);
-    QFETCH(QString, stored);
-    m_form->fillFrom();
-    noDel()->setChecked(never);
-    box("txtCache")->setText(days);
-    box("txtMaj")->setText(QStringLiteral("quatre"));
-    apply()->click();
-    QVERIFY(!apply()->isEnabled());
-    const QString key = QStringLiteral("3");
-    QCOMPARE(m_window->tables.updatecache.Item(key), stored);
-    QCOMPARE(m_window->tables.updatettl.Item(key), QStringLiteral("quatre"));
-    QCOMPARE(m_window->tables.havecache.Item(key), QStringLiteral("0"));
-}
-
-void PropertiesTest::aRetentionThatIsNoNumberFailsOnlyWhenItIsNegated()
-{
-    m_form->fillFrom();
-    box("txtCache")->setText(QStringLiteral("sept"));
-    noDel()->setChecked(true);
-    QVERIFY_EXCEPTION_THROWN(m_form->handleApply(), RunTimeError);
-}
-
-void PropertiesTest::credentialsAreShownAndStored()
-{
-    setCredentials();
-    m_form->fillFrom();
-    auto *const tabs = m_form->findChild<TabControl *>(QStringLiteral("tstrProp"));
-    QCOMPARE(tabs->count(), 5);
-    QCOMPARE(tabs->tabKey(5), QStringLiteral("authentication"));
-    QCOMPARE(text("txtUsername"), QStringLiteral("moi"));
-    QCOMPARE(text("txtPassword"), QStringLiteral("secret"));
-    QCOMPARE(box("txtPassword")->echoMode(), QLineEdit::Password);
-    QVERIFY(!apply()->isEnabled());
-    box("txtUsername")->setText(QStringLiteral("toi"));
-    box("txtPassword")->setText(QStringLiteral("é€"));
-    apply()->click();
-    QCOMPARE(m_window->tables.usernames.Item(QStringLiteral("3")), QStringLiteral("toi"));
-    QString stored = m_window->tables.passwords.Item(QStringLiteral("3"));
-    QCOMPARE(m_window->DESCrypt.DecryptString(stored, QStringLiteral("%%K9:Tm43"), true), QStringLiteral("é€"));
-}
-
-void PropertiesTest::credentialsAreNeverCreated()
-{
-    m_form->fillFrom();
-    box("txtMaj")->setText(QStringLiteral("5"));
-    box("txtUsername")->setText(QStringLiteral("x"));
-    apply()->click();
-    QCOMPARE(m_window->tables.usernames.Count(), 0);
-    QCOMPARE(m_window->tables.passwords.Count(), 0);
-}
-
-void PropertiesTest::applyingActsOnTheSelectedNodeWhateverItIs()
-{
-    m_window->subscribe(QStringLiteral("9"), QStringLiteral("http://feed/9"));
-    m_window->addressFeed = true;
-    m_form->fillFrom();
-    box("txtMaj")->setText(QStringLiteral("5"));
-    m_form->handleApply();
-    QCOMPARE(m_window->tables.updatettl.Item(QStringLiteral("9")), QStringLiteral("5"));
-    QCOMPARE(m_window->tables.updatettl.Item(QStringLiteral("3")), QStringLiteral("60"));
-    m_window->tree.select(m_window->tree.root()); // a key that no table knows
-    QVERIFY_EXCEPTION_THROWN(m_form->handleApply(), RunTimeError);
-}
-
-void PropertiesTest::enterClosesAndEscapeDoesNot()
-{
-    m_form->fillFrom();
-    m_form->show();
-    QTest::keyClick(m_form.get(), Qt::Key_Escape);
-    QVERIFY(m_form->isVisible());
-    box("txtMaj")->setText(QStringLiteral("5"));
-    QTest::keyClick(box("txtMaj"), Qt::Key_Return);
-    QVERIFY(!m_form->isVisible());
-    QCOMPARE(m_window->tables.updatettl.Item(QStringLiteral("3")), QStringLiteral("60"));
-}
 
 QTEST_MAIN(PropertiesTest)
 #include "tst_frmProprietes.moc"

@@ -12,15 +12,102 @@ class SearchTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void cleanup();
-    void choicesBecomeAnAddress_data();
-    void choicesBecomeAnAddress();
-    void everyLanguageHasItsCode();
-    void feedsOpenThroughTheAddressBoxWithoutCredentials();
-    void webPagesOpenInTheBrowserPane();
-    void theTabAskedForIsShownAtOnce();
-    void cancellingDoesNothing();
-    void endpointsComeFromEnvironmentFileOrPlaceholder();
+    void cleanup()
+    {
+        m_form.reset();
+        m_window.log.clear();
+    }
+
+    void choicesBecomeAnAddress_data()
+    {
+        QTest::addColumn<int>("tab");
+        QTest::addColumn<QStringList>("settings"); // names of options to set, "name=text" of boxes to fill
+        QTest::addColumn<QString>("expected");
+        const auto row = [](const char *name, int tab, const char *settings, const char *expected) {
+            QTest::newRow(name) << tab << QString::fromUtf8(settings).split(u'|', Qt::SkipEmptyParts)
+                                << QString::fromUtf8(expected);
+        };
+        row("Feedster, defaults", 1, "txtRecherche_0=a b",
+            "http://f/search.php?hl=en&ie=UTF-8&q=a+b&sort=date&content=full&type=rss&limit=15");
+        row("Feedster, nothing is escaped", 1, "txtRecherche_0=é&x=%20|txtNbResult_0=4 2|optTri_1|optCategory_1",
+            "http://f/"
+            "search.php?hl=en&ie=UTF-8&q=é&x=%20&sort=relevance&category=blog&content=full&type=rss&limit=4+2");
+        row("no words", 1, "", "http://f/search.php?hl=en&ie=UTF-8&q=&sort=date&content=full&type=rss&limit=15");
+        row("DayPop, defaults", 2, "txtRecherche_1=a b", "http://d/search?q=a+b&sort=date&t=a&o=rss&c=15");
+        row("DayPop, its own sort has no effect", 2, "optTriDayPop_1", "http://d/search?q=&sort=date&t=a&o=rss&c=15");
+        row("DayPop, the other page's sort has", 2,
+            "optTri_1|optSearchText_1|cboWhere=Blogs|cboLangue=Français|txtNbResult_1=20",
+            "http://d/search?q=&ts=true&t=w&ln=fr&o=rss&c=20");
+        row("DayPop, feeds only", 2, "cboWhere=Flux RSS", "http://d/search?q=&sort=date&t=n&o=rss&c=15");
+        row("Syndic8", 3, "txtRecherche_2=a b", "http://s/feedlist.php?ShowStatus=all&ShowMatch=a+b");
+        row("Newsisfree", 3, "optWebSearch_1|txtRecherche_2=a", "http://n/siets/?type=search&search=Search&query=a");
+        row("BlogStreet", 3, "optWebSearch_2|txtRecherche_2=a", "http://b/bin/rsssearch.cgi?x=0&y=0&period=0&q=a");
+    }
+
+    void choicesBecomeAnAddress()
+    {
+        QFETCH(int, tab);
+        QFETCH(QStringList, settings);
+        QFETCH(QString, expected);
+        make(tab);
+        for (const QString &setting : settings) {
+            const QString name = setting.section(u'=', 0, 0);
+            const QString text = setting.section(u'=', 1);
+            if (auto *const option = find<QRadioButton>(name))
+                option->setChecked(true);
+            else if (auto *const combo = find<QComboBox>(name))
+                combo->setCurrentText(text);
+            else
+                find<QLineEdit>(name)->setText(text);
+        }
+        QCOMPARE(m_form->searchUrl(), expected);
+    }
+
+    void everyLanguageHasItsCode()
+    {
+        make(2);
+        auto *const languages = find<QComboBox>(QStringLiteral("cboLangue"));
+        QStringList table;
+        for (int i = 0; i < languages->count(); ++i) {
+            languages->setCurrentIndex(i);
+            table.append(languages->currentText() + u':' +
+                         m_form->searchUrl().section(QStringLiteral("&t=a"), 1).section(QStringLiteral("&o="), 0, 0));
+        }
+        QCOMPARE(table.join(u' '), QStringLiteral("Toutes les langues: English:&ln=en Français:&ln=fr Deutsch:&ln=de "
+                                                  "Nederlands:&ln=nl Svenska:&ln=sv Español:&ln=es Suomi:&ln=fi "
+                                                  "Norsk:&ln=no Português:&ln=pt Italiano:&ln=it"));
+    }
+
+    void feedsOpenThroughTheAddressBoxWithoutCredentialsAndWebPagesInTheBrowserPane()
+    {
+        make(1);
+        auto *const words = find<QLineEdit>(QStringLiteral("txtRecherche_0"));
+        words->setText(QStringLiteral("x"));
+        QTest::keyClick(words, Qt::Key_Return);
+        QVERIFY(!m_form->isVisible());
+        make(3);
+        find<QPushButton>(QStringLiteral("cmdRechercher"))->click();
+        QVERIFY(!m_form->isVisible());
+        QCOMPARE(
+            m_window.log.join(u'\n'),
+            QStringLiteral("LoadFile http://f/search.php?hl=en&ie=UTF-8&q=x&sort=date&content=full&type=rss&limit=15 "
+                           "[:]\nnavigate http://s/feedlist.php?ShowStatus=all&ShowMatch="));
+    }
+
+    void endpointsComeFromEnvironmentFileOrPlaceholder()
+    {
+        const QString file = m_window.dataFile(QStringLiteral("search-endpoints.ini"));
+        QCOMPARE(SearchEndpoints::configured(file).newsisfree, QStringLiteral("http://newsisfree.example/"));
+        m_window.data.write(QStringLiteral("search-endpoints.ini"),
+                            "[services]\r\n# daypop=http://no/\r\n"
+                            "DayPop = http://h/a?b=c,d;e/ \r\nfeedster=http://file/\r\n");
+        qputenv("QUILLWIRE_SEARCH_FEEDSTER", "http://environment");
+        const SearchEndpoints endpoints = SearchEndpoints::configured(file);
+        qunsetenv("QUILLWIRE_SEARCH_FEEDSTER");
+        QCOMPARE(endpoints.feedster, QStringLiteral("http://environment/"));
+        QCOMPARE(endpoints.dayPop, QStringLiteral("http://h/a?b=c,d;e/"));
+        QCOMPARE(endpoints.blogStreet, QStringLiteral("http://blogstreet.example/"));
+    }
 
 private:
     void make(int tab)
@@ -40,127 +127,6 @@ private:
     FakeMainWindow m_window;
     std::unique_ptr<frmRechercher> m_form;
 };
-
-void SearchTest::cleanup()
-{
-    m_form.reset();
-    m_window.log.clear();
-}
-
-void SearchTest::choicesBecomeAnAddress_data()
-{
-    QTest::addColumn<int>("tab");
-    QTest::addColumn<QStringList>("settings"); // names of options to set, "name=text" of boxes to fill
-    QTest::addColumn<QString>("expected");
-    const auto row = [](const char *name, int tab, const char *settings, const char *expected) {
-        QTest::newRow(name) << tab << QString::fromUtf8(settings).split(u'|', Qt::SkipEmptyParts)
-                            << QString::fromUtf8(expected);
-    };
-    row("Feedster, defaults", 1, "txtRecherche_0=a b",
-        "http://f/search.php?hl=en&ie=UTF-8&q=a+b&sort=date&content=full&type=rss&limit=15");
-    row("Feedster, nothing is escaped", 1, "txtRecherche_0=é&x=%20|txtNbResult_0=4 2|optTri_1|optCategory_1",
-        "http://f/search.php?hl=en&ie=UTF-8&q=é&x=%20&sort=relevance&category=blog&content=full&type=rss&limit=4+2");
-    row("no words", 1, "", "http://f/search.php?hl=en&ie=UTF-8&q=&sort=date&content=full&type=rss&limit=15");
-    row("DayPop, defaults", 2, "txtRecherche_1=a b", "http://d/search?q=a+b&sort=date&t=a&o=rss&c=15");
-    row("DayPop, its own sort has no effect", 2, "optTriDayPop_1", "http://d/search?q=&sort=date&t=a&o=rss&c=15");
-    row("DayPop, the other page's sort has", 2,
-        "optTri_1|optSearchText_1|cboWhere=Blogs|cboLangue=Français|txtNbResult_1=20",
-        "http://d/search?q=&ts=true&t=w&ln=fr&o=rss&c=20");
-    row("DayPop, feeds only", 2, "cboWhere=Flux RSS", "http://d/search?q=&sort=date&t=n&o=rss&c=15");
-    row("Syndic8", 3, "txtRecherche_2=a b", "http://s/feedlist.php?ShowStatus=all&ShowMatch=a+b");
-    row("Newsisfree", 3, "optWebSearch_1|txtRecherche_2=a", "http://n/siets/?type=search&search=Search&query=a");
-    row("BlogStreet", 3, "optWebSearch_2|txtRecherche_2=a", "http://b/bin/rsssearch.cgi?x=0&y=0&period=0&q=a");
-}
-
-void SearchTest::choicesBecomeAnAddress()
-{
-    QFETCH(int, tab);
-    QFETCH(QStringList, settings);
-    QFETCH(QString, expected);
-    make(tab);
-    for (const QString &setting : settings) {
-        const QString name = setting.section(u'=', 0, 0);
-        const QString text = setting.section(u'=', 1);
-        if (auto *const option = find<QRadioButton>(name))
-            option->setChecked(true);
-        else if (auto *const combo = find<QComboBox>(name))
-            combo->setCurrentText(text);
-        else
-            find<QLineEdit>(name)->setText(text);
-    }
-    QCOMPARE(m_form->searchUrl(), expected);
-}
-
-void SearchTest::everyLanguageHasItsCode()
-{
-    make(2);
-    auto *const languages = find<QComboBox>(QStringLiteral("cboLangue"));
-    QStringList table;
-    for (int i = 0; i < languages->count(); ++i) {
-        languages->setCurrentIndex(i);
-        table.append(languages->currentText() + u':' +
-                     m_form->searchUrl().section(QStringLiteral("&t=a"), 1).section(QStringLiteral("&o="), 0, 0));
-    }
-    QCOMPARE(table.join(u' '), QStringLiteral("Toutes les langues: English:&ln=en Français:&ln=fr Deutsch:&ln=de "
-                                              "Nederlands:&ln=nl Svenska:&ln=sv Español:&ln=es Suomi:&ln=fi "
-                                              "Norsk:&ln=no Português:&ln=pt Italiano:&ln=it"));
-}
-
-void SearchTest::feedsOpenThroughTheAddressBoxWithoutCredentials()
-{
-    make(1);
-    QVERIFY(find<QPushButton>(QStringLiteral("cmdRechercher"))->isDefault());
-    auto *const words = find<QLineEdit>(QStringLiteral("txtRecherche_0"));
-    words->setText(QStringLiteral("x"));
-    QTest::keyClick(words, Qt::Key_Return);
-    QCOMPARE(m_window.log,
-             QStringList{QStringLiteral(
-                 "LoadFile http://f/search.php?hl=en&ie=UTF-8&q=x&sort=date&content=full&type=rss&limit=15 [:]")});
-    QVERIFY(!m_form->isVisible());
-}
-
-void SearchTest::webPagesOpenInTheBrowserPane()
-{
-    make(3);
-    find<QPushButton>(QStringLiteral("cmdRechercher"))->click();
-    QCOMPARE(m_window.log, QStringList{QStringLiteral("navigate http://s/feedlist.php?ShowStatus=all&ShowMatch=")});
-    QVERIFY(!m_form->isVisible());
-}
-
-void SearchTest::theTabAskedForIsShownAtOnce()
-{
-    const QStringList pages{QStringLiteral("picFeedster"), QStringLiteral("picDayPop"), QStringLiteral("picWeb")};
-    for (int tab = 1; tab <= 3; ++tab) {
-        make(tab);
-        for (int page = 1; page <= 3; ++page)
-            QCOMPARE(find<QWidget>(pages[page - 1])->isVisible(), page == tab);
-        m_form->changePics(tab % 3 + 1);
-        QVERIFY(find<QWidget>(pages[tab % 3])->isVisible());
-    }
-}
-
-void SearchTest::cancellingDoesNothing()
-{
-    make(1);
-    QTest::keyClick(m_form.get(), Qt::Key_Escape);
-    QVERIFY(!m_form->isVisible());
-    QVERIFY(m_window.log.isEmpty());
-}
-
-void SearchTest::endpointsComeFromEnvironmentFileOrPlaceholder()
-{
-    const QString file = m_window.dataFile(QStringLiteral("search-endpoints.ini"));
-    QCOMPARE(SearchEndpoints::configured(file).newsisfree, QStringLiteral("http://newsisfree.example/"));
-    m_window.data.write(QStringLiteral("search-endpoints.ini"),
-                        "[services]\r\n# daypop=http://no/\r\n"
-                        "DayPop = http://h/a?b=c,d;e/ \r\nfeedster=http://file/\r\n");
-    qputenv("QUILLWIRE_SEARCH_FEEDSTER", "http://environment");
-    const SearchEndpoints endpoints = SearchEndpoints::configured(file);
-    qunsetenv("QUILLWIRE_SEARCH_FEEDSTER");
-    QCOMPARE(endpoints.feedster, QStringLiteral("http://environment/"));
-    QCOMPARE(endpoints.dayPop, QStringLiteral("http://h/a?b=c,d;e/"));
-    QCOMPARE(endpoints.blogStreet, QStringLiteral("http://blogstreet.example/"));
-}
 
 QTEST_MAIN(SearchTest)
 #include "tst_frmRechercher.moc"

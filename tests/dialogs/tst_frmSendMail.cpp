@@ -15,14 +15,104 @@ class SendMailTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-    void aRecipientIsRequired();
-    void aMailCarriesWhatTheDialogHolds();
-    void afterSuccessTheDialogWaitsASecondAndCloses();
-    void aRefusalIsToldAndNothingTypedIsLost();
-    void theConnectionCanBeToldApart();
-    void enterInABoxSendsNothing();
+    void init()
+    {
+        m_server = std::make_unique<LocalSmtpServer>();
+        m_window = std::make_unique<FakeMainWindow>();
+        m_messages = std::make_unique<FakeMessages>();
+        m_window->appSettings.smtpServer = QStringLiteral("127.0.0.1");
+        m_window->appSettings.smtpPort = 1; // kept, but never handed over
+        m_window->appSettings.fromMail = QStringLiteral("moi@example.org");
+        m_window->appSettings.fromName = QStringLiteral("Moi");
+        m_onWait = [](int) {};
+        const auto make = [this](std::function<void()> keepAlive) {
+            auto mail = std::make_unique<SmtpMail>(std::move(keepAlive));
+            mail->setPort(m_server->port());
+            return mail;
+        };
+        const QString body = QStringLiteral("Titre\r\n\r\nT") + QChar(0) + QStringLiteral("exte\r\n");
+        m_form = std::make_unique<frmSendMail>(
+            *m_window, *m_messages, body, [this](int ms) { m_onWait(ms); }, make);
+        m_form->show();
+    }
+
+    void cleanup() { m_form.reset(); }
+
+    void aRecipientIsRequired()
+    {
+        button("cmdEnvoyer")->click();
+        QCOMPARE(m_messages->shown.size(), 1U);
+        QCOMPARE(m_messages->shown[0].text, QStringLiteral("Veuillez spécifier l'email du destinataire"));
+        QCOMPARE(m_messages->shown[0].title, QStringLiteral("Attention"));
+        QCOMPARE(m_messages->shown[0].icon, Message::Icon::Exclamation);
+        QVERIFY(button("cmdEnvoyer")->isEnabled() && m_server->commands().isEmpty());
+    }
+
+    void aMailCarriesWhatTheDialogHoldsWhichClosesASecondLater()
+    {
+        box("txtDestMail")->setText(QStringLiteral("toi@example.org"));
+        box("txtDestName")->setText(QStringLiteral("Toi"));
+        box("txtSujet")->setText(QStringLiteral("Une news"));
+        int waited = 0;
+        m_onWait = [&](int milliseconds) {
+            waited = milliseconds;
+            QCOMPARE(state(), QStringLiteral("Envoi réussi"));
+            button("cmdAnnuler")->click();
+            QTest::keyClick(m_form.get(), Qt::Key_Escape);
+            QVERIFY(m_form->isVisible());
+        };
+        button("cmdEnvoyer")->click();
+        QCOMPARE(waited, 1000);
+        QVERIFY(!m_form->isVisible() && m_messages->shown.empty());
+        QCOMPARE(m_server->mails().size(), 1);
+        const LocalSmtpServer::Mail &mail = m_server->mails().constFirst();
+        QCOMPARE(mail.from, QByteArray("<moi@example.org>"));
+        QCOMPARE(mail.recipients, QList<QByteArray>{"<toi@example.org>"});
+        for (const char *const part : {"Subject: Une news", "Moi", "Toi", "Titre\r\n\r\nTexte"})
+            QVERIFY2(mail.data.contains(part), mail.data.constData());
+    }
+
+    void aRefusalIsToldAndNothingTypedIsLost()
+    {
+        m_server->refuseAt(LocalSmtpServer::Step::RcptTo, "550 5.1.1 No such user");
+        box("txtDestMail")->setText(QStringLiteral("toi@example.org"));
+        box("txtSujet")->setText(QStringLiteral("S"));
+        m_messages->onShow = [this](const Message &) {
+            QCOMPARE(state(), QStringLiteral("Connexion au serveur"));
+            QVERIFY(!button("cmdEnvoyer")->isEnabled());
+        };
+        button("cmdEnvoyer")->click();
+        QCOMPARE(m_messages->shown.size(), 1U);
+        const Message &message = m_messages->shown[0];
+        QVERIFY(message.text.startsWith(QStringLiteral("Une erreur est survenue pendant l'envoi du mail :\n\n")));
+        QVERIFY2(message.text.contains(QStringLiteral("No such user")), qPrintable(message.text));
+        QCOMPARE(message.title, QStringLiteral("Erreur"));
+        QCOMPARE(message.icon, Message::Icon::Critical);
+        QVERIFY(m_form->isVisible() && button("cmdEnvoyer")->isEnabled());
+        QCOMPARE(state(), QString());
+        QCOMPARE(box("txtSujet")->text(), QStringLiteral("S"));
+    }
+
+    void theConnectionCanBeToldApart()
+    {
+        m_form->showConnectionState(true);
+        QCOMPARE(state(), QStringLiteral("Envoi du message en cours ..."));
+        m_form->showConnectionState(false);
+        QCOMPARE(m_messages->shown.at(0).text,
+                 QStringLiteral("L'envoi du message a échoué, la connexion avec le serveur est impossible !"));
+        QCOMPARE(m_messages->shown.at(0).title, QStringLiteral("Connexion impossible"));
+        QCOMPARE(state(), QString());
+    }
+
+    void enterInABoxSendsNothing()
+    {
+        box("txtDestMail")->setText(QStringLiteral("toi@example.org"));
+        QTest::keyClick(box("txtDestMail"), Qt::Key_Return);
+        QVERIFY(m_server->commands().isEmpty() && m_form->isVisible());
+        m_form->findChild<QPlainTextEdit *>(QStringLiteral("txtContent"))->setFocus();
+        QTest::keyClick(m_form.get(), Qt::Key_Escape);
+        QVERIFY(!m_form->isVisible());
+    }
 
 private:
     QLineEdit *box(const char *name) const { return m_form->findChild<QLineEdit *>(QString::fromLatin1(name)); }
@@ -35,116 +125,6 @@ private:
     std::function<void(int)> m_onWait;
     std::unique_ptr<frmSendMail> m_form;
 };
-
-void SendMailTest::init()
-{
-    m_server = std::make_unique<LocalSmtpServer>();
-    m_window = std::make_unique<FakeMainWindow>();
-    m_messages = std::make_unique<FakeMessages>();
-    m_window->appSettings.smtpServer = QStringLiteral("127.0.0.1");
-    m_window->appSettings.smtpPort = 1; // kept, but never handed over
-    m_window->appSettings.fromMail = QStringLiteral("moi@example.org");
-    m_window->appSettings.fromName = QStringLiteral("Moi");
-    m_onWait = [](int) {};
-    const auto make = [this](std::function<void()> keepAlive) {
-        auto mail = std::make_unique<SmtpMail>(std::move(keepAlive));
-        mail->setPort(m_server->port());
-        return mail;
-    };
-    const QString body = QStringLiteral("Titre\r\n\r\nT") + QChar(0) + QStringLiteral("exte\r\n");
-    m_form = std::make_unique<frmSendMail>(
-        *m_window, *m_messages, body, [this](int ms) { m_onWait(ms); }, make);
-    m_form->show();
-}
-
-void SendMailTest::cleanup()
-{
-    m_form.reset();
-}
-
-void SendMailTest::aRecipientIsRequired()
-{
-    button("cmdEnvoyer")->click();
-    QCOMPARE(m_messages->shown.size(), 1U);
-    QCOMPARE(m_messages->shown[0].text, QStringLiteral("Veuillez spécifier l'email du destinataire"));
-    QCOMPARE(m_messages->shown[0].title, QStringLiteral("Attention"));
-    QCOMPARE(m_messages->shown[0].icon, Message::Icon::Exclamation);
-    QVERIFY(button("cmdEnvoyer")->isEnabled() && m_server->commands().isEmpty());
-}
-
-void SendMailTest::aMailCarriesWhatTheDialogHolds()
-{
-    box("txtDestMail")->setText(QStringLiteral("toi@example.org"));
-    box("txtDestName")->setText(QStringLiteral("Toi"));
-    box("txtSujet")->setText(QStringLiteral("Une news"));
-    button("cmdEnvoyer")->click();
-    QCOMPARE(m_server->mails().size(), 1);
-    const LocalSmtpServer::Mail &mail = m_server->mails().constFirst();
-    QCOMPARE(mail.from, QByteArray("<moi@example.org>"));
-    QCOMPARE(mail.recipients, QList<QByteArray>{"<toi@example.org>"});
-    for (const char *const part : {"Subject: Une news", "Moi", "Toi", "Titre\r\n\r\nTexte"})
-        QVERIFY2(mail.data.contains(part), mail.data.constData());
-    QVERIFY(m_messages->shown.empty());
-}
-
-void SendMailTest::afterSuccessTheDialogWaitsASecondAndCloses()
-{
-    box("txtDestMail")->setText(QStringLiteral("toi@example.org"));
-    int waited = 0;
-    m_onWait = [&](int milliseconds) {
-        waited = milliseconds;
-        QCOMPARE(state(), QStringLiteral("Envoi réussi"));
-        QVERIFY(!button("cmdAnnuler")->isEnabled());
-        button("cmdAnnuler")->click();
-        QTest::keyClick(m_form.get(), Qt::Key_Escape);
-        QVERIFY(m_form->isVisible());
-    };
-    button("cmdEnvoyer")->click();
-    QCOMPARE(waited, 1000);
-    QVERIFY(!m_form->isVisible());
-}
-
-void SendMailTest::aRefusalIsToldAndNothingTypedIsLost()
-{
-    m_server->refuseAt(LocalSmtpServer::Step::RcptTo, "550 5.1.1 No such user");
-    box("txtDestMail")->setText(QStringLiteral("toi@example.org"));
-    box("txtSujet")->setText(QStringLiteral("S"));
-    m_messages->onShow = [this](const Message &) {
-        QCOMPARE(state(), QStringLiteral("Connexion au serveur"));
-        QVERIFY(!button("cmdEnvoyer")->isEnabled());
-    };
-    button("cmdEnvoyer")->click();
-    QCOMPARE(m_messages->shown.size(), 1U);
-    const Message &message = m_messages->shown[0];
-    QVERIFY(message.text.startsWith(QStringLiteral("Une erreur est survenue pendant l'envoi du mail :\n\n")));
-    QVERIFY2(message.text.contains(QStringLiteral("No such user")), qPrintable(message.text));
-    QCOMPARE(message.title, QStringLiteral("Erreur"));
-    QCOMPARE(message.icon, Message::Icon::Critical);
-    QVERIFY(m_form->isVisible() && button("cmdEnvoyer")->isEnabled());
-    QCOMPARE(state(), QString());
-    QCOMPARE(box("txtSujet")->text(), QStringLiteral("S"));
-}
-
-void SendMailTest::theConnectionCanBeToldApart()
-{
-    m_form->showConnectionState(true);
-    QCOMPARE(state(), QStringLiteral("Envoi du message en cours ..."));
-    m_form->showConnectionState(false);
-    QCOMPARE(m_messages->shown.at(0).text,
-             QStringLiteral("L'envoi du message a échoué, la connexion avec le serveur est impossible !"));
-    QCOMPARE(m_messages->shown.at(0).title, QStringLiteral("Connexion impossible"));
-    QCOMPARE(state(), QString());
-}
-
-void SendMailTest::enterInABoxSendsNothing()
-{
-    box("txtDestMail")->setText(QStringLiteral("toi@example.org"));
-    QTest::keyClick(box("txtDestMail"), Qt::Key_Return);
-    QVERIFY(m_server->commands().isEmpty() && m_form->isVisible());
-    m_form->findChild<QPlainTextEdit *>(QStringLiteral("txtContent"))->setFocus();
-    QTest::keyClick(m_form.get(), Qt::Key_Escape);
-    QVERIFY(!m_form->isVisible());
-}
 
 QTEST_MAIN(SendMailTest)
 #include "tst_frmSendMail.moc"
