@@ -28,7 +28,7 @@ qint16 mergeByTheRules(const CachedFeed &fresh, CachedFeed &store, const QString
         for (qint16 i = 0; i < count; ++i)
             if (cache >= 0 && DateText::fromText(store.ItemDownloadDate(i)).date().daysTo(today) > cache)
                 store.DeleteItem(i);
-        havecache = QStringLiteral("1");
+        havecache = u"1"_qs;
     }
     const qint16 count = store.ItemCount();
     for (qint16 i = 0; i < count; ++i)
@@ -46,15 +46,155 @@ class ItemStoreTest : public QObject
 
 private Q_SLOTS:
     void init() { m_folder = std::make_unique<TemporaryDataDirectory>(); }
-    void mergingGivesWhatThePlainRulesGive_data();
-    void mergingGivesWhatThePlainRulesGive();
-    void titlesThatMovePastTheLastIndexAreNoLongerSeen();
-    void newItemsStandInFrontInTheOrderOfTheFeed();
-    void aTombstoneStaysAsLongAsTheServerListsTheItem();
-    void itemsAgeOutOnceARun_data();
-    void itemsAgeOutOnceARun();
-    void aRetentionThatIsNoNumberRaisesAnError();
-    void forgedDatesOfDownloadDoNoHarm();
+
+    void mergingGivesWhatThePlainRulesGive_data()
+    {
+        QTest::addColumn<quint32>("seed");
+        for (quint32 seed = 1; seed <= 40; ++seed)
+            QTest::newRow(qPrintable(QString::number(seed))) << seed;
+    }
+
+    void mergingGivesWhatThePlainRulesGive()
+    {
+        QFETCH(quint32, seed);
+        QRandomGenerator random(seed);
+        const auto randomTitles =
+            [&random](int count) { // few of them, so that many meet; some differ by case, some are empty
+                QStringList result;
+                for (int i = 0; i < count; ++i)
+                    result.append(QStringList{u"a"_qs, u"A"_qs, QString()}[random.bounded(3)] +
+                                  QString::number(random.bounded(12)).remove(u'1'));
+                return result;
+            };
+        CachedFeed stores[2] = {CachedFeed(m_clock), CachedFeed(m_clock)};
+        const QByteArray first = FeedTexts::rss(u"T"_qs, randomTitles(random.bounded(10)));
+        load(stores[0], u"a.xml"_qs, first);
+        load(stores[1], u"b.xml"_qs, first);
+        const QString cache = QString::number(random.bounded(-2, 4));
+        QString have[2] = {u"0"_qs, u"0"_qs};
+        for (int round = 0; round < 5; ++round) {
+            m_now = m_now.addDays(random.bounded(3));
+            for (int i = 0; i < stores[0].ItemCount(); ++i)
+                if (random.bounded(3) == 0) {
+                    stores[0].DeleteItem(static_cast<qint16>(i));
+                    stores[1].DeleteItem(static_cast<qint16>(i));
+                }
+            CachedFeed fresh(m_clock);
+            load(fresh, u"f.xml"_qs, FeedTexts::rss(u"T"_qs, randomTitles(random.bounded(15))));
+            const qint16 added = ItemStore::merge(fresh, stores[0], cache, have[0], m_now.date());
+            QCOMPARE(added, mergeByTheRules(fresh, stores[1], cache, have[1], m_now.date()));
+            QCOMPARE(have[0], u"1"_qs);
+            QCOMPARE(m_folder->read(u"a.xml"_qs), m_folder->read(u"b.xml"_qs));
+            if (random.bounded(2) == 0) { // a new run
+                have[0] = have[1] = u"0"_qs;
+                QCOMPARE(stores[0].Load(m_folder->file(u"a.xml"_qs)), LoadOk);
+                QCOMPARE(stores[1].Load(m_folder->file(u"b.xml"_qs)), LoadOk);
+            }
+        }
+    }
+
+    void titlesThatMovePastTheLastIndexAreNoLongerSeen()
+    {
+        const QByteArray full = FeedTexts::rss(u"T"_qs, FeedTexts::titles(u"old"_qs, 0, 32766));
+        const QString some = u"old32765 new1 old32765 new2 old32765 old32764 old32765 old5"_qs;
+        CachedFeed fresh(m_clock);
+        load(fresh, u"f.xml"_qs, FeedTexts::rss(u"T"_qs, some.split(u' ')));
+        CachedFeed store(m_clock);
+        load(store, u"a.xml"_qs, full);
+        QString have = u"1"_qs;
+        const qint16 added = ItemStore::merge(fresh, store, u"-7"_qs, have, m_now.date());
+        load(store, u"b.xml"_qs, full);
+        QCOMPARE(added, mergeByTheRules(fresh, store, u"-7"_qs, have, m_now.date()));
+        QCOMPARE(m_folder->read(u"a.xml"_qs), m_folder->read(u"b.xml"_qs));
+        QVERIFY(m_folder->read(u"a.xml"_qs).count("<item") > 32767); // what isn't offered is kept
+        QCOMPARE(store.ItemCount(), qint16(32767));
+    }
+
+    void aTombstoneStaysAsLongAsTheServerListsTheItem()
+    {
+        CachedFeed store(m_clock);
+        CachedFeed fresh(m_clock);
+        const QByteArray both = FeedTexts::rss(u"T"_qs, {u"a"_qs, u"b"_qs});
+        load(store, u"s.xml"_qs, both);
+        store.DeleteItem(0);
+        QString have = u"1"_qs;
+        load(fresh, u"f.xml"_qs, both);
+        QCOMPARE(ItemStore::merge(fresh, store, u"-7"_qs, have, m_now.date()), qint16(0));
+        QCOMPARE(titles(u"s.xml"_qs), (QStringList{u"a*"_qs, u"b"_qs}));
+        load(fresh, u"f.xml"_qs, FeedTexts::rss(u"T"_qs, {u"b"_qs}));
+        ItemStore::merge(fresh, store, u"-7"_qs, have, m_now.date());
+        QCOMPARE(titles(u"s.xml"_qs), QStringList{u"b"_qs});
+        load(fresh, u"f.xml"_qs, both);
+        QCOMPARE(ItemStore::merge(fresh, store, u"-7"_qs, have, m_now.date()), qint16(1));
+        QCOMPARE(titles(u"s.xml"_qs), (QStringList{u"a"_qs, u"b"_qs}));
+    }
+
+    void itemsAgeOutOnceARun_data()
+    {
+        QTest::addColumn<QString>("cache");
+        QTest::addColumn<int>("daysLater");
+        QTest::addColumn<QString>("havecache");
+        QTest::addColumn<bool>("stays");
+        const QString no = u"0"_qs;
+        QTest::newRow("as old as allowed") << u"2"_qs << 2 << no << true;
+        QTest::newRow("a day older") << u"2"_qs << 3 << no << false;
+        QTest::newRow("a day older, but looked at before") << u"2"_qs << 3 << u"1"_qs << true;
+        QTest::newRow("never") << u"-7"_qs << 4000 << no << true;
+        QTest::newRow("only today") << u"0"_qs << 1 << no << false;
+        QTest::newRow("of today") << u"0"_qs << 0 << no << true;
+    }
+
+    void itemsAgeOutOnceARun()
+    {
+        QFETCH(QString, cache);
+        QFETCH(int, daysLater);
+        QFETCH(QString, havecache);
+        QFETCH(bool, stays);
+        CachedFeed store(m_clock);
+        CachedFeed fresh(m_clock);
+        const QString listed = u"listed"_qs;
+        load(store, u"s.xml"_qs, FeedTexts::rss(u"T"_qs, {}));
+        load(fresh, u"f.xml"_qs, FeedTexts::rss(u"T"_qs, {u"dropped"_qs, listed}));
+        QString have = u"1"_qs;
+        m_now = QDateTime(QDate(2004, 7, 1), QTime(23, 59));
+        ItemStore::merge(fresh, store, cache, have, m_now.date());
+        load(fresh, u"f.xml"_qs, FeedTexts::rss(u"T"_qs, {listed}));
+        ItemStore::merge(fresh, store, cache, havecache, m_now.date().addDays(daysLater));
+        QCOMPARE(titles(u"s.xml"_qs), stays ? (QStringList{u"dropped"_qs, listed}) : QStringList{u"listed*"_qs});
+    }
+
+    void aRetentionThatIsNoNumberRaisesAnError()
+    {
+        CachedFeed store(m_clock);
+        CachedFeed fresh(m_clock);
+        const QByteArray before = FeedTexts::rss(u"T"_qs, {u"a"_qs});
+        load(store, u"s.xml"_qs, before);
+        load(fresh, u"f.xml"_qs, before);
+        for (const char *cache : {"", "x", "32768"}) {
+            QString have = u"0"_qs;
+            QVERIFY_EXCEPTION_THROWN(ItemStore::merge(fresh, store, QLatin1String(cache), have, m_now.date()),
+                                     RunTimeError);
+        }
+        QCOMPARE(m_folder->read(u"s.xml"_qs), before);
+    }
+
+    /// The cache file of a new feed is the document as the server sent it, with whatever stands in it.
+    void forgedDatesOfDownloadDoNoHarm()
+    {
+        for (const char *forged : {"", "x", "9999-12-31T23:59:59Z", "0000-00-00T00:00:00Z", "0001-01-01T00:00:00Z",
+                                   "-4712-01-01T00:00:00Z", "292278994-01-01T00:00:00Z", "2004-03-28T02:30:00"}) {
+            QByteArray text = FeedTexts::rss(u"T"_qs, {u"a"_qs});
+            text.replace("<item>",
+                         QByteArray("<item xmlns:q=\"urn:quillwire:marks\" q:downloaded=\"@\">").replace("@", forged));
+            CachedFeed store(m_clock);
+            CachedFeed fresh(m_clock);
+            load(store, u"s.xml"_qs, text);
+            load(fresh, u"f.xml"_qs, text);
+            QString have = u"0"_qs;
+            QCOMPARE(ItemStore::merge(fresh, store, u"7"_qs, have, m_now.date()), qint16(0));
+            QVERIFY2(DateText::isDate(store.ItemDownloadDate(0)), forged);
+        }
+    }
 
 private:
     CachedFeed &load(CachedFeed &feed, const QString &name, const QByteArray &text) const
@@ -74,7 +214,7 @@ private:
         feed.Load(m_folder->file(name));
         QStringList result;
         for (qint16 i = 0; i < feed.ItemCount(); ++i)
-            result.append(feed.ItemTitle(i) + (feed.IsItemDeleted(i) ? QStringLiteral("*") : QString()));
+            result.append(feed.ItemTitle(i) + (feed.IsItemDeleted(i) ? u"*"_qs : QString()));
         return result;
     }
 
@@ -82,173 +222,6 @@ private:
     QDateTime m_now{QDate(2004, 7, 1), QTime(14, 0)};
     Clock m_clock = [this] { return m_now; };
 };
-
-void ItemStoreTest::mergingGivesWhatThePlainRulesGive_data()
-{
-    QTest::addColumn<quint32>("seed");
-    for (quint32 seed = 1; seed <= 40; ++seed)
-        QTest::newRow(qPrintable(QString::number(seed))) << seed;
-}
-
-void ItemStoreTest::mergingGivesWhatThePlainRulesGive()
-{
-    QFETCH(quint32, seed);
-    QRandomGenerator random(seed);
-    const auto randomTitles =
-        [&random](int count) { // few of them, so that many meet; some differ by case, some are empty
-            QStringList result;
-            for (int i = 0; i < count; ++i)
-                result.append(QStringList{QStringLiteral("a"), QStringLiteral("A"), QString()}[random.bounded(3)] +
-                              QString::number(random.bounded(12)).remove(u'1'));
-            return result;
-        };
-    CachedFeed stores[2] = {CachedFeed(m_clock), CachedFeed(m_clock)};
-    const QByteArray first = FeedTexts::rss(QStringLiteral("T"), randomTitles(random.bounded(10)));
-    load(stores[0], QStringLiteral("a.xml"), first);
-    load(stores[1], QStringLiteral("b.xml"), first);
-    const QString cache = QString::number(random.bounded(-2, 4));
-    QString have[2] = {QStringLiteral("0"), QStringLiteral("0")};
-    for (int round = 0; round < 5; ++round) {
-        m_now = m_now.addDays(random.bounded(3));
-        for (int i = 0; i < stores[0].ItemCount(); ++i)
-            if (random.bounded(3) == 0) {
-                stores[0].DeleteItem(static_cast<qint16>(i));
-                stores[1].DeleteItem(static_cast<qint16>(i));
-            }
-        CachedFeed fresh(m_clock);
-        load(fresh, QStringLiteral("f.xml"), FeedTexts::rss(QStringLiteral("T"), randomTitles(random.bounded(15))));
-        const qint16 added = ItemStore::merge(fresh, stores[0], cache, have[0], m_now.date());
-        QCOMPARE(added, mergeByTheRules(fresh, stores[1], cache, have[1], m_now.date()));
-        QCOMPARE(have[0], QStringLiteral("1"));
-        QCOMPARE(m_folder->read(QStringLiteral("a.xml")), m_folder->read(QStringLiteral("b.xml")));
-        if (random.bounded(2) == 0) { // a new run
-            have[0] = have[1] = QStringLiteral("0");
-            QCOMPARE(stores[0].Load(m_folder->file(QStringLiteral("a.xml"))), LoadOk);
-            QCOMPARE(stores[1].Load(m_folder->file(QStringLiteral("b.xml"))), LoadOk);
-        }
-    }
-}
-
-void ItemStoreTest::titlesThatMovePastTheLastIndexAreNoLongerSeen()
-{
-    const QByteArray full = FeedTexts::rss(QStringLiteral("T"), FeedTexts::titles(QStringLiteral("old"), 0, 32766));
-    const QByteArray some = FeedTexts::rss(QStringLiteral("T"), {QStringLiteral("old32765"), QStringLiteral("new1"),
-                                                                 QStringLiteral("old32765"), QStringLiteral("new2"),
-                                                                 QStringLiteral("old32765"), QStringLiteral("old32764"),
-                                                                 QStringLiteral("old32765"), QStringLiteral("old5")});
-    CachedFeed fresh(m_clock);
-    load(fresh, QStringLiteral("f.xml"), some);
-    CachedFeed store(m_clock);
-    load(store, QStringLiteral("a.xml"), full);
-    QString have = QStringLiteral("1");
-    const qint16 added = ItemStore::merge(fresh, store, QStringLiteral("-7"), have, m_now.date());
-    load(store, QStringLiteral("b.xml"), full);
-    QCOMPARE(added, mergeByTheRules(fresh, store, QStringLiteral("-7"), have, m_now.date()));
-    QCOMPARE(m_folder->read(QStringLiteral("a.xml")), m_folder->read(QStringLiteral("b.xml")));
-    QVERIFY(m_folder->read(QStringLiteral("a.xml")).count("<item") > 32767); // what isn't offered is kept
-    QCOMPARE(store.ItemCount(), qint16(32767));
-}
-
-void ItemStoreTest::newItemsStandInFrontInTheOrderOfTheFeed()
-{
-    CachedFeed fresh(m_clock);
-    CachedFeed store(m_clock);
-    load(store, QStringLiteral("s.xml"),
-         FeedTexts::rss(QStringLiteral("T"), {QStringLiteral("x"), QStringLiteral("y")}));
-    load(fresh, QStringLiteral("f.xml"),
-         FeedTexts::rss(QStringLiteral("T"), {QStringLiteral("1"), QStringLiteral("y"), QStringLiteral("2"),
-                                              QStringLiteral("1"), QStringLiteral("Y")}));
-    QString have = QStringLiteral("0");
-    QCOMPARE(ItemStore::merge(fresh, store, QStringLiteral("-7"), have, m_now.date()), qint16(3));
-    QCOMPARE(titles(QStringLiteral("s.xml")), QString(QStringLiteral("1 2 Y x y")).split(u' '));
-}
-
-void ItemStoreTest::aTombstoneStaysAsLongAsTheServerListsTheItem()
-{
-    CachedFeed store(m_clock);
-    CachedFeed fresh(m_clock);
-    const QByteArray both = FeedTexts::rss(QStringLiteral("T"), {QStringLiteral("a"), QStringLiteral("b")});
-    load(store, QStringLiteral("s.xml"), both);
-    store.DeleteItem(0);
-    QString have = QStringLiteral("1");
-    load(fresh, QStringLiteral("f.xml"), both);
-    QCOMPARE(ItemStore::merge(fresh, store, QStringLiteral("-7"), have, m_now.date()), qint16(0));
-    QCOMPARE(titles(QStringLiteral("s.xml")), (QStringList{QStringLiteral("a*"), QStringLiteral("b")}));
-    load(fresh, QStringLiteral("f.xml"), FeedTexts::rss(QStringLiteral("T"), {QStringLiteral("b")}));
-    ItemStore::merge(fresh, store, QStringLiteral("-7"), have, m_now.date());
-    QCOMPARE(titles(QStringLiteral("s.xml")), QStringList{QStringLiteral("b")});
-    load(fresh, QStringLiteral("f.xml"), both);
-    QCOMPARE(ItemStore::merge(fresh, store, QStringLiteral("-7"), have, m_now.date()), qint16(1));
-    QCOMPARE(titles(QStringLiteral("s.xml")), (QStringList{QStringLiteral("a"), QStringLiteral("b")}));
-}
-
-void ItemStoreTest::itemsAgeOutOnceARun_data()
-{
-    QTest::addColumn<QString>("cache");
-    QTest::addColumn<int>("daysLater");
-    QTest::addColumn<QString>("havecache");
-    QTest::addColumn<bool>("stays");
-    const QString no = QStringLiteral("0");
-    QTest::newRow("as old as allowed") << QStringLiteral("2") << 2 << no << true;
-    QTest::newRow("a day older") << QStringLiteral("2") << 3 << no << false;
-    QTest::newRow("a day older, but looked at before") << QStringLiteral("2") << 3 << QStringLiteral("1") << true;
-    QTest::newRow("never") << QStringLiteral("-7") << 4000 << no << true;
-    QTest::newRow("only today") << QStringLiteral("0") << 1 << no << false;
-    QTest::newRow("of today") << QStringLiteral("0") << 0 << no << true;
-}
-
-void ItemStoreTest::itemsAgeOutOnceARun()
-{
-    QFETCH(QString, cache);
-    QFETCH(int, daysLater);
-    QFETCH(QString, havecache);
-    QFETCH(bool, stays);
-    CachedFeed store(m_clock);
-    CachedFeed fresh(m_clock);
-    const QString listed = QStringLiteral("listed");
-    load(store, QStringLiteral("s.xml"), FeedTexts::rss(QStringLiteral("T"), {}));
-    load(fresh, QStringLiteral("f.xml"), FeedTexts::rss(QStringLiteral("T"), {QStringLiteral("dropped"), listed}));
-    QString have = QStringLiteral("1");
-    m_now = QDateTime(QDate(2004, 7, 1), QTime(23, 59));
-    ItemStore::merge(fresh, store, cache, have, m_now.date());
-    load(fresh, QStringLiteral("f.xml"), FeedTexts::rss(QStringLiteral("T"), {listed}));
-    ItemStore::merge(fresh, store, cache, havecache, m_now.date().addDays(daysLater));
-    QCOMPARE(titles(QStringLiteral("s.xml")),
-             stays ? (QStringList{QStringLiteral("dropped"), listed}) : QStringList{QStringLiteral("listed*")});
-}
-
-void ItemStoreTest::aRetentionThatIsNoNumberRaisesAnError()
-{
-    CachedFeed store(m_clock);
-    CachedFeed fresh(m_clock);
-    const QByteArray before = FeedTexts::rss(QStringLiteral("T"), {QStringLiteral("a")});
-    load(store, QStringLiteral("s.xml"), before);
-    load(fresh, QStringLiteral("f.xml"), before);
-    for (const char *cache : {"", "x", "32768"}) {
-        QString have = QStringLiteral("0");
-        QVERIFY_EXCEPTION_THROWN(ItemStore::merge(fresh, store, QLatin1String(cache), have, m_now.date()),
-                                 RunTimeError);
-    }
-    QCOMPARE(m_folder->read(QStringLiteral("s.xml")), before);
-}
-
-/// The cache file of a new feed is the document as the server sent it, with whatever stands in it.
-void ItemStoreTest::forgedDatesOfDownloadDoNoHarm()
-{
-    for (const char *forged : {"", "x", "9999-12-31T23:59:59Z", "0000-00-00T00:00:00Z", "0001-01-01T00:00:00Z",
-                               "-4712-01-01T00:00:00Z", "292278994-01-01T00:00:00Z", "2004-03-28T02:30:00"}) {
-        QByteArray text = FeedTexts::rss(QStringLiteral("T"), {QStringLiteral("a")});
-        text.replace("<item>",
-                     QByteArray("<item xmlns:q=\"urn:quillwire:marks\" q:downloaded=\"@\">").replace("@", forged));
-        CachedFeed store(m_clock);
-        CachedFeed fresh(m_clock);
-        load(store, QStringLiteral("s.xml"), text);
-        load(fresh, QStringLiteral("f.xml"), text);
-        QString have = QStringLiteral("0");
-        QCOMPARE(ItemStore::merge(fresh, store, QStringLiteral("7"), have, m_now.date()), qint16(0));
-        QVERIFY2(DateText::isDate(store.ItemDownloadDate(0)), forged);
-    }
-}
 
 QTEST_GUILESS_MAIN(ItemStoreTest)
 #include "tst_ItemStore.moc"

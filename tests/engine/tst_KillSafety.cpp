@@ -18,7 +18,7 @@ constexpr int feedCount = 4;
 
 QString item(int number)
 {
-    return QStringLiteral("item%1").arg(number);
+    return u"item%1"_qs.arg(number);
 }
 
 /// Updates the feeds in turn and writes the catalogue in between, for ever. After each step the number of the last item
@@ -31,15 +31,15 @@ QString item(int number)
     FeedCatalogue catalogue(directory, tree, cipher, Waiting::systemClock());
     catalogue.loadCatalogue();
     for (int number = from;; ++number) {
-        Files::write(directory.file(QStringLiteral("tmpupd.xml")), FeedTexts::rss(QStringLiteral("T"), {item(number)}));
+        Files::write(directory.file(u"tmpupd.xml"_qs), FeedTexts::rss(u"T"_qs, {item(number)}));
         for (int key = 1; key <= feedCount; ++key) {
             CachedFeed fresh;
             CachedFeed store;
-            if (fresh.Load(directory.file(QStringLiteral("tmpupd.xml"))) != LoadOk ||
+            if (fresh.Load(directory.file(u"tmpupd.xml"_qs)) != LoadOk ||
                 store.Load(directory.cacheFile(QString::number(key))) != LoadOk)
                 _Exit(1);
-            QString havecache = QStringLiteral("0");
-            ItemStore::merge(fresh, store, QStringLiteral("-7"), havecache, QDate::currentDate());
+            QString havecache = u"0"_qs;
+            ItemStore::merge(fresh, store, u"-7"_qs, havecache, QDate::currentDate());
         }
         if (number % 4 == 0)
             catalogue.createFolder(tree.root(), item(number));
@@ -57,59 +57,57 @@ class KillSafetyTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void aKilledProcessLosesNothing();
-};
-
-void KillSafetyTest::aKilledProcessLosesNothing()
-{
-    const TemporaryDataDirectory folder;
-    folder.write(QStringLiteral("feeds.xml"), "<favoris/>");
-    QStringList old = FeedTexts::titles(QStringLiteral("old"), 0, 200);
+    void aKilledProcessLosesNothing()
     {
-        folder.write(QStringLiteral("tmp.xml"), FeedTexts::rss(QStringLiteral("T"), old));
-        FeedTree tree;
-        clsDES cipher;
-        FeedCatalogue catalogue(folder.directory(), tree, cipher, Waiting::systemClock());
-        catalogue.loadCatalogue();
-        for (int key = 1; key <= feedCount; ++key)
-            catalogue.addFeed({QStringLiteral("T"), {}, QStringLiteral("http://example.org/"), {}, {}});
-    }
-    bool set = false;
-    const int given = qEnvironmentVariableIntValue("QUILLWIRE_KILLS", &set);
-    const int kills = set ? given : 40;
-    int safe = 0;
-    for (int kill = 0; kill < kills; ++kill) {
-        QProcess child;
-        child.start(QCoreApplication::applicationFilePath(),
-                    {QStringLiteral("--update-for-ever"), folder.directory().path(), QString::number(safe + 1)});
-        QVERIFY(child.waitForReadyRead(20000));
-        QThread::usleep(QRandomGenerator::global()->bounded(30000U));
-        child.kill();
-        child.waitForFinished();
-        QCOMPARE(child.exitStatus(), QProcess::CrashExit);
-        QList<QByteArray> lines = child.readAllStandardOutput().split('\n');
-        lines.removeLast(); // what stands behind the last line end
-        safe = lines.last().toInt();
-
-        for (int key = 1; key <= feedCount; ++key) {
-            CachedFeed store;
-            QCOMPARE(store.Load(folder.cacheFile(QString::number(key))), LoadOk);
-            QSet<QString> titles;
-            for (qint16 i = 0; i < store.ItemCount(); ++i)
-                titles.insert(store.ItemTitle(i));
-            for (int number = 1; number <= safe; ++number)
-                QVERIFY2(titles.contains(item(number)), qPrintable(item(number)));
-            for (const QString &title : old)
-                QVERIFY2(titles.contains(title), qPrintable(title));
+        const TemporaryDataDirectory folder;
+        folder.write(u"feeds.xml"_qs, "<favoris/>");
+        QStringList old = FeedTexts::titles(u"old"_qs, 0, 200);
+        {
+            folder.write(u"tmp.xml"_qs, FeedTexts::rss(u"T"_qs, old));
+            FeedTree tree;
+            clsDES cipher;
+            FeedCatalogue catalogue(folder.directory(), tree, cipher, Waiting::systemClock());
+            catalogue.loadCatalogue();
+            for (int key = 1; key <= feedCount; ++key)
+                catalogue.addFeed({u"T"_qs, {}, u"http://example.org/"_qs, {}, {}});
         }
-        XmlDocument catalogue;
-        QCOMPARE(catalogue.load(folder.file(QStringLiteral("feeds.xml"))), XmlDocument::LoadResult::Loaded);
-        const XmlNode favoris = catalogue.selectSingleNode(QStringLiteral("favoris"));
-        QCOMPARE(favoris.selectNodes(QStringLiteral("feed")).size(), std::size_t(feedCount));
-        QVERIFY(favoris.selectNodes(QStringLiteral("dir")).size() >= static_cast<std::size_t>(safe / 4));
+        bool set = false;
+        const int given = qEnvironmentVariableIntValue("QUILLWIRE_KILLS", &set);
+        const int kills = set ? given : 40;
+        int safe = 0;
+        for (int kill = 0; kill < kills; ++kill) {
+            QProcess child;
+            child.start(QCoreApplication::applicationFilePath(),
+                        {u"--update-for-ever"_qs, folder.directory().path(), QString::number(safe + 1)});
+            QVERIFY(child.waitForReadyRead(20000));
+            QThread::usleep(QRandomGenerator::global()->bounded(30000U));
+            child.kill();
+            child.waitForFinished();
+            QCOMPARE(child.exitStatus(), QProcess::CrashExit);
+            QList<QByteArray> lines = child.readAllStandardOutput().split('\n');
+            lines.removeLast(); // what stands behind the last line end
+            safe = lines.last().toInt();
+
+            for (int key = 1; key <= feedCount; ++key) {
+                CachedFeed store;
+                QCOMPARE(store.Load(folder.cacheFile(QString::number(key))), LoadOk);
+                QSet<QString> titles;
+                for (qint16 i = 0; i < store.ItemCount(); ++i)
+                    titles.insert(store.ItemTitle(i));
+                for (int number = 1; number <= safe; ++number)
+                    QVERIFY2(titles.contains(item(number)), qPrintable(item(number)));
+                for (const QString &title : old)
+                    QVERIFY2(titles.contains(title), qPrintable(title));
+            }
+            XmlDocument catalogue;
+            QCOMPARE(catalogue.load(folder.file(u"feeds.xml"_qs)), XmlDocument::LoadResult::Loaded);
+            const XmlNode favoris = catalogue.selectSingleNode(u"favoris"_qs);
+            QCOMPARE(favoris.selectNodes(u"feed"_qs).size(), std::size_t(feedCount));
+            QVERIFY(favoris.selectNodes(u"dir"_qs).size() >= static_cast<std::size_t>(safe / 4));
+        }
+        qInfo("%d kills, %d updates", kills, safe);
     }
-    qInfo("%d kills, %d updates", kills, safe);
-}
+};
 
 int main(int argc, char **argv)
 {
