@@ -18,172 +18,152 @@ class tst_RunAtStartup : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void entryComesAndGoes();
-    void askingWritesNothing();
-    void aQuestionMarkCountsAsAbsent();
-    void aStoreThatRefusesIsIgnored();
-    void theEntryStartsTheProgramWhateverItsDirectory_data();
-    void theEntryStartsTheProgramWhateverItsDirectory();
-    void anEntrySwitchedOffByTheSessionIsAbsent();
-    void foreignEntriesAreNeitherSeenNorTouched();
-    void otherSectionsGoToTheOtherStore();
+    void init()
+    {
+        m_directory = std::make_unique<QTemporaryDir>();
+        m_file = std::make_unique<FileRegistryStore>(m_directory->filePath(u"registry.json"_qs));
+        m_store = std::make_unique<AutostartRegistryStore>(*m_file, autostart());
+    }
+
+    void entryComesAndGoes()
+    {
+        QCOMPARE(isRunAtStartup(*m_store, u"quillwire"_qs), 0);
+        setRunAtStartup(0, *m_store, u"/opt"_qs, u"quillwire"_qs);
+        QVERIFY(QDir(m_directory->path()).isEmpty()); // asking writes nothing
+        setRunAtStartup(2, *m_store, u"/opt/quill wire"_qs, u"quillwire"_qs);
+        QCOMPARE(isRunAtStartup(*m_store, u"quillwire"_qs), 2);
+        QCOMPARE(storedPath(), u"/opt/quill wire/quillwire");
+        setRunAtStartup(1, *m_store, u"/opt/"_qs, u"quillwire"_qs);
+        QCOMPARE(storedPath(), u"/opt/quillwire");
+        setRunAtStartup(0, *m_store, u"/opt"_qs, u"quillwire"_qs);
+        QVERIFY(QDir(autostart()).isEmpty());
+    }
+
+    void aQuestionMarkCountsAsAbsent()
+    {
+        cRegistry registry(*m_store);
+        registry.setValueEx(RegistryRoot::CurrentUser, AutostartRegistryStore::runSection(), u"quillwire"_qs, 1, {},
+                            u"?"_qs);
+        QCOMPARE(storedPath(), u"?");
+        QCOMPARE(isRunAtStartup(*m_store, u"quillwire"_qs), 0);
+    }
+
+    void aStoreThatRefusesIsIgnored()
+    {
+        Files::write(m_directory->filePath(u"autostart"_qs), "a file where the folder should be");
+        setRunAtStartup(2, *m_store, u"/opt"_qs, u"quillwire"_qs);
+        QCOMPARE(isRunAtStartup(*m_store, u"quillwire"_qs), 0);
+        setRunAtStartup(0, *m_store, u"/opt"_qs, u"quillwire"_qs);
+    }
+
+    void theEntryStartsTheProgramWhateverItsDirectory_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("plain") << u"plain"_qs;
+        QTest::newRow("blanks") << u"with two blanks"_qs;
+        QTest::newRow("what a shell would take apart") << u"a$HOME `b` \"c\" 'd' \\e;f&g"_qs;
+        QTest::newRow("percent signs") << u"50% of%f 100%"_qs;
+        QTest::newRow("an equals sign") << u"a=b"_qs;
+        QTest::newRow("accents") << u"été и"_qs;
+    }
+
+    void theEntryStartsTheProgramWhateverItsDirectory()
+    {
+        QFETCH(QString, name);
+        const QString directory = m_directory->filePath(name);
+        QVERIFY(QDir().mkpath(directory));
+        const QString program = directory + u"/quillwire";
+        const QString proof = m_directory->filePath(u"proof"_qs);
+        Files::write(program, "#!/bin/sh\necho \"$#\" > '" + proof.toUtf8() + "'\n");
+        QVERIFY(QFile::setPermissions(program, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+        setRunAtStartup(2, *m_store, directory, u"quillwire"_qs);
+
+        // A reader of its own for the rules of the Desktop Entry Specification: the escapes of a string, then the
+        // quotes.
+        const QByteArray script = "import sys, re\n"
+                                  "lines = open(sys.argv[1], encoding='utf-8').read().split('\\n')\n"
+                                  "assert lines[0] == '[Desktop Entry]'\n"
+                                  "fields = dict(l.split('=', 1) for l in lines[1:] if l)\n"
+                                  "assert fields['Type'] == 'Application' and fields['Name'] == 'quillwire'\n"
+                                  "escapes = {'s': ' ', 'n': '\\n', 't': '\\t', 'r': '\\r', '\\\\': '\\\\'}\n"
+                                  "value = re.sub(r'\\\\(.)', lambda m: escapes[m.group(1)], fields['Exec'])\n"
+                                  "match = re.search(r'\"((?:[^\"`$\\\\]|\\\\[\"`$\\\\])*)\"$', value)\n"
+                                  "argument = re.sub(r'\\\\(.)', r'\\1', match.group(1))\n"
+                                  "assert not re.search('%', argument.replace('%%', ''))\n"
+                                  "sys.stdout.buffer.write(argument.replace('%%', '%').encode())\n";
+        QProcess reader;
+        reader.start(u"python3"_qs,
+                     {u"-c"_qs, QString::fromUtf8(script), autostart(u"quillwire-run-quillwire.desktop"_qs)});
+        QVERIFY(reader.waitForFinished());
+        QCOMPARE(reader.readAllStandardError(), QByteArray());
+        QCOMPARE(QString::fromUtf8(reader.readAllStandardOutput()), program);
+        QCOMPARE(storedPath(), program);
+
+        const QString launcher = QStandardPaths::findExecutable(u"gio"_qs);
+        if (launcher.isEmpty())
+            return;
+        QCOMPARE(QProcess::execute(launcher, {u"launch"_qs, autostart(u"quillwire-run-quillwire.desktop"_qs)}), 0);
+        QTRY_COMPARE(Files::read(proof).bytes, QByteArray("0\n"));
+    }
+
+    void anEntrySwitchedOffByTheSessionIsAbsent()
+    {
+        const QString path = autostart(u"quillwire-run-quillwire.desktop"_qs);
+        for (const QByteArray &mark : {QByteArray("Hidden=true\n"), QByteArray("X-GNOME-Autostart-enabled=false\n")}) {
+            setRunAtStartup(2, *m_store, u"/opt"_qs, u"quillwire"_qs);
+            Files::write(path, Files::read(path).bytes + mark);
+            QCOMPARE(isRunAtStartup(*m_store, u"quillwire"_qs), 0);
+            setRunAtStartup(2, *m_store, u"/opt"_qs, u"quillwire"_qs);
+            QCOMPARE(isRunAtStartup(*m_store, u"quillwire"_qs), 2);
+        }
+    }
+
+    void foreignEntriesAreNeitherSeenNorTouched()
+    {
+        QVERIFY(QDir().mkpath(autostart()));
+        const QByteArray foreign = "[Desktop Entry]\nType=Application\nName=quillwire\nExec=other\n";
+        for (const QString &file : {u"quillwire.desktop"_qs, u"quillwire-run-strange.desktop"_qs}) {
+            Files::write(autostart(file), foreign);
+            for (const QString &name : {u"quillwire"_qs, u"strange"_qs}) {
+                QCOMPARE(isRunAtStartup(*m_store, name), 0);
+                setRunAtStartup(0, *m_store, u"/opt"_qs, name);
+            }
+            QCOMPARE(Files::read(autostart(file)).bytes, foreign);
+        }
+    }
+
+    void otherSectionsGoToTheOtherStore()
+    {
+        cRegistry registry(*m_store);
+        registry.setValueEx(RegistryRoot::CurrentUser, u"Software\\Other"_qs, u"a/b"_qs, 1, {}, u"1"_qs);
+        registry.setValueEx(RegistryRoot::CurrentUser, u"software\\microsoft\\windows\\currentversion\\run"_qs,
+                            u"a/b é"_qs, 1, {}, u"\"/bin/x y\" -a"_qs);
+        QVERIFY(!QFileInfo::exists(autostart(u"a"_qs)));
+        QStringList names;
+        qint32 count = 0;
+        QVERIFY(registry.EnumerateValues(names, count));
+        QCOMPARE(names, QStringList{u"a/b é"_qs});
+        const QByteArray entry = Files::read(autostart(QDir(autostart()).entryList(QDir::Files).value(0))).bytes;
+        QVERIFY2(entry.contains("\nExec=\"/bin/x y\" \"-a\"\n"), entry.constData());
+        registry.ValueKey = u"A/B É"_qs;
+        QVERIFY(registry.DeleteValue());
+        QVERIFY(QDir(autostart()).isEmpty());
+    }
 
 private:
-    QString storedPath();
+    QString storedPath()
+    {
+        cRegistry registry(*m_store);
+        return registry
+            .ValueEx(RegistryRoot::CurrentUser, AutostartRegistryStore::runSection(), u"quillwire"_qs, 1, u"absent"_qs)
+            .toString();
+    }
     QString autostart(const QString &name = QString()) const { return m_directory->filePath(u"autostart/"_qs + name); }
 
     std::unique_ptr<QTemporaryDir> m_directory;
     std::unique_ptr<FileRegistryStore> m_file;
     std::unique_ptr<AutostartRegistryStore> m_store;
 };
-
-void tst_RunAtStartup::init()
-{
-    m_directory = std::make_unique<QTemporaryDir>();
-    m_file = std::make_unique<FileRegistryStore>(m_directory->filePath(u"registry.json"_qs));
-    m_store = std::make_unique<AutostartRegistryStore>(*m_file, autostart());
-}
-
-QString tst_RunAtStartup::storedPath()
-{
-    cRegistry registry(*m_store);
-    return registry
-        .ValueEx(RegistryRoot::CurrentUser, AutostartRegistryStore::runSection(), u"quillwire"_qs, 1, u"absent"_qs)
-        .toString();
-}
-
-void tst_RunAtStartup::entryComesAndGoes()
-{
-    setRunAtStartup(2, *m_store, u"/opt/quill wire"_qs, u"quillwire"_qs);
-    QCOMPARE(isRunAtStartup(*m_store, u"quillwire"_qs), 2);
-    QCOMPARE(storedPath(), u"/opt/quill wire/quillwire");
-    setRunAtStartup(1, *m_store, u"/opt/"_qs, u"quillwire"_qs);
-    QCOMPARE(storedPath(), u"/opt/quillwire");
-    QCOMPARE(isRunAtStartup(*m_store, u"other"_qs), 0);
-    setRunAtStartup(0, *m_store, u"/opt"_qs, u"quillwire"_qs);
-    QCOMPARE(isRunAtStartup(*m_store, u"quillwire"_qs), 0);
-    setRunAtStartup(0, *m_store, u"/opt"_qs, u"quillwire"_qs);
-    QVERIFY(QDir(autostart()).isEmpty());
-}
-
-void tst_RunAtStartup::askingWritesNothing()
-{
-    QCOMPARE(isRunAtStartup(*m_store, u"quillwire"_qs), 0);
-    setRunAtStartup(0, *m_store, u"/opt"_qs, u"quillwire"_qs);
-    QVERIFY(QDir(m_directory->path()).isEmpty());
-}
-
-void tst_RunAtStartup::aQuestionMarkCountsAsAbsent()
-{
-    cRegistry registry(*m_store);
-    registry.setValueEx(RegistryRoot::CurrentUser, AutostartRegistryStore::runSection(), u"quillwire"_qs, 1, {},
-                        u"?"_qs);
-    QCOMPARE(storedPath(), u"?");
-    QCOMPARE(isRunAtStartup(*m_store, u"quillwire"_qs), 0);
-}
-
-void tst_RunAtStartup::aStoreThatRefusesIsIgnored()
-{
-    Files::write(m_directory->filePath(u"autostart"_qs), "a file where the folder should be");
-    setRunAtStartup(2, *m_store, u"/opt"_qs, u"quillwire"_qs);
-    QCOMPARE(isRunAtStartup(*m_store, u"quillwire"_qs), 0);
-    setRunAtStartup(0, *m_store, u"/opt"_qs, u"quillwire"_qs);
-}
-
-void tst_RunAtStartup::theEntryStartsTheProgramWhateverItsDirectory_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::newRow("plain") << u"plain"_qs;
-    QTest::newRow("blanks") << u"with two blanks"_qs;
-    QTest::newRow("what a shell would take apart") << u"a$HOME `b` \"c\" 'd' \\e;f&g"_qs;
-    QTest::newRow("percent signs") << u"50% of%f 100%"_qs;
-    QTest::newRow("an equals sign") << u"a=b"_qs;
-    QTest::newRow("accents") << u"été и"_qs;
-}
-
-void tst_RunAtStartup::theEntryStartsTheProgramWhateverItsDirectory()
-{
-    QFETCH(QString, name);
-    const QString directory = m_directory->filePath(name);
-    QVERIFY(QDir().mkpath(directory));
-    const QString program = directory + u"/quillwire";
-    const QString proof = m_directory->filePath(u"proof"_qs);
-    Files::write(program, "#!/bin/sh\necho \"$#\" > '" + proof.toUtf8() + "'\n");
-    QVERIFY(QFile::setPermissions(program, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
-    setRunAtStartup(2, *m_store, directory, u"quillwire"_qs);
-
-    // A reader of its own for the rules of the Desktop Entry Specification: the escapes of a string, then the quotes.
-    const QByteArray script = "import sys, re\n"
-                              "lines = open(sys.argv[1], encoding='utf-8').read().split('\\n')\n"
-                              "assert lines[0] == '[Desktop Entry]'\n"
-                              "fields = dict(l.split('=', 1) for l in lines[1:] if l)\n"
-                              "assert fields['Type'] == 'Application' and fields['Name'] == 'quillwire'\n"
-                              "escapes = {'s': ' ', 'n': '\\n', 't': '\\t', 'r': '\\r', '\\\\': '\\\\'}\n"
-                              "value = re.sub(r'\\\\(.)', lambda m: escapes[m.group(1)], fields['Exec'])\n"
-                              "match = re.search(r'\"((?:[^\"`$\\\\]|\\\\[\"`$\\\\])*)\"$', value)\n"
-                              "argument = re.sub(r'\\\\(.)', r'\\1', match.group(1))\n"
-                              "assert not re.search('%', argument.replace('%%', ''))\n"
-                              "sys.stdout.buffer.write(argument.replace('%%', '%').encode())\n";
-    QProcess reader;
-    reader.start(u"python3"_qs,
-                 {u"-c"_qs, QString::fromUtf8(script), autostart(u"quillwire-run-quillwire.desktop"_qs)});
-    QVERIFY(reader.waitForFinished());
-    QCOMPARE(reader.readAllStandardError(), QByteArray());
-    QCOMPARE(QString::fromUtf8(reader.readAllStandardOutput()), program);
-    QCOMPARE(storedPath(), program);
-
-    const QString launcher = QStandardPaths::findExecutable(u"gio"_qs);
-    if (launcher.isEmpty())
-        return;
-    QCOMPARE(QProcess::execute(launcher, {u"launch"_qs, autostart(u"quillwire-run-quillwire.desktop"_qs)}), 0);
-    QTRY_COMPARE(Files::read(proof).bytes, QByteArray("0\n"));
-}
-
-void tst_RunAtStartup::anEntrySwitchedOffByTheSessionIsAbsent()
-{
-    const QString path = autostart(u"quillwire-run-quillwire.desktop"_qs);
-    for (const QByteArray &mark : {QByteArray("Hidden=true\n"), QByteArray("X-GNOME-Autostart-enabled=false\n")}) {
-        setRunAtStartup(2, *m_store, u"/opt"_qs, u"quillwire"_qs);
-        Files::write(path, Files::read(path).bytes + mark);
-        QCOMPARE(isRunAtStartup(*m_store, u"quillwire"_qs), 0);
-        setRunAtStartup(2, *m_store, u"/opt"_qs, u"quillwire"_qs);
-        QCOMPARE(isRunAtStartup(*m_store, u"quillwire"_qs), 2);
-    }
-}
-
-void tst_RunAtStartup::foreignEntriesAreNeitherSeenNorTouched()
-{
-    QVERIFY(QDir().mkpath(autostart()));
-    const QByteArray foreign = "[Desktop Entry]\nType=Application\nName=quillwire\nExec=other\n";
-    Files::write(autostart(u"quillwire.desktop"_qs), foreign);
-    Files::write(autostart(u"quillwire-run-strange.desktop"_qs), foreign);
-    QCOMPARE(isRunAtStartup(*m_store, u"quillwire"_qs), 0);
-    QCOMPARE(isRunAtStartup(*m_store, u"strange"_qs), 0);
-    setRunAtStartup(2, *m_store, u"/opt"_qs, u"quillwire"_qs);
-    setRunAtStartup(0, *m_store, u"/opt"_qs, u"quillwire"_qs);
-    setRunAtStartup(0, *m_store, u"/opt"_qs, u"strange"_qs);
-    QCOMPARE(Files::read(autostart(u"quillwire.desktop"_qs)).bytes, foreign);
-    QCOMPARE(Files::read(autostart(u"quillwire-run-strange.desktop"_qs)).bytes, foreign);
-}
-
-void tst_RunAtStartup::otherSectionsGoToTheOtherStore()
-{
-    cRegistry registry(*m_store);
-    registry.setValueEx(RegistryRoot::CurrentUser, u"Software\\Other"_qs, u"a/b"_qs, 1, {}, u"1"_qs);
-    registry.setValueEx(RegistryRoot::CurrentUser, u"software\\microsoft\\windows\\currentversion\\run"_qs, u"a/b é"_qs,
-                        1, {}, u"\"/bin/x y\" -a"_qs);
-    QVERIFY(!QFileInfo::exists(autostart(u"a"_qs)));
-    QStringList names;
-    qint32 count = 0;
-    QVERIFY(registry.EnumerateValues(names, count));
-    QCOMPARE(names, QStringList{u"a/b é"_qs});
-    const QByteArray entry = Files::read(autostart(QDir(autostart()).entryList(QDir::Files).value(0))).bytes;
-    QVERIFY2(entry.contains("\nExec=\"/bin/x y\" \"-a\"\n"), entry.constData());
-    registry.ValueKey = u"A/B É"_qs;
-    QVERIFY(registry.DeleteValue());
-    QVERIFY(QDir(autostart()).isEmpty());
-}
 
 QTEST_GUILESS_MAIN(tst_RunAtStartup)
 #include "tst_RunAtStartup.moc"
