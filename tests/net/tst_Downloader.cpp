@@ -19,31 +19,303 @@ class tst_Downloader : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void wholeBodyReplacesTheDestination();
-    void failureLeavesTheDestinationAlone_data();
-    void failureLeavesTheDestinationAlone();
-    void addressesThatCantBeFetchedEndAtOnce_data();
-    void addressesThatCantBeFetchedEndAtOnce();
-    void refusedConnectionAndUnwritableDestinationAreTold();
-    void silentAndTricklingServersAreCutOff_data();
-    void silentAndTricklingServersAreCutOff();
-    void endlessAndSwellingBodiesAreCutOff_data();
-    void endlessAndSwellingBodiesAreCutOff();
-    void codedContentArrivesDecoded();
-    void redirectionsAreFollowedToTheirLimit();
-    void redirectionToASecureAddressIsTried();
-    void credentialsGoToTheAskedHostAlone();
-    void challengesAreNeverAnswered_data();
-    void challengesAreNeverAnswered();
-    void credentialsAreSentUnasked();
-    void cookiesAreNotKept();
-    void cancellingEndsTheDownloadExactlyOnce();
-    void aNewDownloadAbandonsTheOldOne();
-    void progressRisesWithTheBody();
+    void init()
+    {
+        m_directory = std::make_unique<QTemporaryDir>();
+        m_destination = m_directory->filePath(u"tmp.xml"_qs);
+        Files::write(m_destination, "old");
+        m_server = std::make_unique<LocalHttpServer>();
+        m_ends.reset();
+        m_downloader = std::make_unique<Downloader>();
+        m_ends = std::make_unique<QSignalSpy>(m_downloader.get(), &Downloader::DownloadComplete);
+    }
+
+    void wholeBodyReplacesTheDestination()
+    {
+        const QByteArray body = QByteArray(3 * 1024 * 1024, 'x') + QByteArray("\0\r\n", 3);
+        m_server->setBody(u"/feed.xml?a=%C3%A9"_qs, body);
+        QCOMPARE(fetch(m_server->url(u"/feed.xml?a=é#part"_qs)), 200);
+        QCOMPARE(destinationBytes(), body);
+        m_server->setBody(u"/empty"_qs, QByteArray());
+        QCOMPARE(fetch(m_server->url(u"/empty"_qs)), 200);
+        QCOMPARE(destinationBytes(), QByteArray());
+    }
+
+    void progressRisesWithTheBody()
+    {
+        Answer slow;
+        slow.body = QByteArray(50, 'x');
+        slow.trickleMs = 10;
+        m_server->setAnswer(u"/a"_qs, slow);
+        QList<double> percents;
+        connect(m_downloader.get(), &Downloader::DownloadProgress, this, [&](double done) { percents.append(done); });
+        QCOMPARE(fetch(m_server->url(u"/a"_qs)), 200);
+        QVERIFY(!percents.isEmpty() && std::ranges::is_sorted(percents));
+        QVERIFY(percents.first() > 0 && percents.last() <= 100);
+    }
+
+    void failureLeavesTheDestinationAlone_data()
+    {
+        QTest::addColumn<int>("status");
+        QTest::addColumn<qint64>("declaredLength");
+        QTest::addColumn<int>("expected");
+        QTest::newRow("not found") << 404 << qint64(-1) << 404;
+        QTest::newRow("success of another kind") << 203 << qint64(-1) << 203;
+        QTest::newRow("connection lost before the declared end")
+            << 200 << qint64(100) << int(Downloader::ConnectionLost);
+    }
+
+    void failureLeavesTheDestinationAlone()
+    {
+        QFETCH(int, status);
+        QFETCH(qint64, declaredLength);
+        QFETCH(int, expected);
+        Answer answer;
+        answer.status = status;
+        answer.body = "half of a body";
+        answer.declaredLength = declaredLength;
+        m_server->setAnswer(u"/a"_qs, answer);
+        QCOMPARE(fetch(m_server->url(u"/a"_qs)), expected);
+        QCOMPARE(destinationBytes(), QByteArray("old"));
+    }
+
+    void addressesThatCantBeFetchedEndAtOnce_data()
+    {
+        QTest::addColumn<QString>("url");
+        QTest::addColumn<int>("expected");
+        QTest::newRow("unknown host") << u"http://no-such-host.invalid/"_qs << int(Downloader::HostNotFound);
+        QTest::newRow("nothing at all") << u""_qs << int(Downloader::HostNotFound);
+        QTest::newRow("a local file") << u"file:///etc/passwd"_qs << int(Downloader::AddressNotSupported);
+        QTest::newRow("another protocol") << u"ftp://127.0.0.1/"_qs << int(Downloader::AddressNotSupported);
+        QTest::newRow("data") << u"data:text/xml,<a/>"_qs << int(Downloader::AddressNotSupported);
+    }
+
+    void addressesThatCantBeFetchedEndAtOnce()
+    {
+        QFETCH(QString, url);
+        QFETCH(int, expected);
+        QCOMPARE(fetch(url), expected);
+        m_server->setAnswer(u"/away"_qs, Answer::redirect(url));
+        if (expected == Downloader::AddressNotSupported)
+            QCOMPARE(fetch(m_server->url(u"/away"_qs)), expected);
+        QCOMPARE(destinationBytes(), QByteArray("old"));
+    }
+
+    void refusedConnectionAndUnwritableDestinationAreTold()
+    {
+        m_server->setBody(u"/a"_qs, "body");
+        m_destination = m_directory->filePath(u"absent/tmp.xml"_qs);
+        QCOMPARE(fetch(m_server->url(u"/a"_qs)), Downloader::WriteFailed);
+        m_destination = m_directory->filePath(u"tmp.xml"_qs);
+        const QString url = m_server->url(u"/a"_qs);
+        m_server->close();
+        QCOMPARE(fetch(url), Downloader::ConnectionRefused);
+    }
+
+    void silentAndTricklingServersAreCutOff()
+    {
+        m_downloader->setLimits({.idleMs = 300, .totalMs = 900});
+        Answer silent, halting, trickling;
+        silent.silent = true;
+        halting.stallsAtEnd = true;
+        trickling.trickleMs = 50;
+        for (Answer answer : {silent, halting, trickling}) {
+            answer.body = QByteArray(1000, 'x');
+            answer.declaredLength = 5000;
+            m_server->setAnswer(u"/slow"_qs, answer);
+            QElapsedTimer timer;
+            timer.start();
+            QCOMPARE(fetch(m_server->url(u"/slow"_qs)), Downloader::TimedOut);
+            // What shows signs of life lives until the whole time is up.
+            QCOMPARE(timer.elapsed() >= 850, answer.trickleMs > 0);
+            QCOMPARE(destinationBytes(), QByteArray("old"));
+        }
+    }
+
+    void endlessAndSwellingBodiesAreCutOff()
+    {
+        const auto statusOf = [this](qint64 maxMegabytes, const Answer &answer) {
+            m_downloader->setLimits({.maxBytes = maxMegabytes * 1024 * 1024});
+            m_server->setAnswer(u"/large"_qs, answer);
+            return fetch(m_server->url(u"/large"_qs));
+        };
+        Answer endless;
+        endless.endless = true;
+        endless.body = QByteArray(65536, 'x');
+        QCOMPARE(statusOf(2, endless), Downloader::TooLarge);
+        Answer swelling;
+        swelling.body = qCompress(QByteArray(40 * 1024 * 1024, 'x'), 9).mid(4);
+        swelling.headers = {{"Content-Encoding", "deflate"}};
+        const qint32 refused = statusOf(2, swelling);
+        QVERIFY(refused == Downloader::TooLarge || refused == Downloader::ContentNotReadable);
+        QCOMPARE(statusOf(64, swelling), Downloader::ContentNotReadable); // below the limit, but out of proportion
+        QCOMPARE(destinationBytes(), QByteArray("old"));
+    }
+
+    void codedContentArrivesDecoded()
+    {
+        QByteArray body;
+        for (int i = 0; i < 200000; ++i)
+            body += QByteArray::number(i * 7919) + '\n';
+        Answer answer;
+        answer.body = qCompress(body).mid(4);
+        answer.headers = {{"Content-Encoding", "deflate"}};
+        m_server->setAnswer(u"/coded"_qs, answer);
+        QCOMPARE(fetch(m_server->url(u"/coded"_qs)), 200);
+        QCOMPARE(destinationBytes(), body);
+        QVERIFY(m_server->lastRequest(u"/coded"_qs).header("accept-encoding").contains("gzip"));
+
+        answer.body = "this is not deflated";
+        m_server->setAnswer(u"/broken"_qs, answer);
+        QCOMPARE(fetch(m_server->url(u"/broken"_qs)), Downloader::ContentNotReadable);
+        QCOMPARE(destinationBytes(), body);
+    }
+
+    void redirectionsAreFollowedToTheirLimit()
+    {
+        m_server->setBody(u"/end"_qs, "body");
+        for (const int code : {301, 302, 303, 307, 308}) {
+            m_server->setAnswer(u"/start"_qs, Answer::redirect(u"end"_qs, code));
+            QCOMPARE(fetch(m_server->url(u"/start"_qs)), 200);
+            QCOMPARE(destinationBytes(), QByteArray("body"));
+        }
+        m_server->setAnswer(u"/loop"_qs, Answer::redirect(u"/loop"_qs));
+        QCOMPARE(fetch(m_server->url(u"/loop"_qs)), Downloader::TooManyRedirections);
+        QCOMPARE(m_server->hits(u"/loop"_qs), 11);
+        m_server->setAnswer(u"/nowhere"_qs, Answer::redirect(QString()));
+        QCOMPARE(fetch(m_server->url(u"/nowhere"_qs)), Downloader::TooManyRedirections);
+        m_server->setAnswer(u"/gone"_qs, Answer::redirect(u"/missing"_qs));
+        QCOMPARE(fetch(m_server->url(u"/gone"_qs)), 404);
+    }
+
+    void redirectionToASecureAddressIsTried()
+    {
+        QTcpServer notSecure;
+        QVERIFY(notSecure.listen(QHostAddress::LocalHost));
+        QByteArray received;
+        connect(&notSecure, &QTcpServer::newConnection, this, [&] {
+            QTcpSocket *const socket = notSecure.nextPendingConnection();
+            connect(socket, &QTcpSocket::readyRead, this, [&received, socket] {
+                received += socket->readAll();
+                socket->write("HTTP/1.1 400 This is no TLS\r\n\r\n");
+                socket->disconnectFromHost();
+            });
+        });
+        const QString target = u"https://127.0.0.1:" + QString::number(notSecure.serverPort()) + u"/";
+        m_server->setAnswer(u"/start"_qs, Answer::redirect(target));
+        QCOMPARE(fetch(m_server->url(u"/start"_qs), u"me"_qs, u"secret"_qs), Downloader::SecureConnectionFailed);
+        // The first byte of a TLS handshake; nothing went out in the clear.
+        QVERIFY(received.startsWith('\x16'));
+        QVERIFY(!received.contains("Authorization"));
+        QCOMPARE(destinationBytes(), QByteArray("old"));
+    }
+
+    void credentialsGoToTheAskedHostAlone()
+    {
+        LocalHttpServer other;
+        other.setBody(u"/end"_qs, "body");
+        m_server->setBody(u"/end"_qs, "body");
+        const auto sent = [this](const QString &target, const LocalHttpServer &receiver) {
+            m_server->setAnswer(u"/start"_qs, Answer::redirect(target));
+            const qint32 status = fetch(m_server->url(u"/start"_qs), u"me"_qs, u"sécret:x"_qs);
+            return status == 200 ? receiver.lastRequest(u"/end"_qs).header("authorization") : QByteArray("failed");
+        };
+        QCOMPARE(sent(u"/end"_qs, *m_server), "Basic " + QByteArrayLiteral("me:sécret:x").toBase64());
+        QCOMPARE(sent(m_server->url(u"/end"_qs, u"localhost"_qs), *m_server), QByteArray());
+        QCOMPARE(sent(other.url(u"/end"_qs), other), QByteArray());
+        // Nor does a redirection bring credentials of its own.
+        QCOMPARE(sent(other.url(u"/end"_qs).replace(u"127.0.0.1"_qs, u"evil:pw@127.0.0.1"_qs), other), QByteArray());
+    }
+
+    void challengesAreNeverAnswered()
+    {
+        for (const char *challenge :
+             {"Basic realm=\"r\"", "Digest realm=\"r\", nonce=\"n\", qop=\"auth\"", "NTLM", "Negotiate", ""}) {
+            m_server->setAnswer(u"/closed"_qs, Answer::unauthorized(challenge));
+            const int before = m_server->totalHits();
+            QCOMPARE(fetch(m_server->url(u"/closed"_qs), u"me"_qs, u"wrong"_qs), Downloader::AuthenticationAsked);
+            QCOMPARE(m_server->requests().last().credentials(), u"me:wrong"); // sent unasked
+            // They don't stay for the next download.
+            QCOMPARE(fetch(m_server->url(u"/closed"_qs)), Downloader::AuthenticationAsked);
+            QCOMPARE(m_server->requests().last().header("authorization"), QByteArray());
+            QCOMPARE(m_server->totalHits(), before + 2);
+        }
+        QCOMPARE(destinationBytes(), QByteArray("old"));
+        m_server->setProtectedBody(u"/b"_qs, "body", u"m@e"_qs, u"p w"_qs);
+        QCOMPARE(fetch(m_server->url(u"/b"_qs).replace(u"http://"_qs, u"http://m%40e:p%20w@"_qs)), 200);
+    }
+
+    void cancellingEndsTheDownloadExactlyOnce()
+    {
+        m_downloader->CancelDownload();
+        QVERIFY(m_ends->isEmpty());
+
+        Answer silent;
+        silent.silent = true;
+        m_server->setAnswer(u"/a"_qs, silent);
+        m_downloader->Download(m_server->url(u"/a"_qs), 0, m_destination, QString(), QString());
+        QTRY_COMPARE(m_server->totalHits(), 1);
+        m_downloader->CancelDownload();
+        QCOMPARE(m_ends->size(), 1);
+        QCOMPARE(m_ends->first().first().toInt(), int(Downloader::Cancelled));
+        m_downloader->CancelDownload();
+        QTest::qWait(50);
+        QCOMPARE(m_ends->size(), 1);
+
+        // One that has failed and not told so yet.
+        m_downloader->Download(u"ftp://x/"_qs, 0, m_destination, QString(), QString());
+        m_downloader->CancelDownload();
+        QTest::qWait(50);
+        QCOMPARE(m_ends->size(), 2);
+        QCOMPARE(m_ends->last().first().toInt(), int(Downloader::Cancelled));
+        QCOMPARE(destinationBytes(), QByteArray("old"));
+    }
+
+    void aNewDownloadAbandonsTheOldOne()
+    {
+        Answer slow;
+        slow.body = "slow";
+        slow.stallsAtEnd = true;
+        slow.declaredLength = 100;
+        m_server->setAnswer(u"/slow"_qs, slow);
+        m_server->setBody(u"/quick"_qs, "quick");
+        m_downloader->Download(m_server->url(u"/slow"_qs), 0, m_destination, QString(), QString());
+        QTRY_COMPARE(m_server->totalHits(), 1);
+        m_downloader->Download(m_server->url(u"/quick"_qs), 0, m_destination, QString(), QString());
+        QVERIFY(m_ends->isEmpty());
+        QTRY_COMPARE(m_ends->size(), 2);
+        QCOMPARE(m_ends->at(0).first().toInt(), int(Downloader::Cancelled));
+        QCOMPARE(m_ends->at(1).first().toInt(), 200);
+        QCOMPARE(destinationBytes(), QByteArray("quick"));
+
+        // A slot may start the next download, or destroy the downloader.
+        int again = 0;
+        connect(m_downloader.get(), &Downloader::DownloadComplete, this, [&] {
+            if (++again == 1)
+                m_downloader->Download(m_server->url(u"/quick"_qs), 0, m_destination, QString(), QString());
+            else
+                m_downloader.release()->deleteLater();
+        });
+        m_downloader->Download(m_server->url(u"/quick"_qs), 0, m_destination, QString(), QString());
+        QTRY_VERIFY(!m_downloader);
+        QCOMPARE(again, 2);
+    }
 
 private:
-    qint32 fetch(const QString &url, const QString &username = QString(), const QString &password = QString());
+    /// Downloads to the end; -1 when it doesn't end, -2 when it ends more than once or leaves something in the
+    /// directory.
+    qint32 fetch(const QString &url, const QString &username = QString(), const QString &password = QString())
+    {
+        m_ends->clear();
+        m_downloader->Download(url, 0, m_destination, username, password);
+        if (!m_ends->isEmpty())
+            return -2;
+        if (!m_ends->wait(10000))
+            return -1;
+        QTest::qWait(30);
+        const bool tidy = QDir(m_directory->path()).entryList(QDir::Files) == QStringList{u"tmp.xml"_qs};
+        return m_ends->size() == 1 && tidy ? m_ends->first().first().toInt() : -2;
+    }
     QByteArray destinationBytes() const { return Files::read(m_destination).bytes; }
 
     std::unique_ptr<QTemporaryDir> m_directory;
@@ -52,364 +324,6 @@ private:
     std::unique_ptr<QSignalSpy> m_ends;
     QString m_destination;
 };
-
-void tst_Downloader::init()
-{
-    m_directory = std::make_unique<QTemporaryDir>();
-    m_destination = m_directory->filePath(u"tmp.xml"_qs);
-    Files::write(m_destination, "old");
-    m_server = std::make_unique<LocalHttpServer>();
-    m_ends.reset();
-    m_downloader = std::make_unique<Downloader>();
-    m_ends = std::make_unique<QSignalSpy>(m_downloader.get(), &Downloader::DownloadComplete);
-}
-
-/// Downloads to the end; -1 when it doesn't end, -2 when it ends more than once or leaves something in the directory.
-qint32 tst_Downloader::fetch(const QString &url, const QString &username, const QString &password)
-{
-    m_ends->clear();
-    m_downloader->Download(url, 0, m_destination, username, password);
-    if (!m_ends->isEmpty())
-        return -2;
-    if (!m_ends->wait(10000))
-        return -1;
-    QTest::qWait(30);
-    const bool tidy = QDir(m_directory->path()).entryList(QDir::Files) == QStringList{u"tmp.xml"_qs};
-    return m_ends->size() == 1 && tidy ? m_ends->first().first().toInt() : -2;
-}
-
-void tst_Downloader::wholeBodyReplacesTheDestination()
-{
-    const QByteArray body = QByteArray(3 * 1024 * 1024, 'x') + QByteArray("\0\r\n", 3);
-    m_server->setBody(u"/feed.xml?a=%C3%A9"_qs, body);
-    QCOMPARE(fetch(m_server->url(u"/feed.xml?a=é#part"_qs)), 200);
-    QCOMPARE(destinationBytes(), body);
-    m_server->setBody(u"/empty"_qs, QByteArray());
-    QCOMPARE(fetch(m_server->url(u"/empty"_qs)), 200);
-    QCOMPARE(destinationBytes(), QByteArray());
-}
-
-void tst_Downloader::failureLeavesTheDestinationAlone_data()
-{
-    QTest::addColumn<int>("status");
-    QTest::addColumn<qint64>("declaredLength");
-    QTest::addColumn<int>("expected");
-    QTest::newRow("not found") << 404 << qint64(-1) << 404;
-    QTest::newRow("server error") << 503 << qint64(-1) << 503;
-    QTest::newRow("success of another kind") << 203 << qint64(-1) << 203;
-    QTest::newRow("gone") << 410 << qint64(-1) << 410;
-    QTest::newRow("connection lost before the declared end") << 200 << qint64(100) << int(Downloader::ConnectionLost);
-}
-
-void tst_Downloader::failureLeavesTheDestinationAlone()
-{
-    QFETCH(int, status);
-    QFETCH(qint64, declaredLength);
-    QFETCH(int, expected);
-    Answer answer;
-    answer.status = status;
-    answer.body = "half of a body";
-    answer.declaredLength = declaredLength;
-    m_server->setAnswer(u"/a"_qs, answer);
-    QCOMPARE(fetch(m_server->url(u"/a"_qs)), expected);
-    QCOMPARE(destinationBytes(), QByteArray("old"));
-}
-
-void tst_Downloader::addressesThatCantBeFetchedEndAtOnce_data()
-{
-    QTest::addColumn<QString>("url");
-    QTest::addColumn<int>("expected");
-    QTest::newRow("unknown host") << u"http://no-such-host.invalid/"_qs << int(Downloader::HostNotFound);
-    QTest::newRow("no host") << u"http:///feed.xml"_qs << int(Downloader::HostNotFound);
-    QTest::newRow("nothing at all") << u""_qs << int(Downloader::HostNotFound);
-    QTest::newRow("a local file") << u"file:///etc/passwd"_qs << int(Downloader::AddressNotSupported);
-    QTest::newRow("another protocol") << u"ftp://127.0.0.1/"_qs << int(Downloader::AddressNotSupported);
-    QTest::newRow("data") << u"data:text/xml,<a/>"_qs << int(Downloader::AddressNotSupported);
-}
-
-void tst_Downloader::addressesThatCantBeFetchedEndAtOnce()
-{
-    QFETCH(QString, url);
-    QFETCH(int, expected);
-    QCOMPARE(fetch(url), expected);
-    m_server->setAnswer(u"/away"_qs, Answer::redirect(url));
-    if (expected == Downloader::AddressNotSupported)
-        QCOMPARE(fetch(m_server->url(u"/away"_qs)), expected);
-    QCOMPARE(destinationBytes(), QByteArray("old"));
-}
-
-void tst_Downloader::refusedConnectionAndUnwritableDestinationAreTold()
-{
-    m_server->setBody(u"/a"_qs, "body");
-    m_destination = m_directory->filePath(u"absent/tmp.xml"_qs);
-    QCOMPARE(fetch(m_server->url(u"/a"_qs)), Downloader::WriteFailed);
-    m_destination = m_directory->filePath(u"tmp.xml"_qs);
-    const QString url = m_server->url(u"/a"_qs);
-    m_server->close();
-    QCOMPARE(fetch(url), Downloader::ConnectionRefused);
-}
-
-void tst_Downloader::silentAndTricklingServersAreCutOff_data()
-{
-    QTest::addColumn<bool>("silent");
-    QTest::addColumn<bool>("stallsAtEnd");
-    QTest::addColumn<int>("trickleMs");
-    QTest::newRow("no answer") << true << false << 0;
-    QTest::newRow("half an answer") << false << true << 0;
-    QTest::newRow("a byte now and then") << false << false << 50;
-}
-
-void tst_Downloader::silentAndTricklingServersAreCutOff()
-{
-    QFETCH(bool, silent);
-    QFETCH(bool, stallsAtEnd);
-    QFETCH(int, trickleMs);
-    Downloader::Limits limits;
-    limits.idleMs = 300;
-    limits.totalMs = 900;
-    m_downloader->setLimits(limits);
-    Answer answer;
-    answer.body = QByteArray(1000, 'x');
-    answer.silent = silent;
-    answer.stallsAtEnd = stallsAtEnd;
-    answer.trickleMs = trickleMs;
-    answer.declaredLength = 5000;
-    m_server->setAnswer(u"/slow"_qs, answer);
-    QElapsedTimer timer;
-    timer.start();
-    QCOMPARE(fetch(m_server->url(u"/slow"_qs)), Downloader::TimedOut);
-    // What shows signs of life lives until the whole time is up.
-    QCOMPARE(timer.elapsed() >= 850, trickleMs > 0);
-    QCOMPARE(destinationBytes(), QByteArray("old"));
-}
-
-void tst_Downloader::endlessAndSwellingBodiesAreCutOff_data()
-{
-    QTest::addColumn<bool>("endless");
-    QTest::addColumn<int>("size");
-    QTest::addColumn<int>("maxMegabytes");
-    QTest::addColumn<QList<int>>("expected");
-    QTest::newRow("endless") << true << 65536 << 2 << QList<int>{Downloader::TooLarge};
-    QTest::newRow("swelling beyond reason")
-        << false << 64 * 1024 * 1024 << 2 << QList<int>{Downloader::TooLarge, Downloader::ContentNotReadable};
-    QTest::newRow("swelling below the limit")
-        << false << 40 * 1024 * 1024 << 64 << QList<int>{Downloader::ContentNotReadable};
-}
-
-void tst_Downloader::endlessAndSwellingBodiesAreCutOff()
-{
-    QFETCH(bool, endless);
-    QFETCH(int, size);
-    QFETCH(int, maxMegabytes);
-    QFETCH(QList<int>, expected);
-    Downloader::Limits limits;
-    limits.maxBytes = maxMegabytes * 1024 * 1024;
-    m_downloader->setLimits(limits);
-    Answer answer;
-    answer.endless = endless;
-    answer.body = QByteArray(size, 'x');
-    if (!endless) {
-        answer.body = qCompress(answer.body, 9).mid(4);
-        answer.headers = {{"Content-Encoding", "deflate"}};
-    }
-    m_server->setAnswer(u"/large"_qs, answer);
-    const int status = fetch(m_server->url(u"/large"_qs));
-    QVERIFY2(expected.contains(status), QByteArray::number(status).constData());
-    QCOMPARE(destinationBytes(), QByteArray("old"));
-}
-
-void tst_Downloader::codedContentArrivesDecoded()
-{
-    QByteArray body;
-    for (int i = 0; i < 200000; ++i)
-        body += QByteArray::number(i * 7919) + '\n';
-    Answer answer;
-    answer.body = qCompress(body).mid(4);
-    answer.headers = {{"Content-Encoding", "deflate"}};
-    m_server->setAnswer(u"/coded"_qs, answer);
-    QCOMPARE(fetch(m_server->url(u"/coded"_qs)), 200);
-    QCOMPARE(destinationBytes(), body);
-    QVERIFY(m_server->lastRequest(u"/coded"_qs).header("accept-encoding").contains("gzip"));
-
-    answer.body = "this is not deflated";
-    m_server->setAnswer(u"/broken"_qs, answer);
-    QCOMPARE(fetch(m_server->url(u"/broken"_qs)), Downloader::ContentNotReadable);
-    QCOMPARE(destinationBytes(), body);
-}
-
-void tst_Downloader::redirectionsAreFollowedToTheirLimit()
-{
-    m_server->setBody(u"/end"_qs, "body");
-    int status = 300;
-    for (const int code : {301, 302, 303, 307, 308}) {
-        status = code;
-        m_server->setAnswer(u"/start"_qs, Answer::redirect(u"end"_qs, status));
-        QCOMPARE(fetch(m_server->url(u"/start"_qs)), 200);
-        QCOMPARE(destinationBytes(), QByteArray("body"));
-    }
-    m_server->setAnswer(u"/loop"_qs, Answer::redirect(u"/loop"_qs));
-    QCOMPARE(fetch(m_server->url(u"/loop"_qs)), Downloader::TooManyRedirections);
-    QCOMPARE(m_server->hits(u"/loop"_qs), 11);
-    m_server->setAnswer(u"/nowhere"_qs, Answer::redirect(QString()));
-    QCOMPARE(fetch(m_server->url(u"/nowhere"_qs)), Downloader::TooManyRedirections);
-    m_server->setAnswer(u"/gone"_qs, Answer::redirect(u"/missing"_qs));
-    QCOMPARE(fetch(m_server->url(u"/gone"_qs)), 404);
-}
-
-void tst_Downloader::redirectionToASecureAddressIsTried()
-{
-    QTcpServer notSecure;
-    QVERIFY(notSecure.listen(QHostAddress::LocalHost));
-    QByteArray received;
-    connect(&notSecure, &QTcpServer::newConnection, this, [&] {
-        QTcpSocket *const socket = notSecure.nextPendingConnection();
-        connect(socket, &QTcpSocket::readyRead, this, [&received, socket] {
-            received += socket->readAll();
-            socket->write("HTTP/1.1 400 This is no TLS\r\n\r\n");
-            socket->disconnectFromHost();
-        });
-    });
-    const QString target = u"https://127.0.0.1:" + QString::number(notSecure.serverPort()) + u"/";
-    m_server->setAnswer(u"/start"_qs, Answer::redirect(target));
-    QCOMPARE(fetch(m_server->url(u"/start"_qs), u"me"_qs, u"secret"_qs), Downloader::SecureConnectionFailed);
-    // The first byte of a TLS handshake; nothing went out in the clear.
-    QVERIFY(received.startsWith('\x16'));
-    QVERIFY(!received.contains("Authorization"));
-    QCOMPARE(destinationBytes(), QByteArray("old"));
-}
-
-void tst_Downloader::credentialsGoToTheAskedHostAlone()
-{
-    LocalHttpServer other;
-    other.setBody(u"/end"_qs, "body");
-    m_server->setBody(u"/end"_qs, "body");
-    const auto sent = [this](const QString &target, const LocalHttpServer &receiver) {
-        m_server->setAnswer(u"/start"_qs, Answer::redirect(target));
-        const qint32 status = fetch(m_server->url(u"/start"_qs), u"me"_qs, u"sécret:x"_qs);
-        return status == 200 ? receiver.lastRequest(u"/end"_qs).header("authorization") : QByteArray("failed");
-    };
-    QCOMPARE(sent(u"/end"_qs, *m_server), "Basic " + QByteArrayLiteral("me:sécret:x").toBase64());
-    QCOMPARE(sent(m_server->url(u"/end"_qs, u"localhost"_qs), *m_server), QByteArray());
-    QCOMPARE(sent(other.url(u"/end"_qs), other), QByteArray());
-    // Nor does a redirection bring credentials of its own.
-    QCOMPARE(sent(other.url(u"/end"_qs).replace(u"127.0.0.1"_qs, u"evil:pw@127.0.0.1"_qs), other), QByteArray());
-}
-
-void tst_Downloader::challengesAreNeverAnswered_data()
-{
-    QTest::addColumn<QByteArray>("challenge");
-    QTest::newRow("basic") << QByteArray("Basic realm=\"r\"");
-    QTest::newRow("digest") << QByteArray("Digest realm=\"r\", nonce=\"n\", qop=\"auth\"");
-    QTest::newRow("ntlm") << QByteArray("NTLM");
-    QTest::newRow("negotiate") << QByteArray("Negotiate");
-    QTest::newRow("none told") << QByteArray();
-}
-
-void tst_Downloader::challengesAreNeverAnswered()
-{
-    QFETCH(QByteArray, challenge);
-    m_server->setAnswer(u"/closed"_qs, Answer::unauthorized(challenge));
-    QCOMPARE(fetch(m_server->url(u"/closed"_qs)), Downloader::AuthenticationAsked);
-    QCOMPARE(fetch(m_server->url(u"/closed"_qs), u"me"_qs, u"wrong"_qs), Downloader::AuthenticationAsked);
-    QCOMPARE(m_server->totalHits(), 2);
-    QCOMPARE(m_server->requests().first().header("authorization"), QByteArray());
-    QCOMPARE(m_server->requests().last().credentials(), u"me:wrong");
-    QCOMPARE(destinationBytes(), QByteArray("old"));
-}
-
-void tst_Downloader::credentialsAreSentUnasked()
-{
-    m_server->setProtectedBody(u"/a"_qs, "body", u"me"_qs, u""_qs);
-    QCOMPARE(fetch(m_server->url(u"/a"_qs), u"me"_qs), 200);
-    QCOMPARE(m_server->hits(u"/a"_qs), 1);
-    // They don't stay for the next download.
-    QCOMPARE(fetch(m_server->url(u"/a"_qs)), Downloader::AuthenticationAsked);
-    m_server->setProtectedBody(u"/b"_qs, "body", u"m@e"_qs, u"p w"_qs);
-    QCOMPARE(fetch(m_server->url(u"/b"_qs).replace(u"http://"_qs, u"http://m%40e:p%20w@"_qs)), 200);
-}
-
-void tst_Downloader::cookiesAreNotKept()
-{
-    Answer answer;
-    answer.headers = {{"Set-Cookie", "id=1; Path=/"}};
-    m_server->setAnswer(u"/a"_qs, answer);
-    QCOMPARE(fetch(m_server->url(u"/a"_qs)), 200);
-    QCOMPARE(fetch(m_server->url(u"/a"_qs)), 200);
-    QCOMPARE(m_server->requests().last().header("cookie"), QByteArray());
-}
-
-void tst_Downloader::cancellingEndsTheDownloadExactlyOnce()
-{
-    m_downloader->CancelDownload();
-    QVERIFY(m_ends->isEmpty());
-
-    Answer silent;
-    silent.silent = true;
-    m_server->setAnswer(u"/a"_qs, silent);
-    m_downloader->Download(m_server->url(u"/a"_qs), 0, m_destination, QString(), QString());
-    QTRY_COMPARE(m_server->totalHits(), 1);
-    m_downloader->CancelDownload();
-    QCOMPARE(m_ends->size(), 1);
-    QCOMPARE(m_ends->first().first().toInt(), int(Downloader::Cancelled));
-    m_downloader->CancelDownload();
-    QTest::qWait(50);
-    QCOMPARE(m_ends->size(), 1);
-
-    // One that has failed and not told so yet.
-    m_downloader->Download(u"ftp://x/"_qs, 0, m_destination, QString(), QString());
-    m_downloader->CancelDownload();
-    QTest::qWait(50);
-    QCOMPARE(m_ends->size(), 2);
-    QCOMPARE(m_ends->last().first().toInt(), int(Downloader::Cancelled));
-    QCOMPARE(destinationBytes(), QByteArray("old"));
-}
-
-void tst_Downloader::aNewDownloadAbandonsTheOldOne()
-{
-    Answer slow;
-    slow.body = "slow";
-    slow.stallsAtEnd = true;
-    slow.declaredLength = 100;
-    m_server->setAnswer(u"/slow"_qs, slow);
-    m_server->setBody(u"/quick"_qs, "quick");
-    m_downloader->Download(m_server->url(u"/slow"_qs), 0, m_destination, QString(), QString());
-    QTRY_COMPARE(m_server->totalHits(), 1);
-    m_downloader->Download(m_server->url(u"/quick"_qs), 0, m_destination, QString(), QString());
-    QVERIFY(m_ends->isEmpty());
-    QTRY_COMPARE(m_ends->size(), 2);
-    QCOMPARE(m_ends->at(0).first().toInt(), int(Downloader::Cancelled));
-    QCOMPARE(m_ends->at(1).first().toInt(), 200);
-    QCOMPARE(destinationBytes(), QByteArray("quick"));
-
-    // A slot may start the next download, or destroy the downloader.
-    int again = 0;
-    connect(m_downloader.get(), &Downloader::DownloadComplete, this, [&] {
-        if (++again == 1)
-            m_downloader->Download(m_server->url(u"/quick"_qs), 0, m_destination, QString(), QString());
-        else
-            m_downloader.release()->deleteLater();
-    });
-    m_downloader->Download(m_server->url(u"/quick"_qs), 0, m_destination, QString(), QString());
-    QTRY_VERIFY(!m_downloader);
-    QCOMPARE(again, 2);
-}
-
-void tst_Downloader::progressRisesWithTheBody()
-{
-    Answer slow;
-    slow.body = QByteArray(50, 'x');
-    slow.trickleMs = 10;
-    m_server->setAnswer(u"/a"_qs, slow);
-    QList<double> percents;
-    connect(m_downloader.get(), &Downloader::DownloadProgress, this, [&](double percent) {
-        QVERIFY(m_ends->isEmpty());
-        percents.append(percent);
-    });
-    QCOMPARE(fetch(m_server->url(u"/a"_qs)), 200);
-    QVERIFY(!percents.isEmpty());
-    QVERIFY(std::ranges::is_sorted(percents));
-    QVERIFY(percents.first() > 0 && percents.last() <= 100);
-}
 
 QTEST_GUILESS_MAIN(tst_Downloader)
 #include "tst_Downloader.moc"

@@ -34,212 +34,188 @@ class tst_InstanceHandOver : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void onlyOneProcessHoldsTheLock();
-    void aKilledProcessLeavesNothingInTheWay();
-    void runtimeDirectoryIsPrivate();
-    void textArrivesUnchanged_data();
-    void textArrivesUnchanged();
-    void withoutAListenerThereIsNoInstance();
-    void senderWaitsForTheSlotAndNoLongerThanItsLimit();
-    void nestedLoopsServeFurtherSenders();
-    void strangeSendersAreCutOffAndHoldNothingUp();
-    void closingInASlotIsHarmless();
+    void init() { m_directory = std::make_unique<QTemporaryDir>(); }
+
+    void withoutAPlaceForTheLockTheProgramStartsAllTheSame()
+    {
+        QVERIFY(InstanceLock(m_directory->filePath(u"absent"_qs)).isFirstInstance());
+        QVERIFY(InstanceLock(QString()).isFirstInstance());
+    }
+
+    void aKilledProcessLeavesNothingInTheWay()
+    {
+        QProcess other;
+        other.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        other.start(QCoreApplication::applicationFilePath(), {u"--hold"_qs, path()});
+        QVERIFY(other.waitForReadyRead(10000));
+        QCOMPARE(other.readAll(), QByteArray("ready\n"));
+        InstanceLock lock(path());
+        QVERIFY(!lock.isFirstInstance());
+        other.kill();
+        QVERIFY(other.waitForFinished());
+        QCOMPARE(handOver(u"x"_qs, 1000, path()), HandOverResult::NoInstance);
+        QVERIFY(lock.isFirstInstance());
+        InstanceServer server(path());
+        QVERIFY(server.listen());
+    }
+
+    void runtimeDirectoryIsPrivate()
+    {
+        const QByteArray before = qgetenv("XDG_RUNTIME_DIR");
+        qunsetenv("QUILLWIRE_RUNTIME_DIR");
+        qputenv("XDG_RUNTIME_DIR", "/");
+        const QFile::Permissions others = QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup | QFile::ReadOther |
+                                          QFile::WriteOther | QFile::ExeOther;
+        const QString directory = runtimeDirectory();
+        QVERIFY(QFileInfo(directory).isDir());
+        QVERIFY(!(QFileInfo(directory).permissions() & others));
+        qputenv("QUILLWIRE_RUNTIME_DIR", m_directory->filePath(u"made/anew"_qs).toUtf8());
+        QCOMPARE(runtimeDirectory(), m_directory->filePath(u"made/anew"_qs));
+        QVERIFY(QFileInfo(runtimeDirectory()).isDir());
+        qunsetenv("QUILLWIRE_RUNTIME_DIR");
+        qputenv("XDG_RUNTIME_DIR", before);
+    }
+
+    void textArrivesUnchanged_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::newRow("an address") << u"feed:http://a/b?c=d%20e&f"_qs;
+        QTest::newRow("a path in quotes, with blanks at the end") << u" \"/é и/\U0001F600.xml\"  "_qs;
+        QTest::newRow("line breaks and a zero character") << u"a\r\nb\0c"_qs;
+        QTest::newRow("as long as it may be") << QString(HandOverProtocol::MaxBytes, u'x');
+    }
+
+    void textArrivesUnchanged()
+    {
+        QFETCH(QString, text);
+        InstanceServer server(path());
+        QVERIFY(server.listen());
+        QSignalSpy texts(&server, &InstanceServer::textReceived);
+        QSignalSpy activations(&server, &InstanceServer::activationAsked);
+        auto result = handOverAside(text, path());
+        QTRY_VERIFY(isOver(result));
+        QCOMPARE(result.get(), HandOverResult::HandedOver);
+        QCOMPARE(texts.size(), 1);
+        QCOMPARE(texts.first().first().toString(), text);
+        QVERIFY(activations.isEmpty());
+
+        auto empty = handOverAside(QString(), path());
+        QTRY_VERIFY(isOver(empty));
+        QCOMPARE(empty.get(), HandOverResult::HandedOver);
+        QCOMPARE(activations.size(), 1);
+        QCOMPARE(texts.size(), 1);
+    }
+
+    void withoutAListenerThereIsNoInstance()
+    {
+        QCOMPARE(handOver(u"x"_qs, 1000, path()), HandOverResult::NoInstance);
+        QCOMPARE(handOver(u"x"_qs, 1000, QString()), HandOverResult::NoInstance);
+        InstanceServer server(path());
+        QVERIFY(server.listen());
+        QCOMPARE(handOver(QString(HandOverProtocol::MaxBytes + 1, u'x'), 1000, path()), HandOverResult::NoInstance);
+        server.close();
+        QCOMPARE(handOver(u"x"_qs, 1000, path()), HandOverResult::NoInstance);
+    }
+
+    void senderWaitsForTheSlotAndNoLongerThanItsLimit()
+    {
+        InstanceServer server(path());
+        QVERIFY(server.listen());
+        bool slotIsDone = false;
+        connect(&server, &InstanceServer::textReceived, this, [&slotIsDone] {
+            QTest::qSleep(200);
+            slotIsDone = true;
+        });
+        auto patient = handOverAside(u"x"_qs, path());
+        while (!slotIsDone) {
+            QVERIFY(!isOver(patient));
+            QTest::qWait(5);
+        }
+        QTRY_VERIFY(isOver(patient));
+        QCOMPARE(patient.get(), HandOverResult::HandedOver);
+
+        // A first instance that hangs: nothing runs its loop.
+        QElapsedTimer timer;
+        timer.start();
+        QCOMPARE(handOver(u"x"_qs, 300, path()), HandOverResult::TimedOut);
+        QVERIFY(timer.elapsed() >= 290 && timer.elapsed() < 2000);
+    }
+
+    void nestedLoopsServeFurtherSenders()
+    {
+        InstanceServer server(path());
+        QVERIFY(server.listen());
+        QStringList texts;
+        QEventLoop nested;
+        connect(&server, &InstanceServer::textReceived, this, [&](const QString &text) {
+            texts.append(text);
+            if (text == u"first")
+                nested.exec();
+            else
+                nested.quit();
+        });
+        auto first = handOverAside(u"first"_qs, path());
+        std::future<HandOverResult> second;
+        QTimer::singleShot(200, this, [&] { second = handOverAside(u"second"_qs, path()); });
+        QTRY_VERIFY(second.valid() && isOver(first) && isOver(second));
+        QCOMPARE(first.get(), HandOverResult::HandedOver);
+        QCOMPARE(second.get(), HandOverResult::HandedOver);
+        QCOMPARE(texts, (QStringList{u"first"_qs, u"second"_qs}));
+    }
+
+    void strangeSendersAreCutOffAndHoldNothingUp()
+    {
+        InstanceServer server(path());
+        server.setSenderLimit(600);
+        QVERIFY(server.listen());
+        QSignalSpy texts(&server, &InstanceServer::textReceived);
+
+        std::vector<std::unique_ptr<QLocalSocket>> strangers;
+        const QList<QByteArray> starts{"", QByteArray("\0\0", 2), QByteArray("\0\0\1\0only half", 13)};
+        for (const QByteArray &start : starts) {
+            strangers.push_back(std::make_unique<QLocalSocket>());
+            strangers.back()->connectToServer(HandOverProtocol::socketPath(path()));
+            strangers.back()->write(start);
+        }
+        QLocalSocket tooMuch;
+        tooMuch.connectToServer(HandOverProtocol::socketPath(path()));
+        tooMuch.write("\xff\xff\xff\xff and more");
+        QTRY_COMPARE(tooMuch.state(), QLocalSocket::UnconnectedState);
+
+        auto honest = handOverAside(u"text"_qs, path());
+        QTRY_VERIFY_WITH_TIMEOUT(isOver(honest), 500);
+        QCOMPARE(honest.get(), HandOverResult::HandedOver);
+        for (const auto &stranger : strangers)
+            QTRY_COMPARE(stranger->state(), QLocalSocket::UnconnectedState);
+        QCOMPARE(texts.size(), 1);
+
+        // More of them than may wait.
+        for (int i = 0; i < 100; ++i) {
+            strangers.push_back(std::make_unique<QLocalSocket>());
+            strangers.back()->connectToServer(HandOverProtocol::socketPath(path()));
+        }
+        QTest::qWait(700);
+        auto late = handOverAside(u"late"_qs, path());
+        QTRY_VERIFY(isOver(late));
+        QCOMPARE(late.get(), HandOverResult::HandedOver);
+    }
+
+    void closingInASlotIsHarmless()
+    {
+        auto server = std::make_unique<InstanceServer>(path());
+        QVERIFY(server->listen());
+        connect(server.get(), &InstanceServer::textReceived, this, [&server] { server.reset(); });
+        auto result = handOverAside(u"x"_qs, path());
+        QTRY_VERIFY(isOver(result));
+        QCOMPARE(result.get(), HandOverResult::NoInstance);
+        QVERIFY(!server);
+    }
 
 private:
     QString path() const { return m_directory->path(); }
 
     std::unique_ptr<QTemporaryDir> m_directory;
 };
-
-void tst_InstanceHandOver::init()
-{
-    m_directory = std::make_unique<QTemporaryDir>();
-}
-
-void tst_InstanceHandOver::onlyOneProcessHoldsTheLock()
-{
-    InstanceLock first(path());
-    QVERIFY(first.isFirstInstance());
-    QVERIFY(first.isFirstInstance());
-    InstanceLock second(path());
-    QVERIFY(!second.isFirstInstance());
-    first.release();
-    QVERIFY(second.isFirstInstance());
-
-    // Without a place for the lock the program starts all the same.
-    QVERIFY(InstanceLock(m_directory->filePath(u"absent"_qs)).isFirstInstance());
-    QVERIFY(InstanceLock(QString()).isFirstInstance());
-}
-
-void tst_InstanceHandOver::aKilledProcessLeavesNothingInTheWay()
-{
-    QProcess other;
-    other.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    other.start(QCoreApplication::applicationFilePath(), {u"--hold"_qs, path()});
-    QVERIFY(other.waitForReadyRead(10000));
-    QCOMPARE(other.readAll(), QByteArray("ready\n"));
-    InstanceLock lock(path());
-    QVERIFY(!lock.isFirstInstance());
-    other.kill();
-    QVERIFY(other.waitForFinished());
-    QCOMPARE(handOver(u"x"_qs, 1000, path()), HandOverResult::NoInstance);
-    QVERIFY(lock.isFirstInstance());
-    InstanceServer server(path());
-    QVERIFY(server.listen());
-}
-
-void tst_InstanceHandOver::runtimeDirectoryIsPrivate()
-{
-    const QByteArray before = qgetenv("XDG_RUNTIME_DIR");
-    qunsetenv("QUILLWIRE_RUNTIME_DIR");
-    qputenv("XDG_RUNTIME_DIR", "/");
-    const QFile::Permissions others =
-        QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup | QFile::ReadOther | QFile::WriteOther | QFile::ExeOther;
-    const QString directory = runtimeDirectory();
-    QVERIFY(QFileInfo(directory).isDir());
-    QVERIFY(!(QFileInfo(directory).permissions() & others));
-    qputenv("QUILLWIRE_RUNTIME_DIR", m_directory->filePath(u"made/anew"_qs).toUtf8());
-    QCOMPARE(runtimeDirectory(), m_directory->filePath(u"made/anew"_qs));
-    QVERIFY(QFileInfo(runtimeDirectory()).isDir());
-    qunsetenv("QUILLWIRE_RUNTIME_DIR");
-    qputenv("XDG_RUNTIME_DIR", before);
-}
-
-void tst_InstanceHandOver::textArrivesUnchanged_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::newRow("an address") << u"feed:http://a/b?c=d%20e&f"_qs;
-    QTest::newRow("a path in quotes, with blanks at the end") << u" \"/é и/\U0001F600.xml\"  "_qs;
-    QTest::newRow("line breaks and a zero character") << u"a\r\nb\0c"_qs;
-    QTest::newRow("as long as it may be") << QString(HandOverProtocol::MaxBytes, u'x');
-}
-
-void tst_InstanceHandOver::textArrivesUnchanged()
-{
-    QFETCH(QString, text);
-    InstanceServer server(path());
-    QVERIFY(server.listen());
-    QSignalSpy texts(&server, &InstanceServer::textReceived);
-    QSignalSpy activations(&server, &InstanceServer::activationAsked);
-    auto result = handOverAside(text, path());
-    QTRY_VERIFY(isOver(result));
-    QCOMPARE(result.get(), HandOverResult::HandedOver);
-    QCOMPARE(texts.size(), 1);
-    QCOMPARE(texts.first().first().toString(), text);
-    QVERIFY(activations.isEmpty());
-
-    auto empty = handOverAside(QString(), path());
-    QTRY_VERIFY(isOver(empty));
-    QCOMPARE(empty.get(), HandOverResult::HandedOver);
-    QCOMPARE(activations.size(), 1);
-    QCOMPARE(texts.size(), 1);
-}
-
-void tst_InstanceHandOver::withoutAListenerThereIsNoInstance()
-{
-    QCOMPARE(handOver(u"x"_qs, 1000, path()), HandOverResult::NoInstance);
-    QCOMPARE(handOver(u"x"_qs, 1000, QString()), HandOverResult::NoInstance);
-    InstanceServer server(path());
-    QVERIFY(server.listen());
-    QCOMPARE(handOver(QString(HandOverProtocol::MaxBytes + 1, u'x'), 1000, path()), HandOverResult::NoInstance);
-    server.close();
-    QCOMPARE(handOver(u"x"_qs, 1000, path()), HandOverResult::NoInstance);
-}
-
-void tst_InstanceHandOver::senderWaitsForTheSlotAndNoLongerThanItsLimit()
-{
-    InstanceServer server(path());
-    QVERIFY(server.listen());
-    bool slotIsDone = false;
-    connect(&server, &InstanceServer::textReceived, this, [&slotIsDone] {
-        QTest::qSleep(200);
-        slotIsDone = true;
-    });
-    auto patient = handOverAside(u"x"_qs, path());
-    while (!slotIsDone) {
-        QVERIFY(!isOver(patient));
-        QTest::qWait(5);
-    }
-    QTRY_VERIFY(isOver(patient));
-    QCOMPARE(patient.get(), HandOverResult::HandedOver);
-
-    // A first instance that hangs: nothing runs its loop.
-    QElapsedTimer timer;
-    timer.start();
-    QCOMPARE(handOver(u"x"_qs, 300, path()), HandOverResult::TimedOut);
-    QVERIFY(timer.elapsed() >= 290 && timer.elapsed() < 2000);
-}
-
-void tst_InstanceHandOver::nestedLoopsServeFurtherSenders()
-{
-    InstanceServer server(path());
-    QVERIFY(server.listen());
-    QStringList texts;
-    QEventLoop nested;
-    connect(&server, &InstanceServer::textReceived, this, [&](const QString &text) {
-        texts.append(text);
-        if (text == u"first")
-            nested.exec();
-        else
-            nested.quit();
-    });
-    auto first = handOverAside(u"first"_qs, path());
-    std::future<HandOverResult> second;
-    QTimer::singleShot(200, this, [&] { second = handOverAside(u"second"_qs, path()); });
-    QTRY_VERIFY(second.valid() && isOver(first) && isOver(second));
-    QCOMPARE(first.get(), HandOverResult::HandedOver);
-    QCOMPARE(second.get(), HandOverResult::HandedOver);
-    QCOMPARE(texts, (QStringList{u"first"_qs, u"second"_qs}));
-}
-
-void tst_InstanceHandOver::strangeSendersAreCutOffAndHoldNothingUp()
-{
-    InstanceServer server(path());
-    server.setSenderLimit(600);
-    QVERIFY(server.listen());
-    QSignalSpy texts(&server, &InstanceServer::textReceived);
-
-    std::vector<std::unique_ptr<QLocalSocket>> strangers;
-    const QList<QByteArray> starts{"", QByteArray("\0\0", 2), QByteArray("\0\0\1\0only half", 13)};
-    for (const QByteArray &start : starts) {
-        strangers.push_back(std::make_unique<QLocalSocket>());
-        strangers.back()->connectToServer(HandOverProtocol::socketPath(path()));
-        strangers.back()->write(start);
-    }
-    QLocalSocket tooMuch;
-    tooMuch.connectToServer(HandOverProtocol::socketPath(path()));
-    tooMuch.write("\xff\xff\xff\xff and more");
-    QTRY_COMPARE(tooMuch.state(), QLocalSocket::UnconnectedState);
-
-    auto honest = handOverAside(u"text"_qs, path());
-    QTRY_VERIFY_WITH_TIMEOUT(isOver(honest), 500);
-    QCOMPARE(honest.get(), HandOverResult::HandedOver);
-    for (const auto &stranger : strangers)
-        QTRY_COMPARE(stranger->state(), QLocalSocket::UnconnectedState);
-    QCOMPARE(texts.size(), 1);
-
-    // More of them than may wait.
-    for (int i = 0; i < 100; ++i) {
-        strangers.push_back(std::make_unique<QLocalSocket>());
-        strangers.back()->connectToServer(HandOverProtocol::socketPath(path()));
-    }
-    QTest::qWait(700);
-    auto late = handOverAside(u"late"_qs, path());
-    QTRY_VERIFY(isOver(late));
-    QCOMPARE(late.get(), HandOverResult::HandedOver);
-}
-
-void tst_InstanceHandOver::closingInASlotIsHarmless()
-{
-    auto server = std::make_unique<InstanceServer>(path());
-    QVERIFY(server->listen());
-    connect(server.get(), &InstanceServer::textReceived, this, [&server] { server.reset(); });
-    auto result = handOverAside(u"x"_qs, path());
-    QTRY_VERIFY(isOver(result));
-    QCOMPARE(result.get(), HandOverResult::NoInstance);
-    QVERIFY(!server);
-}
 
 /// With "--hold" this program is the other process: it takes lock and socket in the directory told, and waits.
 int main(int argc, char *argv[])
