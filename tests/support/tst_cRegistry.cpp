@@ -120,6 +120,38 @@ private Q_SLOTS:
         QVERIFY(!registry.KeyExists());
     }
 
+    void machineNamesGetTheirBackslashes()
+    {
+        cRegistry registry(*m_store);
+        registry.setMachine(u"host"_qs);
+        QCOMPARE(registry.Machine(), u"\\\\host");
+        registry.setMachine(u"\\\\host"_qs);
+        QCOMPARE(registry.Machine(), u"\\\\host");
+        registry.setMachine(u"ab"_qs);
+        QCOMPARE(registry.Machine(), u"");
+    }
+
+    void storedBytesOfAnyTypeAreRead()
+    {
+        RegistryKey key;
+        QCOMPARE(m_store->createKey(RegistryRoot::LocalMachine, u"S"_qs, RegistryAccess::All, key), 0);
+        QCOMPARE(m_store->setValue(key, u"big"_qs, RegistryType::BigEndianNumber, QByteArray::fromHex("01020304")), 0);
+        QCOMPARE(m_store->setValue(key, u"short"_qs, RegistryType::Number, QByteArray::fromHex("07")), 0);
+        QCOMPARE(m_store->setValue(key, u"many"_qs, RegistryType::MultiText, QByteArray("a\0b\0", 4)), 0);
+        QCOMPARE(m_store->setValue(key, u"other"_qs, 11, QByteArray::fromHex("0102030405060708")), 0);
+        QCOMPARE(m_store->setValue(key, u"nothing"_qs, RegistryType::Text, QByteArray()), 0);
+        cRegistry registry(*m_store);
+        const auto read = [&](const QString &name) {
+            return registry.ValueEx(RegistryRoot::LocalMachine, u"S"_qs, name, 1, u"?"_qs);
+        };
+        QCOMPARE(read(u"big"_qs), QVariant(0x01020304));
+        QCOMPARE(registry.ValueType, 5);
+        QCOMPARE(read(u"short"_qs), QVariant(7));
+        QCOMPARE(read(u"many"_qs), QVariant(QString(u"a\0b"_qs)));
+        QCOMPARE(read(u"other"_qs), QVariant(QByteArray::fromHex("0102030405060708")));
+        QCOMPARE(read(u"nothing"_qs), QVariant(u""_qs));
+    }
+
     void anEmptyTextIsReplacedByDefaultInValueExOnly()
     {
         cRegistry registry(*m_store);
