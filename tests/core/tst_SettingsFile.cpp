@@ -254,6 +254,14 @@ private Q_SLOTS:
         m_folder = std::make_unique<TemporaryDataDirectory>();
         m_messages = std::make_unique<FakeMessages>();
     }
+
+    void aFileThatCannotBeMadeEndsTheLoad()
+    {
+        AppSettings settings;
+        const SettingsFile away(m_folder->file(QStringLiteral("none/params.xml")), templateBytes(), {}, *m_messages);
+        QVERIFY(!away.loadSettings(settings));
+        QCOMPARE(m_messages->shown.size(), std::size_t(1));
+    }
 };
 
 QTEST_GUILESS_MAIN(SettingsFileTest)

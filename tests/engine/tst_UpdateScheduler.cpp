@@ -399,6 +399,36 @@ private:
     bool m_connected = true;
     int m_waits = 0;
     std::function<void()> m_duringWait; ///< what happens in a wait; by default the running download is answered
+
+private Q_SLOTS:
+    void aDayOfTwoHundredFeeds()
+    {
+        constexpr int feeds = 200;
+        for (int key = 1; key <= feeds; ++key)
+            addFeed(key, {QStringLiteral("first")}, 360 + key); // periods from six to more than nine hours
+        const QDateTime begin = m_now;
+        int serial = 0;
+        m_duringWait = [&] {
+            if (!m_downloader->isRunning())
+                return;
+            const int key = m_downloader->requests.back().url.section(u'/', -1).toInt();
+            serve(key, {QStringLiteral("item%1").arg(++serial), QStringLiteral("first")});
+            m_downloader->answer();
+        };
+        while (begin.secsTo(m_now) < 86400) {
+            m_now = m_now.addSecs(60);
+            m_scheduler->handleUpdateTick();
+        }
+        QHash<QString, int> updates;
+        for (const QString &key : fetched())
+            ++updates[key];
+        for (int key = 1; key <= feeds; ++key) {
+            const int count = updates[QString::number(key)];
+            const int atMost = 1440 / (360 + key);
+            QVERIFY2(count <= atMost && count >= atMost - 1, qPrintable(name(key)));
+            QCOMPARE(storedItems(key), qint16(1 + count));
+        }
+    }
 };
 
 QTEST_GUILESS_MAIN(UpdateSchedulerTest)

@@ -265,6 +265,24 @@ private:
     }
 
     std::unique_ptr<LocalSmtpServer> m_server;
+
+private Q_SLOTS:
+    void windowStaysAliveWhileSending()
+    {
+        m_server->stallAt(Step::Greeting);
+        QElapsedTimer sinceLast;
+        sinceLast.start();
+        qint64 longest = 0;
+        const auto mail = newMail([&] {
+            longest = std::max(longest, sinceLast.restart());
+            QCoreApplication::processEvents();
+        });
+        SmtpMail::Limits limits;
+        limits.idleMs = 600;
+        mail->setLimits(limits);
+        send(*mail);
+        QVERIFY2(longest > 0 && longest <= 100, QByteArray::number(longest).constData());
+    }
 };
 
 QTEST_GUILESS_MAIN(tst_SmtpMail)

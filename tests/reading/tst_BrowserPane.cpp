@@ -10,6 +10,7 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
+#include <QWebEngineScript>
 #include <QWebEngineView>
 
 #include <csignal>
@@ -447,6 +448,20 @@ private Q_SLOTS:
         killRenderer();
         QVERIFY(finished.wait(patience));
         QVERIFY(showsText(u"Départ"_s));
+    }
+
+    void aRenderedPageWearsTheStyleSheetOfTheDataDirectory()
+    {
+        m_data.write(u"style.css"_s, "p { color: rgb(1, 2, 3); }");
+        m_data.write(u"tmp.htm"_s, "<html><head><link rel=\"stylesheet\" href=\"style.css\" type=\"text/css\" /></head>"
+                                   "<body><p>texte</p></body></html>");
+        QVERIFY(goAndWait(page()));
+        QString colour;
+        view()->page()->runJavaScript(u"getComputedStyle(document.querySelector('p')).color"_s,
+                                      QWebEngineScript::ApplicationWorld,
+                                      [&colour](const QVariant &value) { colour = value.toString(); });
+        QVERIFY(eventually([&colour] { return !colour.isEmpty(); }));
+        QCOMPARE(colour, u"rgb(1, 2, 3)"_s);
     }
 };
 

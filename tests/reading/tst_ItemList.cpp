@@ -245,6 +245,23 @@ private Q_SLOTS:
         QCOMPARE(list->items().index(0, 0).data().toString().size(), 100012);
         QCOMPARE(list->visualRect(list->items().index(0, 0)).height(), list->sizeHintForRow(0));
     }
+
+    void columnWidthsAreTwipsAndZeroHides()
+    {
+        ItemListView list(Dates(utc), ScreenScale{15.0, 15.0});
+        list.setColumnWidthTwips(1, 252 * 15);
+        QCOMPARE(list.columnWidth(0), 252);
+        QCOMPARE(list.columnWidthTwips(1), 3780.0);
+        list.setColumnWidthTwips(1, 0);
+        QVERIFY(list.isColumnHidden(0));
+        QCOMPARE(list.columnWidthTwips(1), 0.0);
+        list.setColumnWidthTwips(1, 16 * 15);
+        QCOMPARE(list.columnWidthTwips(1), 240.0);
+        list.setColumnWidthTwips(1, 1e30);
+        QVERIFY(list.columnWidth(0) > 1000);
+        list.setColumnWidthTwips(1, -5);
+        QCOMPARE(list.columnWidthTwips(1), 0.0);
+    }
 };
 
 QTEST_MAIN(TestItemList)

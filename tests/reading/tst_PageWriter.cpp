@@ -159,6 +159,14 @@ private Q_SLOTS:
             QCOMPARE(bytes, size.left);
         }
     }
+
+    void theAuthorLineNeedsAuthorAndDate()
+    {
+        QVERIFY(!itemPage(u"<title>t</title><author>Zoé</author>"_s).contains("id=\"author\""));
+        QVERIFY(!itemPage(u"<title>t</title><pubDate>2004-07-01T12:00:00Z</pubDate>"_s).contains("id=\"author\""));
+        QVERIFY(itemPage(u"<title>t</title><source url=\"http://example.org/s\"/>"_s)
+                    .contains("<a href=\"http://example.org/s\"></a> ]</p>\r\n"));
+    }
 };
 
 QTEST_GUILESS_MAIN(TestPageWriter)

@@ -234,6 +234,15 @@ private Q_SLOTS:
         des.DecryptByte(bytes);
         QCOMPARE(percents, (QList<int>{0, 25, 50, 75, 100, 0, 25, 50, 75, 100}));
     }
+
+    void decryptStringOverwritesTheTextIn64()
+    {
+        clsDES des;
+        const QString raw = des.EncryptString(u"abcd"_qs, u"k"_qs, false);
+        QString text = des.Encode64(raw);
+        des.DecryptString(text, u"k"_qs, true);
+        QCOMPARE(text, raw);
+    }
 };
 
 QTEST_GUILESS_MAIN(tst_clsDES)
