@@ -46,8 +46,8 @@ void Files::write(const QString &path, const QByteArray &bytes)
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         throwFor(path, file.error());
-    // What write() takes may still lie in a buffer, and commit() doesn't fail when that can't be written: it would put a
-    // file cut short in the place of the old one.
+    // What write() takes may still lie in a buffer, and commit() doesn't fail when that can't be written: it would put
+    // a file cut short in the place of the old one.
     if (file.write(bytes) != bytes.size() || !file.flush()) {
         const QFileDevice::FileError error = file.error();
         file.cancelWriting();

@@ -2,7 +2,6 @@
 
 #include "platform/Numbers.h"
 #include "platform/RunTimeError.h"
-#include "platform/RunTimeError.h"
 
 #include <QCursor>
 

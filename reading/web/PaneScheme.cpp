@@ -69,8 +69,9 @@ void PaneScheme::registerScheme()
 {
     QWebEngineUrlScheme scheme(name());
     scheme.setSyntax(QWebEngineUrlScheme::Syntax::Host);
-    // Neither a secure scheme (pictures of plain http sites would be left out) nor a local one (its pages couldn't reach
-    // their own style sheet once local content is kept from files). Pages of the web are turned away by the handler.
+    // Neither a secure scheme (pictures of plain http sites would be left out) nor a local one (its pages couldn't
+    // reach their own style sheet once local content is kept from files). Pages of the web are turned away by the
+    // handler.
     QWebEngineUrlScheme::registerScheme(scheme);
 }
 
