@@ -2,10 +2,7 @@
 
 #include "core/MainWindow.h"
 #include "dialogs/DialogParts.h"
-#include "platform/AnsiText.h"
-#include "platform/Files.h"
-#include "platform/RunTimeError.h"
-#include "platform/XmlDocument.h"
+#include "exchange/OpmlWriter.h"
 
 #include <QCheckBox>
 #include <QGridLayout>
@@ -16,36 +13,6 @@
 
 #include <pwd.h>
 #include <unistd.h>
-
-namespace {
-
-void writeLine(QString &stream, const QString &line)
-{
-    stream += line;
-    stream += QStringLiteral("\r\n");
-}
-
-// Nothing is escaped in any line, so that a name with "&" makes an ill-formed file; that is wanted.
-void exportNode(const XmlNode &node, bool structured, QString &stream)
-{
-    for (const XmlNode &child : node.childNodes()) {
-        const QString kind = child.nodeName();
-        if (kind == QStringLiteral("dir")) {
-            if (structured)
-                writeLine(stream, QStringLiteral("<outline text=\"") + child.requiredAttribute(QStringLiteral("name")) +
-                                      QStringLiteral("\" >"));
-            exportNode(child, structured, stream);
-            if (structured)
-                writeLine(stream, QStringLiteral("</outline>"));
-        } else if (kind == QStringLiteral("feed")) {
-            writeLine(stream, QStringLiteral("<outline text=\"") + child.requiredAttribute(QStringLiteral("name")) +
-                                  QStringLiteral("\" xmlUrl=\"") + child.requiredAttribute(QStringLiteral("url")) +
-                                  QStringLiteral("\" />"));
-        }
-    }
-}
-
-} // namespace
 
 frmExport::frmExport(MainWindow &window, AskFile askPath)
     : DialogBase(QStringLiteral("Exporter mes flux RSS"), window.frame()), m_window(window),
@@ -100,26 +67,8 @@ void frmExport::handleExport()
     const QString path = m_askPath();
     if (path.isEmpty())
         return;
-    XmlDocument catalogue;
-    if (catalogue.load(m_window.dataFile(QStringLiteral("feeds.xml"))) != XmlDocument::LoadResult::Loaded)
-        return;
-
-    QString stream;
-    // Declared so whatever the code page of the system is.
-    writeLine(stream, QStringLiteral("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>"));
-    writeLine(stream, QStringLiteral("<opml version=\"1.1\">"));
-    writeLine(stream, QStringLiteral("<head>"));
-    writeLine(stream, QStringLiteral("<title>") + m_txtTitre->text() + QStringLiteral("</title>"));
-    writeLine(stream, QStringLiteral("<ownerName>") + m_txtNom->text() + QStringLiteral("</ownerName>"));
-    writeLine(stream, QStringLiteral("<ownerEmail>") + m_txtEmail->text() + QStringLiteral("</ownerEmail>"));
-    writeLine(stream, QStringLiteral("</head>"));
-    writeLine(stream, QStringLiteral("<body>"));
-    exportNode(catalogue.selectSingleNode(QStringLiteral("favoris")), m_chkStructure->isChecked(), stream);
-    writeLine(stream, QStringLiteral("</body>"));
-    writeLine(stream, QStringLiteral("</opml>"));
-
-    if (!AnsiText::holds(stream))
-        throw RunTimeError::invalidCall();
-    Files::write(path, AnsiText::toBytes(stream));
-    accept();
+    const OpmlExport what{m_window.dataFile(QStringLiteral("feeds.xml")), m_txtTitre->text(), m_txtNom->text(),
+                          m_txtEmail->text(), m_chkStructure->isChecked()};
+    if (writeOpml(what, path))
+        accept();
 }

@@ -4,7 +4,6 @@
 #include "controls/ProgressBar.h"
 #include "core/MainWindow.h"
 #include "dialogs/DialogParts.h"
-#include "dialogs/OpmlList.h"
 #include "engine/feed/CachedFeed.h"
 #include "platform/Messages.h"
 #include "platform/Numbers.h"
@@ -274,7 +273,7 @@ void frmImport::handleBack()
 
 void frmImport::takeOpmlFile(const QString &path)
 {
-    if (m_opmlDocument.load(path) != XmlDocument::LoadResult::Loaded) {
+    if (!m_opmlDocument.load(path)) {
         m_messages.show({QStringLiteral("Le fichier ") + path + QStringLiteral(" est incorrect"),
                          QStringLiteral("Avertissement"), Message::Icon::Exclamation});
         showPage(m_previousPage);
@@ -304,12 +303,12 @@ void frmImport::loadOpmlList()
 {
     const QSignalBlocker quiet(m_tvwListeFlux);
     m_tvwListeFlux->clear();
-    const OpmlList list = readOpmlList(m_opmlDocument);
+    const OpmlDocument::List list = m_opmlDocument.list();
     m_txtTitre->setText(list.title);
     m_txtTitre->setCursorPosition(0);
     QList<QTreeWidgetItem *> items;
     items.reserve(static_cast<qsizetype>(list.feeds.size()));
-    for (const OpmlList::Feed &feed : list.feeds) {
+    for (const OpmlDocument::Feed &feed : list.feeds) {
         auto *item = new QTreeWidgetItem({feed.text});
         item->setData(0, KeyRole, QString::number(feed.position));
         item->setData(0, TagRole, feed.address);
@@ -324,7 +323,7 @@ void frmImport::loadOpmlList()
 void frmImport::showOutlineDescription(const QTreeWidgetItem &item)
 {
     const int index = item.data(0, KeyRole).toString().toInt();
-    showText(*m_txtDescription, outlineDescription(m_opmlDocument, index));
+    showText(*m_txtDescription, m_opmlDocument.description(index));
 }
 
 bool frmImport::eventFilter(QObject *watched, QEvent *event)

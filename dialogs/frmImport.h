@@ -2,8 +2,8 @@
 
 #include "controls/DialogBase.h"
 #include "dialogs/FileDialogs.h"
+#include "exchange/OpmlDocument.h"
 #include "platform/Waiting.h"
-#include "platform/XmlDocument.h"
 
 #include <QString>
 
@@ -83,7 +83,7 @@ private:
     AskFile m_askPath;
     std::unique_ptr<Downloader> m_dwlOPML;
     std::unique_ptr<Downloader> m_dwlFeed;
-    XmlDocument m_opmlDocument;
+    OpmlDocument m_opmlDocument;
 
     qint16 m_wizardPage = 0;
     qint16 m_previousPage = 0;

@@ -5,6 +5,7 @@
 #include "controls/UpDown.h"
 #include "core/MainWindow.h"
 #include "dialogs/DialogParts.h"
+#include "exchange/SearchAddress.h"
 
 #include <QButtonGroup>
 #include <QComboBox>
@@ -25,30 +26,30 @@ namespace {
 struct Choice
 {
     QString text;
-    QString part; ///< what it adds to the address
+    QString code; ///< in the address
 };
 
 const std::array<Choice, 3> &kinds()
 {
-    static const std::array<Choice, 3> table{{{QStringLiteral("Flux RSS et blogs"), QStringLiteral("&t=a")},
-                                              {QStringLiteral("Flux RSS"), QStringLiteral("&t=n")},
-                                              {QStringLiteral("Blogs"), QStringLiteral("&t=w")}}};
+    static const std::array<Choice, 3> table{{{QStringLiteral("Flux RSS et blogs"), QStringLiteral("a")},
+                                              {QStringLiteral("Flux RSS"), QStringLiteral("n")},
+                                              {QStringLiteral("Blogs"), QStringLiteral("w")}}};
     return table;
 }
 
 const std::array<Choice, 11> &languages()
 {
     static const std::array<Choice, 11> table{{{QStringLiteral("Toutes les langues"), QString()},
-                                               {QStringLiteral("English"), QStringLiteral("&ln=en")},
-                                               {QStringLiteral("Français"), QStringLiteral("&ln=fr")},
-                                               {QStringLiteral("Deutsch"), QStringLiteral("&ln=de")},
-                                               {QStringLiteral("Nederlands"), QStringLiteral("&ln=nl")},
-                                               {QStringLiteral("Svenska"), QStringLiteral("&ln=sv")},
-                                               {QStringLiteral("Español"), QStringLiteral("&ln=es")},
-                                               {QStringLiteral("Suomi"), QStringLiteral("&ln=fi")},
-                                               {QStringLiteral("Norsk"), QStringLiteral("&ln=no")},
-                                               {QStringLiteral("Português"), QStringLiteral("&ln=pt")},
-                                               {QStringLiteral("Italiano"), QStringLiteral("&ln=it")}}};
+                                               {QStringLiteral("English"), QStringLiteral("en")},
+                                               {QStringLiteral("Français"), QStringLiteral("fr")},
+                                               {QStringLiteral("Deutsch"), QStringLiteral("de")},
+                                               {QStringLiteral("Nederlands"), QStringLiteral("nl")},
+                                               {QStringLiteral("Svenska"), QStringLiteral("sv")},
+                                               {QStringLiteral("Español"), QStringLiteral("es")},
+                                               {QStringLiteral("Suomi"), QStringLiteral("fi")},
+                                               {QStringLiteral("Norsk"), QStringLiteral("no")},
+                                               {QStringLiteral("Português"), QStringLiteral("pt")},
+                                               {QStringLiteral("Italiano"), QStringLiteral("it")}}};
     return table;
 }
 
@@ -57,7 +58,7 @@ QComboBox *comboBox(const QString &name, const Table &table)
 {
     auto *box = named(new QComboBox, name);
     for (const Choice &choice : table)
-        box->addItem(choice.text, choice.part);
+        box->addItem(choice.text, choice.code);
     return box;
 }
 
@@ -195,50 +196,30 @@ void frmRechercher::changePics(int index)
         m_txtRecherche[static_cast<std::size_t>(index - 1)]->setFocus();
 }
 
-QString frmRechercher::feedsterUrl() const
-{
-    return m_endpoints.feedster + QStringLiteral("search.php?hl=en&ie=UTF-8&q=") + m_txtRecherche[0]->text() +
-           (m_optTri[0]->isChecked() ? QStringLiteral("&sort=date") : QStringLiteral("&sort=relevance")) +
-           (m_optCategory[0]->isChecked() ? QString() : QStringLiteral("&category=blog")) +
-           QStringLiteral("&content=full&type=rss&limit=") + m_txtNbResult[0]->text();
-}
-
-QString frmRechercher::dayPopUrl() const
-{
-    // The sort choice of the other page decides here too, and this page's own has no effect; that is wanted.
-    return m_endpoints.dayPop + QStringLiteral("search?q=") + m_txtRecherche[1]->text() +
-           (m_optTri[0]->isChecked() ? QStringLiteral("&sort=date") : QString()) +
-           (m_optSearchText[0]->isChecked() ? QString() : QStringLiteral("&ts=true")) +
-           m_cboWhere->currentData().toString() + m_cboLangue->currentData().toString() + QStringLiteral("&o=rss&c=") +
-           m_txtNbResult[1]->text();
-}
-
 QString frmRechercher::webUrl() const
 {
-    const QString words = m_txtRecherche[2]->text();
-    if (m_optWebSearch[0]->isChecked())
-        return m_endpoints.syndic8 + QStringLiteral("feedlist.php?ShowStatus=all&ShowMatch=") + words;
-    if (m_optWebSearch[1]->isChecked())
-        return m_endpoints.newsisfree + QStringLiteral("siets/?type=search&search=Search&query=") + words;
-    return m_endpoints.blogStreet + QStringLiteral("bin/rsssearch.cgi?x=0&y=0&period=0&q=") + words;
+    using SearchAddress::WebService;
+    const WebService service = m_optWebSearch[0]->isChecked()   ? WebService::Syndic8
+                               : m_optWebSearch[1]->isChecked() ? WebService::Newsisfree
+                                                                : WebService::BlogStreet;
+    return SearchAddress::web(m_endpoints, service, m_txtRecherche[2]->text());
 }
 
 QString frmRechercher::searchUrl() const
 {
-    QString url;
+    // One choice sorts the results of both services: the one of the first page. That of the second page has no effect.
+    const bool byDate = m_optTri[0]->isChecked();
     switch (m_tstrPrinc->selectedTab()) {
     case 1:
-        url = feedsterUrl();
-        break;
+        return SearchAddress::feedster(
+            m_endpoints, {m_txtRecherche[0]->text(), byDate, !m_optCategory[0]->isChecked(), m_txtNbResult[0]->text()});
     case 2:
-        url = dayPopUrl();
-        break;
+        return SearchAddress::dayPop(m_endpoints, {m_txtRecherche[1]->text(), byDate, !m_optSearchText[0]->isChecked(),
+                                                   m_cboWhere->currentData().toString(),
+                                                   m_cboLangue->currentData().toString(), m_txtNbResult[1]->text()});
     default:
-        url = webUrl();
-        break;
+        return webUrl();
     }
-    // The only encoding there is.
-    return url.replace(QLatin1Char(' '), QLatin1Char('+'));
 }
 
 void openSearchResult(MainWindow &window, frmRechercher &form, const QString &url, bool inBrowser)

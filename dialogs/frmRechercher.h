@@ -1,7 +1,7 @@
 #pragma once
 
 #include "controls/DialogBase.h"
-#include "dialogs/SearchEndpoints.h"
+#include "exchange/SearchEndpoints.h"
 
 #include <array>
 
@@ -32,8 +32,6 @@ private:
     QWidget *buildFeedsterPage();
     QWidget *buildDayPopPage();
     QWidget *buildWebPage();
-    QString feedsterUrl() const;
-    QString dayPopUrl() const;
     QString webUrl() const;
 
     MainWindow &m_window;

@@ -1,4 +1,4 @@
-#include "dialogs/OpmlList.h"
+#include "exchange/OpmlDocument.h"
 #include "platform/RunTimeError.h"
 
 #include <QByteArray>
@@ -6,13 +6,12 @@
 /// Whatever the bytes are, the reader gives a list or a run-time error, and each of the list's feeds has a description.
 extern "C" int LLVMFuzzerTestOneInput(const quint8 *data, std::size_t size)
 {
-    XmlDocument document;
-    if (document.loadXml(QByteArray(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size))) !=
-        XmlDocument::LoadResult::Loaded)
+    OpmlDocument document;
+    if (!document.loadXml(QByteArray(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size))))
         return 0;
     try {
-        for (const OpmlList::Feed &feed : readOpmlList(document).feeds)
-            outlineDescription(document, feed.position);
+        for (const OpmlDocument::Feed &feed : document.list().feeds)
+            document.description(feed.position);
     } catch (const RunTimeError &) {
     }
     return 0;

@@ -1,7 +1,7 @@
 #include "window/Dialogs.h"
 
 #include "dialogs/CHelp.h"
-#include "dialogs/SearchEndpoints.h"
+#include "exchange/SearchEndpoints.h"
 #include "dialogs/frmAbout.h"
 #include "dialogs/frmAuthentification.h"
 #include "dialogs/frmExport.h"

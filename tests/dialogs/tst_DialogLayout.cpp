@@ -1,4 +1,4 @@
-#include "dialogs/SearchEndpoints.h"
+#include "exchange/SearchEndpoints.h"
 #include "dialogs/frmAbout.h"
 #include "dialogs/frmAuthentification.h"
 #include "dialogs/frmExport.h"

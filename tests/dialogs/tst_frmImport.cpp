@@ -1,4 +1,3 @@
-#include "dialogs/OpmlList.h"
 #include "dialogs/frmImport.h"
 #include "platform/RunTimeError.h"
 #include "tests/fixtures/FakeDownloader.h"
@@ -14,17 +13,15 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QStringEncoder>
 #include <QTest>
 #include <QTimer>
 #include <QTreeWidget>
 
 namespace {
 
-QByteArray opml(const QByteArray &body, const QByteArray &head = "<head><title>Liste</title></head>")
+QByteArray opml(const QByteArray &body)
 {
-    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?><opml version=\"1.1\">" + head + "<body>" + body +
-           "</body></opml>";
+    return "<opml version=\"1.1\"><head><title>Liste</title></head><body>" + body + "</body></opml>";
 }
 
 QByteArray outlines(int count)
@@ -66,89 +63,18 @@ private Q_SLOTS:
 
     void cleanup() { m_form.reset(); }
 
-    void listsOfOtherReadersAreRead_data()
+    void aFileThatDoesNotLoadIsNamedAndThePageStays()
     {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<QStringList>("expected"); // "position text address"
-
-        QTest::newRow("empty body") << opml("") << QStringList();
-        QTest::newRow("attributes of other readers")
-            << opml("<outline type=\"rss\" version=\"RSS\" title=\"T\" text=\"A &amp; b\" htmlUrl=\"http://h/\" "
-                    "xmlUrl=\"http://h/f?a=1&amp;b=2\"/>")
-            << QStringList{QStringLiteral("0 A & b http://h/f?a=1&b=2")};
-        QTest::newRow("folders are skipped, and leave gaps")
-            << opml("<outline text=\"D\"><outline text=\"inner\" xmlUrl=\"http://h/i\"/></outline>"
-                    "<outline text=\"B\" xmlUrl=\"http://h/b\"/>")
-            << QStringList{QStringLiteral("1 B http://h/b")};
-        QTest::newRow("names are told with case") << opml("<outline text=\"A\" xmlURL=\"http://h/\"/>"
-                                                          "<OUTLINE text=\"B\" xmlUrl=\"http://h/\"/>"
-                                                          "<outline text=\"C\" xmlUrl=\"\"/>")
-                                                  << QStringList{QStringLiteral("1 C ")};
-        QTest::newRow("a document type without an outer part")
-            << QByteArray("<!DOCTYPE opml [<!ENTITY e \"été\">]>") +
-                   opml("<outline text=\"&e;\" xmlUrl=\"http://h/\"/>").mid(38)
-            << QStringList{QStringLiteral("0 été http://h/")};
-        QStringEncoder utf16(QStringEncoder::Utf16LE, QStringEncoder::Flag::WriteBom);
-        const QString wide =
-            QStringLiteral("<?xml version=\"1.0\" encoding=\"UTF-16\"?><opml><head><title/></head><body>"
-                           "<outline text=\"日本\" xmlUrl=\"http://h/\"/></body></opml>");
-        QTest::newRow("UTF-16") << QByteArray(utf16(wide)) << QStringList{QStringLiteral("0 日本 http://h/")};
-    }
-
-    void listsOfOtherReadersAreRead()
-    {
-        QFETCH(QByteArray, bytes);
-        QFETCH(QStringList, expected);
-        XmlDocument document;
-        QCOMPARE(document.loadXml(bytes), XmlDocument::LoadResult::Loaded);
-        QStringList found;
-        for (const OpmlList::Feed &feed : readOpmlList(document).feeds)
-            found.append(QString::number(feed.position) + u' ' + feed.text + u' ' + feed.address);
-        QCOMPARE(found, expected);
-    }
-
-    void aBadFileIsNamedOrFailsAndThePageStays_data()
-    {
-        QTest::addColumn<QByteArray>("bytes"); // none: no such file
-        QTest::addColumn<bool>("fails");
-        QTest::newRow("absent") << QByteArray() << false;
-        QTest::newRow("not well-formed") << opml("<outline text=\"a & b\" xmlUrl=\"http://h/\"/>") << false;
-        QTest::newRow("no markup") << QByteArray("Bonjour") << false;
-        QByteArray bomb = "<!DOCTYPE opml [<!ENTITY a \"aaaaaaaaaaaaaaaaaaaa\">";
-        for (char name = 'b'; name <= 'g'; ++name) {
-            const QByteArray inner = QByteArray("&") + char(name - 1) + ';';
-            bomb += QByteArray("<!ENTITY ") + name + " \"" + inner.repeated(14) + "\">";
-        }
-        bomb += "]><opml><head><title>&g;&g;</title></head><body/></opml>";
-        QTest::newRow("entity bomb") << bomb << false;
-        QTest::newRow("another root") << QByteArray("<rss><head><title/></head><body/></rss>") << true;
-        QTest::newRow("root in capitals") << QByteArray("<OPML><head><title/></head><body/></OPML>") << true;
-        QTest::newRow("no head") << opml("", "") << true;
-        QTest::newRow("no title") << opml("", "<head/>") << true;
-        QTest::newRow("no body") << QByteArray("<opml><head><title/></head></opml>") << true;
-        QTest::newRow("no text") << opml("<outline text=\"A\"/><outline xmlUrl=\"http://h/\"/>") << true;
-    }
-
-    void aBadFileIsNamedOrFailsAndThePageStays()
-    {
-        QFETCH(QByteArray, bytes);
-        QFETCH(bool, fails);
-        if (fails) {
-            QVERIFY_EXCEPTION_THROWN(open(bytes), RunTimeError);
-            return;
-        }
-        const QString path = m_window->dataFile(QStringLiteral("bad.opml"));
-        if (!bytes.isEmpty())
-            m_window->data.write(QStringLiteral("bad.opml"), bytes);
-        press("cmdSuivant");
-        find<QLineEdit>("txtOPMLPath")->setText(path);
-        press("cmdSuivant");
+        const QString path = m_window->dataFile(QStringLiteral("in.opml"));
+        open("Bonjour");
         QCOMPARE(m_messages->shown.size(), 1U);
         QCOMPARE(m_messages->shown[0].text, QStringLiteral("Le fichier %1 est incorrect").arg(path));
         QCOMPARE(m_messages->shown[0].title, QStringLiteral("Avertissement"));
         QCOMPARE(m_messages->shown[0].icon, Message::Icon::Exclamation);
         QVERIFY(shown("fraWizard_1"));
     }
+
+    void aFileThatIsNoListFails() { QVERIFY_EXCEPTION_THROWN(open("<rss/>"), RunTimeError); }
 
     void pagesAreWalkedForwardAndBack()
     {

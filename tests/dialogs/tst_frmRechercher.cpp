@@ -94,21 +94,6 @@ private Q_SLOTS:
                            "[:]\nnavigate http://s/feedlist.php?ShowStatus=all&ShowMatch="));
     }
 
-    void endpointsComeFromEnvironmentFileOrPlaceholder()
-    {
-        const QString file = m_window.dataFile(QStringLiteral("search-endpoints.ini"));
-        QCOMPARE(SearchEndpoints::configured(file).newsisfree, QStringLiteral("http://newsisfree.example/"));
-        m_window.data.write(QStringLiteral("search-endpoints.ini"),
-                            "[services]\r\n# daypop=http://no/\r\n"
-                            "DayPop = http://h/a?b=c,d;e/ \r\nfeedster=http://file/\r\n");
-        qputenv("QUILLWIRE_SEARCH_FEEDSTER", "http://environment");
-        const SearchEndpoints endpoints = SearchEndpoints::configured(file);
-        qunsetenv("QUILLWIRE_SEARCH_FEEDSTER");
-        QCOMPARE(endpoints.feedster, QStringLiteral("http://environment/"));
-        QCOMPARE(endpoints.dayPop, QStringLiteral("http://h/a?b=c,d;e/"));
-        QCOMPARE(endpoints.blogStreet, QStringLiteral("http://blogstreet.example/"));
-    }
-
 private:
     void make(int tab)
     {

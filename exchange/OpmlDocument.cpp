@@ -1,6 +1,7 @@
-#include "dialogs/OpmlList.h"
+#include "exchange/OpmlDocument.h"
 
 #include "platform/RunTimeError.h"
+#include "platform/XmlDocument.h"
 
 namespace {
 
@@ -13,13 +14,27 @@ std::vector<XmlNode> outlinesOf(const XmlDocument &document)
 
 } // namespace
 
-OpmlList readOpmlList(const XmlDocument &document)
+OpmlDocument::OpmlDocument() : m_document(std::make_unique<XmlDocument>()) {}
+
+OpmlDocument::~OpmlDocument() = default;
+
+bool OpmlDocument::load(const QString &path)
 {
-    const XmlNode opml = document.selectSingleNode(QStringLiteral("opml"));
-    OpmlList list;
+    return m_document->load(path) == XmlDocument::LoadResult::Loaded;
+}
+
+bool OpmlDocument::loadXml(const QByteArray &bytes)
+{
+    return m_document->loadXml(bytes) == XmlDocument::LoadResult::Loaded;
+}
+
+OpmlDocument::List OpmlDocument::list() const
+{
+    const XmlNode opml = m_document->selectSingleNode(QStringLiteral("opml"));
+    List list;
     list.title = opml.selectSingleNode(QStringLiteral("head")).selectSingleNode(QStringLiteral("title")).text();
     int position = 0;
-    for (const XmlNode &outline : outlinesOf(document)) {
+    for (const XmlNode &outline : outlinesOf(*m_document)) {
         if (const auto address = outline.attribute(QStringLiteral("xmlUrl")))
             list.feeds.push_back({position, outline.requiredAttribute(QStringLiteral("text")), *address});
         ++position;
@@ -27,9 +42,9 @@ OpmlList readOpmlList(const XmlDocument &document)
     return list;
 }
 
-QString outlineDescription(const XmlDocument &document, int position)
+QString OpmlDocument::description(int position) const
 {
-    const std::vector<XmlNode> outlines = outlinesOf(document);
+    const std::vector<XmlNode> outlines = outlinesOf(*m_document);
     if (position < 0 || static_cast<std::size_t>(position) >= outlines.size())
         throw RunTimeError::objectNotSet();
     return outlines[static_cast<std::size_t>(position)]

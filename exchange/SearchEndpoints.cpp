@@ -1,4 +1,4 @@
-#include "dialogs/SearchEndpoints.h"
+#include "exchange/SearchEndpoints.h"
 
 #include "platform/Files.h"
 

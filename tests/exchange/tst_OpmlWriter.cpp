@@ -1,0 +1,111 @@
+#include "exchange/OpmlWriter.h"
+
+#include "exchange/OpmlDocument.h"
+#include "platform/RunTimeError.h"
+#include "tests/fixtures/TemporaryDataDirectory.h"
+
+#include <QTest>
+
+namespace {
+
+const QByteArray Catalogue =
+    "<favoris><dir name=\"Presse\" key=\"1\"><feed name=\"Été\" url=\"http://h/1\" key=\"2\"/>"
+    "<dir name=\"Vide\" key=\"3\"/></dir><other/><feed name=\"B\" url=\"http://h/2\" key=\"4\"/>"
+    "</favoris>";
+
+} // namespace
+
+class OpmlWriterTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theFileHoldsTheLinesThatAreDue_data()
+    {
+        QTest::addColumn<QByteArray>("catalogue");
+        QTest::addColumn<bool>("structured");
+        QTest::addColumn<QByteArray>("body");
+        const QByteArray one = "<outline text=\"\xC9t\xE9\" xmlUrl=\"http://h/1\" />\r\n";
+        const QByteArray two = "<outline text=\"B\" xmlUrl=\"http://h/2\" />\r\n";
+        QTest::newRow("flat") << Catalogue << false << one + two;
+        QTest::newRow("with folders") << Catalogue << true
+                                      << "<outline text=\"Presse\" >\r\n" + one +
+                                             "<outline text=\"Vide\" >\r\n</outline>\r\n</outline>\r\n" + two;
+        QTest::newRow("empty catalogue") << QByteArray("<favoris/>") << true << QByteArray();
+    }
+
+    void theFileHoldsTheLinesThatAreDue()
+    {
+        QFETCH(QByteArray, catalogue);
+        QFETCH(bool, structured);
+        QFETCH(QByteArray, body);
+        m_data.write(QStringLiteral("out.opml"), QByteArray(5000, 'x'));
+        QVERIFY(write(catalogue, structured));
+        QCOMPARE(
+            m_data.read(QStringLiteral("out.opml")),
+            "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>\r\n<opml version=\"1.1\">\r\n<head>\r\n<title></title>\r\n"
+            "<ownerName>Camille</ownerName>\r\n<ownerEmail>c@h</ownerEmail>\r\n</head>\r\n<body>\r\n" +
+                body + "</body>\r\n</opml>\r\n");
+    }
+
+    void aFlatExportIsReadBackWholeAndAStructuredOneWithoutTheFolders()
+    {
+        const auto readBack = [this](bool structured) {
+            write(Catalogue, structured);
+            OpmlDocument document;
+            document.load(target());
+            QStringList texts;
+            for (const OpmlDocument::Feed &feed : document.list().feeds)
+                texts.append(feed.text + u' ' + feed.address);
+            return texts;
+        };
+        QCOMPARE(readBack(false), (QStringList{QStringLiteral("Été http://h/1"), QStringLiteral("B http://h/2")}));
+        QCOMPARE(readBack(true), QStringList{QStringLiteral("B http://h/2")});
+    }
+
+    void nothingIsEscaped()
+    {
+        m_title = QStringLiteral("R & D");
+        QVERIFY(write("<favoris><feed name=\"a &lt; b\" url=\"http://h/?x=1&amp;y=2\"/></favoris>"));
+        const QByteArray bytes = m_data.read(QStringLiteral("out.opml"));
+        QVERIFY(bytes.contains("<title>R & D</title>"));
+        QVERIFY(bytes.contains("<outline text=\"a < b\" xmlUrl=\"http://h/?x=1&y=2\" />"));
+        QVERIFY(!OpmlDocument().load(target()));
+    }
+
+    void anOldFileStandsWhenTheExportFails_data()
+    {
+        QTest::addColumn<QByteArray>("catalogue");
+        QTest::newRow("a character outside the code page")
+            << QByteArray("<favoris><feed name=\"&#26085;\" url=\"u\"/></favoris>");
+        QTest::newRow("a feed without address") << QByteArray("<favoris><feed name=\"A\"/></favoris>");
+        QTest::newRow("another root") << QByteArray("<feeds/>");
+    }
+
+    void anOldFileStandsWhenTheExportFails()
+    {
+        QFETCH(QByteArray, catalogue);
+        m_data.write(QStringLiteral("out.opml"), "old");
+        QVERIFY_EXCEPTION_THROWN(write(catalogue), RunTimeError);
+        QCOMPARE(m_data.read(QStringLiteral("out.opml")), QByteArray("old"));
+        QVERIFY_EXCEPTION_THROWN(writeOpml({m_data.file(QStringLiteral("feeds.xml")), {}, {}, {}},
+                                           m_data.file(QStringLiteral("none/out.opml"))),
+                                 RunTimeError);
+    }
+
+private:
+    QString target() const { return m_data.file(QStringLiteral("out.opml")); }
+    bool write(const QByteArray &catalogue, bool structured = false)
+    {
+        m_data.write(QStringLiteral("feeds.xml"), catalogue);
+        return writeOpml({m_data.file(QStringLiteral("feeds.xml")), std::exchange(m_title, {}),
+                          QStringLiteral("Camille"), QStringLiteral("c@h"), structured},
+                         target());
+    }
+
+    TemporaryDataDirectory m_data;
+    QString m_title;
+};
+
+QTEST_APPLESS_MAIN(OpmlWriterTest)
+#include "tst_OpmlWriter.moc"
