@@ -4,7 +4,7 @@
 #include "core/FeedTables.h"
 #include "core/FeedTree.h"
 #include "platform/Waiting.h"
-#include "platform/XmlDocument.h"
+#include "platform/xml/XmlDocument.h"
 
 #include <QString>
 

@@ -4,7 +4,7 @@
 #include "platform/Messages.h"
 #include "platform/Numbers.h"
 #include "platform/RunTimeError.h"
-#include "platform/XmlDocument.h"
+#include "platform/xml/XmlDocument.h"
 
 namespace {
 

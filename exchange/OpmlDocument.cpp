@@ -1,7 +1,7 @@
 #include "exchange/OpmlDocument.h"
 
 #include "platform/RunTimeError.h"
-#include "platform/XmlDocument.h"
+#include "platform/xml/XmlDocument.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include "platform/AnsiText.h"
 #include "platform/Files.h"
 #include "platform/RunTimeError.h"
-#include "platform/XmlDocument.h"
+#include "platform/xml/XmlDocument.h"
 
 namespace {
 

@@ -1,5 +1,6 @@
 #include "engine/feed/CachedFeed.h"
 
+#include "engine/feed/FeedBounds.h"
 #include "engine/feed/FeedDocument.h"
 #include "engine/feed/FeedItem.h"
 #include "engine/feed/ItemMarks.h"
@@ -45,7 +46,7 @@ FeedLoadResult CachedFeed::Load(const QString &path)
         const Files::Content content = Files::read(path);
         if (content.result != Files::ReadResult::Read)
             return LoadFileNotFound;
-        tree = FeedParser::parse(content.bytes);
+        tree = XmlGate::parse(content.bytes, feedBounds);
     }
     if (!tree)
         return LoadNotAFeed;

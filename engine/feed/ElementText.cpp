@@ -1,6 +1,7 @@
 #include "engine/feed/ElementText.h"
 
 #include "engine/feed/FeedNamespaces.h"
+#include "platform/xml/XmlCharacters.h"
 
 #include <array>
 #include <string_view>
@@ -155,17 +156,6 @@ const xmlAttr *findAttribute(const xmlNode *element, const char *name, const cha
     return nullptr;
 }
 
-/// The text without the characters that XML 1.0 can't hold: decoded bytes may be anything.
-QString xmlCharacters(const QString &text)
-{
-    QString result;
-    result.reserve(text.size());
-    for (const QChar c : text)
-        if ((c.unicode() >= 0x20 || isBlank(c.unicode())) && c != QChar(0xFFFE) && c != QChar(0xFFFF))
-            result += c;
-    return result;
-}
-
 } // namespace
 
 QString trimmedText(const QString &text)
@@ -200,7 +190,7 @@ QString atomTextOf(const xmlNode *element)
         return {};
     if (attributeOf(element, "mode") != QLatin1String("base64"))
         return textOf(element);
-    return trimmedText(xmlCharacters(QString::fromUtf8(QByteArray::fromBase64(content(element)))));
+    return trimmedText(withoutWhatXmlCannotHold(QString::fromUtf8(QByteArray::fromBase64(content(element)))));
 }
 
 QString attributeOf(const xmlNode *element, const char *name, const char *namespaceName)

@@ -1,9 +1,10 @@
 #include "engine/feed/FeedDocument.h"
 
+#include "engine/feed/FeedBounds.h"
 #include "engine/feed/ItemMarks.h"
 #include "engine/feed/ItemTransfer.h"
-#include "engine/feed/TreeWalk.h"
 #include "platform/DateText.h"
+#include "platform/xml/TreeWalk.h"
 
 #include <algorithm>
 #include <cstring>
@@ -158,5 +159,5 @@ QByteArray FeedDocument::prepareForSaving()
     for (const Entry &item : m_items)
         if (!notedDate(item.node).readable)
             ItemMarks::setDownloadMark(item.node, writtenMark);
-    return FeedParser::toBytes(m_tree.get());
+    return XmlGate::toBytes(m_tree.get(), feedBounds);
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "engine/feed/FeedFormat.h"
-#include "engine/feed/FeedParser.h"
+#include "platform/xml/XmlGate.h"
 
 #include <QDateTime>
 

@@ -1,9 +1,9 @@
 #include "engine/feed/ItemTransfer.h"
 
-#include "engine/feed/FeedParser.h"
 #include "engine/feed/ItemMarks.h"
 #include "engine/feed/ItemWriter.h"
-#include "engine/feed/TreeWalk.h"
+#include "platform/xml/TreeWalk.h"
+#include "platform/xml/XmlGate.h"
 
 #include <libxml/parserInternals.h>
 
@@ -120,7 +120,7 @@ xmlNode *ItemTransfer::copy(const xmlNode *item, const FeedFormat &format, const
         throw std::bad_alloc();
     ItemMarks::clear(result);
     dropElementsOfUndeclaredPrefix(result);
-    if (!FeedParser::holdsEveryCharacter(parent->doc))
+    if (!XmlGate::holdsEveryCharacter(parent->doc))
         dissolveCdata(result);
     enter(result);
     dropRepeatedDeclarations(result);

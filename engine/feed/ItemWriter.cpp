@@ -1,5 +1,7 @@
 #include "engine/feed/ItemWriter.h"
 
+#include "platform/xml/XmlCharacters.h"
+
 namespace {
 
 const xmlChar *chars(const char *text)
@@ -7,11 +9,16 @@ const xmlChar *chars(const char *text)
     return reinterpret_cast<const xmlChar *>(text);
 }
 
+QByteArray writable(const QString &text)
+{
+    return withoutWhatXmlCannotHold(text).toUtf8();
+}
+
 xmlNode *appendTo(xmlNode *parent, xmlNs *ns, const char *name, const QString &text)
 {
     xmlNode *element = xmlNewDocNode(parent->doc, ns, chars(name), nullptr);
     if (!text.isEmpty())
-        xmlAddChild(element, xmlNewDocText(parent->doc, chars(text.toUtf8().constData())));
+        xmlAddChild(element, xmlNewDocText(parent->doc, chars(writable(text).constData())));
     return xmlAddChild(parent, element);
 }
 
@@ -40,7 +47,7 @@ void ItemWriter::addInto(xmlNode *parent, const char *name, const QString &text)
 
 void ItemWriter::setAttribute(xmlNode *element, const char *name, const QString &value)
 {
-    xmlSetProp(element, chars(name), chars(value.toUtf8().constData()));
+    xmlSetProp(element, chars(name), chars(writable(value).constData()));
 }
 
 void ItemWriter::addRssDate(const QString &date)

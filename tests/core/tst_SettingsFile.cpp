@@ -1,6 +1,6 @@
 #include "core/SettingsFile.h"
 #include "platform/RunTimeError.h"
-#include "platform/XmlDocument.h"
+#include "platform/xml/XmlDocument.h"
 #include "tests/fixtures/FakeMessages.h"
 #include "tests/fixtures/TemporaryDataDirectory.h"
 

@@ -2,8 +2,8 @@
 
 #include <libxml/tree.h>
 
-/// The node after `node` in document order, among those below `top`; null at the end. Walks without recursion, as feeds
-/// choose their depth. What lies within entity declarations isn't visited.
+/// The node after `node` in document order, among those below `top`; null at the end. Walks without recursion, as
+/// documents choose their depth. What lies within entity declarations isn't visited.
 template <class Node>
 Node *nextInTree(Node *node, const xmlNode *top)
 {

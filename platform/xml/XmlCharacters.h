@@ -1,0 +1,7 @@
+#pragma once
+
+#include <QString>
+
+/// The text without the code units that an XML 1.0 document can't hold (production 2 of the recommendation): control
+/// characters but tab and the two line ends, surrogates without their other half, U+FFFE and U+FFFF.
+QString withoutWhatXmlCannotHold(const QString &text);

@@ -1,0 +1,171 @@
+#include "platform/RunTimeError.h"
+#include "platform/xml/Silence.h"
+#include "platform/xml/TreeWalk.h"
+#include "platform/xml/XmlGate.h"
+
+#include <libxml/xmlsave.h>
+
+#include <cstring>
+#include <deque>
+#include <vector>
+
+namespace {
+
+bool mustBeEscaped(char c)
+{
+    return c == '&' || c == '<' || c == '\t' || c == '\n' || c == '\r';
+}
+
+QByteArray escaped(const char *text)
+{
+    QByteArray result;
+    for (; *text != 0; ++text) {
+        if (*text == '&')
+            result += "&amp;";
+        else if (*text == '<')
+            result += "&lt;";
+        else if (mustBeEscaped(*text))
+            result += "&#" + QByteArray::number(*text) + ';';
+        else
+            result += *text;
+    }
+    return result;
+}
+
+/// The library (2.9.14) writes the addresses of namespaces and the defaults of attributes as they are in memory, but
+/// for quotes. For the life of the object those that can't stand so are escaped in the tree.
+class EscapedDeclarations final
+{
+public:
+    explicit EscapedDeclarations(xmlNode *top) { escapeNamespaces(top); }
+    explicit EscapedDeclarations(xmlDoc *document)
+    {
+        if (xmlNode *root = xmlDocGetRootElement(document))
+            escapeNamespaces(root);
+        if (document->intSubset != nullptr)
+            escapeDefaults(document->intSubset);
+    }
+    EscapedDeclarations(const EscapedDeclarations &) = delete;
+    EscapedDeclarations &operator=(const EscapedDeclarations &) = delete;
+    ~EscapedDeclarations()
+    {
+        for (const Replaced &replaced : m_replaced)
+            *replaced.place = replaced.text;
+    }
+
+private:
+    struct Replaced
+    {
+        const xmlChar **place;
+        const xmlChar *text;
+    };
+
+    void escapeNamespaces(xmlNode *top)
+    {
+        for (xmlNode *node = top; node != nullptr; node = nextInTree(node, top))
+            if (node->type == XML_ELEMENT_NODE)
+                for (xmlNs *ns = node->nsDef; ns != nullptr; ns = ns->next)
+                    escape(ns->href);
+    }
+
+    void escapeDefaults(xmlDtd *type)
+    {
+        for (xmlNode *child = type->children; child != nullptr; child = child->next)
+            if (child->type == XML_ATTRIBUTE_DECL)
+                escape(reinterpret_cast<xmlAttribute *>(child)->defaultValue);
+    }
+
+    void escape(const xmlChar *&place)
+    {
+        const auto *text = reinterpret_cast<const char *>(place);
+        if (text == nullptr || std::none_of(text, text + std::strlen(text), mustBeEscaped))
+            return;
+        m_texts.push_back(escaped(text));
+        m_replaced.push_back({&place, place});
+        place = reinterpret_cast<const xmlChar *>(m_texts.back().constData());
+    }
+
+    std::deque<QByteArray> m_texts;
+    std::vector<Replaced> m_replaced;
+};
+
+int append(void *bytes, const char *data, int size)
+{
+    static_cast<QByteArray *>(bytes)->append(data, size);
+    return size;
+}
+
+xmlSaveCtxt *saveInto(QByteArray &bytes, const char *encoding, int options)
+{
+    return xmlSaveToIO(append, nullptr, &bytes, encoding, options | XML_SAVE_AS_XML | XML_SAVE_NO_XHTML);
+}
+
+bool write(xmlDoc *document, const char *encoding, int options, QByteArray &bytes)
+{
+    xmlSaveCtxt *save = saveInto(bytes, encoding, options);
+    if (save == nullptr)
+        return false;
+    const bool saved = xmlSaveDoc(save, document) >= 0;
+    return xmlSaveClose(save) >= 0 && saved;
+}
+
+QByteArray withoutDeclaration(xmlDoc *document)
+{
+    QByteArray bytes;
+    return write(document, "UTF-8", XML_SAVE_NO_DECL, bytes) ? bytes : QByteArray();
+}
+
+/// `document` with its declarations escaped.
+bool readsBack(xmlDoc *document, const QByteArray &written, const XmlBounds &bounds)
+{
+    const XmlDocPtr again = XmlGate::parse(written, bounds);
+    if (!again)
+        return false;
+    const EscapedDeclarations escapedToo(again.get());
+    return withoutDeclaration(again.get()) == withoutDeclaration(document);
+}
+
+} // namespace
+
+bool XmlGate::holdsEveryCharacter(const xmlDoc *document)
+{
+    const auto *encoding = reinterpret_cast<const char *>(document->encoding);
+    return encoding == nullptr || qstrnicmp(encoding, "UTF-8", 5) == 0 || qstrnicmp(encoding, "UTF-16", 6) == 0;
+}
+
+QByteArray XmlGate::toBytes(xmlDoc *document, const XmlBounds &bounds)
+{
+    const Silence silence;
+    const EscapedDeclarations escapedDeclarations(document);
+    const auto *encoding = reinterpret_cast<const char *>(document->encoding);
+    QByteArray bytes;
+    if (encoding == nullptr) {
+        // The library would write every character beyond ASCII as a reference; such a document is UTF-8, so it is
+        // written as that, under a declaration that names no encoding either.
+        bytes = "<?xml version=\"1.0\"?>\n";
+        if (write(document, "UTF-8", XML_SAVE_NO_DECL, bytes))
+            return bytes;
+        throw RunTimeError::deviceError();
+    }
+    // Other encodings lack characters, which can be written as references in texts but not in names; and some keep a
+    // state between characters, which the library loses, or map two ways. They are looked at again.
+    if (write(document, encoding, 0, bytes) && (holdsEveryCharacter(document) || readsBack(document, bytes, bounds)))
+        return bytes;
+    bytes.clear();
+    if (write(document, "UTF-8", 0, bytes))
+        return bytes;
+    throw RunTimeError::deviceError();
+}
+
+QString XmlGate::toMarkup(xmlNode *node)
+{
+    const Silence silence;
+    const EscapedDeclarations escapedDeclarations(node);
+    QByteArray bytes;
+    xmlSaveCtxt *save = saveInto(bytes, "UTF-8", XML_SAVE_NO_DECL);
+    if (save == nullptr)
+        throw RunTimeError::deviceError();
+    xmlSaveTree(save, node);
+    xmlSaveClose(save);
+    return QString::fromUtf8(bytes);
+}
