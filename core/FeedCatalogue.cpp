@@ -3,6 +3,7 @@
 #include "platform/Files.h"
 #include "platform/Numbers.h"
 #include "platform/RunTimeError.h"
+#include "platform/xml/XmlDocument.h"
 #include "support/clsDES.h"
 
 #include <algorithm>

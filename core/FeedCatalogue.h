@@ -4,12 +4,13 @@
 #include "core/FeedTables.h"
 #include "core/FeedTree.h"
 #include "platform/Waiting.h"
-#include "platform/xml/XmlDocument.h"
 
 #include <QString>
 
 #include <vector>
 
+class XmlDocument;
+class XmlNode;
 class clsDES;
 
 /// The user's subscriptions: feeds.xml, which holds their structure for good, and its image in memory, the tree and the

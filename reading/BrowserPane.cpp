@@ -27,7 +27,7 @@ void BrowserPane::Private::start(BrowserPane &pane)
     const WebPaneMaker make = WebModule::load(error);
     QWidget *content = nullptr;
     if (make != nullptr) {
-        engine.reset(make(directory.path(), messages, &pane, eventsOf(pane)));
+        engine.reset(make({directory.path(), &Files::read}, messages, &pane, eventsOf(pane)));
         content = engine->widget();
     } else {
         failed = true;

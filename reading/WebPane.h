@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/Files.h"
+
 #include <QString>
 
 #include <functional>
@@ -28,6 +30,13 @@ public:
         std::function<QString(const QString &proposed)> askDownloadPath;
     };
 
+    /// The data directory, as far as the pane needs it.
+    struct Folder
+    {
+        QString path;
+        Files::Content (*read)(const QString &path); ///< Files::read; the module links no room of the program
+    };
+
     WebPane() = default;
     WebPane(const WebPane &) = delete;
     WebPane &operator=(const WebPane &) = delete;
@@ -44,7 +53,7 @@ public:
     virtual QString location() const = 0;
 };
 
-/// What the module exports under the name "quillwireMakeWebPane". `dataDirectory` is the path of the data directory;
-/// `messages` and `parent` outlive the object, which the caller owns.
-using WebPaneMaker = WebPane *(*)(const QString &dataDirectory, Messages &messages, QWidget *parent,
+/// What the module exports under the name "quillwireMakeWebPane". `messages` and `parent` outlive the object, which the
+/// caller owns.
+using WebPaneMaker = WebPane *(*)(const WebPane::Folder &folder, Messages &messages, QWidget *parent,
                                   const WebPane::Events &events);

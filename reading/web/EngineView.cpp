@@ -63,8 +63,8 @@ void setUpActions(QWebEnginePage &page)
 
 } // namespace
 
-EngineView::EngineView(DataDirectory directory, Messages &messages, QWidget *parent, Events events)
-    : m_scheme(std::move(directory)), m_messages(messages), m_events(std::move(events))
+EngineView::EngineView(const Folder &folder, Messages &messages, QWidget *parent, Events events)
+    : m_scheme(folder), m_messages(messages), m_events(std::move(events))
 {
     m_profile = new QWebEngineProfile(&m_context); // off the record: nothing of the web stays on the disk
     m_profile->installUrlSchemeHandler(PaneScheme::name(), &m_scheme);

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "core/DataDirectory.h"
 #include "reading/WebPane.h"
 #include "reading/web/PanePage.h"
 #include "reading/web/PaneScheme.h"
@@ -18,7 +17,7 @@ class QWebEngineView;
 class EngineView final : public WebPane
 {
 public:
-    EngineView(DataDirectory directory, Messages &messages, QWidget *parent, Events events);
+    EngineView(const Folder &folder, Messages &messages, QWidget *parent, Events events);
 
     /// Closes the windows that the pane was allowed to open as well.
     ~EngineView() override;

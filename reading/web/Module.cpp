@@ -1,7 +1,7 @@
 #include "reading/web/EngineView.h"
 
 /// The one symbol of the module. The scheme is registered here, before the engine comes to life with the first profile.
-extern "C" Q_DECL_EXPORT WebPane *quillwireMakeWebPane(const QString &dataDirectory, Messages &messages,
+extern "C" Q_DECL_EXPORT WebPane *quillwireMakeWebPane(const WebPane::Folder &folder, Messages &messages,
                                                        QWidget *parent, const WebPane::Events &events)
 {
     static const bool registered = [] {
@@ -9,5 +9,5 @@ extern "C" Q_DECL_EXPORT WebPane *quillwireMakeWebPane(const QString &dataDirect
         return true;
     }();
     Q_UNUSED(registered)
-    return new EngineView(DataDirectory(dataDirectory), messages, parent, events);
+    return new EngineView(folder, messages, parent, events);
 }

@@ -1,7 +1,5 @@
 #include "reading/web/PaneScheme.h"
 
-#include "platform/Files.h"
-
 #include <QBuffer>
 #include <QFileInfo>
 #include <QWebEngineUrlRequestJob>
@@ -56,8 +54,8 @@ QByteArray contentType(const QString &name, const QByteArray &content)
 
 } // namespace
 
-PaneScheme::PaneScheme(DataDirectory directory, QObject *parent)
-    : QWebEngineUrlSchemeHandler(parent), m_directory(std::move(directory))
+PaneScheme::PaneScheme(WebPane::Folder folder, QObject *parent)
+    : QWebEngineUrlSchemeHandler(parent), m_folder(std::move(folder))
 {}
 
 QByteArray PaneScheme::name()
@@ -96,12 +94,17 @@ QUrl PaneScheme::startPage()
     return address(homePage);
 }
 
+QString PaneScheme::pathOf(const QString &file) const
+{
+    return QFileInfo(m_folder.path + u'/' + file).absoluteFilePath();
+}
+
 QUrl PaneScheme::addressOf(const QString &path) const
 {
     const QString local = path.startsWith(QLatin1String("file:")) ? QUrl(path).toLocalFile() : path;
     const QString wanted = QFileInfo(local).absoluteFilePath();
     for (const QLatin1String served : servedFiles) {
-        if (QFileInfo(m_directory.file(served)).absoluteFilePath() == wanted)
+        if (pathOf(served) == wanted)
             return address(served);
     }
     return {};
@@ -111,7 +114,7 @@ QUrl PaneScheme::fileAddressOf(const QUrl &url) const
 {
     if (!isServed(url))
         return url;
-    return QUrl::fromLocalFile(QFileInfo(m_directory.file(fileName(url))).absoluteFilePath());
+    return QUrl::fromLocalFile(pathOf(fileName(url)));
 }
 
 void PaneScheme::requestStarted(QWebEngineUrlRequestJob *job)
@@ -123,7 +126,7 @@ void PaneScheme::requestStarted(QWebEngineUrlRequestJob *job)
         return;
     }
     const QString file = fileName(url);
-    Files::Content content = Files::read(m_directory.file(file));
+    Files::Content content = m_folder.read(pathOf(file));
     if (content.result != Files::ReadResult::Read) {
         job->fail(content.result == Files::ReadResult::Absent ? QWebEngineUrlRequestJob::UrlNotFound
                                                               : QWebEngineUrlRequestJob::RequestFailed);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/DataDirectory.h"
+#include "reading/WebPane.h"
 
 #include <QUrl>
 #include <QWebEngineUrlSchemeHandler>
@@ -15,7 +15,7 @@ class PaneScheme final : public QWebEngineUrlSchemeHandler
     Q_OBJECT
 
 public:
-    explicit PaneScheme(DataDirectory directory, QObject *parent = nullptr);
+    explicit PaneScheme(WebPane::Folder folder, QObject *parent = nullptr);
 
     /// Tells the engine of the scheme; before its first profile is made.
     static void registerScheme();
@@ -42,5 +42,7 @@ public:
     static QByteArray guardedPage(const QByteArray &page);
 
 private:
-    DataDirectory m_directory;
+    QString pathOf(const QString &file) const;
+
+    WebPane::Folder m_folder;
 };

@@ -1,5 +1,6 @@
 #include "core/FeedCatalogue.h"
 #include "engine/ItemStore.h"
+#include "platform/xml/XmlDocument.h"
 #include "support/clsDES.h"
 #include "tests/fixtures/FeedTexts.h"
 #include "tests/fixtures/TemporaryDataDirectory.h"
