@@ -9,8 +9,8 @@
 #include <QPushButton>
 
 namespace {
-constexpr qsizetype MaxShownText = 65535;
-constexpr qsizetype MaxWrappedWord = 5000;
+constexpr qsizetype maxShownText = 65535;
+constexpr qsizetype maxWrappedWord = 5000;
 } // namespace
 
 QString DialogParts::arrayName(const QString &name, int index)
@@ -55,12 +55,12 @@ QPlainTextEdit *DialogParts::textBox(const QString &name)
 
 void DialogParts::showText(QPlainTextEdit &box, const QString &text)
 {
-    const QString shown = box.isReadOnly() ? text.left(MaxShownText) : text;
+    const QString shown = box.isReadOnly() ? text.left(maxShownText) : text;
     qsizetype word = 0;
     bool wraps = true;
     for (const QChar character : shown) {
         word = character.isSpace() ? 0 : word + 1;
-        wraps = wraps && word <= MaxWrappedWord;
+        wraps = wraps && word <= maxWrappedWord;
     }
     // The time to break a word is the square of its length.
     box.setLineWrapMode(wraps ? QPlainTextEdit::WidgetWidth : QPlainTextEdit::NoWrap);
@@ -89,7 +89,7 @@ QHBoxLayout *DialogParts::buttonRow(const QList<QPushButton *> &buttons)
 {
     auto *row = new QHBoxLayout;
     row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(Edge);
+    row->setSpacing(edge);
     row->addStretch();
     for (QPushButton *const button : buttons)
         row->addWidget(button);
@@ -99,8 +99,8 @@ QHBoxLayout *DialogParts::buttonRow(const QList<QPushButton *> &buttons)
 void DialogParts::layOut(QDialog &dialog, QWidget *content, QLayout *buttons)
 {
     auto *layout = new QVBoxLayout(&dialog);
-    layout->setContentsMargins(Edge, Edge, Edge, Edge);
-    layout->setSpacing(Edge);
+    layout->setContentsMargins(edge, edge, edge, edge);
+    layout->setSpacing(edge);
     layout->addWidget(content, 1);
     layout->addLayout(buttons);
 }

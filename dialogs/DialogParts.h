@@ -18,7 +18,7 @@ class QWidget;
 namespace DialogParts {
 
 /// Distance of content and buttons from the dialog's edges and of the buttons from one another, in pixels.
-constexpr int Edge = 10;
+constexpr int edge = 10;
 
 /// `widget`, after it got its name.
 template <class Widget>
@@ -55,7 +55,7 @@ QLabel *addRow(QGridLayout &grid, const QString &caption, QWidget *box);
 /// A row that holds its buttons at its right end, the last one in the corner.
 QHBoxLayout *buttonRow(const QList<QPushButton *> &buttons);
 
-/// Lays the dialog out: `content` fills it above `buttons`, with Edge all around. The dialog can't be made so small
+/// Lays the dialog out: `content` fills it above `buttons`, with `edge` all around. The dialog can't be made so small
 /// that a button would leave it.
 void layOut(QDialog &dialog, QWidget *content, QLayout *buttons);
 

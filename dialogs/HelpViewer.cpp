@@ -28,8 +28,8 @@ using DialogParts::named;
 
 namespace {
 
-constexpr int UrlRole = Qt::UserRole;
-constexpr int MaxResults = 500;
+constexpr int urlRole = Qt::UserRole;
+constexpr int maxResults = 500;
 
 enum Tab { ContentsTab, IndexTab, SearchTab };
 
@@ -158,7 +158,7 @@ QWidget *HelpViewer::buildSearchPane()
     column->addWidget(m_results);
     connect(m_query, &QLineEdit::returnPressed, this, &HelpViewer::startSearch);
     connect(start, &QPushButton::clicked, this, &HelpViewer::startSearch);
-    const auto open = [this](const QListWidgetItem *item) { showUrl(item->data(UrlRole).toUrl()); };
+    const auto open = [this](const QListWidgetItem *item) { showUrl(item->data(urlRole).toUrl()); };
     connect(m_results, &QListWidget::itemClicked, this, open);
     connect(m_results, &QListWidget::itemActivated, this, open);
     return pane;
@@ -296,11 +296,11 @@ void HelpViewer::startSearch()
 
 void HelpViewer::handleSearchFinished()
 {
-    const QList<QHelpSearchResult> found = m_engine->searchEngine()->searchResults(0, MaxResults);
+    const QList<QHelpSearchResult> found = m_engine->searchEngine()->searchResults(0, maxResults);
     m_results->clear();
     for (const QHelpSearchResult &result : found) {
         auto *item = new QListWidgetItem(result.title(), m_results);
-        item->setData(UrlRole, result.url());
+        item->setData(urlRole, result.url());
     }
     m_state->setText(found.isEmpty() ? QStringLiteral("Aucune page trouvée")
                                      : QStringLiteral("Pages trouvées : ") + QString::number(found.size()));

@@ -5,7 +5,7 @@
 #include <QStyleOptionFocusRect>
 
 namespace {
-constexpr int Margin = 2; // room for the focus frame
+constexpr int margin = 2; // room for the focus frame
 }
 
 LinkButton::LinkButton(const QString &text, QWidget *parent) : QPushButton(text, parent)
@@ -20,14 +20,14 @@ LinkButton::LinkButton(const QString &text, QWidget *parent) : QPushButton(text,
 
 QSize LinkButton::sizeHint() const
 {
-    return fontMetrics().size(Qt::TextShowMnemonic, text()) + QSize(2 * Margin, 2 * Margin);
+    return fontMetrics().size(Qt::TextShowMnemonic, text()) + QSize(2 * margin, 2 * margin);
 }
 
 void LinkButton::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setPen(palette().color(QPalette::Link));
-    painter.drawText(rect().adjusted(Margin, Margin, -Margin, -Margin), Qt::AlignLeft | Qt::AlignVCenter, text());
+    painter.drawText(rect().adjusted(margin, margin, -margin, -margin), Qt::AlignLeft | Qt::AlignVCenter, text());
     if (!hasFocus())
         return;
     QStyleOptionFocusRect frame;

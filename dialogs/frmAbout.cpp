@@ -1,6 +1,5 @@
 #include "dialogs/frmAbout.h"
 
-#include "core/MainWindow.h"
 #include "dialogs/DialogParts.h"
 #include "dialogs/LinkButton.h"
 #include "dialogs/MakerSite.h"
@@ -60,7 +59,8 @@ QLabel *text(const QString &name, const QString &caption, double scale, bool bol
 
 } // namespace
 
-frmAbout::frmAbout(MainWindow &window) : DialogBase(QStringLiteral("À propos"), window.frame())
+frmAbout::frmAbout(QWidget *owner, const OpenInSystemBrowser &openInSystemBrowser)
+    : DialogBase(QStringLiteral("À propos"), owner)
 {
     auto *content = new QWidget;
     auto *column = new QVBoxLayout(content);
@@ -87,11 +87,12 @@ frmAbout::frmAbout(MainWindow &window) : DialogBase(QStringLiteral("À propos"),
     const auto addLink = [&](const QString &name, const QString &caption, const QString &url) {
         auto *link = DialogParts::named(new LinkButton(caption), name);
         column->addWidget(link);
-        connect(link, &LinkButton::clicked, this, [&window, url] { window.openInSystemBrowser(url); });
+        connect(link, &LinkButton::clicked, this, [openInSystemBrowser, url] { openInSystemBrowser(url); });
     };
     addLink(QStringLiteral("lblProduct"), QStringLiteral("Page web de Quillwire"),
             MakerSite::page(QStringLiteral("prog/Quillwire/")));
-    // The number that the site is asked about is not this program's version; that is wanted.
+    // Not this program's version but the one that the site's page is asked for by;
+    // theAboutBoxLeadsToTheMakersPages holds it.
     addLink(QStringLiteral("lblVersionUpdate"), QStringLiteral("Information de mise à jour"),
             MakerSite::page(QStringLiteral("prog/Quillwire/update.php?version=3.0.4")));
     addLink(QStringLiteral("lblURL"), MakerSite::root(), MakerSite::root());

@@ -2,7 +2,9 @@
 
 #include "controls/DialogBase.h"
 
-class MainWindow;
+#include <QString>
+
+#include <functional>
 
 /// The box "À propos": fixed texts, and three links that go to the system's browser. For one showing: construct,
 /// exec().
@@ -11,5 +13,8 @@ class frmAbout final : public DialogBase
     Q_OBJECT
 
 public:
-    explicit frmAbout(MainWindow &window);
+    /// Hands an address to the system's browser.
+    using OpenInSystemBrowser = std::function<void(const QString &url)>;
+
+    frmAbout(QWidget *owner, const OpenInSystemBrowser &openInSystemBrowser);
 };

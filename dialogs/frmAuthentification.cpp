@@ -1,6 +1,5 @@
 #include "dialogs/frmAuthentification.h"
 
-#include "core/MainWindow.h"
 #include "dialogs/DialogParts.h"
 
 #include <QGridLayout>
@@ -8,8 +7,8 @@
 #include <QLineEdit>
 #include <QPushButton>
 
-frmAuthentification::frmAuthentification(MainWindow &window)
-    : DialogBase(QStringLiteral("Authentification"), window.frame()), m_window(window),
+frmAuthentification::frmAuthentification(QWidget *owner, Port port)
+    : DialogBase(QStringLiteral("Authentification"), owner), m_port(std::move(port)),
       m_txtUsername(DialogParts::lineEdit(QStringLiteral("txtUsername"))),
       m_txtPassword(DialogParts::passwordBox(QStringLiteral("txtPassword")))
 {
@@ -26,7 +25,7 @@ frmAuthentification::frmAuthentification(MainWindow &window)
     text->setWordWrap(true);
     grid->addWidget(text, 0, 0, 1, 2);
     DialogParts::addRow(*grid, QStringLiteral("Nom d'utilisateur :"), m_txtUsername);
-    // Spelled so on purpose.
+    // Spelled as users know it, like the text above.
     DialogParts::addRow(*grid, QStringLiteral("Mot de pase :"), m_txtPassword);
 
     auto *cmdOK = DialogParts::button(QStringLiteral("cmdOK"), QStringLiteral("OK"));
@@ -41,7 +40,7 @@ frmAuthentification::frmAuthentification(MainWindow &window)
 
 void frmAuthentification::handleOk()
 {
-    m_window.setCredentials(m_txtUsername->text(), m_txtPassword->text());
-    m_window.LoadFile();
+    m_port.setCredentials(m_txtUsername->text(), m_txtPassword->text());
+    m_port.LoadFile();
     accept();
 }

@@ -2,24 +2,34 @@
 
 #include "controls/DialogBase.h"
 
-class MainWindow;
+#include <QString>
+
+#include <functional>
+
 class QLineEdit;
 
 /// Asks for the user name and the password of the feed in the address box.
 ///
-/// For one showing: construct it when a download ends with "authentication asked", and exec() it. "OK" puts both texts
-/// into the main window as its credentials, calls LoadFile() and closes; "Annuler" only closes.
+/// For one showing: construct it when a download ends with "authentication asked", and exec() it. "OK" sets both texts
+/// as credentials, loads the feed again and closes; "Annuler" only closes.
 class frmAuthentification final : public DialogBase
 {
     Q_OBJECT
 
 public:
-    explicit frmAuthentification(MainWindow &window);
+    struct Port
+    {
+        /// Sets the credentials of the next download from the address box.
+        std::function<void(const QString &username, const QString &password)> setCredentials;
+        std::function<void()> LoadFile; ///< opens through the network what the address box holds
+    };
+
+    frmAuthentification(QWidget *owner, Port port);
 
 private:
     void handleOk();
 
-    MainWindow &m_window;
+    Port m_port;
     QLineEdit *m_txtUsername;
     QLineEdit *m_txtPassword;
 };

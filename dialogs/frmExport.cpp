@@ -1,6 +1,5 @@
 #include "dialogs/frmExport.h"
 
-#include "core/MainWindow.h"
 #include "dialogs/DialogParts.h"
 #include "exchange/OpmlWriter.h"
 
@@ -14,8 +13,20 @@
 #include <pwd.h>
 #include <unistd.h>
 
-frmExport::frmExport(MainWindow &window, AskFile askPath)
-    : DialogBase(QStringLiteral("Exporter mes flux RSS"), window.frame()), m_window(window),
+namespace {
+
+/// The name of the logged-on user; "" when the system knows none.
+QString currentUserName()
+{
+    if (const passwd *const user = getpwuid(geteuid()))
+        return QString::fromLocal8Bit(user->pw_name);
+    return qEnvironmentVariable("USER");
+}
+
+} // namespace
+
+frmExport::frmExport(QWidget *owner, QString catalogue, AskFile askPath)
+    : DialogBase(QStringLiteral("Exporter mes flux RSS"), owner), m_catalogue(std::move(catalogue)),
       m_askPath(std::move(askPath)), m_txtTitre(DialogParts::lineEdit(QStringLiteral("txtTitre"))),
       m_txtNom(DialogParts::lineEdit(QStringLiteral("txtNom"))),
       m_txtEmail(DialogParts::lineEdit(QStringLiteral("txtEmail"))),
@@ -55,20 +66,13 @@ frmExport::frmExport(MainWindow &window, AskFile askPath)
     connect(cmdAnnuler, &QPushButton::clicked, this, &frmExport::reject);
 }
 
-QString frmExport::currentUserName()
-{
-    if (const passwd *const user = getpwuid(geteuid()))
-        return QString::fromLocal8Bit(user->pw_name);
-    return qEnvironmentVariable("USER");
-}
-
 void frmExport::handleExport()
 {
     const QString path = m_askPath();
     if (path.isEmpty())
         return;
-    const OpmlExport what{m_window.dataFile(QStringLiteral("feeds.xml")), m_txtTitre->text(), m_txtNom->text(),
-                          m_txtEmail->text(), m_chkStructure->isChecked()};
+    const OpmlExport what{m_catalogue, m_txtTitre->text(), m_txtNom->text(), m_txtEmail->text(),
+                          m_chkStructure->isChecked()};
     if (writeOpml(what, path))
         accept();
 }

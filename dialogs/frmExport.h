@@ -5,7 +5,6 @@
 
 #include <QString>
 
-class MainWindow;
 class QCheckBox;
 class QLineEdit;
 
@@ -16,20 +15,15 @@ class frmExport final : public DialogBase
     Q_OBJECT
 
 public:
-    /// `askPath` asks where to save; none stands for the system's save dialog.
-    explicit frmExport(MainWindow &window, AskFile askPath = {});
+    /// `catalogue` is the path of feeds.xml. `askPath` asks where to save; none stands for the system's save dialog.
+    frmExport(QWidget *owner, QString catalogue, AskFile askPath = {});
 
-    /// The name of the logged-on user; "" when the system knows none.
-    static QString currentUserName();
-
-    /// What "Exporter" does: asks for the path, writes the file in one step, closes. A cancelled question and a
-    /// feeds.xml that doesn't load leave the dialog open. Throws RunTimeError when the file can't be written (the old
-    /// one then stands), for a character outside the system's code page, and for a catalogue that lacks what the lines
-    /// need.
+    /// What "Exporter" does: asks for the path, writes the file, closes. A cancelled question and a feeds.xml that
+    /// doesn't load leave the dialog open. Throws as writeOpml().
     void handleExport();
 
 private:
-    MainWindow &m_window;
+    QString m_catalogue;
     AskFile m_askPath;
     QLineEdit *m_txtTitre;
     QLineEdit *m_txtNom;

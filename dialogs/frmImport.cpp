@@ -2,12 +2,11 @@
 
 #include "controls/PictureButton.h"
 #include "controls/ProgressBar.h"
-#include "core/MainWindow.h"
 #include "dialogs/DialogParts.h"
-#include "engine/feed/CachedFeed.h"
+#include "exchange/ImportRun.h"
+#include "exchange/OpmlDownload.h"
 #include "platform/Messages.h"
 #include "platform/Numbers.h"
-#include "platform/net/Downloader.h"
 
 #include <QCheckBox>
 #include <QCloseEvent>
@@ -18,7 +17,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
-#include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSignalBlocker>
@@ -30,9 +28,7 @@ using namespace DialogParts;
 
 namespace {
 
-constexpr int PassMs = 100;
-constexpr int MaxPasses = 100; // about ten seconds a feed, counted in passes and not by a clock
-constexpr int MaxShownName = 500;
+constexpr int maxShownName = 500;
 
 enum Role { KeyRole = Qt::UserRole, TagRole };
 
@@ -46,7 +42,7 @@ protected:
     void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override
     {
         QStyledItemDelegate::initStyleOption(option, index);
-        option->text.truncate(MaxShownName);
+        option->text.truncate(maxShownName);
     }
 };
 
@@ -57,10 +53,9 @@ QGroupBox *page(int index, const QString &caption)
 
 } // namespace
 
-frmImport::frmImport(MainWindow &window, Messages &messages, const MakeDownloader &makeDownloader, Wait wait,
-                     AskFile askPath)
-    : DialogBase(QStringLiteral("Importer des flux RSS"), window.frame()), m_window(window), m_messages(messages),
-      m_wait(std::move(wait)), m_askPath(std::move(askPath)), m_dwlOPML(makeDownloader()), m_dwlFeed(makeDownloader())
+frmImport::frmImport(QWidget *owner, Messages &messages, OpmlDownload &download, ImportRun &run, AskFile askPath)
+    : DialogBase(QStringLiteral("Importer des flux RSS"), owner), m_messages(messages), m_download(download),
+      m_run(run), m_askPath(std::move(askPath))
 {
     if (!m_askPath)
         m_askPath = [this] {
@@ -80,12 +75,24 @@ frmImport::frmImport(MainWindow &window, Messages &messages, const MakeDownloade
     m_cmdPrecedent->setEnabled(false);
     m_cmdTerminer->hide();
     m_cmdCanceller->hide();
-
-    connect(m_dwlOPML.get(), &Downloader::DownloadComplete, this, &frmImport::handleOpmlComplete);
-    connect(m_dwlFeed.get(), &Downloader::DownloadComplete, this, &frmImport::handleFeedComplete);
+    connectImport();
 }
 
-frmImport::~frmImport() = default;
+frmImport::~frmImport()
+{
+    m_run.stop();
+}
+
+void frmImport::connectImport()
+{
+    connect(&m_download, &OpmlDownload::fetched, this, &frmImport::handleFetched);
+    connect(&m_download, &OpmlDownload::failed, this, &frmImport::handleDownloadFailed);
+    connect(&m_run, &ImportRun::began, this, [this](const QString &name) {
+        m_lblTitre->setText(QStringLiteral("Téléchargement de ") + name.left(maxShownName));
+    });
+    connect(&m_run, &ImportRun::passed, this, &frmImport::handlePassed);
+    connect(&m_run, &ImportRun::ended, this, [this] { done(Accepted); });
+}
 
 QWidget *frmImport::buildSourcePage()
 {
@@ -98,7 +105,7 @@ QWidget *frmImport::buildSourcePage()
     picture->setPixmap(QIcon(QStringLiteral(":/icons/wizard.svg")).pixmap(QSize(side, side), devicePixelRatio()));
 
     auto *grid = new QGridLayout(frame);
-    grid->setHorizontalSpacing(2 * Edge);
+    grid->setHorizontalSpacing(2 * edge);
     grid->addWidget(picture, 0, 0, 2, 1, Qt::AlignTop);
     grid->addWidget(m_optFromFile, 0, 1);
     grid->addWidget(fromWeb, 1, 1);
@@ -208,7 +215,7 @@ QLayout *frmImport::buildButtons()
     m_cmdSuivant->setDefault(true);
     // "Terminer" takes the place of "Suivant"; hidden buttons keep theirs.
     auto *grid = new QGridLayout;
-    grid->setHorizontalSpacing(Edge);
+    grid->setHorizontalSpacing(edge);
     grid->setColumnStretch(0, 1);
     grid->addWidget(m_cmdPrecedent, 0, 1);
     grid->addWidget(m_cmdSuivant, 0, 2);
@@ -245,7 +252,7 @@ void frmImport::handleNext()
         break;
     case 2:
         // Nothing is disabled meanwhile: pressing again starts the download again.
-        m_dwlOPML->Download(m_txtURL->text(), 0, m_window.dataFile(QStringLiteral("tmp.opml")), QString(), QString());
+        m_download.start(m_txtURL->text());
         break;
     default:
         break;
@@ -285,14 +292,17 @@ void frmImport::takeOpmlFile(const QString &path)
     showPage(3);
 }
 
-void frmImport::handleOpmlComplete(qint32 status)
+void frmImport::handleFetched(const QString &path)
 {
-    // A download that was started again ends as cancelled, and one that comes after the run's start comes too late.
-    if (status == Downloader::Cancelled || m_running)
+    if (!m_run.hasBegun()) // what comes later comes too late
+        takeOpmlFile(path);
+}
+
+void frmImport::handleDownloadFailed(qint32 status)
+{
+    if (m_run.hasBegun())
         return;
-    if (status == 200)
-        takeOpmlFile(m_window.dataFile(QStringLiteral("tmp.opml")));
-    else if (status == 404)
+    if (status == 404)
         m_messages.show({QStringLiteral("Le fichier n'a pas été trouvé sur le serveur"), QStringLiteral("Erreur 404"),
                          Message::Icon::Exclamation});
     else
@@ -375,7 +385,6 @@ void frmImport::handleCheckAll(bool checked)
 
 void frmImport::handleFinish()
 {
-    m_running = true;
     m_pages->setCurrentWidget(m_cmdCanceller->parentWidget());
     m_cmdPrecedent->hide();
     m_cmdAnnuler->hide();
@@ -383,62 +392,29 @@ void frmImport::handleFinish()
     m_cmdCanceller->show();
     m_cmdCanceller->setFocus();
 
-    const int count = m_tvwListeFlux->topLevelItemCount();
-    int finished = 0;
-    for (int i = 0; i < count; ++i) {
+    std::vector<ImportRun::Feed> ticked;
+    for (int i = 0; i < m_tvwListeFlux->topLevelItemCount(); ++i) {
         const QTreeWidgetItem *const item = m_tvwListeFlux->topLevelItem(i);
-        if (item->checkState(0) != Qt::Checked)
-            continue;
-        if (!fetch(item->text(0), item->data(0, TagRole).toString()))
-            return;
-        ++finished;
-        m_vbalProgressBar1->setValue(Numbers::roundToInt16(static_cast<double>(finished) / m_checkedCount * 100));
+        if (item->checkState(0) == Qt::Checked)
+            ticked.push_back({item->text(0), item->data(0, TagRole).toString()});
     }
-    done(Accepted);
+    m_run.run(ticked); // ends by closing the dialog
 }
 
-bool frmImport::fetch(const QString &name, const QString &address)
+void frmImport::handlePassed(int count)
 {
-    m_lblTitre->setText(QStringLiteral("Téléchargement de ") + name.left(MaxShownName));
-    m_feedBusy = true;
-    m_currentFeedUrl = address;
-    m_dwlFeed->Download(m_currentFeedUrl, 0, m_window.dataFile(QStringLiteral("tmp.xml")), QString(), QString());
-
-    const QPointer<frmImport> self(this); // whatever runs nested in the wait
-    int ticks = 0;
-    while (m_feedBusy) {
-        m_wait(PassMs);
-        if (!self || m_stopped)
-            return false;
-        if (++ticks == MaxPasses) {
-            m_dwlFeed->CancelDownload();
-            m_feedBusy = false;
-        }
-    }
-    return true;
-}
-
-void frmImport::handleFeedComplete(qint32 status)
-{
-    // A feed that fails is passed over without a word.
-    if (status == 200 && !m_stopped) {
-        const auto document = std::make_shared<CachedFeed>();
-        if (document->Load(m_window.dataFile(QStringLiteral("tmp.xml"))) == LoadOk)
-            m_window.AddFeed(document, m_currentFeedUrl);
-    }
-    m_feedBusy = false;
+    m_vbalProgressBar1->setValue(Numbers::roundToInt16(static_cast<double>(count) / m_checkedCount * 100));
 }
 
 void frmImport::handleStop()
 {
-    m_stopped = true;
-    m_dwlFeed->CancelDownload();
+    m_run.stop();
     done(Rejected);
 }
 
 void frmImport::reject()
 {
-    if (!m_running)
+    if (!m_run.hasBegun())
         done(Rejected);
 }
 

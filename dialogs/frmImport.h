@@ -3,16 +3,12 @@
 #include "controls/DialogBase.h"
 #include "dialogs/FileDialogs.h"
 #include "exchange/OpmlDocument.h"
-#include "platform/Waiting.h"
 
 #include <QString>
 
-#include <functional>
-#include <memory>
-
-class Downloader;
-class MainWindow;
+class ImportRun;
 class Messages;
+class OpmlDownload;
 class ProgressBar;
 class QCheckBox;
 class QLabel;
@@ -33,13 +29,9 @@ class frmImport final : public DialogBase
     Q_OBJECT
 
 public:
-    /// Makes a downloader; the wizard asks for two, one for the OPML file and one for the feeds, and owns them.
-    using MakeDownloader = std::function<std::unique_ptr<Downloader>()>;
-
-    /// `wait` is the wait of 100 ms between two looks at a running download; `askPath` asks for the OPML file, none
+    /// `download` and `run` are fresh, serve this showing only and outlive it. `askPath` asks for the OPML file, none
     /// stands for the system's open dialog.
-    frmImport(MainWindow &window, Messages &messages, const MakeDownloader &makeDownloader, Wait wait,
-              AskFile askPath = {});
+    frmImport(QWidget *owner, Messages &messages, OpmlDownload &download, ImportRun &run, AskFile askPath = {});
     ~frmImport() override;
 
     /// What the buttons do. They throw RunTimeError for a well-formed document that isn't the OPML which the reader
@@ -68,30 +60,25 @@ private:
     void takeOpmlFile(const QString &path);
     void loadOpmlList();
     void showOutlineDescription(const QTreeWidgetItem &item);
-    void handleOpmlComplete(qint32 status);
-    void handleFeedComplete(qint32 status);
+    void connectImport();
+    void handleFetched(const QString &path);
+    void handleDownloadFailed(qint32 status);
+    void handlePassed(int count);
     void handleItemChanged(QTreeWidgetItem *item);
     void handleItemDoubleClicked(QTreeWidgetItem *item);
     void handleCheckAll(bool checked);
     void handleStop();
     void countChecked(bool checked);
-    bool fetch(const QString &name, const QString &address);
 
-    MainWindow &m_window;
     Messages &m_messages;
-    Wait m_wait;
+    OpmlDownload &m_download;
+    ImportRun &m_run;
     AskFile m_askPath;
-    std::unique_ptr<Downloader> m_dwlOPML;
-    std::unique_ptr<Downloader> m_dwlFeed;
     OpmlDocument m_opmlDocument;
 
     qint16 m_wizardPage = 0;
     qint16 m_previousPage = 0;
     qint16 m_checkedCount = 0; ///< kept by hand; only handleCheckAll() counts anew
-    bool m_feedBusy = false;
-    bool m_running = false;
-    bool m_stopped = false;
-    QString m_currentFeedUrl;
 
     QStackedLayout *m_pages = nullptr; ///< the four pages, and the panel of the run
     QRadioButton *m_optFromFile = nullptr;

@@ -4,7 +4,6 @@
 #include "controls/TabControl.h"
 #include "controls/UpDown.h"
 #include "core/AppSettings.h"
-#include "core/MainWindow.h"
 #include "dialogs/DialogParts.h"
 #include "platform/Numbers.h"
 #include "platform/RunTimeError.h"
@@ -30,8 +29,8 @@ QCheckBox *checkBox(const QString &name, const QString &caption)
 
 } // namespace
 
-frmOptions::frmOptions(MainWindow &window, RunAtStartup runAtStartup, AskFile askSound)
-    : DialogBase(QStringLiteral("Options"), window.frame()), m_window(window), m_runAtStartup(std::move(runAtStartup)),
+frmOptions::frmOptions(QWidget *owner, AppSettings &settings, RunAtStartup runAtStartup, AskFile askSound)
+    : DialogBase(QStringLiteral("Options"), owner), m_settings(settings), m_runAtStartup(std::move(runAtStartup)),
       m_askSound(std::move(askSound))
 {
     if (!m_askSound)
@@ -90,10 +89,10 @@ QWidget *frmOptions::buildFluxPage()
     auto *read = new QHBoxLayout;
     read->setSpacing(0);
     read->addWidget(label(QStringLiteral("Marquer les messages comme lus après (secondes)"), m_txtRead));
-    read->addSpacing(Edge);
+    read->addSpacing(edge);
     read->addWidget(m_txtRead);
     read->addWidget(arrows);
-    read->addSpacing(Edge);
+    read->addSpacing(edge);
     read->addWidget(m_chkNoRead);
 
     auto *column = new QVBoxLayout(page);
@@ -139,29 +138,28 @@ void frmOptions::connectControls()
 
 void frmOptions::load()
 {
-    const AppSettings &settings = m_window.settings();
-    m_chkNotify->setChecked(settings.notifyNew);
-    m_txtSon->setEnabled(settings.notifyNew);
-    m_txtSon->setText(settings.soundPath);
+    m_chkNotify->setChecked(m_settings.notifyNew);
+    m_txtSon->setEnabled(m_settings.notifyNew);
+    m_txtSon->setText(m_settings.soundPath);
 
-    m_chkNoRead->setChecked(settings.readDelay < 0);
-    m_txtRead->setEnabled(settings.readDelay >= 0);
-    const qint32 magnitude = Numbers::roundToInt32(std::abs(static_cast<double>(settings.readDelay)));
+    m_chkNoRead->setChecked(m_settings.readDelay < 0);
+    m_txtRead->setEnabled(m_settings.readDelay >= 0);
+    const qint32 magnitude = Numbers::roundToInt32(std::abs(static_cast<double>(m_settings.readDelay)));
     m_txtRead->setText(QString::number(magnitude / 1000.0, 'g', 15));
 
     showMode(m_chkDemWin->isChecked());
-    m_chkAutoUpdate->setChecked(settings.updateAtStart);
-    const int mode = m_cmbMode->findText(settings.startMode);
+    m_chkAutoUpdate->setChecked(m_settings.updateAtStart);
+    const int mode = m_cmbMode->findText(m_settings.startMode);
     if (mode < 0)
         throw RunTimeError::invalidProperty();
     m_cmbMode->setCurrentIndex(mode);
     m_wasRunAtStartup = m_runAtStartup.isRunAtStartup() == 2;
     m_chkDemWin->setChecked(m_wasRunAtStartup);
 
-    m_txtSMTPServer->setText(settings.smtpServer);
-    m_txtSMTPPort->setText(QString::number(settings.smtpPort));
-    m_txtFromMail->setText(settings.fromMail);
-    m_txtFromName->setText(settings.fromName);
+    m_txtSMTPServer->setText(m_settings.smtpServer);
+    m_txtSMTPPort->setText(QString::number(m_settings.smtpPort));
+    m_txtFromMail->setText(m_settings.fromMail);
+    m_txtFromName->setText(m_settings.fromName);
     // Last: filling the controls has enabled it.
     m_cmdAppliquer->setEnabled(false);
 }
@@ -189,8 +187,9 @@ bool frmOptions::eventFilter(QObject *watched, QEvent *event)
 void frmOptions::handleReadLeft()
 {
     if (!Numbers::isNumeric(m_txtRead->text())) {
-        // The stored milliseconds stand in the box of seconds; that is wanted.
-        m_txtRead->setText(QString::number(m_window.settings().readDelay));
+        // What is stored comes back as it is stored, in milliseconds, so that a wrong entry is seen for what it is;
+        // leavingABoxMendsItsNumber holds it.
+        m_txtRead->setText(QString::number(m_settings.readDelay));
         return;
     }
     const qint16 seconds = Numbers::toInt16(m_txtRead->text());
@@ -210,19 +209,18 @@ void frmOptions::handlePortLeft()
 
 void frmOptions::handleApply()
 {
-    AppSettings &settings = m_window.settings();
     m_cmdAppliquer->setEnabled(false);
-    settings.notifyNew = m_chkNotify->isChecked();
-    settings.soundPath = m_txtSon->text();
+    m_settings.notifyNew = m_chkNotify->isChecked();
+    m_settings.soundPath = m_txtSon->text();
     const qint32 seconds = Numbers::toInt32(m_txtRead->text());
-    settings.readDelay = Numbers::roundToInt32((m_chkNoRead->isChecked() ? -1000.0 : 1000.0) * seconds);
-    settings.updateAtStart = m_chkAutoUpdate->isChecked();
-    settings.startMode = m_cmbMode->currentText();
+    m_settings.readDelay = Numbers::roundToInt32((m_chkNoRead->isChecked() ? -1000.0 : 1000.0) * seconds);
+    m_settings.updateAtStart = m_chkAutoUpdate->isChecked();
+    m_settings.startMode = m_cmbMode->currentText();
     // The state at opening stays the measure: ticking, applying, clearing and applying leaves the entry in place.
     if (m_chkDemWin->isChecked() != m_wasRunAtStartup)
         m_runAtStartup.setRunAtStartup(m_chkDemWin->isChecked() ? 2 : 0);
-    settings.smtpServer = m_txtSMTPServer->text();
-    settings.smtpPort = Numbers::toInt16(m_txtSMTPPort->text());
-    settings.fromMail = m_txtFromMail->text();
-    settings.fromName = m_txtFromName->text();
+    m_settings.smtpServer = m_txtSMTPServer->text();
+    m_settings.smtpPort = Numbers::toInt16(m_txtSMTPPort->text());
+    m_settings.fromMail = m_txtFromMail->text();
+    m_settings.fromName = m_txtFromName->text();
 }

@@ -5,7 +5,6 @@
 
 #include <functional>
 
-class MainWindow;
 class QCheckBox;
 class QComboBox;
 class QLabel;
@@ -13,6 +12,7 @@ class QLineEdit;
 class QPushButton;
 class QWidget;
 class TabControl;
+struct AppSettings;
 
 /// Edits the settings in memory, and the entry that starts the program with the session, which is written at once.
 /// For one showing: construct, exec().
@@ -32,7 +32,7 @@ public:
     /// Fills the dialog. Throws RunTimeError::invalidProperty() when the stored start mode is none of the list,
     /// overflow() for a read delay that has no magnitude. `askSound` asks for a sound file, none stands for the
     /// system's open dialog.
-    frmOptions(MainWindow &window, RunAtStartup runAtStartup, AskFile askSound = {});
+    frmOptions(QWidget *owner, AppSettings &settings, RunAtStartup runAtStartup, AskFile askSound = {});
 
     /// What "Appliquer" does. Throws RunTimeError for numbers that don't convert; what comes before them is applied by
     /// then.
@@ -53,7 +53,7 @@ private:
     void load();
     void showMode(bool shown);
 
-    MainWindow &m_window;
+    AppSettings &m_settings;
     RunAtStartup m_runAtStartup;
     AskFile m_askSound;
     bool m_wasRunAtStartup = false;

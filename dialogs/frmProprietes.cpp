@@ -4,8 +4,6 @@
 #include "controls/UpDown.h"
 #include "core/FeedCatalogue.h"
 #include "core/FeedTables.h"
-#include "core/FeedTree.h"
-#include "core/MainWindow.h"
 #include "dialogs/DialogParts.h"
 #include "engine/feed/CachedFeed.h"
 #include "platform/Numbers.h"
@@ -87,8 +85,8 @@ QString extensionNames(const CachedFeed &feed)
 
 } // namespace
 
-frmProprietes::frmProprietes(MainWindow &window)
-    : DialogBase(QStringLiteral("Propriétés"), window.frame()), m_window(window)
+frmProprietes::frmProprietes(QWidget *owner, Port port)
+    : DialogBase(QStringLiteral("Propriétés"), owner), m_port(std::move(port))
 {
     m_tstrProp = named(new TabControl, QStringLiteral("tstrProp"));
     m_tstrProp->addTab(QStringLiteral("general"), QStringLiteral("Général"), buildGeneralPage());
@@ -108,7 +106,7 @@ frmProprietes::frmProprietes(MainWindow &window)
 
     for (QLineEdit *const box : {m_txtMaj, m_txtCache, m_txtUsername, m_txtPassword})
         connect(box, &QLineEdit::textChanged, this, [this] { m_cmdAppliquer->setEnabled(true); });
-    // This click alone doesn't enable "Appliquer"; that is wanted.
+    // A stray click changes no retention: "Appliquer" waits for a change of a box. applyingWritesTheTables holds it.
     connect(m_chkNoDel, &QCheckBox::toggled, this, [this](bool checked) { enableCache(!checked); });
     connect(m_cmdAppliquer, &QPushButton::clicked, this, &frmProprietes::handleApply);
     connect(cmdFermer, &QPushButton::clicked, this, &frmProprietes::accept);
@@ -184,25 +182,18 @@ void frmProprietes::addAuthentication()
     setTabOrder(m_txtUsername, m_txtPassword);
 }
 
-void frmProprietes::showFeedProperties(MainWindow &window)
-{
-    frmProprietes form(window);
-    if (form.fillFrom())
-        form.exec();
-}
-
 bool frmProprietes::fillFrom()
 {
-    const std::shared_ptr<CachedFeed> feed = m_window.currentFeed();
+    const std::shared_ptr<CachedFeed> feed = m_port.feed;
     if (!feed->IsLoaded())
         return false;
-    const bool subscribed = !m_window.addressFeedShown();
-    const FeedNodePtr node = m_window.feedTree().selected();
+    const bool subscribed = !m_port.openedByAddress;
+    const FeedNodePtr node = m_port.selectedNode();
     if (subscribed && !node)
         throw RunTimeError::objectNotSet();
 
     put(m_txtTitle, feed->Title());
-    put(m_txtURL, subscribed ? node->tag : m_window.addressText());
+    put(m_txtURL, subscribed ? node->tag : m_port.address);
     put(m_txtSite, feed->Link());
     showText(*m_txtDescription, feed->Description());
     put(m_txtVersion, versionName(feed->Version()));
@@ -229,7 +220,7 @@ bool frmProprietes::fillFrom()
 
 void frmProprietes::fillSynchro(const QString &key)
 {
-    const FeedTables &tables = m_window.feedTables();
+    const FeedTables &tables = m_port.tables;
     m_txtMaj->setText(tables.updatettl.Item(key));
     const qint16 days = Numbers::toInt16(tables.updatecache.Item(key));
     m_txtCache->setText(QString::number(Numbers::roundToInt16(std::abs(static_cast<double>(days)))));
@@ -239,13 +230,13 @@ void frmProprietes::fillSynchro(const QString &key)
 
 void frmProprietes::fillAuthentication(const QString &key)
 {
-    const FeedTables &tables = m_window.feedTables();
+    const FeedTables &tables = m_port.tables;
     if (!tables.usernames.Exists(key))
         return;
     addAuthentication();
     m_txtUsername->setText(tables.usernames.Item(key));
     QString password = tables.passwords.Item(key);
-    m_txtPassword->setText(m_window.cipher().DecryptString(password, FeedCatalogue::cipherKey(key), true));
+    m_txtPassword->setText(m_port.cipher.DecryptString(password, FeedCatalogue::cipherKey(key), true));
 }
 
 void frmProprietes::enableCache(bool enabled)
@@ -257,18 +248,19 @@ void frmProprietes::enableCache(bool enabled)
 void frmProprietes::handleApply()
 {
     m_cmdAppliquer->setEnabled(false);
-    const FeedNodePtr node = m_window.feedTree().selected();
+    const FeedNodePtr node = m_port.selectedNode();
     if (!node)
         throw RunTimeError::objectNotSet();
     const QString key = node->key();
-    FeedTables &tables = m_window.feedTables();
+    FeedTables &tables = m_port.tables;
 
     const auto replace = [&key](Dictionary<QString> &table, const QString &value) {
         table.Remove(key);
         table.Add(key, value);
     };
     replace(tables.updatettl, m_txtMaj->text());
-    // "Never" is lost at zero days, and any other text stands as it is; both are wanted.
+    // What the user typed is kept as typed, even where the next opening can't read it, and "never" is lost at zero
+    // days, which has no sign; applyingWritesTheTables holds both.
     replace(tables.updatecache, m_chkNoDel->isChecked()
                                     ? QString::number(Numbers::toDouble(m_txtCache->text()) * -1, 'g', 15)
                                     : m_txtCache->text());
@@ -277,7 +269,7 @@ void frmProprietes::handleApply()
         replace(tables.usernames, m_txtUsername->text());
     if (tables.passwords.Exists(key))
         replace(tables.passwords,
-                m_window.cipher().EncryptString(m_txtPassword->text(), FeedCatalogue::cipherKey(key), true));
+                m_port.cipher.EncryptString(m_txtPassword->text(), FeedCatalogue::cipherKey(key), true));
 }
 
 void frmProprietes::keyPressEvent(QKeyEvent *event)

@@ -1,8 +1,14 @@
 #pragma once
 
 #include "controls/DialogBase.h"
+#include "core/FeedTree.h"
 
-class MainWindow;
+#include <QString>
+
+#include <functional>
+#include <memory>
+
+class CachedFeed;
 class QCheckBox;
 class QLabel;
 class QLineEdit;
@@ -11,6 +17,8 @@ class QPushButton;
 class QWidget;
 class TabControl;
 class UpDown;
+class clsDES;
+struct FeedTables;
 
 /// Shows what is known of the feed on screen; update interval, retention and stored credentials can be changed, in the
 /// per-feed tables only.
@@ -19,12 +27,19 @@ class frmProprietes final : public DialogBase
     Q_OBJECT
 
 public:
-    /// The dialog with empty fields.
-    explicit frmProprietes(MainWindow &window);
+    /// The feed on screen, and where its values are kept.
+    struct Port
+    {
+        std::shared_ptr<CachedFeed> feed;          ///< never null
+        bool openedByAddress;                      ///< the feed came from the address box: it is unsubscribed
+        QString address;                           ///< the text of the address box
+        std::function<FeedNodePtr()> selectedNode; ///< of the feed tree; null when nothing is selected
+        FeedTables &tables;
+        clsDES &cipher;
+    };
 
-    /// The main window's operation: shows the dialog modally for the feed on screen; does nothing when no feed is
-    /// loaded. Throws as fillFrom().
-    static void showFeedProperties(MainWindow &window);
+    /// The dialog with empty fields.
+    frmProprietes(QWidget *owner, Port port);
 
     /// Fills the fields from the feed on screen; false, with nothing changed, when no feed is loaded. Throws
     /// RunTimeError when the stored retention of a subscribed feed is no 16-bit number, or when no node is selected for
@@ -51,7 +66,7 @@ private:
     void fillAuthentication(const QString &key);
     void enableCache(bool enabled);
 
-    MainWindow &m_window;
+    Port m_port;
     TabControl *m_tstrProp = nullptr;
     QWidget *m_picAuthentication = nullptr;
     QLineEdit *m_txtTitle = nullptr;

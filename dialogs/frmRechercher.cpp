@@ -3,7 +3,6 @@
 #include "controls/TabControl.h"
 #include "controls/Twips.h"
 #include "controls/UpDown.h"
-#include "core/MainWindow.h"
 #include "dialogs/DialogParts.h"
 #include "exchange/SearchAddress.h"
 
@@ -109,8 +108,8 @@ QWidget *searchPage(const QString &name, QLineEdit *words, QGroupBox *options)
 
 } // namespace
 
-frmRechercher::frmRechercher(MainWindow &window, const SearchEndpoints &endpoints, int tab)
-    : DialogBase(QStringLiteral("Rechercher"), window.frame()), m_window(window), m_endpoints(endpoints)
+frmRechercher::frmRechercher(QWidget *owner, Port port, const SearchEndpoints &endpoints, int tab)
+    : DialogBase(QStringLiteral("Rechercher"), owner), m_port(std::move(port)), m_endpoints(endpoints)
 {
     m_tstrPrinc = named(new TabControl, QStringLiteral("tstrPrinc"));
     m_tstrPrinc->addTab(QStringLiteral("feedster"), QStringLiteral("Feedster"), buildFeedsterPage());
@@ -124,7 +123,7 @@ frmRechercher::frmRechercher(MainWindow &window, const SearchEndpoints &endpoint
     cmdRechercher->setDefault(true);
     connect(m_tstrPrinc, &TabControl::TabClick, this, &frmRechercher::changePics);
     connect(cmdRechercher, &QPushButton::clicked, this,
-            [this] { openSearchResult(m_window, *this, searchUrl(), m_tstrPrinc->selectedTab() == 3); });
+            [this] { openSearchResult(searchUrl(), m_tstrPrinc->selectedTab() == 3); });
     connect(cmdAnnuler, &QPushButton::clicked, this, &frmRechercher::reject);
 
     changePics(tab);
@@ -136,7 +135,7 @@ QWidget *frmRechercher::buildFeedsterPage()
     auto *grid = new QGridLayout(options);
     addOptions(*grid, 0, m_optTri, QStringLiteral("optTri"), {QStringLiteral("Date"), QStringLiteral("Pertinence")});
     grid->addWidget(label(QStringLiteral("Trier par :"), m_optTri[0]), 0, 0);
-    // Spelled so on purpose.
+    // Spelled as users know it.
     addOptions(*grid, 2, m_optCategory, QStringLiteral("optCategory"),
                {QStringLiteral("Partourt"), QStringLiteral("Sur les blogs seulement")});
     addResultCount(*grid, m_txtNbResult[0], 0);
@@ -222,14 +221,15 @@ QString frmRechercher::searchUrl() const
     }
 }
 
-void openSearchResult(MainWindow &window, frmRechercher &form, const QString &url, bool inBrowser)
+/// The way out of every search. What opens as a feed opens without credentials.
+void frmRechercher::openSearchResult(const QString &url, bool inBrowser)
 {
-    form.accept();
+    accept();
     if (inBrowser) {
-        window.navigate(url);
+        m_port.navigate(url);
         return;
     }
-    window.setAddressText(url);
-    window.setCredentials(QString(), QString());
-    window.LoadFile();
+    m_port.setAddressText(url);
+    m_port.setCredentials(QString(), QString());
+    m_port.LoadFile();
 }

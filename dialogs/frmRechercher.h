@@ -3,24 +3,36 @@
 #include "controls/DialogBase.h"
 #include "exchange/SearchEndpoints.h"
 
-#include <array>
+#include <QString>
 
-class MainWindow;
+#include <array>
+#include <functional>
+
 class QComboBox;
 class QLineEdit;
 class QRadioButton;
 class QWidget;
 class TabControl;
 
-/// Turns a few choices into one address of a search service and hands it to the main window.
+/// Turns a few choices into one address of a search service and hands it over.
 /// For one showing: construct, exec().
 class frmRechercher final : public DialogBase
 {
     Q_OBJECT
 
 public:
+    /// The ways out of a search.
+    struct Port
+    {
+        std::function<void(const QString &url)> navigate; ///< shows the page in the browser pane
+        std::function<void(const QString &text)> setAddressText;
+        /// Sets the credentials of the next download from the address box.
+        std::function<void(const QString &username, const QString &password)> setCredentials;
+        std::function<void()> LoadFile; ///< opens through the network what the address box holds
+    };
+
     /// `tab` is the tab to show at once: 1 Feedster, 2 DayPop, 3 the web.
-    frmRechercher(MainWindow &window, const SearchEndpoints &endpoints, int tab);
+    frmRechercher(QWidget *owner, Port port, const SearchEndpoints &endpoints, int tab);
 
     /// Shows the page of the tab with that index (1 to 3) and hides the others.
     void changePics(int index);
@@ -33,8 +45,9 @@ private:
     QWidget *buildDayPopPage();
     QWidget *buildWebPage();
     QString webUrl() const;
+    void openSearchResult(const QString &url, bool inBrowser);
 
-    MainWindow &m_window;
+    Port m_port;
     SearchEndpoints m_endpoints;
     TabControl *m_tstrPrinc = nullptr;
     std::array<QLineEdit *, 3> m_txtRecherche{};
@@ -46,7 +59,3 @@ private:
     QComboBox *m_cboWhere = nullptr;
     QComboBox *m_cboLangue = nullptr;
 };
-
-/// The way out of every search: closes `form`, then shows `url` in the browser pane, or opens it as a feed through the
-/// address box without credentials.
-void openSearchResult(MainWindow &window, frmRechercher &form, const QString &url, bool inBrowser);

@@ -1,10 +1,9 @@
 #include "dialogs/frmSendMail.h"
 
 #include "core/AppSettings.h"
-#include "core/MainWindow.h"
 #include "dialogs/DialogParts.h"
+#include "platform/MailSender.h"
 #include "platform/Messages.h"
-#include "platform/net/SmtpMail.h"
 
 #include <QCoreApplication>
 #include <QGridLayout>
@@ -14,13 +13,11 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 
-frmSendMail::frmSendMail(MainWindow &window, Messages &messages, const QString &body, Wait wait, MakeMail makeMail)
-    : DialogBase(QStringLiteral("Envoyer une news par mail"), window.frame()), m_window(window), m_messages(messages),
+frmSendMail::frmSendMail(QWidget *owner, const AppSettings &settings, Messages &messages, const QString &body,
+                         Wait wait, MakeMail makeMail)
+    : DialogBase(QStringLiteral("Envoyer une news par mail"), owner), m_settings(settings), m_messages(messages),
       m_wait(std::move(wait)), m_makeMail(std::move(makeMail))
 {
-    if (!m_makeMail)
-        m_makeMail = [](std::function<void()> keepAlive) { return std::make_unique<SmtpMail>(std::move(keepAlive)); };
-
     m_txtDestMail = DialogParts::lineEdit(QStringLiteral("txtDestMail"));
     m_txtDestName = DialogParts::lineEdit(QStringLiteral("txtDestName"));
     m_txtSujet = DialogParts::lineEdit(QStringLiteral("txtSujet"));
@@ -49,7 +46,7 @@ frmSendMail::frmSendMail(MainWindow &window, Messages &messages, const QString &
     m_cmdEnvoyer->setAutoDefault(false);
     m_cmdAnnuler->setAutoDefault(false);
     auto *buttons = new QHBoxLayout;
-    buttons->setSpacing(DialogParts::Edge);
+    buttons->setSpacing(DialogParts::edge);
     buttons->addWidget(m_lblEtat, 1);
     buttons->addWidget(m_cmdEnvoyer);
     buttons->addWidget(m_cmdAnnuler);
@@ -74,18 +71,18 @@ void frmSendMail::handleSend()
 
     // What the user types or clicks meanwhile waits until the attempt is over; the window is repainted.
     m_poSendMail = m_makeMail([] { QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents); });
-    connect(m_poSendMail.get(), &SmtpMail::SendSuccesful, this, &frmSendMail::poSendMail_SendSuccesful);
-    connect(m_poSendMail.get(), &SmtpMail::SendFailed, this, &frmSendMail::poSendMail_SendFailed);
+    connect(m_poSendMail.get(), &MailSender::SendSuccesful, this, &frmSendMail::poSendMail_SendSuccesful);
+    connect(m_poSendMail.get(), &MailSender::SendFailed, this, &frmSendMail::poSendMail_SendFailed);
 
-    const AppSettings &settings = m_window.settings();
-    m_poSendMail->setSmtpHost(settings.smtpServer);
-    m_poSendMail->setFrom(settings.fromMail);
-    m_poSendMail->setFromDisplayName(settings.fromName);
+    m_poSendMail->setSmtpHost(m_settings.smtpServer);
+    m_poSendMail->setFrom(m_settings.fromMail);
+    m_poSendMail->setFromDisplayName(m_settings.fromName);
     m_poSendMail->setRecipient(m_txtDestMail->text());
     m_poSendMail->setRecipientDisplayName(m_txtDestName->text());
     m_poSendMail->setSubject(m_txtSujet->text());
     m_poSendMail->setMessage(m_txtContent->toPlainText());
-    // The port of the settings isn't handed over; that is wanted.
+    // The port of the settings is only kept: mail goes by the mail object's own, which servers listen on whatever
+    // a user has put there.
     m_poSendMail->Send();
     m_poSendMail.reset();
 }

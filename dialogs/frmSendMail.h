@@ -6,13 +6,13 @@
 #include <functional>
 #include <memory>
 
-class MainWindow;
+class MailSender;
 class Messages;
 class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
 class QPushButton;
-class SmtpMail;
+struct AppSettings;
 
 /// Sends one item as a plain text mail. For one showing: construct, exec().
 class frmSendMail final : public DialogBase
@@ -21,11 +21,12 @@ class frmSendMail final : public DialogBase
 
 public:
     /// Makes the mail object of one send. `keepAlive` is to be called while it sends, so that the window is repainted.
-    using MakeMail = std::function<std::unique_ptr<SmtpMail>(std::function<void()> keepAlive)>;
+    using MakeMail = std::function<std::unique_ptr<MailSender>(std::function<void()> keepAlive)>;
 
     /// `body` is the text to begin with; zero characters are left out of it, as no text box and no mail can hold them.
-    /// `wait` is the pause after a sent mail; without `makeMail` a plain SmtpMail is made.
-    frmSendMail(MainWindow &window, Messages &messages, const QString &body, Wait wait, MakeMail makeMail = {});
+    /// `wait` is the pause after a sent mail. Server and sender come from `settings`.
+    frmSendMail(QWidget *owner, const AppSettings &settings, Messages &messages, const QString &body, Wait wait,
+                MakeMail makeMail);
     ~frmSendMail() override;
 
     /// What "Envoyer" does; returns when the attempt is over.
@@ -44,11 +45,11 @@ private:
     void poSendMail_SendSuccesful();
     void poSendMail_SendFailed(const QString &Explanation);
 
-    MainWindow &m_window;
+    const AppSettings &m_settings;
     Messages &m_messages;
     Wait m_wait;
     MakeMail m_makeMail;
-    std::unique_ptr<SmtpMail> m_poSendMail;
+    std::unique_ptr<MailSender> m_poSendMail;
     QLineEdit *m_txtDestMail = nullptr;
     QLineEdit *m_txtDestName = nullptr;
     QLineEdit *m_txtSujet = nullptr;

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "core/DataDirectory.h"
+#include "core/FeedTree.h"
 #include "dialogs/HelpSystem.h"
-#include "dialogs/frmImport.h"
 #include "dialogs/frmOptions.h"
+#include "exchange/ImportRun.h"
 #include "platform/Waiting.h"
 
 #include <QString>
@@ -10,26 +12,45 @@
 #include <functional>
 #include <memory>
 
-class MainWindow;
+class Downloader;
 class Messages;
+class QWidget;
+class clsDES;
+struct AppSettings;
+struct CurrentFeed;
+struct FeedTables;
 
 /// Opens the dialogs of the program, each made for one modal showing over the main window.
 class Dialogs
 {
 public:
-    /// What the dialogs need besides the main window. Nothing is owned.
-    struct Outside
+    /// What the dialogs work with. Nothing is owned, all functions must be set.
+    struct Needs
     {
+        QWidget *frame; ///< the window that they lie over
         Messages &messages;
-        Wait wait;
-        frmImport::MakeDownloader makeDownloader;
-        frmOptions::RunAtStartup runAtStartup;
+        DataDirectory directory;
+        AppSettings &settings;
+        CurrentFeed &current;
+        FeedTables &tables;
+        clsDES &cipher;
+        std::function<FeedNodePtr()> selectedNode; ///< of the feed tree; null when nothing is selected
+
+        // The address box, and where addresses go.
+        std::function<QString()> addressText;
+        std::function<void(const QString &text)> setAddressText;
+        std::function<void()> LoadFile; ///< opens through the network what the address box holds
+        std::function<void(const QString &url)> navigate;
+        std::function<void(const QString &url)> openInSystemBrowser;
+
+        ImportRun::AddFeed AddFeed;
+        std::function<std::unique_ptr<Downloader>()> makeDownloader;
         std::function<std::unique_ptr<HelpSystem>()> makeHelp; ///< called for the first request
-        QString searchEndpointsFile;                           ///< see SearchEndpoints::configured()
-        QString helpFile;                                      ///< the application's help file
+        frmOptions::RunAtStartup runAtStartup;
+        Wait wait;
     };
 
-    Dialogs(MainWindow &window, Outside outside);
+    explicit Dialogs(Needs needs);
 
     void showOptions();
     void showSearchDialog(int tab);
@@ -37,12 +58,16 @@ public:
     void showExport();
     void showHelp();
     void showAbout();
+
+    /// Does nothing when no feed is loaded. Throws as frmProprietes::fillFrom().
     void showFeedProperties();
+
     void showMailDialog(const QString &text);
     void showAuthentication();
 
 private:
-    MainWindow &m_window;
-    Outside m_outside;
+    void setCredentials(const QString &username, const QString &password);
+
+    Needs m_needs;
     std::unique_ptr<HelpSystem> m_help;
 };

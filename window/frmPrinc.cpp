@@ -32,9 +32,7 @@ const QString statePanel = QStringLiteral("state");
 
 frmPrinc::frmPrinc(Surroundings surroundings)
     : m_s(std::move(surroundings)), m_catalogue(m_s.directory, m_tree, m_DESCrypt, m_s.clock),
-      m_dwlFeed(m_s.makeDownloader()), m_dwlUpdate(m_s.makeDownloader()),
-      m_dialogs(*this, {m_s.messages, m_s.wait, m_s.makeDownloader, m_s.runAtStartup, m_s.makeHelp,
-                        dataFile(QStringLiteral("search-endpoints.ini")), dataFile(QStringLiteral("Quillwire.chm"))}),
+      m_dwlFeed(m_s.makeDownloader()), m_dwlUpdate(m_s.makeDownloader()), m_dialogs(dialogNeeds()),
       tbrMenu(new cToolbar(this)), cToolbar1(new cToolbar(this)), cToolbar2(new cToolbar(this)),
       fraToolbar(new AddressBand(this)), tvwFavoris(new FeedTreeView(m_tree, ImageLists::vbalImageList1(), this)),
       picHorizontalSplit(new SplitBar(
@@ -63,7 +61,7 @@ frmPrinc::frmPrinc(Surroundings surroundings)
       m_scheduler({m_s.directory, m_tree, m_catalogue.tables, m_current, m_s.settings, m_DESCrypt, *m_dwlUpdate,
                    m_windowForEngine, m_s.isConnected, m_s.clock, m_s.wait}),
       m_treeCommands({m_tree, m_catalogue, m_opener, m_current, *tvwFavoris, *cToolbar1, m_menus.mnuTreeView,
-                      m_windowForEngine, m_s.messages, m_s.inputBox, dataFile(homePage)}),
+                      m_windowForEngine, m_s.messages, m_s.inputBox, m_s.directory.file(homePage)}),
       m_server(m_s.runtimeDirectory)
 {
     setWindowTitle(QStringLiteral("Quillwire"));
@@ -73,12 +71,35 @@ frmPrinc::frmPrinc(Surroundings surroundings)
 
 frmPrinc::~frmPrinc() = default;
 
+Dialogs::Needs frmPrinc::dialogNeeds()
+{
+    return {
+        .frame = this,
+        .messages = m_s.messages,
+        .directory = m_s.directory,
+        .settings = m_s.settings,
+        .current = m_current,
+        .tables = m_catalogue.tables,
+        .cipher = m_DESCrypt,
+        .selectedNode = [this] { return m_tree.selected(); },
+        .addressText = [this] { return addressText(); },
+        .setAddressText = [this](const QString &text) { setAddressText(text); },
+        .LoadFile = [this] { LoadFile(); },
+        .navigate = [this](const QString &url) { navigate(url); },
+        .openInSystemBrowser = [this](const QString &url) { openInSystemBrowser(url); },
+        .AddFeed = [this](const std::shared_ptr<CachedFeed> &document, const QString &url) { AddFeed(document, url); },
+        .makeDownloader = m_s.makeDownloader,
+        .makeHelp = m_s.makeHelp,
+        .runAtStartup = m_s.runAtStartup,
+        .wait = m_s.wait};
+}
+
 void frmPrinc::load(const QString &commandLine)
 {
     buildFrame();
     connectPanes();
     addCommands();
-    navigate(dataFile(homePage));
+    navigate(m_s.directory.file(homePage));
     m_catalogue.loadCatalogue();
     showTrayIcon(true);
     connect(&m_server, &InstanceServer::textReceived, this, &frmPrinc::handleHandOver);
@@ -391,7 +412,7 @@ void frmPrinc::showFeedProperties()
     m_dialogs.showFeedProperties();
 }
 
-// --- MainWindow
+// --- What dialogs and panes ask for
 
 void frmPrinc::AddFeed(const std::shared_ptr<CachedFeed> &document, const QString &strURL)
 {
@@ -427,10 +448,4 @@ QString frmPrinc::addressText() const
 void frmPrinc::setAddressText(const QString &text)
 {
     fraToolbar->txtURL().setText(text);
-}
-
-void frmPrinc::setCredentials(const QString &username, const QString &password)
-{
-    m_current.strUsername = username;
-    m_current.strPassword = password;
 }

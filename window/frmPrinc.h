@@ -1,7 +1,6 @@
 #pragma once
 
 #include "core/FeedCatalogue.h"
-#include "core/MainWindow.h"
 #include "core/SettingsFile.h"
 #include "engine/CurrentFeed.h"
 #include "engine/FeedOpener.h"
@@ -41,7 +40,7 @@ class frmUpdate;
 
 /// The main window: it lives from start to end, owns all panes, menus and the feed on show, and connects them. The
 /// process ends when it is unloaded.
-class frmPrinc final : public QWidget, public MainWindow
+class frmPrinc final : public QWidget
 {
     Q_OBJECT
 
@@ -114,22 +113,29 @@ public:
     void updateAllFeeds();
     void showFeedProperties();
 
-    // MainWindow
-    void AddFeed(const std::shared_ptr<CachedFeed> &document, const QString &strURL) override;
-    void LoadFile() override;
-    void navigate(const QString &url) override;
-    void openInSystemBrowser(const QString &url) override;
-    QString addressText() const override;
-    void setAddressText(const QString &text) override;
-    void setCredentials(const QString &username, const QString &password) override;
-    std::shared_ptr<CachedFeed> currentFeed() const override { return m_current.document; }
-    bool addressFeedShown() const override { return m_current.addressFeedShown; }
-    FeedTables &feedTables() override { return m_catalogue.tables; }
-    FeedTree &feedTree() override { return m_tree; }
-    clsDES &cipher() override { return m_DESCrypt; }
-    AppSettings &settings() override { return m_s.settings; }
-    QString dataFile(const QString &name) const override { return m_s.directory.file(name); }
-    QWidget *frame() override { return this; }
+    /// Subscribes to `document` at the address `strURL`; "" stands for the text of the address box. With no document
+    /// the feed on show is meant, if it was opened by address; otherwise nothing happens. The tree's selection decides
+    /// the folder. A document given becomes the one on show.
+    void AddFeed(const std::shared_ptr<CachedFeed> &document, const QString &strURL);
+
+    /// Opens through the network what the address box holds, with the credentials.
+    void LoadFile();
+
+    /// Shows `url` in the browser pane.
+    void navigate(const QString &url);
+
+    /// Hands `url` to the system's browser.
+    void openInSystemBrowser(const QString &url);
+
+    /// The text of the address box `txtURL`.
+    QString addressText() const;
+    void setAddressText(const QString &text);
+
+    /// True when the feed on show came from the address box: it is unsubscribed.
+    bool addressFeedShown() const { return m_current.addressFeedShown; }
+
+    FeedTables &feedTables() { return m_catalogue.tables; }
+    FeedTree &feedTree() { return m_tree; }
 
 Q_SIGNALS:
     /// Everything is saved; the process can end.
@@ -141,6 +147,7 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
+    Dialogs::Needs dialogNeeds();
     void buildFrame();
     void buildStatusBar();
     void placeProgressBar();

@@ -153,7 +153,7 @@ QByteArray newMessageId(const QByteArray &sender)
 } // namespace
 
 SmtpMail::SmtpMail(std::function<void()> keepAlive, QObject *parent)
-    : QObject(parent), m_keepAlive(std::move(keepAlive))
+    : MailSender(parent), m_keepAlive(std::move(keepAlive))
 {
     static const CURLcode initialised = curl_global_init(CURL_GLOBAL_DEFAULT);
     Q_UNUSED(initialised);

@@ -1,4 +1,5 @@
-#include "exchange/SearchEndpoints.h"
+#include "core/AppSettings.h"
+#include "core/FeedTables.h"
 #include "dialogs/frmAbout.h"
 #include "dialogs/frmAuthentification.h"
 #include "dialogs/frmExport.h"
@@ -7,8 +8,12 @@
 #include "dialogs/frmProprietes.h"
 #include "dialogs/frmRechercher.h"
 #include "dialogs/frmSendMail.h"
+#include "engine/feed/CachedFeed.h"
+#include "exchange/ImportRun.h"
+#include "exchange/OpmlDownload.h"
+#include "platform/MailSender.h"
+#include "support/clsDES.h"
 #include "tests/fixtures/FakeDownloader.h"
-#include "tests/fixtures/FakeMainWindow.h"
 #include "tests/fixtures/FakeMessages.h"
 
 #include <QAbstractButton>
@@ -49,14 +54,18 @@ private:
     void checkTexts(const QWidget &dialog) const;
 
     QFont m_font = QApplication::font();
-    std::unique_ptr<FakeMainWindow> m_window;
+    QWidget m_window;
+    AppSettings m_settings;
+    FeedTables m_tables;
+    clsDES m_cipher;
     FakeMessages m_messages;
+    OpmlDownload m_download{std::make_unique<FakeDownloader>(), QString()};
+    ImportRun m_run{std::make_unique<FakeDownloader>(), QString(), {}, {}};
 };
 
 void DialogLayoutTest::init()
 {
-    m_window = std::make_unique<FakeMainWindow>();
-    m_window->appSettings.startMode = QStringLiteral("Minimisé");
+    m_settings.startMode = QStringLiteral("Minimisé");
 }
 
 void DialogLayoutTest::cleanup()
@@ -66,26 +75,27 @@ void DialogLayoutTest::cleanup()
 
 std::unique_ptr<QDialog> DialogLayoutTest::make(const QString &name)
 {
-    FakeMainWindow &window = *m_window;
+    QWidget *const window = &m_window;
     if (name == QStringLiteral("frmImport"))
-        return std::make_unique<frmImport>(
-            window, m_messages, [] { return std::make_unique<FakeDownloader>(); }, [](int) {});
+        return std::make_unique<frmImport>(window, m_messages, m_download, m_run);
     if (name == QStringLiteral("frmExport"))
-        return std::make_unique<frmExport>(window);
+        return std::make_unique<frmExport>(window, QString());
     if (name == QStringLiteral("frmRechercher"))
-        return std::make_unique<frmRechercher>(window, SearchEndpoints(), 1);
+        return std::make_unique<frmRechercher>(window, frmRechercher::Port(), SearchEndpoints(), 1);
     if (name == QStringLiteral("frmProprietes")) {
-        auto form = std::make_unique<frmProprietes>(window);
+        auto form = std::make_unique<frmProprietes>(
+            window, frmProprietes::Port{std::make_shared<CachedFeed>(), false, {}, {}, m_tables, m_cipher});
         form->addAuthentication();
         return form;
     }
     if (name == QStringLiteral("frmOptions"))
-        return std::make_unique<frmOptions>(window, frmOptions::RunAtStartup{[] { return 2; }, [](int) {}});
+        return std::make_unique<frmOptions>(window, m_settings, frmOptions::RunAtStartup{[] { return 2; }, [](int) {}});
     if (name == QStringLiteral("frmSendMail"))
-        return std::make_unique<frmSendMail>(window, m_messages, QStringLiteral("x"), [](int) {});
+        return std::make_unique<frmSendMail>(window, m_settings, m_messages, QStringLiteral("x"), Wait(),
+                                             frmSendMail::MakeMail());
     if (name == QStringLiteral("frmAuthentification"))
-        return std::make_unique<frmAuthentification>(window);
-    return std::make_unique<frmAbout>(window);
+        return std::make_unique<frmAuthentification>(window, frmAuthentification::Port());
+    return std::make_unique<frmAbout>(window, frmAbout::OpenInSystemBrowser());
 }
 
 /// Every label and button on show has the room that it asks for, and lies within its dialog.

@@ -1,7 +1,6 @@
 #include "dialogs/CHelp.h"
 #include "dialogs/frmAbout.h"
 #include "dialogs/frmAuthentification.h"
-#include "tests/fixtures/FakeMainWindow.h"
 
 #include <QLabel>
 #include <QLineEdit>
@@ -44,10 +43,13 @@ class SmallDialogsTest : public QObject
 private Q_SLOTS:
     void credentialsGoToTheWindowWhichLoadsAgainUnlessCancelled()
     {
-        FakeMainWindow window;
-        window.address = QStringLiteral("http://h/");
+        QWidget window;
+        QStringList log;
+        const frmAuthentification::Port port{
+            [&](const QString &name, const QString &secret) { log += name + u':' + secret; },
+            [&] { log += QStringLiteral("LoadFile"); }};
         for (const bool cancel : {true, false}) {
-            frmAuthentification form(window);
+            frmAuthentification form(&window, port);
             form.show();
             find<QLineEdit>(form, "txtUsername")->setText(QStringLiteral("moi"));
             find<QLineEdit>(form, "txtPassword")->setText(QStringLiteral("mot de passe"));
@@ -56,25 +58,24 @@ private Q_SLOTS:
             else
                 QTest::keyClick(find<QLineEdit>(form, "txtPassword"), Qt::Key_Return);
             QVERIFY(!form.isVisible());
-            QCOMPARE(window.log.isEmpty(), cancel);
+            QCOMPARE(log.isEmpty(), cancel);
         }
-        QCOMPARE(window.log, QStringList{QStringLiteral("LoadFile http://h/ [moi:mot de passe]")});
+        QCOMPARE(log, (QStringList{QStringLiteral("moi:mot de passe"), QStringLiteral("LoadFile")}));
     }
 
     void theAboutBoxLeadsToTheMakersPages()
     {
-        FakeMainWindow window;
-        frmAbout form(window);
+        QWidget window;
+        QStringList log;
+        frmAbout form(&window, [&](const QString &url) { log += url; });
         QCOMPARE(find<QLabel>(form, "lblVersion")->text(), QStringLiteral("Version: 3.1.0"));
         QCOMPARE(find<QPushButton>(form, "lblProduct")->text(), QStringLiteral("Page web de Quillwire"));
         QCOMPARE(find<QPushButton>(form, "lblVersionUpdate")->text(), QStringLiteral("Information de mise à jour"));
         for (const char *const name : {"lblURL", "lblProduct", "lblVersionUpdate"})
             find<QPushButton>(form, name)->click();
         const QString site = find<QPushButton>(form, "lblURL")->text().chopped(1);
-        QCOMPARE(window.log, (QStringList{QStringLiteral("browser ") + site + u'/',
-                                          QStringLiteral("browser ") + site + QStringLiteral("/prog/Quillwire/"),
-                                          QStringLiteral("browser ") + site +
-                                              QStringLiteral("/prog/Quillwire/update.php?version=3.0.4")}));
+        QCOMPARE(log, (QStringList{site + u'/', site + QStringLiteral("/prog/Quillwire/"),
+                                   site + QStringLiteral("/prog/Quillwire/update.php?version=3.0.4")}));
     }
 
     void theHelpFormsItsFourRequests()

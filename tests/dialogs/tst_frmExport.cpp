@@ -1,8 +1,7 @@
 #include "dialogs/frmExport.h"
-#include "tests/fixtures/FakeMainWindow.h"
+#include "tests/fixtures/TemporaryDataDirectory.h"
 
 #include <QCheckBox>
-#include <QFile>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
@@ -15,10 +14,11 @@ private Q_SLOTS:
     void init()
     {
         m_form.reset();
-        m_window = std::make_unique<FakeMainWindow>();
-        m_window->data.write(QStringLiteral("feeds.xml"), "<favoris><dir name=\"D\"/></favoris>");
+        m_data = std::make_unique<TemporaryDataDirectory>();
+        m_data->write(QStringLiteral("feeds.xml"), "<favoris><dir name=\"D\"/></favoris>");
         m_answer = target();
-        m_form = std::make_unique<frmExport>(*m_window, [this] { return m_answer; });
+        m_form = std::make_unique<frmExport>(&m_window, m_data->file(QStringLiteral("feeds.xml")),
+                                             [this] { return m_answer; });
         box("txtNom")->setText(QStringLiteral("Camille"));
         m_form->show();
     }
@@ -30,7 +30,7 @@ private Q_SLOTS:
         m_form->findChild<QCheckBox *>(QStringLiteral("chkStructure"))->setChecked(true);
         press("cmdExporter");
         QVERIFY(!m_form->isVisible());
-        const QByteArray bytes = m_window->data.read(QStringLiteral("out.opml"));
+        const QByteArray bytes = m_data->read(QStringLiteral("out.opml"));
         for (const char *const line : {"<title>T<", "<ownerName>Camille<", "<ownerEmail>c@h<", "<outline text=\"D\" >"})
             QVERIFY2(bytes.contains(line), line);
     }
@@ -47,22 +47,23 @@ private Q_SLOTS:
     {
         QFETCH(bool, cancelled);
         QFETCH(QByteArray, catalogue);
-        m_window->data.write(QStringLiteral("feeds.xml"), catalogue);
+        m_data->write(QStringLiteral("feeds.xml"), catalogue);
         if (cancelled)
             m_answer.clear();
         box("txtTitre")->setText(QStringLiteral("T"));
         press("cmdExporter");
         QVERIFY(m_form->isVisible());
         QCOMPARE(box("txtTitre")->text(), QStringLiteral("T"));
-        QVERIFY(!m_window->data.exists(QStringLiteral("out.opml")));
+        QVERIFY(!m_data->exists(QStringLiteral("out.opml")));
     }
 
 private:
-    QString target() const { return m_window->dataFile(QStringLiteral("out.opml")); }
+    QString target() const { return m_data->file(QStringLiteral("out.opml")); }
     QLineEdit *box(const char *name) const { return m_form->findChild<QLineEdit *>(QString::fromLatin1(name)); }
     void press(const char *name) const { m_form->findChild<QPushButton *>(QString::fromLatin1(name))->click(); }
 
-    std::unique_ptr<FakeMainWindow> m_window;
+    std::unique_ptr<TemporaryDataDirectory> m_data;
+    QWidget m_window;
     QString m_answer;
     std::unique_ptr<frmExport> m_form;
 };

@@ -1,10 +1,12 @@
 #include "dialogs/frmImport.h"
+#include "engine/feed/CachedFeed.h"
+#include "exchange/ImportRun.h"
+#include "exchange/OpmlDownload.h"
 #include "platform/RunTimeError.h"
 #include "tests/fixtures/FakeDownloader.h"
-#include "tests/fixtures/FakeMainWindow.h"
 #include "tests/fixtures/FakeMessages.h"
 #include "tests/fixtures/FeedTexts.h"
-#include "tests/fixtures/LocalHttpServer.h"
+#include "tests/fixtures/TemporaryDataDirectory.h"
 
 #include <QCheckBox>
 #include <QLabel>
@@ -14,7 +16,6 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTest>
-#include <QTimer>
 #include <QTreeWidget>
 
 namespace {
@@ -43,21 +44,21 @@ private Q_SLOTS:
     void init()
     {
         m_form.reset();
-        m_window = std::make_unique<FakeMainWindow>();
         m_messages = std::make_unique<FakeMessages>();
         m_downloaders.clear();
+        m_added.clear();
         m_passes = 0;
         m_onPass = [this](int) { m_downloaders[1]->answer(); };
-        const auto make = [this] {
+        const auto downloader = [this] {
             auto made = std::make_unique<FakeDownloader>();
             m_downloaders.push_back(made.get());
             return made;
         };
-        const auto wait = [this](int milliseconds) {
-            QCOMPARE(milliseconds, 100);
-            m_onPass(++m_passes);
-        };
-        m_form = std::make_unique<frmImport>(*m_window, *m_messages, make, wait, [] { return QString(); });
+        m_download = std::make_unique<OpmlDownload>(downloader(), m_data.file(QStringLiteral("tmp.opml")));
+        m_run = std::make_unique<ImportRun>(
+            downloader(), m_data.file(QStringLiteral("tmp.xml")), [this](int) { m_onPass(++m_passes); },
+            [this](const std::shared_ptr<CachedFeed> &document, const QString &) { m_added += document->Title(); });
+        m_form = std::make_unique<frmImport>(&m_window, *m_messages, *m_download, *m_run, [] { return QString(); });
         m_form->show();
     }
 
@@ -65,7 +66,7 @@ private Q_SLOTS:
 
     void aFileThatDoesNotLoadIsNamedAndThePageStays()
     {
-        const QString path = m_window->dataFile(QStringLiteral("in.opml"));
+        const QString path = m_data.file(QStringLiteral("in.opml"));
         open("Bonjour");
         QCOMPARE(m_messages->shown.size(), 1U);
         QCOMPARE(m_messages->shown[0].text, QStringLiteral("Le fichier %1 est incorrect").arg(path));
@@ -113,7 +114,7 @@ private Q_SLOTS:
         press("cmdSuivant");
         m_downloaders[0]->finish(status, "no XML");
         if (status == 200) // the temporary file is named, not the address
-            text = QStringLiteral("Le fichier %1 est incorrect").arg(m_window->dataFile(QStringLiteral("tmp.opml")));
+            text = QStringLiteral("Le fichier %1 est incorrect").arg(m_data.file(QStringLiteral("tmp.opml")));
         QCOMPARE(m_messages->shown.size(), 1U);
         QCOMPARE(m_messages->shown[0].text, text);
         QCOMPARE(m_messages->shown[0].title, title);
@@ -184,14 +185,15 @@ private Q_SLOTS:
         QCOMPARE(progressAfterRun(), 50);
     }
 
-    void theRunFetchesTickedFeedsOneByOne()
+    void theRunShowsWhatItFetchesAndCloses()
     {
-        open(opml(outlines(5)));
-        for (const int row : {0, 2, 3, 4})
-            tick(row);
-        m_downloaders[1]->pages[QStringLiteral("http://h/0")] = FeedTexts::rss(QStringLiteral("Zero"), {});
-        m_downloaders[1]->pages[QStringLiteral("http://h/2")] = "<html/>";
-        m_downloaders[1]->pages[QStringLiteral("http://h/4")] = FeedTexts::rss(QStringLiteral("Four"), {});
+        find<QRadioButton>("optSource_1")->setChecked(true);
+        press("cmdSuivant");
+        press("cmdSuivant");
+        m_downloaders[0]->finish(200, opml(outlines(3)));
+        tick(0);
+        tick(2);
+        m_downloaders[1]->pages[QStringLiteral("http://h/2")] = FeedTexts::rss(QStringLiteral("Two"), {});
         QStringList labels;
         m_onPass = [&](int) {
             QVERIFY(shown("fraImportation") && shown("cmdCanceller"));
@@ -200,50 +202,22 @@ private Q_SLOTS:
             m_downloaders[1]->answer();
         };
         press("cmdTerminer");
-        QCOMPARE(labels.join(u'|'), QStringLiteral("Téléchargement de Flux 0|Téléchargement de Flux 2|"
-                                                   "Téléchargement de Flux 3|Téléchargement de Flux 4"));
-        const QList<QPair<QString, QString>> expected{{QStringLiteral("Zero"), QStringLiteral("http://h/0")},
-                                                      {QStringLiteral("Four"), QStringLiteral("http://h/4")}};
-        QCOMPARE(m_window->added, expected);
+        QCOMPARE(labels.join(u'|'), QStringLiteral("Téléchargement de Flux 0|Téléchargement de Flux 2"));
+        QCOMPARE(m_added, QStringList{QStringLiteral("Two")});
         QVERIFY(m_messages->shown.empty()); // failures are silent
-        QCOMPARE(m_downloaders[1]->requests[0].destination, m_window->dataFile(QStringLiteral("tmp.xml")));
         QCOMPARE(find<QProgressBar>("vbalProgressBar1")->value(), 100);
+        QCOMPARE(m_form->result(), int(QDialog::Accepted));
         QVERIFY(!m_form->isVisible());
     }
 
-    void aFeedThatStallsIsGivenUpAfterAHundredPasses()
-    {
-        open(opml(outlines(2)));
-        tick(0);
-        tick(1);
-        m_downloaders[1]->pages[QStringLiteral("http://h/1")] = FeedTexts::rss(QStringLiteral("One"), {});
-        m_onPass = [&](int pass) {
-            if (pass == 100)
-                QCOMPARE(m_downloaders[1]->requests.size(), 1U);
-            if (pass > 100)
-                m_downloaders[1]->answer();
-        };
-        press("cmdTerminer");
-        QCOMPARE(m_passes, 101);
-        QCOMPARE(m_window->added.size(), 1);
-        QVERIFY(!m_form->isVisible());
-    }
-
-    void cancellingTheRunKeepsWhatWasAdded()
+    void cancellingTheRunCloses()
     {
         open(opml(outlines(3)));
         find<QCheckBox>("chkCkeckAll")->setChecked(true);
-        m_downloaders[1]->pages[QStringLiteral("http://h/0")] = FeedTexts::rss(QStringLiteral("Zero"), {});
-        m_onPass = [&](int pass) {
-            if (pass == 1)
-                m_downloaders[1]->answer();
-            else
-                press("cmdCanceller");
-        };
+        m_onPass = [&](int) { press("cmdCanceller"); };
         press("cmdTerminer");
-        QCOMPARE(m_downloaders[1]->requests.size(), 2U);
+        QCOMPARE(m_downloaders[1]->requests.size(), 1U);
         QVERIFY(!m_downloaders[1]->isRunning());
-        QCOMPARE(m_window->added.size(), 1);
         QCOMPARE(m_form->result(), int(QDialog::Rejected));
         QVERIFY(!m_form->isVisible());
     }
@@ -267,34 +241,6 @@ private Q_SLOTS:
         QVERIFY(!m_form->isVisible());
     }
 
-    void aRunGoesThroughARealServer()
-    {
-        LocalHttpServer server;
-        server.setBody(QStringLiteral("/a.xml"), FeedTexts::rss(QStringLiteral("A"), {QStringLiteral("one")}));
-        const QByteArray addresses[]{server.url(QStringLiteral("/a.xml")).toUtf8(),
-                                     server.url(QStringLiteral("/none.xml")).toUtf8()};
-        server.setBody(QStringLiteral("/list.opml"), opml("<outline text=\"A\" xmlUrl=\"" + addresses[0] +
-                                                          "\"/><outline text=\"B\" xmlUrl=\"" + addresses[1] + "\"/>"));
-        m_form = std::make_unique<frmImport>(
-            *m_window, *m_messages, [] { return std::make_unique<Downloader>(); }, Waiting::eventLoopWait());
-        // The user at the buttons, while the dialog runs modally.
-        QTimer::singleShot(0, m_form.get(), [&] {
-            find<QRadioButton>("optSource_1")->setChecked(true);
-            press("cmdSuivant");
-            find<QLineEdit>("txtURL")->setText(server.url(QStringLiteral("/list.opml")));
-            press("cmdSuivant");
-            QTRY_VERIFY(shown("fraWizard_3"));
-            find<QCheckBox>("chkCkeckAll")->setChecked(true);
-            press("cmdTerminer");
-        });
-        QCOMPARE(m_form->exec(), int(QDialog::Accepted));
-        QCOMPARE(m_window->added.size(), 1);
-        QCOMPARE(m_window->added[0].second, server.url(QStringLiteral("/a.xml")));
-        QCOMPARE(server.hits(QStringLiteral("/none.xml")), 1);
-        QVERIFY(m_window->data.exists(QStringLiteral("tmp.opml")));
-        QVERIFY(m_messages->shown.empty());
-    }
-
 private:
     template <class Widget>
     Widget *find(const char *name) const
@@ -311,9 +257,9 @@ private:
     /// Goes to the list page with that document as file.
     void open(const QByteArray &bytes)
     {
-        m_window->data.write(QStringLiteral("in.opml"), bytes);
+        m_data.write(QStringLiteral("in.opml"), bytes);
         press("cmdSuivant");
-        find<QLineEdit>("txtOPMLPath")->setText(m_window->dataFile(QStringLiteral("in.opml")));
+        find<QLineEdit>("txtOPMLPath")->setText(m_data.file(QStringLiteral("in.opml")));
         m_form->handleNext();
     }
 
@@ -331,9 +277,13 @@ private:
         return first;
     }
 
-    std::unique_ptr<FakeMainWindow> m_window;
+    TemporaryDataDirectory m_data;
+    QWidget m_window;
     std::unique_ptr<FakeMessages> m_messages;
-    std::vector<FakeDownloader *> m_downloaders;
+    std::vector<FakeDownloader *> m_downloaders; ///< of the list, of the feeds
+    QStringList m_added;                         ///< the titles
+    std::unique_ptr<OpmlDownload> m_download;
+    std::unique_ptr<ImportRun> m_run;
     std::function<void(int pass)> m_onPass;
     int m_passes = 0;
     std::unique_ptr<frmImport> m_form;

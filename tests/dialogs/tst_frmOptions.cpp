@@ -1,6 +1,6 @@
+#include "core/AppSettings.h"
 #include "dialogs/frmOptions.h"
 #include "platform/RunTimeError.h"
-#include "tests/fixtures/FakeMainWindow.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -17,17 +17,16 @@ class OptionsTest : public QObject
 private Q_SLOTS:
     void init()
     {
-        m_window = std::make_unique<FakeMainWindow>();
-        m_settings = &m_window->appSettings;
-        m_settings->startMode = QStringLiteral("Minimisé");
-        m_settings->updateAtStart = true;
-        m_settings->notifyNew = true;
-        m_settings->soundPath = QStringLiteral("/son.wav");
-        m_settings->readDelay = 60000;
-        m_settings->smtpServer = QStringLiteral("smtp.h");
-        m_settings->smtpPort = 2525;
-        m_settings->fromMail = QStringLiteral("a@h");
-        m_settings->fromName = QStringLiteral("A");
+        m_settings = {};
+        m_settings.startMode = QStringLiteral("Minimisé");
+        m_settings.updateAtStart = true;
+        m_settings.notifyNew = true;
+        m_settings.soundPath = QStringLiteral("/son.wav");
+        m_settings.readDelay = 60000;
+        m_settings.smtpServer = QStringLiteral("smtp.h");
+        m_settings.smtpPort = 2525;
+        m_settings.fromMail = QStringLiteral("a@h");
+        m_settings.fromName = QStringLiteral("A");
         m_entry = 0;
         open();
     }
@@ -49,7 +48,7 @@ private Q_SLOTS:
         QFETCH(int, delay);
         QFETCH(QString, text);
         QFETCH(bool, never);
-        m_settings->readDelay = delay;
+        m_settings.readDelay = delay;
         open();
         QCOMPARE(box("txtRead")->text(), text);
         QCOMPARE(check("chkNoRead")->isChecked(), never);
@@ -58,10 +57,10 @@ private Q_SLOTS:
 
     void whatCannotBeShownFailsAtOpening()
     {
-        m_settings->startMode = QStringLiteral("Normal");
+        m_settings.startMode = QStringLiteral("Normal");
         QVERIFY_EXCEPTION_THROWN(open(), RunTimeError);
-        m_settings->startMode = QStringLiteral("Plein écran");
-        m_settings->readDelay = std::numeric_limits<qint32>::min();
+        m_settings.startMode = QStringLiteral("Plein écran");
+        m_settings.readDelay = std::numeric_limits<qint32>::min();
         QVERIFY_EXCEPTION_THROWN(open(), RunTimeError);
     }
 
@@ -132,11 +131,11 @@ private Q_SLOTS:
         box("txtFromMail")->setText(QStringLiteral("b@h"));
         box("txtFromName")->setText(QStringLiteral("B"));
         apply()->click();
-        QVERIFY(!m_settings->notifyNew && !m_settings->updateAtStart);
-        QCOMPARE(m_settings->soundPath, QStringLiteral("/autre.wav"));
-        QCOMPARE(m_settings->startMode, QStringLiteral("Plein écran"));
-        QCOMPARE(m_settings->smtpServer + m_settings->fromMail + m_settings->fromName, QStringLiteral("s2b@hB"));
-        QCOMPARE(m_settings->smtpPort, qint16(587));
+        QVERIFY(!m_settings.notifyNew && !m_settings.updateAtStart);
+        QCOMPARE(m_settings.soundPath, QStringLiteral("/autre.wav"));
+        QCOMPARE(m_settings.startMode, QStringLiteral("Plein écran"));
+        QCOMPARE(m_settings.smtpServer + m_settings.fromMail + m_settings.fromName, QStringLiteral("s2b@hB"));
+        QCOMPARE(m_settings.smtpPort, qint16(587));
         QCOMPARE(m_entry, 2);
         QVERIFY(m_form->isVisible());
     }
@@ -166,7 +165,7 @@ private Q_SLOTS:
             return;
         }
         m_form->handleApply();
-        QCOMPARE(m_settings->readDelay, delay);
+        QCOMPARE(m_settings.readDelay, delay);
         box("txtSMTPPort")->setText(QStringLiteral("32768"));
         QVERIFY_EXCEPTION_THROWN(m_form->handleApply(), RunTimeError);
     }
@@ -191,7 +190,8 @@ private:
     void open()
     {
         m_form = std::make_unique<frmOptions>(
-            *m_window, frmOptions::RunAtStartup{[this] { return m_entry; }, [this](int state) { m_entry = state; }},
+            &m_window, m_settings,
+            frmOptions::RunAtStartup{[this] { return m_entry; }, [this](int state) { m_entry = state; }},
             [] { return QString(); });
         m_form->show();
     }
@@ -201,8 +201,8 @@ private:
     QComboBox *mode() const { return m_form->findChild<QComboBox *>(QStringLiteral("cmbMode")); }
     QPushButton *apply() const { return m_form->findChild<QPushButton *>(QStringLiteral("cmdAppliquer")); }
 
-    std::unique_ptr<FakeMainWindow> m_window;
-    AppSettings *m_settings = nullptr;
+    QWidget m_window;
+    AppSettings m_settings;
     int m_entry = 0;
     std::unique_ptr<frmOptions> m_form;
 };

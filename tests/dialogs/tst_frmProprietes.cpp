@@ -1,8 +1,11 @@
 #include "controls/TabControl.h"
 #include "core/FeedCatalogue.h"
+#include "core/FeedTables.h"
 #include "dialogs/frmProprietes.h"
+#include "engine/feed/CachedFeed.h"
 #include "platform/RunTimeError.h"
-#include "tests/fixtures/FakeMainWindow.h"
+#include "support/clsDES.h"
+#include "tests/fixtures/TemporaryDataDirectory.h"
 
 #include <QCheckBox>
 #include <QLineEdit>
@@ -19,6 +22,27 @@ const QByteArray Feed =
     "<managingEditor>ed</managingEditor><webMaster>wm</webMaster><ttl>45</ttl>"
     "<item><title>a</title><dc:creator>x</dc:creator><content:encoded>y</content:encoded></item></channel></rss>";
 
+/// Feeds of the catalogue, with their table entries.
+struct Feeds
+{
+    /// Adds a feed below the root and selects it.
+    void subscribe(const QString &key, const QString &url)
+    {
+        if (!tree.root())
+            tree.addRoot(QStringLiteral("root"), QStringLiteral("Favoris"), NodeImage::Root);
+        selected = tree.addChild(tree.root(), key, QStringLiteral("Feed ") + key, NodeImage::Feed);
+        selected->tag = url;
+        tables.updatettl.Add(key, QStringLiteral("60"));
+        tables.updatecache.Add(key, QStringLiteral("7"));
+        tables.havecache.Add(key, QStringLiteral("1"));
+    }
+
+    FeedTree tree;
+    FeedNodePtr selected;
+    FeedTables tables;
+    clsDES cipher;
+};
+
 } // namespace
 
 class PropertiesTest : public QObject
@@ -28,11 +52,12 @@ class PropertiesTest : public QObject
 private Q_SLOTS:
     void init()
     {
-        m_window = std::make_unique<FakeMainWindow>();
-        m_window->subscribe(QStringLiteral("3"), QStringLiteral("http://feed/3"));
-        m_window->data.write(QStringLiteral("f.xml"), Feed);
-        QCOMPARE(m_window->feed->Load(m_window->dataFile(QStringLiteral("f.xml"))), LoadOk);
-        m_form = std::make_unique<frmProprietes>(*m_window);
+        m_feeds = std::make_unique<Feeds>();
+        m_feeds->subscribe(QStringLiteral("3"), QStringLiteral("http://feed/3"));
+        m_data.write(QStringLiteral("f.xml"), Feed);
+        m_feed = std::make_shared<CachedFeed>();
+        QCOMPARE(m_feed->Load(m_data.file(QStringLiteral("f.xml"))), LoadOk);
+        make();
     }
 
     void cleanup() { m_form.reset(); }
@@ -53,9 +78,8 @@ private Q_SLOTS:
 
     void anUnsubscribedFeedShowsItsOwnPeriod()
     {
-        m_window->addressFeed = true;
-        m_window->address = QStringLiteral("feed:http://typed/");
-        m_window->tree.select(nullptr);
+        m_feeds->selected = nullptr;
+        make(true);
         QVERIFY(m_form->fillFrom());
         QCOMPARE(text("txtURL"), QStringLiteral("feed:http://typed/"));
         QCOMPARE(text("txtMaj"), QStringLiteral("45"));
@@ -126,10 +150,10 @@ private Q_SLOTS:
         }
         apply()->click();
         const QString key = QStringLiteral("3");
-        QCOMPARE(m_window->tables.updatecache.Item(key), stored);
-        QCOMPARE(m_window->tables.updatettl.Item(key), QStringLiteral("quatre"));
-        QCOMPARE(m_window->tables.havecache.Item(key), QStringLiteral("0"));
-        QCOMPARE(m_window->tables.usernames.Count() + m_window->tables.passwords.Count(), 0);
+        QCOMPARE(m_feeds->tables.updatecache.Item(key), stored);
+        QCOMPARE(m_feeds->tables.updatettl.Item(key), QStringLiteral("quatre"));
+        QCOMPARE(m_feeds->tables.havecache.Item(key), QStringLiteral("0"));
+        QCOMPARE(m_feeds->tables.usernames.Count() + m_feeds->tables.passwords.Count(), 0);
     }
 
     void credentialsAreShownAndStored()
@@ -146,21 +170,21 @@ private Q_SLOTS:
         box("txtUsername")->setText(QStringLiteral("toi"));
         box("txtPassword")->setText(QStringLiteral("é€"));
         apply()->click();
-        QCOMPARE(m_window->tables.usernames.Item(QStringLiteral("3")), QStringLiteral("toi"));
-        QString stored = m_window->tables.passwords.Item(QStringLiteral("3"));
-        QCOMPARE(m_window->DESCrypt.DecryptString(stored, QStringLiteral("%%K9:Tm43"), true), QStringLiteral("é€"));
+        QCOMPARE(m_feeds->tables.usernames.Item(QStringLiteral("3")), QStringLiteral("toi"));
+        QString stored = m_feeds->tables.passwords.Item(QStringLiteral("3"));
+        QCOMPARE(m_feeds->cipher.DecryptString(stored, QStringLiteral("%%K9:Tm43"), true), QStringLiteral("é€"));
     }
 
     void applyingActsOnTheSelectedNodeWhateverItIs()
     {
-        m_window->subscribe(QStringLiteral("9"), QStringLiteral("http://feed/9"));
-        m_window->addressFeed = true;
+        m_feeds->subscribe(QStringLiteral("9"), QStringLiteral("http://feed/9"));
+        make(true);
         m_form->fillFrom();
         box("txtMaj")->setText(QStringLiteral("5"));
         m_form->handleApply();
-        QCOMPARE(m_window->tables.updatettl.Item(QStringLiteral("9")), QStringLiteral("5"));
-        QCOMPARE(m_window->tables.updatettl.Item(QStringLiteral("3")), QStringLiteral("60"));
-        m_window->tree.select(m_window->tree.root()); // a key that no table knows
+        QCOMPARE(m_feeds->tables.updatettl.Item(QStringLiteral("9")), QStringLiteral("5"));
+        QCOMPARE(m_feeds->tables.updatettl.Item(QStringLiteral("3")), QStringLiteral("60"));
+        m_feeds->selected = m_feeds->tree.root(); // a key that no table knows
         QVERIFY_EXCEPTION_THROWN(m_form->handleApply(), RunTimeError);
     }
 
@@ -173,10 +197,16 @@ private Q_SLOTS:
         box("txtMaj")->setText(QStringLiteral("5"));
         QTest::keyClick(box("txtMaj"), Qt::Key_Return);
         QVERIFY(!m_form->isVisible());
-        QCOMPARE(m_window->tables.updatettl.Item(QStringLiteral("3")), QStringLiteral("60"));
+        QCOMPARE(m_feeds->tables.updatettl.Item(QStringLiteral("3")), QStringLiteral("60"));
     }
 
 private:
+    void make(bool openedByAddress = false)
+    {
+        m_form = std::make_unique<frmProprietes>(
+            &m_window, frmProprietes::Port{m_feed, openedByAddress, QStringLiteral("feed:http://typed/"),
+                                           [this] { return m_feeds->selected; }, m_feeds->tables, m_feeds->cipher});
+    }
     QLineEdit *box(const char *name) const { return m_form->findChild<QLineEdit *>(QString::fromLatin1(name)); }
     QString text(const char *name) const { return box(name)->text(); }
     QString longText(const char *name) const
@@ -186,16 +216,19 @@ private:
     QCheckBox *noDel() const { return m_form->findChild<QCheckBox *>(QStringLiteral("chkNoDel")); }
     QPushButton *apply() const { return m_form->findChild<QPushButton *>(QStringLiteral("cmdAppliquer")); }
     QWidget *widget(const char *name) const { return m_form->findChild<QWidget *>(QString::fromLatin1(name)); }
-    void setRetention(const QString &days) const { m_window->tables.updatecache.Replace(QStringLiteral("3"), days); }
+    void setRetention(const QString &days) const { m_feeds->tables.updatecache.Replace(QStringLiteral("3"), days); }
     void setCredentials() const
     {
-        m_window->tables.usernames.Add(QStringLiteral("3"), QStringLiteral("moi"));
-        m_window->tables.passwords.Add(
-            QStringLiteral("3"), m_window->DESCrypt.EncryptString(QStringLiteral("secret"),
-                                                                  FeedCatalogue::cipherKey(QStringLiteral("3")), true));
+        m_feeds->tables.usernames.Add(QStringLiteral("3"), QStringLiteral("moi"));
+        m_feeds->tables.passwords.Add(
+            QStringLiteral("3"), m_feeds->cipher.EncryptString(QStringLiteral("secret"),
+                                                               FeedCatalogue::cipherKey(QStringLiteral("3")), true));
     }
 
-    std::unique_ptr<FakeMainWindow> m_window;
+    TemporaryDataDirectory m_data;
+    QWidget m_window;
+    std::unique_ptr<Feeds> m_feeds;
+    std::shared_ptr<CachedFeed> m_feed;
     std::unique_ptr<frmProprietes> m_form;
 };
 

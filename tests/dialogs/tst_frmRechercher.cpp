@@ -1,5 +1,4 @@
 #include "dialogs/frmRechercher.h"
-#include "tests/fixtures/FakeMainWindow.h"
 
 #include <QComboBox>
 #include <QLineEdit>
@@ -15,7 +14,7 @@ private Q_SLOTS:
     void cleanup()
     {
         m_form.reset();
-        m_window.log.clear();
+        m_log.clear();
     }
 
     void choicesBecomeAnAddress_data()
@@ -89,9 +88,9 @@ private Q_SLOTS:
         find<QPushButton>(QStringLiteral("cmdRechercher"))->click();
         QVERIFY(!m_form->isVisible());
         QCOMPARE(
-            m_window.log.join(u'\n'),
-            QStringLiteral("LoadFile http://f/search.php?hl=en&ie=UTF-8&q=x&sort=date&content=full&type=rss&limit=15 "
-                           "[:]\nnavigate http://s/feedlist.php?ShowStatus=all&ShowMatch="));
+            m_log.join(u'\n'),
+            QStringLiteral("address http://f/search.php?hl=en&ie=UTF-8&q=x&sort=date&content=full&type=rss&limit=15\n"
+                           "[:]\nLoadFile\nnavigate http://s/feedlist.php?ShowStatus=all&ShowMatch="));
     }
 
 private:
@@ -100,7 +99,15 @@ private:
         const SearchEndpoints endpoints{QStringLiteral("http://f/"), QStringLiteral("http://d/"),
                                         QStringLiteral("http://s/"), QStringLiteral("http://n/"),
                                         QStringLiteral("http://b/")};
-        m_form = std::make_unique<frmRechercher>(m_window, endpoints, tab);
+        const auto note = [this](const char *verb) {
+            return [this, verb](const QString &text) { m_log += QLatin1String(verb) + u' ' + text; };
+        };
+        const frmRechercher::Port port{note("navigate"), note("address"),
+                                       [this](const QString &name, const QString &secret) {
+                                           m_log += QStringLiteral("[%1:%2]").arg(name, secret);
+                                       },
+                                       [this] { m_log += QStringLiteral("LoadFile"); }};
+        m_form = std::make_unique<frmRechercher>(&m_window, port, endpoints, tab);
         m_form->show();
     }
     template <class Widget>
@@ -109,7 +116,8 @@ private:
         return m_form->findChild<Widget *>(name);
     }
 
-    FakeMainWindow m_window;
+    QWidget m_window;
+    QStringList m_log;
     std::unique_ptr<frmRechercher> m_form;
 };
 

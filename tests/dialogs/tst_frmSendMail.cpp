@@ -1,6 +1,6 @@
+#include "core/AppSettings.h"
 #include "dialogs/frmSendMail.h"
 #include "platform/net/SmtpMail.h"
-#include "tests/fixtures/FakeMainWindow.h"
 #include "tests/fixtures/FakeMessages.h"
 #include "tests/fixtures/LocalSmtpServer.h"
 
@@ -18,12 +18,11 @@ private Q_SLOTS:
     void init()
     {
         m_server = std::make_unique<LocalSmtpServer>();
-        m_window = std::make_unique<FakeMainWindow>();
         m_messages = std::make_unique<FakeMessages>();
-        m_window->appSettings.smtpServer = QStringLiteral("127.0.0.1");
-        m_window->appSettings.smtpPort = 1; // kept, but never handed over
-        m_window->appSettings.fromMail = QStringLiteral("moi@example.org");
-        m_window->appSettings.fromName = QStringLiteral("Moi");
+        m_settings.smtpServer = QStringLiteral("127.0.0.1");
+        m_settings.smtpPort = 1; // kept, but never handed over
+        m_settings.fromMail = QStringLiteral("moi@example.org");
+        m_settings.fromName = QStringLiteral("Moi");
         m_onWait = [](int) {};
         const auto make = [this](std::function<void()> keepAlive) {
             auto mail = std::make_unique<SmtpMail>(std::move(keepAlive));
@@ -32,7 +31,7 @@ private Q_SLOTS:
         };
         const QString body = QStringLiteral("Titre\r\n\r\nT") + QChar(0) + QStringLiteral("exte\r\n");
         m_form = std::make_unique<frmSendMail>(
-            *m_window, *m_messages, body, [this](int ms) { m_onWait(ms); }, make);
+            &m_window, m_settings, *m_messages, body, [this](int ms) { m_onWait(ms); }, make);
         m_form->show();
     }
 
@@ -120,7 +119,8 @@ private:
     QString state() const { return m_form->findChild<QLabel *>(QStringLiteral("lblEtat"))->text(); }
 
     std::unique_ptr<LocalSmtpServer> m_server;
-    std::unique_ptr<FakeMainWindow> m_window;
+    QWidget m_window;
+    AppSettings m_settings;
     std::unique_ptr<FakeMessages> m_messages;
     std::function<void(int)> m_onWait;
     std::unique_ptr<frmSendMail> m_form;
