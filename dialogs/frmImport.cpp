@@ -3,48 +3,25 @@
 #include "controls/PictureButton.h"
 #include "controls/ProgressBar.h"
 #include "dialogs/DialogParts.h"
+#include "dialogs/ImportList.h"
 #include "exchange/ImportRun.h"
 #include "exchange/OpmlDownload.h"
 #include "platform/Messages.h"
 #include "platform/Numbers.h"
 
-#include <QCheckBox>
 #include <QCloseEvent>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QIcon>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QSignalBlocker>
 #include <QStackedLayout>
-#include <QStyledItemDelegate>
-#include <QTreeWidget>
 
 using namespace DialogParts;
 
 namespace {
-
-constexpr int maxShownName = 500;
-
-enum Role { KeyRole = Qt::UserRole, TagRole };
-
-/// Paints names that are longer than any screen only as far as they can be seen: laying out megabytes takes seconds.
-class NameDelegate final : public QStyledItemDelegate
-{
-public:
-    using QStyledItemDelegate::QStyledItemDelegate;
-
-protected:
-    void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override
-    {
-        QStyledItemDelegate::initStyleOption(option, index);
-        option->text.truncate(maxShownName);
-    }
-};
 
 QGroupBox *page(int index, const QString &caption)
 {
@@ -66,10 +43,12 @@ frmImport::frmImport(QWidget *owner, Messages &messages, OpmlDownload &download,
 
     auto *content = new QWidget;
     m_pages = new QStackedLayout(content);
+    m_list = named(new ImportList(QStringLiteral("Sélectionner les flux à importer"), m_opmlDocument),
+                   arrayName(QStringLiteral("fraWizard"), 3));
     m_pages->addWidget(buildSourcePage());
     m_pages->addWidget(buildFilePage());
     m_pages->addWidget(buildWebPage());
-    m_pages->addWidget(buildListPage());
+    m_pages->addWidget(m_list);
     m_pages->addWidget(buildRunPanel());
     layOut(*this, content, buildButtons());
     m_cmdPrecedent->setEnabled(false);
@@ -88,7 +67,7 @@ void frmImport::connectImport()
     connect(&m_download, &OpmlDownload::fetched, this, &frmImport::handleFetched);
     connect(&m_download, &OpmlDownload::failed, this, &frmImport::handleDownloadFailed);
     connect(&m_run, &ImportRun::began, this, [this](const QString &name) {
-        m_lblTitre->setText(QStringLiteral("Téléchargement de ") + name.left(maxShownName));
+        m_lblTitre->setText(QStringLiteral("Téléchargement de ") + name.left(ImportList::maxShownName));
     });
     connect(&m_run, &ImportRun::passed, this, &frmImport::handlePassed);
     connect(&m_run, &ImportRun::ended, this, [this] { done(Accepted); });
@@ -139,51 +118,6 @@ QWidget *frmImport::buildWebPage()
     auto *grid = new QGridLayout(frame);
     addRow(*grid, QStringLiteral("Adresse :"), m_txtURL);
     grid->setRowStretch(grid->rowCount(), 1);
-    return frame;
-}
-
-QWidget *frmImport::buildListPage()
-{
-    m_tvwListeFlux = named(new QTreeWidget, QStringLiteral("tvwListeFlux"));
-    m_tvwListeFlux->setAccessibleName(QStringLiteral("Flux à importer"));
-    m_tvwListeFlux->setHeaderHidden(true);
-    m_tvwListeFlux->setRootIsDecorated(false);
-    m_tvwListeFlux->setUniformRowHeights(true);
-    m_tvwListeFlux->setExpandsOnDoubleClick(false);
-    m_tvwListeFlux->setItemDelegate(new NameDelegate(m_tvwListeFlux));
-    m_tvwListeFlux->setMinimumSize(fontMetrics().averageCharWidth() * 34, fontMetrics().lineSpacing() * 10);
-    m_tvwListeFlux->installEventFilter(this);
-    m_chkCkeckAll = named(new QCheckBox(QStringLiteral("&Tout cocher")), QStringLiteral("chkCkeckAll"));
-
-    auto *picDetails = named(new QWidget, QStringLiteral("picDetails"));
-    m_txtTitre = lineEdit(QStringLiteral("txtTitre"));
-    m_txtTitre->setReadOnly(true);
-    m_txtTitre->setFocusPolicy(Qt::ClickFocus);
-    m_txtDescription = textBox(QStringLiteral("txtDescription"));
-    m_txtDescription->setReadOnly(true);
-    m_txtDescription->setFocusPolicy(Qt::ClickFocus);
-    auto *details = new QVBoxLayout(picDetails);
-    details->setContentsMargins(0, 0, 0, 0);
-    details->addWidget(label(QStringLiteral("Titre :"), m_txtTitre));
-    details->addWidget(m_txtTitre);
-    details->addWidget(label(QStringLiteral("Description :"), m_txtDescription));
-    details->addWidget(m_txtDescription, 1);
-
-    auto *frame = page(3, QStringLiteral("Sélectionner les flux à importer"));
-    auto *grid = new QGridLayout(frame);
-    grid->addWidget(m_tvwListeFlux, 0, 0);
-    grid->addWidget(picDetails, 0, 1);
-    grid->addWidget(m_chkCkeckAll, 1, 0);
-    grid->setColumnStretch(0, 1);
-    grid->setColumnStretch(1, 1);
-
-    connect(m_tvwListeFlux, &QTreeWidget::itemClicked, this, [this](QTreeWidgetItem *item) {
-        m_tvwListeFlux->setCurrentItem(item);
-        showOutlineDescription(*item);
-    });
-    connect(m_tvwListeFlux, &QTreeWidget::itemChanged, this, &frmImport::handleItemChanged);
-    connect(m_tvwListeFlux, &QTreeWidget::itemDoubleClicked, this, &frmImport::handleItemDoubleClicked);
-    connect(m_chkCkeckAll, &QCheckBox::toggled, this, &frmImport::handleCheckAll);
     return frame;
 }
 
@@ -286,7 +220,7 @@ void frmImport::takeOpmlFile(const QString &path)
         showPage(m_previousPage);
         return;
     }
-    loadOpmlList();
+    m_list->fill();
     m_cmdSuivant->hide();
     m_cmdTerminer->show();
     showPage(3);
@@ -309,80 +243,6 @@ void frmImport::handleDownloadFailed(qint32 status)
         m_messages.show({QString::number(status), QString()});
 }
 
-void frmImport::loadOpmlList()
-{
-    const QSignalBlocker quiet(m_tvwListeFlux);
-    m_tvwListeFlux->clear();
-    const OpmlDocument::List list = m_opmlDocument.list();
-    m_txtTitre->setText(list.title);
-    m_txtTitre->setCursorPosition(0);
-    QList<QTreeWidgetItem *> items;
-    items.reserve(static_cast<qsizetype>(list.feeds.size()));
-    for (const OpmlDocument::Feed &feed : list.feeds) {
-        auto *item = new QTreeWidgetItem({feed.text});
-        item->setData(0, KeyRole, QString::number(feed.position));
-        item->setData(0, TagRole, feed.address);
-        item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable | Qt::ItemNeverHasChildren);
-        item->setCheckState(0, Qt::Unchecked);
-        items.append(item);
-    }
-    m_tvwListeFlux->addTopLevelItems(items);
-    m_checkedCount = 0;
-}
-
-void frmImport::showOutlineDescription(const QTreeWidgetItem &item)
-{
-    const int index = item.data(0, KeyRole).toString().toInt();
-    showText(*m_txtDescription, m_opmlDocument.description(index));
-}
-
-bool frmImport::eventFilter(QObject *watched, QEvent *event)
-{
-    if (watched == m_tvwListeFlux && event->type() == QEvent::KeyPress) {
-        // The control moves the selection itself, after this.
-        const int key = static_cast<QKeyEvent *>(event)->key();
-        const QTreeWidgetItem *const selected = m_tvwListeFlux->currentItem();
-        const QTreeWidgetItem *next = nullptr;
-        if (selected && key == Qt::Key_Down)
-            next = m_tvwListeFlux->itemBelow(selected);
-        else if (selected && key == Qt::Key_Up)
-            next = m_tvwListeFlux->itemAbove(selected);
-        if (next)
-            showOutlineDescription(*next);
-    }
-    return DialogBase::eventFilter(watched, event);
-}
-
-void frmImport::countChecked(bool checked)
-{
-    m_checkedCount = Numbers::roundToInt16(m_checkedCount + (checked ? 1 : -1));
-}
-
-void frmImport::handleItemChanged(QTreeWidgetItem *item)
-{
-    countChecked(item->checkState(0) == Qt::Checked);
-}
-
-void frmImport::handleItemDoubleClicked(QTreeWidgetItem *item)
-{
-    const bool checked = item->checkState(0) != Qt::Checked;
-    countChecked(checked);
-    const QSignalBlocker quiet(m_tvwListeFlux);
-    item->setCheckState(0, checked ? Qt::Checked : Qt::Unchecked);
-    m_tvwListeFlux->setCurrentItem(item);
-}
-
-void frmImport::handleCheckAll(bool checked)
-{
-    const QSignalBlocker quiet(m_tvwListeFlux);
-    m_checkedCount = 0;
-    for (int i = 0; i < m_tvwListeFlux->topLevelItemCount(); ++i) {
-        m_tvwListeFlux->topLevelItem(i)->setCheckState(0, checked ? Qt::Checked : Qt::Unchecked);
-        if (checked)
-            countChecked(true);
-    }
-}
-
 void frmImport::handleFinish()
 {
     m_pages->setCurrentWidget(m_cmdCanceller->parentWidget());
@@ -392,18 +252,12 @@ void frmImport::handleFinish()
     m_cmdCanceller->show();
     m_cmdCanceller->setFocus();
 
-    std::vector<ImportRun::Feed> ticked;
-    for (int i = 0; i < m_tvwListeFlux->topLevelItemCount(); ++i) {
-        const QTreeWidgetItem *const item = m_tvwListeFlux->topLevelItem(i);
-        if (item->checkState(0) == Qt::Checked)
-            ticked.push_back({item->text(0), item->data(0, TagRole).toString()});
-    }
-    m_run.run(ticked); // ends by closing the dialog
+    m_run.run(m_list->ticked()); // ends by closing the dialog
 }
 
 void frmImport::handlePassed(int count)
 {
-    m_vbalProgressBar1->setValue(Numbers::roundToInt16(static_cast<double>(count) / m_checkedCount * 100));
+    m_vbalProgressBar1->setValue(Numbers::roundToInt16(static_cast<double>(count) / m_list->checkedCount() * 100));
 }
 
 void frmImport::handleStop()

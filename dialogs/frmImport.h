@@ -6,20 +6,17 @@
 
 #include <QString>
 
+class ImportList;
 class ImportRun;
 class Messages;
 class OpmlDownload;
 class ProgressBar;
-class QCheckBox;
 class QLabel;
 class QLayout;
 class QLineEdit;
-class QPlainTextEdit;
 class QPushButton;
 class QRadioButton;
 class QStackedLayout;
-class QTreeWidget;
-class QTreeWidgetItem;
 class QWidget;
 
 /// The wizard that subscribes to the feeds of an OPML file, from the disk or from the web. It can be left only through
@@ -47,28 +44,20 @@ public:
 
 protected:
     void closeEvent(QCloseEvent *event) override;
-    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     QWidget *buildSourcePage();
     QWidget *buildFilePage();
     QWidget *buildWebPage();
-    QWidget *buildListPage();
     QWidget *buildRunPanel();
     QLayout *buildButtons();
     void showPage(qint16 number);
     void takeOpmlFile(const QString &path);
-    void loadOpmlList();
-    void showOutlineDescription(const QTreeWidgetItem &item);
     void connectImport();
     void handleFetched(const QString &path);
     void handleDownloadFailed(qint32 status);
     void handlePassed(int count);
-    void handleItemChanged(QTreeWidgetItem *item);
-    void handleItemDoubleClicked(QTreeWidgetItem *item);
-    void handleCheckAll(bool checked);
     void handleStop();
-    void countChecked(bool checked);
 
     Messages &m_messages;
     OpmlDownload &m_download;
@@ -78,16 +67,12 @@ private:
 
     qint16 m_wizardPage = 0;
     qint16 m_previousPage = 0;
-    qint16 m_checkedCount = 0; ///< kept by hand; only handleCheckAll() counts anew
 
     QStackedLayout *m_pages = nullptr; ///< the four pages, and the panel of the run
     QRadioButton *m_optFromFile = nullptr;
     QLineEdit *m_txtOPMLPath = nullptr;
     QLineEdit *m_txtURL = nullptr;
-    QTreeWidget *m_tvwListeFlux = nullptr;
-    QCheckBox *m_chkCkeckAll = nullptr;
-    QLineEdit *m_txtTitre = nullptr;
-    QPlainTextEdit *m_txtDescription = nullptr;
+    ImportList *m_list = nullptr;
     QLabel *m_lblTitre = nullptr;
     ProgressBar *m_vbalProgressBar1 = nullptr;
     QPushButton *m_cmdPrecedent = nullptr;
