@@ -1,29 +1,16 @@
+#include "app/DesktopSurroundings.h"
+#include "app/Program.h"
 #include "app/SignalWatch.h"
 #include "controls/MessageBoxes.h"
-#include "controls/SystemBrowser.h"
-#include "controls/Twips.h"
-#include "core/DataDirectory.h"
-#include "core/RunAtStartup.h"
-#include "core/SettingsFile.h"
-#include "dialogs/FileDialogs.h"
-#include "dialogs/HelpViewer.h"
-#include "platform/AutostartRegistryStore.h"
-#include "platform/FileRegistryStore.h"
 #include "platform/Files.h"
-#include "platform/Waiting.h"
 #include "platform/net/Downloader.h"
 #include "platform/net/HandOver.h"
 #include "platform/net/InstanceLock.h"
 #include "platform/net/NetworkState.h"
-#include "window/DesktopTrayShell.h"
 #include "window/ErrorTrap.h"
-#include "window/InputBox.h"
 #include "window/frmPrinc.h"
 
-#include <QDir>
-#include <QFileInfo>
 #include <QLibraryInfo>
-#include <QScreen>
 #include <QTranslator>
 
 #include <cstdlib>
@@ -45,101 +32,32 @@ void nameApplication()
     QGuiApplication::setQuitOnLastWindowClosed(false);
 }
 
-ScreenScale screenScale()
+/// A wait that lets events run. `program` is set once it exists.
+Wait programWait(const Program *const &program)
 {
-    const QScreen *screen = QGuiApplication::primaryScreen();
-    return {Twips::perPixelX(screen), Twips::perPixelY(screen)};
-}
-
-/// Where the compiled help may lie: in a portable folder, beside the program, in an installation.
-QStringList helpFiles(const DataDirectory &directory)
-{
-    const QDir program(QCoreApplication::applicationDirPath());
-    const QString name = QStringLiteral("Quillwire.qch");
-    return {directory.file(name), program.filePath(name),
-            QDir::cleanPath(program.filePath(QStringLiteral("../share/quillwire/") + name))};
-}
-
-/// The operations behind the option to start with the session.
-frmOptions::RunAtStartup runAtStartup()
-{
-    struct Stores
-    {
-        FileRegistryStore file;
-        AutostartRegistryStore autostart{file};
-    };
-    const auto stores = std::make_shared<Stores>();
-    const QString directory = QCoreApplication::applicationDirPath();
-    const QString baseName = QFileInfo(QCoreApplication::applicationFilePath()).completeBaseName();
-    return {[=] { return isRunAtStartup(stores->autostart, baseName); },
-            [=](int state) { setRunAtStartup(state, stores->autostart, directory, baseName); }};
-}
-
-/// Puts the window where the settings have it; where no screen is, it comes up on the first one.
-void moveForm(frmPrinc &form, const AppSettings &settings)
-{
-    QRect place(settings.windowX, settings.windowY, settings.windowWidth, settings.windowHeight);
-    const QScreen *primary = QGuiApplication::primaryScreen();
-    bool reachable = !primary;
-    for (const QScreen *screen : QGuiApplication::screens())
-        reachable = reachable || screen->availableGeometry().intersects(place);
-    if (!reachable)
-        place.moveTopLeft(primary->availableGeometry().topLeft());
-    form.move(place.topLeft());
-    form.resize(place.size());
-}
-
-frmPrinc::Surroundings surroundings(const DataDirectory &directory, AppSettings &settings, const SettingsFile &file,
-                                    MessageBoxes &messages, InstanceLock &lock, frmPrinc *&form)
-{
-    frmPrinc::Surroundings s{directory, settings, file, screenScale(), messages};
-    s.clock = Waiting::systemClock();
-    s.runtimeDirectory = runtimeDirectory();
-    s.wait = [wait = Waiting::eventLoopWait(), &form](int milliseconds) {
+    return [wait = Waiting::eventLoopWait(), &program](int milliseconds) {
         wait(milliseconds);
         // All is saved by then; a loop that waits for what no longer comes must not hold the process.
-        if (form && form->isUnloaded())
+        if (program && program->isEnded())
             std::_Exit(0);
     };
-    s.isConnected = isConnected;
-    s.makeDownloader = [] { return std::make_unique<Downloader>(); };
-    s.makeTrayShell = [] { return std::make_unique<DesktopTrayShell>(); };
-    s.openInSystemBrowser = [browser = SystemBrowser(directory.path())](const QString &url) {
-        return browser.openInSystemBrowser(url);
-    };
-    s.makeHelp = [candidates = helpFiles(directory), open = s.openInSystemBrowser] {
-        return std::make_unique<HelpViewer>(candidates, HelpViewer::defaultCacheFolder(),
-                                            [open](const QString &url) { open(url); });
-    };
-    s.inputBox = [&form](const QString &prompt, const QString &title) { return inputBox(form, prompt, title); };
-    s.askFeedFile = [&form](const QString &title, const QString &filter) {
-        return FileDialogs::askOpenFile(form, title, filter);
-    };
-    s.runAtStartup = runAtStartup();
-    s.releaseInstance = [&lock] { lock.release(); };
-    return s;
 }
 
-/// Loads the form, shows it unless it is to start hidden, and runs the loop. A run-time error of the load is shown
-/// while the form still exists, as those of the loop are.
-int runForm(ErrorTrap &application, frmPrinc &form, const AppSettings &settings)
+/// Brings the window up and runs the loop. A run-time error of the start is shown while the window still exists, as
+/// those of the loop are.
+int run(ErrorTrap &application, Program &program, frmPrinc &form)
 {
-    application.setFreeze([&form] { form.abandon(); });
-    QObject::connect(&form, &frmPrinc::unloaded, &application, &QCoreApplication::quit, Qt::QueuedConnection);
-    QObject::connect(&application, &QGuiApplication::commitDataRequest, &form, [&form] { form.unload(); });
+    application.setFreeze([&program] { program.abandon(); });
+    QObject::connect(&form, &frmPrinc::closeAsked, &program, &Program::end);
+    QObject::connect(&program, &Program::ended, &application, &QCoreApplication::quit, Qt::QueuedConnection);
+    QObject::connect(&application, &QGuiApplication::commitDataRequest, &program, &Program::end);
     SignalWatch signalWatch;
     QObject::connect(&signalWatch, &SignalWatch::endAsked, &form, &frmPrinc::postClose);
     int code = 0;
     try {
-        moveForm(form, settings);
-        form.load(commandLine());
-        if (!form.isUnloaded()) {
-            if (settings.startMode == QStringLiteral("Minimisé"))
-                form.hideToTray();
-            else
-                form.show();
+        program.start(form, DesktopSurroundings::screens(), commandLine());
+        if (!program.isEnded())
             code = QApplication::exec();
-        }
     } catch (const RunTimeError &error) {
         application.fail(error);
     }
@@ -153,19 +71,19 @@ int runFirstInstance(ErrorTrap &application, InstanceLock &lock)
     application.setMessages(&messages);
     try {
         const DataDirectory directory = DataDirectory::ofProgram(QCoreApplication::applicationDirPath());
-        const SettingsFile settingsFile(directory.file(QStringLiteral("params.xml")),
-                                        Files::read(QStringLiteral(":/data/params.xml")).bytes, screenScale(),
-                                        messages);
-        AppSettings settings;
-        if (!settingsFile.loadSettings(settings)) {
-            lock.release();
+        const Program *created = nullptr;
+        const Wait wait = programWait(created);
+        Program program({directory, Files::read(QStringLiteral(":/data/params.xml")).bytes,
+                         DesktopSurroundings::screenScale(), messages, Waiting::systemClock(), wait, isConnected,
+                         [] { return std::make_unique<Downloader>(); }, runtimeDirectory(),
+                         [&lock] { lock.release(); }});
+        created = &program;
+        if (!program.loadSettings())
             return 1;
-        }
-        frmPrinc *created = nullptr;
-        frmPrinc form(surroundings(directory, settings, settingsFile, messages, lock, created));
-        created = &form;
+        frmPrinc form(program.longLived(), DesktopSurroundings::desktop(directory, messages),
+                      DesktopSurroundings::dialogs(directory, messages, wait));
         messages.setParentWindow(&form);
-        return runForm(application, form, settings);
+        return run(application, program, form);
     } catch (const RunTimeError &error) {
         application.fail(error);
         return 1;

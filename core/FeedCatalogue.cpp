@@ -1,5 +1,6 @@
 #include "core/FeedCatalogue.h"
 
+#include "core/FeedTreeState.h"
 #include "platform/Files.h"
 #include "platform/Numbers.h"
 #include "platform/RunTimeError.h"
@@ -48,8 +49,10 @@ XmlNode takeOut(const QString &key, const XmlNode &favoris)
 
 } // namespace
 
-FeedCatalogue::FeedCatalogue(DataDirectory directory, FeedTree &tree, clsDES &cipher, Clock clock)
-    : m_directory(std::move(directory)), m_tree(tree), m_cipher(cipher), m_clock(std::move(clock)), m_usedKeys{0}
+FeedCatalogue::FeedCatalogue(DataDirectory directory, FeedTree &tree, FeedTreeState &treeState, clsDES &cipher,
+                             Clock clock)
+    : m_directory(std::move(directory)), m_tree(tree), m_treeState(treeState), m_cipher(cipher),
+      m_clock(std::move(clock)), m_usedKeys{0}
 {}
 
 XmlDocument FeedCatalogue::loadFile() const
@@ -70,7 +73,7 @@ void FeedCatalogue::loadCatalogue()
     const FeedNodePtr root = m_tree.find(rootKey());
     if (!root)
         throw RunTimeError::elementNotFound();
-    m_tree.bringIntoView(root);
+    m_treeState.bringIntoView(root);
 }
 
 void FeedCatalogue::walkLoad(const XmlNode &element, const FeedNodePtr &parent)
@@ -93,7 +96,7 @@ void FeedCatalogue::loadFolder(const XmlNode &element, const FeedNodePtr &parent
     takeKey(key);
     walkLoad(element, folder);
     if (element.attribute(QStringLiteral("visible")) == QStringLiteral("0"))
-        m_tree.setExpanded(folder, false);
+        m_treeState.setExpanded(folder, false);
 }
 
 void FeedCatalogue::loadFeed(const XmlNode &element, const FeedNodePtr &parent)
@@ -102,7 +105,7 @@ void FeedCatalogue::loadFeed(const XmlNode &element, const FeedNodePtr &parent)
     const FeedNodePtr feed =
         m_tree.addChild(parent, key, element.requiredAttribute(QStringLiteral("name")), NodeImage::Feed);
     feed->tag = element.requiredAttribute(QStringLiteral("url"));
-    m_tree.bringIntoView(feed);
+    m_treeState.bringIntoView(feed);
     takeKey(key);
 
     tables.updatettl.Add(key, element.attribute(QStringLiteral("ttl")).value_or(QStringLiteral("60")));
@@ -131,7 +134,8 @@ void FeedCatalogue::nextFreeKey()
 {
     std::vector<qint16> sorted = m_usedKeys;
     std::sort(sorted.begin(), sorted.end());
-    // A key that is there twice stops the count: with a key 0 in the file the next key is 1, taken or not. So wanted.
+    // A key that is there twice stops the count: with a key 0 in the file the next key is 1, taken or not, and the next
+    // subscription says so by its error instead of going on with a catalogue that was edited badly by hand.
     qint16 next = 0;
     for (const qint16 key : sorted) {
         if (key != next)
@@ -145,7 +149,7 @@ void FeedCatalogue::nextFreeKey()
 
 void FeedCatalogue::addFeed(const NewFeed &feed)
 {
-    const FeedNodePtr selected = m_tree.selected();
+    const FeedNodePtr selected = m_treeState.selected();
     FeedNodePtr parent;
     if (!selected || selected->image() == NodeImage::Root)
         parent = m_tree.root();
@@ -155,7 +159,7 @@ void FeedCatalogue::addFeed(const NewFeed &feed)
         parent = selected;
     const QString key = QString::number(m_nextKey);
     const FeedNodePtr node = m_tree.addChild(parent, key, feed.title, NodeImage::Feed);
-    m_tree.setExpanded(parent, true);
+    m_treeState.setExpanded(parent, true);
     node->tag = feed.address;
 
     const QString ttl = feed.ttl.isEmpty() ? QStringLiteral("60") : feed.ttl;
@@ -214,7 +218,7 @@ void FeedCatalogue::createFolder(const FeedNodePtr &node, const QString &name)
     const FeedNodePtr parent = node && node->image() == NodeImage::Feed ? node->parent() : node;
     const QString key = QString::number(m_nextKey);
     m_tree.addChild(parent, key, name, NodeImage::Folder);
-    m_tree.setExpanded(parent, true);
+    m_treeState.setExpanded(parent, true);
 
     XmlDocument document = loadFile();
     XmlNode element = document.createElement(QStringLiteral("dir"));
@@ -241,9 +245,11 @@ void FeedCatalogue::moveFeed(const FeedNodePtr &dragged, const FeedNodePtr &targ
     const FeedNodePtr targetParent = target->parent();
     m_tree.remove(dragged);
 
-    // The new node has no address until the next start; that is wanted.
+    // The new node has no address until the next start: the drag carries key, text and picture, and no update runs
+    // from a place that the file may not agree with.
     if (targetImage == NodeImage::Feed) {
-        // The root has no element of that key: a drop on a feed right under it ends in a run-time error. So wanted.
+        // The root has no element of that key: a drop on a feed right under it ends in a run-time error here, before
+        // the file is written (the catalogue's tests hold it).
         XmlNode parentElement = findCatalogueNode(targetParent->key(), favoris);
         m_tree.addBeside(target, insertAbove, key, text, NodeImage::Feed);
         const XmlNode targetElement = findCatalogueNode(target->key(), favoris);
@@ -278,7 +284,7 @@ void FeedCatalogue::walkSave(const XmlNode &element)
                 throw RunTimeError::objectNotSet();
             child.requiredAttribute(QStringLiteral("visible"));
             child.setAttribute(QStringLiteral("visible"),
-                               folder->isExpanded() ? QStringLiteral("1") : QStringLiteral("0"));
+                               m_treeState.isExpanded(folder) ? QStringLiteral("1") : QStringLiteral("0"));
             walkSave(child);
         } else if (name == u"feed") {
             saveFeed(child);

@@ -9,6 +9,7 @@
 
 #include <vector>
 
+class FeedTreeState;
 class XmlDocument;
 class XmlNode;
 class clsDES;
@@ -17,12 +18,13 @@ class clsDES;
 /// per-feed tables. Each change loads the file afresh, edits and saves it in one step; nothing is kept open between
 /// them.
 ///
-/// What fails raises a RunTimeError, which ends the program; where the order of the steps has changed tree and file
-/// unevenly by then, that is wanted.
+/// What fails raises a RunTimeError, which ends the program. The order of the steps is fixed, so that the error of a
+/// damaged file may come when the tree was changed and the file was not: the next start shows what the file holds.
 class FeedCatalogue
 {
 public:
-    FeedCatalogue(DataDirectory directory, FeedTree &tree, clsDES &cipher, Clock clock);
+    /// `treeState` is that of `tree`. Nothing is owned.
+    FeedCatalogue(DataDirectory directory, FeedTree &tree, FeedTreeState &treeState, clsDES &cipher, Clock clock);
     FeedCatalogue(const FeedCatalogue &) = delete;
     FeedCatalogue &operator=(const FeedCatalogue &) = delete;
 
@@ -58,9 +60,9 @@ public:
     void createFolder(const FeedNodePtr &node, const QString &name);
 
     /// Moves the feed `dragged` to `target`. On a feed the file always takes the place before the target, while the
-    /// tree follows `insertAbove`: that difference lasts until the next start and is wanted. Ignored when the target is
-    /// null or has the dragged key, or when what is dragged is no feed. A drop on a feed right under the root raises a
-    /// run-time error after the tree was changed.
+    /// tree follows `insertAbove`: catalogues are kept in the order that such moves have left in them, and the two
+    /// agree again at the next start. Ignored when the target is null or has the dragged key, or when what is dragged
+    /// is no feed. A drop on a feed right under the root raises a run-time error after the tree was changed.
     void moveFeed(const FeedNodePtr &dragged, const FeedNodePtr &target, bool insertAbove);
 
     /// Writes tables and folding into the file. A file that doesn't load is left alone without a word.
@@ -88,6 +90,7 @@ private:
 
     DataDirectory m_directory;
     FeedTree &m_tree;
+    FeedTreeState &m_treeState;
     clsDES &m_cipher;
     Clock m_clock;
     std::vector<qint16> m_usedKeys;

@@ -13,13 +13,6 @@ std::size_t placeIn(const std::vector<FeedNodePtr> &siblings, const FeedNode *no
     return static_cast<std::size_t>(found - siblings.begin());
 }
 
-FeedNodePtr lastVisibleBelow(FeedNodePtr node)
-{
-    while (node->isExpanded() && !node->children().empty())
-        node = node->children().back();
-    return node;
-}
-
 bool isGone(const FeedNodePtr &node)
 {
     return !node || node->image() == NodeImage::Gone;
@@ -91,12 +84,7 @@ void FeedTree::remove(const FeedNodePtr &node)
     if (isGone(node))
         return;
     const FeedNodePtr kept = node; // the argument may be a reference into the list of children
-    for (FeedNodePtr above = m_selected; above; above = above->parent())
-        if (above == kept) {
-            select(nullptr);
-            break;
-        }
-
+    Q_EMIT aboutToBeRemoved(kept);
     const FeedNodePtr parent = kept->parent();
     const int row = parent ? static_cast<int>(placeIn(parent->m_children, kept.get())) : 0;
     beginRemoveRows(indexOf(parent), row, row);
@@ -106,8 +94,6 @@ void FeedTree::remove(const FeedNodePtr &node)
         m_root.reset();
     forget(kept);
     endRemoveRows();
-    if (m_selected && isGone(m_selected)) // a view may have chosen within the subtree while the rows went
-        select(nullptr);
 }
 
 void FeedTree::forget(const FeedNodePtr &node)
@@ -129,57 +115,6 @@ void FeedTree::setImages(const FeedNodePtr &node, int image, int selectedImage)
     node->m_selectedImage = selectedImage;
     const QModelIndex index = indexOf(node);
     Q_EMIT dataChanged(index, index, {ImageRole});
-}
-
-void FeedTree::setExpanded(const FeedNodePtr &node, bool expanded)
-{
-    if (isGone(node) || node->m_expanded == expanded)
-        return;
-    node->m_expanded = expanded;
-    Q_EMIT expansionChanged(indexOf(node), expanded);
-}
-
-void FeedTree::bringIntoView(const FeedNodePtr &node)
-{
-    if (!node)
-        throw RunTimeError::objectNotSet();
-    for (FeedNodePtr above = node->parent(); above; above = above->parent())
-        setExpanded(above, true);
-    Q_EMIT bringIntoViewAsked(indexOf(node));
-}
-
-void FeedTree::select(const FeedNodePtr &node)
-{
-    const FeedNodePtr chosen = isGone(node) ? nullptr : node;
-    if (m_selected == chosen)
-        return;
-    m_selected = chosen;
-    Q_EMIT selectionChanged(indexOf(chosen));
-}
-
-FeedNodePtr FeedTree::next(const FeedNodePtr &node) const
-{
-    if (isGone(node))
-        return nullptr;
-    if (node->isExpanded() && !node->children().empty())
-        return node->children().front();
-    FeedNodePtr from = node;
-    while (const FeedNodePtr parent = from->parent()) {
-        const std::size_t below = placeIn(parent->children(), from.get()) + 1;
-        if (below < parent->children().size())
-            return parent->children()[below];
-        from = parent;
-    }
-    return nullptr;
-}
-
-FeedNodePtr FeedTree::previous(const FeedNodePtr &node) const
-{
-    const FeedNodePtr parent = isGone(node) ? nullptr : node->parent();
-    if (!parent)
-        return nullptr;
-    const std::size_t place = placeIn(parent->children(), node.get());
-    return place == 0 ? parent : lastVisibleBelow(parent->children()[place - 1]);
 }
 
 FeedNodePtr FeedTree::node(const QModelIndex &index) const
@@ -233,8 +168,6 @@ QVariant FeedTree::data(const QModelIndex &index, int role) const
         return shown->text();
     case ImageRole:
         return shown->image();
-    case KeyRole:
-        return shown->key();
     default:
         return {};
     }

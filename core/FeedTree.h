@@ -12,7 +12,8 @@ namespace NodeImage {
 constexpr int Gone = 0; ///< a node that was deleted from the tree: neither folder nor feed
 constexpr int Folder = 2;
 constexpr int Feed = 3;
-constexpr int FeedUpdating = 4; ///< neither folder nor feed while its update runs; that is wanted
+constexpr int FeedUpdating =
+    4; ///< neither folder nor feed while its update runs: nothing opens, moves or deletes it then
 constexpr int Root = 5;
 } // namespace NodeImage
 
@@ -30,8 +31,7 @@ public:
     QString key() const { return m_key; }
     QString text() const { return m_text; }
     int image() const { return m_image; }
-    int selectedImage() const { return m_selectedImage; } ///< -1: the same as image()
-    bool isExpanded() const { return m_expanded; }
+    int selectedImage() const { return m_selectedImage; }  ///< -1: the same as image()
     FeedNodePtr parent() const { return m_parent.lock(); } ///< null for the root and for a node out of the tree
     const std::vector<FeedNodePtr> &children() const { return m_children; }
 
@@ -43,13 +43,12 @@ private:
     QString m_text;
     int m_image = NodeImage::Gone;
     int m_selectedImage = -1;
-    bool m_expanded = false;
     std::weak_ptr<FeedNode> m_parent;
     std::vector<FeedNodePtr> m_children;
 };
 
-/// The tree of root, folders and feeds as the screen shows it: nodes with unique keys, a selected node, and the view's
-/// model in one. It knows no widget; the view listens to its signals and reports selection and folding back.
+/// The tree of root, folders and feeds: nodes with unique keys, as the model of whoever shows it. What is selected or
+/// open stands apart, in FeedTreeState.
 class FeedTree final : public QAbstractItemModel
 {
     Q_OBJECT
@@ -73,34 +72,18 @@ public:
     /// Adds a node beside `target`, before or after it, under the same parent. Throws as addChild().
     FeedNodePtr addBeside(const FeedNodePtr &target, bool before, const QString &key, const QString &text, int image);
 
-    /// Takes the node and all below it out of the tree. Their handles then say NodeImage::Gone. The selection, when it
-    /// was there, goes to nothing. Does nothing for a null or gone node.
+    /// Takes the node and all below it out of the tree. Their handles then say NodeImage::Gone. Does nothing for a null
+    /// or gone node.
     void remove(const FeedNodePtr &node);
 
     /// Sets image and selected image. Does nothing for a node that is gone.
     void setImages(const FeedNodePtr &node, int image, int selectedImage);
 
-    /// Opens or closes a node in the view.
-    void setExpanded(const FeedNodePtr &node, bool expanded);
-
-    /// Opens all nodes above `node` and asks the view to scroll to it. Throws objectNotSet() for a null node.
-    void bringIntoView(const FeedNodePtr &node);
-
-    FeedNodePtr selected() const { return m_selected; }
-
-    /// Makes `node` (or nothing) the selected one and tells the view.
-    void select(const FeedNodePtr &node);
-
-    /// The node of the row below, respectively above, `node` as the view shows them (children of closed nodes are
-    /// passed over); null at the ends.
-    FeedNodePtr next(const FeedNodePtr &node) const;
-    FeedNodePtr previous(const FeedNodePtr &node) const;
-
     FeedNodePtr node(const QModelIndex &index) const;
     QModelIndex indexOf(const FeedNodePtr &node) const;
 
     // The model's side. The decoration of an item is its image index, as a number under ImageRole.
-    enum Role { ImageRole = Qt::UserRole + 1, KeyRole };
+    enum Role { ImageRole = Qt::UserRole + 1 };
     QModelIndex index(int row, int column, const QModelIndex &parent = {}) const override;
     QModelIndex parent(const QModelIndex &child) const override;
     int rowCount(const QModelIndex &parent = {}) const override;
@@ -109,9 +92,8 @@ public:
     Qt::ItemFlags flags(const QModelIndex &index) const override;
 
 Q_SIGNALS:
-    void expansionChanged(const QModelIndex &index, bool expanded);
-    void bringIntoViewAsked(const QModelIndex &index);
-    void selectionChanged(const QModelIndex &index);
+    /// Before a node goes with all below it, while they are still in the tree.
+    void aboutToBeRemoved(const FeedNodePtr &node);
 
 private:
     FeedNodePtr insert(const FeedNodePtr &parent, std::size_t place, const QString &key, const QString &text,
@@ -119,6 +101,5 @@ private:
     void forget(const FeedNodePtr &node);
 
     FeedNodePtr m_root;
-    FeedNodePtr m_selected;
     QHash<QString, FeedNodePtr> m_byKey;
 };

@@ -40,7 +40,7 @@ int isRunAtStartup(RegistryStore &store, const QString &baseName)
 void setRunAtStartup(int state, RegistryStore &store, const QString &programDirectory, const QString &baseName)
 {
     const bool ended = programDirectory.endsWith(u'/') || programDirectory.endsWith(u'\\');
-    // No quotes around a directory with blanks: that is wanted.
+    // No quotes around a directory with blanks: the entry is found again by comparing this very text.
     const QString path = programDirectory + (ended ? u""_qs : u"/"_qs) + baseName;
     cRegistry registry(store);
     goToRunEntry(registry, baseName);

@@ -73,7 +73,8 @@ Message failureBox(const QString &secondLine = {})
 
 void readStart(const XmlNode &start, AppSettings &settings)
 {
-    // A missing element and a missing attribute give different modes; that difference is wanted.
+    // A missing element and a missing attribute give different modes: files of both kinds are about, and each keeps the
+    // start that its user knows (the settings tests hold both).
     settings.startMode = start ? start.attribute(QStringLiteral("mode")).value_or(QStringLiteral("Minimisé"))
                                : QStringLiteral("Plein écran");
     settings.updateAtStart = attributeOf(start, QStringLiteral("update")) == QStringLiteral("1");
@@ -127,14 +128,14 @@ void readColumns(const XmlNode &lview, AppSettings &settings, double twipsPerPix
 {
     settings.columnDefaultWidth[titleColumn] = Numbers::roundToInt16(250 * twipsPerPixel);
     settings.columnDefaultWidth[readMarkColumn] = Numbers::roundToInt16(16 * twipsPerPixel);
-    // The last column gets no default: it stays 0, and that is wanted.
+    // The last column gets no default and stays 0: a category column that was hidden stays so when it is asked for.
     for (std::size_t column = 3; column <= authorColumn; ++column)
         settings.columnDefaultWidth[column] = Numbers::roundToInt16(100 * twipsPerPixel);
     setColumnWidth(settings, readMarkColumn, 16 * twipsPerPixel);
 
     if (!lview) {
         // The defaults are in twips already and are scaled once more. At 15 twips a pixel the first column then
-        // overflows, so that a file without `lview` can't be used there; that is wanted.
+        // overflows: a file without `lview` is refused there, with the message of a damaged file.
         for (std::size_t column = titleColumn; column <= categoryColumn; ++column)
             if (column != readMarkColumn)
                 setColumnWidth(settings, column, settings.columnDefaultWidth[column] * twipsPerPixel);

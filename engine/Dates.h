@@ -18,7 +18,7 @@ struct TimeZoneRecord
 ///
 /// Both forms that feeds use are read: the ISO form, by fixed positions, and the form of Internet mail headers (RFC
 /// 822). Zones that aren't on the whole hour come out wrong, and an unreadable Internet form comes out as 30 November
-/// 1999: these results are wanted as they are.
+/// 1999. docs/dates.md tells why these results stay.
 class Dates
 {
 public:

@@ -1,8 +1,7 @@
 #include "engine/FeedOpener.h"
 
-#include "engine/OpeningWindow.h"
+#include "engine/CurrentFeed.h"
 #include "platform/Files.h"
-#include "platform/Messages.h"
 #include "platform/RunTimeError.h"
 #include "platform/net/Downloader.h"
 
@@ -13,17 +12,12 @@ namespace {
 
 constexpr QLatin1String http("http://");
 
-QString failureText()
+bool isFeedAddress(const QString &text)
 {
-    return QStringLiteral("Erreur lors du chargement du canal RSS");
+    return text.startsWith(http) || text.startsWith(QLatin1String("feed:"));
 }
 
-QString warningTitle()
-{
-    return QStringLiteral("Avertissement");
-}
-
-/// The text of the address box without "feed:" (any first 5 characters) and the slashes behind it.
+/// The text without "feed:" (any first 5 characters) and the slashes behind it.
 QString withoutScheme(const QString &text)
 {
     if (text.startsWith(http))
@@ -34,10 +28,8 @@ QString withoutScheme(const QString &text)
 
 } // namespace
 
-FeedOpener::FeedOpener(DataDirectory directory, CurrentFeed &current, Downloader &dwlFeed, OpeningWindow &window,
-                       Messages &messages, QObject *parent)
-    : QObject(parent), m_directory(std::move(directory)), m_current(current), m_dwlFeed(dwlFeed), m_window(window),
-      m_messages(messages)
+FeedOpener::FeedOpener(DataDirectory directory, CurrentFeed &current, Downloader &dwlFeed, QObject *parent)
+    : QObject(parent), m_directory(std::move(directory)), m_current(current), m_dwlFeed(dwlFeed)
 {
     connect(&m_dwlFeed, &Downloader::DownloadProgress, this, &FeedOpener::handleDownloadProgress);
     connect(&m_dwlFeed, &Downloader::DownloadComplete, this, &FeedOpener::handleDownloadComplete);
@@ -50,22 +42,19 @@ void FeedOpener::openFeedNode(const FeedNodePtr &node)
     if (m_current.document->IsLoaded())
         m_current.document->Save();
     if (m_current.document->Load(m_directory.cacheFile(node->key())) != LoadOk) {
-        warn(failureText(), warningTitle());
+        refuse(Reason::UnreadableFeed);
         return;
     }
     m_current.addressFeedShown = false;
-    m_window.enableAddButton(false);
-    m_window.FillItemList();
+    Q_EMIT opened(Source::CacheFile);
 }
 
-void FeedOpener::handleAddressEntered()
+void FeedOpener::openEntered(const QString &text)
 {
-    m_window.enableSendMailButton(false);
-    const QString text = m_window.addressText();
-    if (text.startsWith(http) || text.startsWith(QLatin1String("feed:"))) {
+    if (isFeedAddress(text)) {
         m_current.strUsername.clear();
         m_current.strPassword.clear();
-        LoadFile();
+        LoadFile(text);
     } else {
         openLocalFile(text);
     }
@@ -75,28 +64,24 @@ void FeedOpener::openLocalFile(const QString &path)
 {
     m_current.document->Save();
     if (!Files::exists(path)) {
-        warn(QStringLiteral("Le fichier que vous tentez d'ouvrir n'existe pas"), warningTitle());
+        refuse(Reason::NoSuchFile);
         return;
     }
     const QString copy = m_directory.file(QStringLiteral("tmp.xml"));
     Files::copy(path, copy);
     if (m_current.document->Load(copy) == LoadOk)
-        m_window.FillItemList();
+        Q_EMIT opened(Source::LocalFile);
     else
-        warn(failureText(), warningTitle());
+        refuse(Reason::UnreadableFeed);
 }
 
-void FeedOpener::openCommandLine(const QString &text)
+QString FeedOpener::enteredByCommandLine(const QString &text)
 {
-    if (text.startsWith(http) || text.startsWith(QLatin1String("feed:"))) {
-        m_window.setAddressText(text);
-    } else {
-        if (text.size() < 2)
-            throw RunTimeError::invalidCall();
-        m_window.setAddressText(text.mid(1, text.size() - 2));
-    }
-    m_window.emptyItemList();
-    handleAddressEntered();
+    if (isFeedAddress(text))
+        return text;
+    if (text.size() < 2)
+        throw RunTimeError::invalidCall();
+    return text.mid(1, text.size() - 2);
 }
 
 QString FeedOpener::addressToFetch(const QString &text)
@@ -107,51 +92,45 @@ QString FeedOpener::addressToFetch(const QString &text)
     return address.contains(QLatin1String("//")) ? QString() : QString(http + address);
 }
 
-void FeedOpener::LoadFile()
+void FeedOpener::LoadFile(const QString &text)
 {
-    const QString text = m_window.addressText();
     m_current.addressFeedShown = false;
-    m_window.enableAddButton(false);
-    m_window.showProgress(true);
+    Q_EMIT fetchBegan();
     const QString destination = m_directory.file(QStringLiteral("tmp.xml"));
     if (Files::exists(destination))
         Files::remove(destination);
     const QString url = addressToFetch(text);
-    if (url.isEmpty()) { // the progress bar stays on show; so wanted
-        warn(QStringLiteral("Impossible d'ouvrir le flux spécifié :\n\n") + withoutScheme(text),
-             QStringLiteral("Erreur"));
-        return;
-    }
-    m_dwlFeed.Download(url, 0, destination, m_current.strUsername, m_current.strPassword);
+    if (url.isEmpty())
+        Q_EMIT refused({Reason::SchemeNotFetched, withoutScheme(text)});
+    else
+        m_dwlFeed.Download(url, 0, destination, m_current.strUsername, m_current.strPassword);
 }
 
 void FeedOpener::handleDownloadProgress(double percent)
 {
-    m_window.setProgress(static_cast<int>(std::nearbyint(std::clamp(percent, 0.0, 100.0))));
+    Q_EMIT progress(static_cast<int>(std::nearbyint(std::clamp(percent, 0.0, 100.0))));
 }
 
 void FeedOpener::handleDownloadComplete(qint32 status)
 {
     if (status == Downloader::Cancelled) // another download took its place, and that one will tell how it ended
         return;
-    m_window.showProgress(false);
+    Q_EMIT fetchEnded();
     switch (status) {
     case 200:
         openDownloaded();
         break;
     case Downloader::HostNotFound:
-        warn(QStringLiteral("L'hôte sur lequel se trouve le fichier n'a pas été trouvé sur le serveur"),
-             QStringLiteral("Erreur"));
+        refuse(Reason::HostNotFound);
         break;
     case Downloader::AuthenticationAsked:
-        m_window.askForCredentials();
+        Q_EMIT credentialsAsked();
         break;
     case 404:
-        warn(QStringLiteral("Le fichier n'a pas été trouvé sur le serveur"), QStringLiteral("Erreur 404"));
+        refuse(Reason::NotFoundOnServer);
         break;
     default:
-        m_messages.show({QStringLiteral("Cas non géré actuellement : ") + QString::number(status), QString(),
-                         Message::Icon::None, Message::Buttons::Ok});
+        Q_EMIT refused({Reason::UnexpectedStatus, {}, status});
     }
 }
 
@@ -163,33 +142,22 @@ void FeedOpener::openDownloaded()
     case LoadOk:
         m_current.addressFeedShown = true;
         m_current.addressFeedUnsaved = true;
-        m_window.enableAddButton(true);
-        m_window.FillItemList();
+        Q_EMIT opened(Source::Network);
         break;
     case LoadFileNotFound:
-        warn(QStringLiteral("Impossible de trouver le fichier"), warningTitle());
+        refuse(Reason::NothingDownloaded);
         break;
-    case LoadNotAFeed: {
-        const Message question{QStringLiteral("La ressource spécifiée n'est pas un fichier RSS valide, voulez-vous "
-                                              "essayer d'ouvrir le fichier dans le navigateur ?"),
-                               warningTitle(), Message::Icon::Exclamation, Message::Buttons::YesNo};
-        if (m_messages.show(question) == Messages::Answer::Yes)
-            m_window.navigate(m_window.addressText());
+    case LoadNotAFeed:
+        Q_EMIT pageOffered();
         break;
-    }
     case LoadBadVersion:
     case LoadBadVersionOther:
-        warn(QStringLiteral("La version du fichier RSS n'est pas supportée"), warningTitle());
+        refuse(Reason::UnsupportedVersion);
         break;
     case LoadUnknownFormat:
-        warn(QStringLiteral("Format du fichier RSS inconnu"), warningTitle());
+        refuse(Reason::UnknownFormat);
         break;
     default:
-        warn(failureText(), warningTitle());
+        refuse(Reason::UnreadableFeed);
     }
-}
-
-void FeedOpener::warn(const QString &text, const QString &title)
-{
-    m_messages.show({text, title, Message::Icon::Exclamation, Message::Buttons::Ok});
 }

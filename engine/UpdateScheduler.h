@@ -1,6 +1,5 @@
 #pragma once
 
-#include "core/AppSettings.h"
 #include "core/DataDirectory.h"
 #include "core/FeedTables.h"
 #include "core/FeedTree.h"
@@ -14,10 +13,10 @@
 
 class clsDES;
 class Downloader;
-class OpeningWindow;
+class FeedTreeState;
 
 /// Refreshes the feeds of the catalogue, one at a time: each on its own period, all at once, or one that the user asks
-/// for.
+/// for. It tells by signals what it does and has no words for the user.
 class UpdateScheduler : public QObject
 {
     Q_OBJECT
@@ -28,12 +27,11 @@ public:
     {
         DataDirectory directory;
         FeedTree &tree;
+        const FeedTreeState &treeState;
         FeedTables &tables;
         CurrentFeed &current;
-        const AppSettings &settings;
         clsDES &cipher;
         Downloader &dwlUpdate;
-        OpeningWindow &window;
         std::function<bool()> isConnected;
         Clock clock;
         Wait wait;
@@ -64,18 +62,41 @@ public:
     /// One tick of timGlobalUpdate.
     void handleGlobalUpdateTick();
 
-    /// Ends all waiting loops as soon as they run again; called once when the window closes.
+    /// Ends all waiting loops as soon as they run again, and tells nothing more; called once when the program ends.
     void stop();
+
+Q_SIGNALS:
+    /// The update of a feed begins.
+    void began(const FeedNodePtr &node);
+
+    /// Its file is asked for.
+    void fetchBegan();
+    void progress(int percent);
+
+    /// The server is done, whatever came of it.
+    void fetchEnded();
+
+    /// The update found at least one new item in the feed called `title`.
+    void newItemsFound(const QString &title, qint16 count);
+
+    /// The feed on show was loaded afresh, with `newItems` in front. updateRunning() still holds.
+    void feedOnShowReloaded(qint16 newItems);
+
+    /// The update of the feed is over, a failed one too. `node` may have been deleted meanwhile.
+    void ended(const FeedNodePtr &node, qint16 newItems);
+
+    /// All feeds are updated, respectively were.
+    void allBegan();
+    void allEnded();
 
 private:
     void handleDownloadProgress(double percent);
     void handleDownloadComplete(qint32 status);
     bool isOnShow(const QString &key) const;
-    void refreshWhatIsOnShow(const QString &cacheFile, qint16 newItems);
     void endUpdate(qint16 newItems);
     void waitForUpdate();
 
-    Surroundings m_s;
+    Surroundings m_surroundings;
     QTimer m_timUpdate{this};
     QTimer m_timGlobalUpdate{this};
     FeedNodePtr m_updatingNode;

@@ -5,7 +5,7 @@
 /// The address box `txtURL`. It is no browser's address bar: what is entered is opened as a feed.
 ///
 /// When it gets the focus while the clipboard holds an address that begins with "http://", that address becomes its
-/// text and the clipboard is emptied, for all programs. That is wanted.
+/// text and the clipboard is emptied, for all programs, so that one address copied is one feed opened.
 class AddressBox : public QLineEdit
 {
     Q_OBJECT

@@ -52,42 +52,42 @@ void BrowserToolbar::build(cToolbar &tlbBrowser, const AppSettings &settings)
     }
 }
 
-BrowserToolbar::BrowserToolbar(Parts parts, QObject *parent) : QObject(parent), m_p(std::move(parts))
+BrowserToolbar::BrowserToolbar(Parts parts, QObject *parent) : QObject(parent), m_parts(std::move(parts))
 {
-    connect(&m_p.tlbBrowser, &cToolbar::ButtonClick, this, &BrowserToolbar::handleButton);
-    connect(&m_p.tlbBrowser, &cToolbar::DropDownPress, this, &BrowserToolbar::handleDropDown);
-    connect(&m_p.mnuAttachment, &cPopupMenu::Click, this, &BrowserToolbar::handleAttachment);
-    connect(&m_p.browser, &BrowserPane::CommandStateChange, this, &BrowserToolbar::handleCommandState);
-    connect(&m_p.browser, &BrowserPane::DownloadBegin, this,
-            [this] { m_p.tlbBrowser.setButtonEnabled(stopKey, true); });
-    connect(&m_p.browser, &BrowserPane::DocumentComplete, this,
-            [this] { m_p.tlbBrowser.setButtonEnabled(stopKey, false); });
+    connect(&m_parts.tlbBrowser, &cToolbar::ButtonClick, this, &BrowserToolbar::handleButton);
+    connect(&m_parts.tlbBrowser, &cToolbar::DropDownPress, this, &BrowserToolbar::handleDropDown);
+    connect(&m_parts.mnuAttachment, &cPopupMenu::Click, this, &BrowserToolbar::handleAttachment);
+    connect(&m_parts.browser, &BrowserPane::CommandStateChange, this, &BrowserToolbar::handleCommandState);
+    connect(&m_parts.browser, &BrowserPane::DownloadBegin, this,
+            [this] { m_parts.tlbBrowser.setButtonEnabled(stopKey, true); });
+    connect(&m_parts.browser, &BrowserPane::DocumentComplete, this,
+            [this] { m_parts.tlbBrowser.setButtonEnabled(stopKey, false); });
 }
 
 void BrowserToolbar::handleButton(int index)
 {
     switch (index) {
     case 0:
-        m_p.browser.GoBack();
+        m_parts.browser.GoBack();
         break;
     case 1:
-        m_p.browser.GoForward();
+        m_parts.browser.GoForward();
         break;
     case 2:
-        m_p.browser.Refresh();
+        m_parts.browser.Refresh();
         break;
     case 3:
-        m_p.browser.Stop();
-        m_p.tlbBrowser.setButtonEnabled(stopKey, false);
+        m_parts.browser.Stop();
+        m_parts.tlbBrowser.setButtonEnabled(stopKey, false);
         break;
     case 5:
-        m_p.openInSystemBrowser(m_p.browser.LocationURL());
+        m_parts.openInSystemBrowser(m_parts.browser.LocationURL());
         break;
     case 6:
-        m_p.reading.sendItemByMail(static_cast<qint16>(m_p.reading.selectedItem()));
+        m_parts.reading.sendItemByMail(static_cast<qint16>(m_parts.reading.selectedItem()));
         break;
     case 8:
-        showComments(m_p.current.document->ItemComments(static_cast<qint16>(m_p.reading.selectedItem())));
+        showComments(m_parts.current.document->ItemComments(static_cast<qint16>(m_parts.reading.selectedItem())));
         break;
     default: // the body of "browser_attachment" does nothing, only its arrow acts
         break;
@@ -99,19 +99,19 @@ void BrowserToolbar::showComments(const QString &url)
     // A feed names this address: it leads to the web, or to nothing.
     if (url.startsWith(QLatin1String("http://"), Qt::CaseInsensitive) ||
         url.startsWith(QLatin1String("https://"), Qt::CaseInsensitive))
-        m_p.browser.Navigate(url);
+        m_parts.browser.Navigate(url);
 }
 
 void BrowserToolbar::handleDropDown(int index)
 {
-    m_p.mnuAttachment.ShowPopupMenu(m_p.tlbBrowser.dropDownPosition(index));
+    m_parts.mnuAttachment.ShowPopupMenu(m_parts.tlbBrowser.dropDownPosition(index));
 }
 
 void BrowserToolbar::handleAttachment(int index)
 {
     ItemEnclosure enclosure;
-    if (m_p.current.document->GetItemEnclosure(Numbers::toInt16(m_p.mnuAttachment.ItemKey(index)), enclosure))
-        m_p.openInSystemBrowser(enclosure.Url);
+    if (m_parts.current.document->GetItemEnclosure(Numbers::toInt16(m_parts.mnuAttachment.ItemKey(index)), enclosure))
+        m_parts.openInSystemBrowser(enclosure.Url);
 }
 
 void BrowserToolbar::handleCommandState(int command, bool enable)
@@ -119,7 +119,7 @@ void BrowserToolbar::handleCommandState(int command, bool enable)
     constexpr int forward = 1;
     constexpr int back = 2;
     if (command == forward)
-        m_p.tlbBrowser.setButtonEnabled(QStringLiteral("browser_suivant"), enable);
+        m_parts.tlbBrowser.setButtonEnabled(QStringLiteral("browser_suivant"), enable);
     else if (command == back)
-        m_p.tlbBrowser.setButtonEnabled(QStringLiteral("browser_precedent"), enable);
+        m_parts.tlbBrowser.setButtonEnabled(QStringLiteral("browser_precedent"), enable);
 }

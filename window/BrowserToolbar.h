@@ -42,5 +42,5 @@ private:
     void handleAttachment(int index);
     void handleCommandState(int command, bool enable);
 
-    Parts m_p;
+    Parts m_parts;
 };

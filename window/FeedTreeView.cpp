@@ -41,7 +41,8 @@ private:
 
 } // namespace
 
-FeedTreeView::FeedTreeView(FeedTree &tree, const ImageList &pictures, QWidget *parent) : QTreeView(parent), m_tree(tree)
+FeedTreeView::FeedTreeView(FeedTree &tree, FeedTreeState &state, const ImageList &pictures, QWidget *parent)
+    : QTreeView(parent), m_tree(tree), m_state(state)
 {
     setModel(&tree);
     setItemDelegate(new NodeDelegate(tree, pictures, this));
@@ -56,14 +57,15 @@ FeedTreeView::FeedTreeView(FeedTree &tree, const ImageList &pictures, QWidget *p
     setTextElideMode(Qt::ElideRight);
     setAccessibleName(QStringLiteral("Favoris"));
 
-    connect(&tree, &FeedTree::expansionChanged, this, &FeedTreeView::setExpanded);
-    connect(&tree, &FeedTree::bringIntoViewAsked, this, &FeedTreeView::handleBringIntoView);
-    connect(&tree, &FeedTree::selectionChanged, this, &FeedTreeView::handleTreeSelection);
+    connect(&state, &FeedTreeState::expansionChanged, this,
+            [this](const FeedNodePtr &node, bool expanded) { setExpanded(m_tree.indexOf(node), expanded); });
+    connect(&state, &FeedTreeState::bringIntoViewAsked, this, &FeedTreeView::handleBringIntoView);
+    connect(&state, &FeedTreeState::selectionChanged, this, &FeedTreeView::handleTreeSelection);
     connect(selectionModel(), &QItemSelectionModel::selectionChanged, this, &FeedTreeView::handleViewSelection);
     connect(this, &QTreeView::expanded, this,
-            [this](const QModelIndex &index) { m_tree.setExpanded(m_tree.node(index), true); });
+            [this](const QModelIndex &index) { m_state.setExpanded(m_tree.node(index), true); });
     connect(this, &QTreeView::collapsed, this,
-            [this](const QModelIndex &index) { m_tree.setExpanded(m_tree.node(index), false); });
+            [this](const QModelIndex &index) { m_state.setExpanded(m_tree.node(index), false); });
 }
 
 FeedNodePtr FeedTreeView::nodeAt(const QPoint &position) const
@@ -73,7 +75,7 @@ FeedNodePtr FeedTreeView::nodeAt(const QPoint &position) const
     return index.isValid() && position.x() >= visualRect(index).left() ? m_tree.node(index) : nullptr;
 }
 
-void FeedTreeView::handleBringIntoView(const QModelIndex &index)
+void FeedTreeView::handleBringIntoView(const FeedNodePtr &node)
 {
     // Only the last of many requests is seen; a large catalogue makes one for each feed.
     if (!m_wantedInView.isValid())
@@ -81,13 +83,13 @@ void FeedTreeView::handleBringIntoView(const QModelIndex &index)
             scrollTo(m_wantedInView, EnsureVisible);
             m_wantedInView = QPersistentModelIndex();
         });
-    m_wantedInView = index;
+    m_wantedInView = m_tree.indexOf(node);
 }
 
-void FeedTreeView::handleTreeSelection(const QModelIndex &index)
+void FeedTreeView::handleTreeSelection(const FeedNodePtr &node)
 {
-    if (index.isValid())
-        selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
+    if (node)
+        selectionModel()->setCurrentIndex(m_tree.indexOf(node), QItemSelectionModel::ClearAndSelect);
     else
         selectionModel()->clearSelection();
 }
@@ -96,13 +98,13 @@ void FeedTreeView::handleViewSelection()
 {
     const QModelIndexList selected = selectionModel()->selectedIndexes();
     const FeedNodePtr node = selected.isEmpty() ? nullptr : m_tree.node(selected.first());
-    if (node != m_tree.selected())
-        m_tree.select(node);
+    if (node != m_state.selected())
+        m_state.select(node);
 }
 
 void FeedTreeView::makeSelectedCurrent()
 {
-    selectionModel()->setCurrentIndex(m_tree.indexOf(m_tree.selected()), QItemSelectionModel::NoUpdate);
+    selectionModel()->setCurrentIndex(m_tree.indexOf(m_state.selected()), QItemSelectionModel::NoUpdate);
 }
 
 QItemSelectionModel::SelectionFlags FeedTreeView::selectionCommand(const QModelIndex &index, const QEvent *event) const
@@ -146,7 +148,7 @@ void FeedTreeView::mouseReleaseEvent(QMouseEvent *event)
     const FeedNodePtr node = nodeAt(event->position().toPoint());
     if (!node || node != m_draggedNode)
         return;
-    m_tree.select(node);
+    m_state.select(node);
     Q_EMIT nodeClicked(node);
 }
 
@@ -157,7 +159,7 @@ void FeedTreeView::contextMenuEvent(QContextMenuEvent *event)
             Q_EMIT nodeRightClicked(node, event->globalPos());
         return;
     }
-    if (const FeedNodePtr node = m_tree.selected()) {
+    if (const FeedNodePtr node = m_state.selected()) {
         const QRect rect = visualRect(m_tree.indexOf(node));
         Q_EMIT nodeRightClicked(node, viewport()->mapToGlobal(rect.isValid() ? rect.bottomLeft() : QPoint()));
     }
@@ -165,9 +167,9 @@ void FeedTreeView::contextMenuEvent(QContextMenuEvent *event)
 
 void FeedTreeView::keyPressEvent(QKeyEvent *event)
 {
-    const FeedNodePtr selected = m_tree.selected();
+    const FeedNodePtr selected = m_state.selected();
     if (selected && (event->key() == Qt::Key_Down || event->key() == Qt::Key_Up)) {
-        const FeedNodePtr node = event->key() == Qt::Key_Down ? m_tree.next(selected) : m_tree.previous(selected);
+        const FeedNodePtr node = event->key() == Qt::Key_Down ? m_state.next(selected) : m_state.previous(selected);
         if (node)
             Q_EMIT arrowKeyTo(node);
     }

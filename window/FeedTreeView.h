@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/FeedTree.h"
+#include "core/FeedTreeState.h"
 
 #include <QTreeView>
 
@@ -8,8 +8,8 @@
 
 class ImageList;
 
-/// The feed tree `tvwFavoris` on the screen: a view of a FeedTree that tells what the user does with its nodes. It
-/// shows selection and folding of the tree, and reports those that the user changes.
+/// The feed tree `tvwFavoris` on the screen: a view of a FeedTree and of what is selected and open in it. It tells what
+/// the user does with the nodes, and reports selection and folding that the user changes.
 ///
 /// A node counts as clicked when the left button is released over the node that it was pressed on; a drag neither
 /// clicks nor selects.
@@ -18,8 +18,8 @@ class FeedTreeView : public QTreeView
     Q_OBJECT
 
 public:
-    /// `pictures` are addressed by the nodes' image indices. Neither is owned.
-    FeedTreeView(FeedTree &tree, const ImageList &pictures, QWidget *parent = nullptr);
+    /// `state` is that of `tree`; `pictures` are addressed by the nodes' image indices. Nothing is owned.
+    FeedTreeView(FeedTree &tree, FeedTreeState &state, const ImageList &pictures, QWidget *parent = nullptr);
 
     /// The node under the pointer at the last mouse-down; null when there was none. Kept after a drop.
     FeedNodePtr draggedNode() const { return m_draggedNode; }
@@ -64,11 +64,12 @@ private:
     DropPlace dropPlace(const QPoint &position) const;
     void startNodeDrag();
     void makeSelectedCurrent();
-    void handleBringIntoView(const QModelIndex &index);
-    void handleTreeSelection(const QModelIndex &index);
+    void handleBringIntoView(const FeedNodePtr &node);
+    void handleTreeSelection(const FeedNodePtr &node);
     void handleViewSelection();
 
     FeedTree &m_tree;
+    FeedTreeState &m_state;
     QPersistentModelIndex m_wantedInView;
     FeedNodePtr m_draggedNode;
     std::optional<QPoint> m_pressedAt; ///< of a left press over a node, until its release or drag

@@ -15,7 +15,7 @@ constexpr int menuBandHeight = 24;
 constexpr int toolBandHeight = 40;
 } // namespace
 
-RebarBands::RebarBands(Parts parts, QObject *parent) : QObject(parent), m_p(parts) {}
+RebarBands::RebarBands(Parts parts, QObject *parent) : QObject(parent), m_parts(parts) {}
 
 void RebarBands::newRebar(bool withMinimumHeights)
 {
@@ -23,16 +23,16 @@ void RebarBands::newRebar(bool withMinimumHeights)
         m_cReBar1->RemoveAllBands();
         delete m_cReBar1;
     }
-    m_cReBar1 = new cReBar(m_p.form);
+    m_cReBar1 = new cReBar(m_parts.form);
     m_cReBar1->setObjectName(QStringLiteral("cReBar1"));
     const auto add = [&](QWidget *child, bool newRow, const QString &name, int minimumHeight) {
         m_cReBar1->AddBand(child, QString(), newRow, false, name);
         if (withMinimumHeights && minimumHeight > 0)
             m_cReBar1->setBandMinimumSize(m_cReBar1->BandCount() - 1, -1, minimumHeight);
     };
-    add(m_p.tbrMenu, true, menuBand, menuBandHeight);
-    add(m_p.cToolbar1, true, toolBand, toolBandHeight);
-    add(m_p.fraToolbar, false, styleBand, 0);
+    add(m_parts.tbrMenu, true, menuBand, menuBandHeight);
+    add(m_parts.cToolbar1, true, toolBand, toolBandHeight);
+    add(m_parts.fraToolbar, false, styleBand, 0);
     connect(m_cReBar1, &cReBar::HeightChanged, this, &RebarBands::heightChanged);
     connect(m_cReBar1, &cReBar::ChevronPushed, this, &RebarBands::handleChevron);
 }
@@ -88,13 +88,13 @@ int RebarBands::position() const
 void RebarBands::handleChevron(int id, double, double top, double right, double)
 {
     const QString band = m_cReBar1->BandData(id);
-    cToolbar *toolbar = band == menuBand    ? m_p.tbrMenu
-                        : band == toolBand  ? m_p.cToolbar1
-                        : band == styleBand ? m_p.cToolbar2
+    cToolbar *toolbar = band == menuBand    ? m_parts.tbrMenu
+                        : band == toolBand  ? m_parts.cToolbar1
+                        : band == styleBand ? m_parts.cToolbar2
                                             : nullptr;
     if (!toolbar)
         return;
-    const QPoint place(static_cast<int>(std::floor(right / Twips::perPixelX(m_p.form))) + 1,
-                       static_cast<int>(std::floor(top / Twips::perPixelY(m_p.form))));
+    const QPoint place(static_cast<int>(std::floor(right / Twips::perPixelX(m_parts.form))) + 1,
+                       static_cast<int>(std::floor(top / Twips::perPixelY(m_parts.form))));
     toolbar->ShowOverflow(m_cReBar1->mapToGlobal(place));
 }

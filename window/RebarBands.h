@@ -49,8 +49,6 @@ public:
     /// Where the rebar is docked; 0 is along the top.
     int position() const;
 
-    cReBar *rebar() const { return m_cReBar1; }
-
 Q_SIGNALS:
     void heightChanged();
 
@@ -58,6 +56,6 @@ private:
     void newRebar(bool withMinimumHeights);
     void handleChevron(int id, double left, double top, double right, double bottom);
 
-    Parts m_p;
+    Parts m_parts;
     cReBar *m_cReBar1 = nullptr;
 };

@@ -1,50 +1,58 @@
 #include "window/TreeCommands.h"
 
-#include "controls/cPopupMenu.h"
 #include "controls/cToolbar.h"
 #include "core/FeedCatalogue.h"
+#include "core/FeedTreeState.h"
 #include "engine/CurrentFeed.h"
 #include "engine/FeedOpener.h"
-#include "engine/OpeningWindow.h"
 #include "platform/Messages.h"
+#include "reading/BrowserPane.h"
+#include "reading/ItemListView.h"
 #include "window/FeedTreeView.h"
+#include "window/MainFrame.h"
 #include "window/MainToolbar.h"
 
-TreeCommands::TreeCommands(Parts parts, QObject *parent) : QObject(parent), m_p(std::move(parts))
+TreeCommands::TreeCommands(Parts parts, QObject *parent) : QObject(parent), m_parts(std::move(parts))
 {
-    connect(&m_p.tvwFavoris, &FeedTreeView::nodeClicked, this, &TreeCommands::handleNodeClick);
-    connect(&m_p.tvwFavoris, &FeedTreeView::nodeRightClicked, this, &TreeCommands::handleNodeRightClick);
-    connect(&m_p.tvwFavoris, &FeedTreeView::arrowKeyTo, this, &TreeCommands::handleArrowKey);
-    connect(&m_p.tvwFavoris, &FeedTreeView::nodeDropped, this, &TreeCommands::handleDrop);
+    const FeedTreeView *tree = m_parts.frame.tvwFavoris;
+    connect(tree, &FeedTreeView::nodeClicked, this, &TreeCommands::handleNodeClick);
+    connect(tree, &FeedTreeView::nodeRightClicked, this, &TreeCommands::handleNodeRightClick);
+    connect(tree, &FeedTreeView::arrowKeyTo, this, &TreeCommands::handleArrowKey);
+    connect(tree, &FeedTreeView::nodeDropped, this, &TreeCommands::handleDrop);
 }
 
 void TreeCommands::enableButtons(const FeedNodePtr &node)
 {
     const bool feed = node->image() == NodeImage::Feed;
     const bool folder = node->image() == NodeImage::Folder;
-    m_p.cToolbar1.setButtonEnabled(MainToolbar::Actualiser, feed);
-    m_p.cToolbar1.setButtonEnabled(MainToolbar::Supprimer, feed || folder);
-    m_p.cToolbar1.setButtonEnabled(MainToolbar::Proprietes, feed);
-    m_p.cToolbar1.setButtonEnabled(MainToolbar::Ajouter, false);
+    m_parts.frame.cToolbar1->setButtonEnabled(MainToolbar::Actualiser, feed);
+    m_parts.frame.cToolbar1->setButtonEnabled(MainToolbar::Supprimer, feed || folder);
+    m_parts.frame.cToolbar1->setButtonEnabled(MainToolbar::Proprietes, feed);
+    m_parts.frame.cToolbar1->setButtonEnabled(MainToolbar::Ajouter, false);
+}
+
+void TreeCommands::disableSendMail()
+{
+    m_parts.frame.tlbBrowser->setButtonEnabled(QStringLiteral("send_mail"), false);
 }
 
 void TreeCommands::openByUser(const FeedNodePtr &node)
 {
-    m_p.current.addressFeedUnsaved = false;
-    m_p.opener.openFeedNode(node);
+    m_parts.current.addressFeedUnsaved = false;
+    m_parts.opener.openFeedNode(node);
 }
 
 void TreeCommands::handleNodeClick(const FeedNodePtr &node)
 {
     enableButtons(node);
     if (node->image() == NodeImage::Feed) {
-        m_p.current.addressFeedUnsaved = false;
-        m_p.window.enableSendMailButton(false);
-        m_p.opener.openFeedNode(node);
+        m_parts.current.addressFeedUnsaved = false;
+        disableSendMail();
+        m_parts.opener.openFeedNode(node);
     } else if (node->image() == NodeImage::Folder) {
-        m_p.window.navigate(m_p.homePage);
-        m_p.window.emptyItemList();
-        m_p.window.enableSendMailButton(false);
+        m_parts.frame.WebBrowser1->Navigate(m_parts.homePage);
+        m_parts.frame.lvwItems->items().clear();
+        disableSendMail();
     }
 }
 
@@ -53,17 +61,17 @@ void TreeCommands::handleNodeRightClick(const FeedNodePtr &node, const QPoint &g
     enableButtons(node);
     const bool feed = node->image() == NodeImage::Feed;
     const auto enable = [this](const QString &key, bool enabled) {
-        m_p.mnuTreeView.setEnabled(m_p.mnuTreeView.IndexForKey(key), enabled);
+        m_parts.frame.menus.mnuTreeView.setEnabled(m_parts.frame.menus.mnuTreeView.IndexForKey(key), enabled);
     };
     enable(QStringLiteral("mnuRafraichir"), feed);
     enable(QStringLiteral("mnuSupprimer"), feed || node->image() == NodeImage::Folder);
     enable(QStringLiteral("mnuProprietes"), feed);
-    const FeedNodePtr selected = m_p.tree.selected();
+    const FeedNodePtr selected = m_parts.treeState.selected();
     if (!selected || selected->key() != node->key()) {
         openByUser(node);
-        m_p.tree.select(node);
+        m_parts.treeState.select(node);
     }
-    m_p.mnuTreeView.ShowPopupMenu(globalPosition + QPoint(5, 5));
+    m_parts.frame.menus.mnuTreeView.ShowPopupMenu(globalPosition + QPoint(5, 5));
 }
 
 void TreeCommands::handleArrowKey(const FeedNodePtr &node)
@@ -73,33 +81,33 @@ void TreeCommands::handleArrowKey(const FeedNodePtr &node)
 
 void TreeCommands::handleDrop(const FeedNodePtr &target, bool insertAbove)
 {
-    const FeedNodePtr dragged = m_p.tvwFavoris.draggedNode();
+    const FeedNodePtr dragged = m_parts.frame.tvwFavoris->draggedNode();
     if (dragged)
-        m_p.catalogue.moveFeed(dragged, target, insertAbove);
+        m_parts.catalogue.moveFeed(dragged, target, insertAbove);
 }
 
 void TreeCommands::deleteSelectedNode(const FeedNodePtr &node)
 {
     if (node->image() == NodeImage::Folder) {
-        const Messages::Answer answer = m_p.messages.show(
+        const Messages::Answer answer = m_parts.messages.show(
             {QStringLiteral("Êtes-vous sur de vouloir supprimer ce dossier et tout son contenu ?"),
              QStringLiteral("Supprimer dossier"), Message::Icon::Information, Message::Buttons::YesNo});
         if (answer != Messages::Answer::Yes)
             return;
-        m_p.catalogue.deleteCatalogueFolder(node);
-        m_p.tree.remove(node);
+        m_parts.catalogue.deleteCatalogueFolder(node);
+        m_parts.tree.remove(node);
     } else if (node->image() == NodeImage::Feed) {
-        m_p.catalogue.deleteCatalogueFeed(node->key());
-        m_p.tree.remove(node);
-        m_p.window.emptyItemList();
-        m_p.window.navigate(m_p.homePage);
+        m_parts.catalogue.deleteCatalogueFeed(node->key());
+        m_parts.tree.remove(node);
+        m_parts.frame.lvwItems->items().clear();
+        m_parts.frame.WebBrowser1->Navigate(m_parts.homePage);
     }
 }
 
 void TreeCommands::createFolder(const FeedNodePtr &node)
 {
     const QString name =
-        m_p.inputBox(QStringLiteral("Entrez un nom pour le nouveau dossier"), QStringLiteral("Nouveau dossier"));
+        m_parts.inputBox(QStringLiteral("Entrez un nom pour le nouveau dossier"), QStringLiteral("Nouveau dossier"));
     if (!name.isEmpty())
-        m_p.catalogue.createFolder(node, name);
+        m_parts.catalogue.createFolder(node, name);
 }

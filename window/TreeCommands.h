@@ -10,11 +10,9 @@
 
 class FeedCatalogue;
 class FeedOpener;
-class FeedTreeView;
+class FeedTreeState;
+class MainFrame;
 class Messages;
-class OpeningWindow;
-class cPopupMenu;
-class cToolbar;
 struct CurrentFeed;
 
 /// What the user's doings in the feed tree lead to: opening, enabling, deleting, new folders and moves.
@@ -30,13 +28,11 @@ public:
     struct Parts
     {
         FeedTree &tree;
+        FeedTreeState &treeState;
         FeedCatalogue &catalogue;
         FeedOpener &opener;
         CurrentFeed &current;
-        FeedTreeView &tvwFavoris;
-        cToolbar &cToolbar1;
-        cPopupMenu &mnuTreeView;
-        OpeningWindow &window;
+        MainFrame &frame;
         Messages &messages;
         InputBox inputBox;
         QString homePage; ///< path of home.htm
@@ -57,6 +53,7 @@ private:
     void handleDrop(const FeedNodePtr &target, bool insertAbove);
     void openByUser(const FeedNodePtr &node);
     void enableButtons(const FeedNodePtr &node);
+    void disableSendMail();
 
-    Parts m_p;
+    Parts m_parts;
 };

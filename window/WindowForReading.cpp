@@ -9,12 +9,12 @@
 
 void WindowForReading::enableBrowserButton(const QString &key, bool enabled)
 {
-    m_p.tlbBrowser.setButtonEnabled(key, enabled);
+    m_parts.tlbBrowser.setButtonEnabled(key, enabled);
 }
 
 void WindowForReading::setAttachmentEntry(const QString &caption, const QString &key)
 {
-    cPopupMenu &menu = m_p.menus.mnuAttachment;
+    cPopupMenu &menu = m_parts.menus.mnuAttachment;
     menu.Clear();
     cPopupMenu::Item item;
     // The name comes from a feed: it makes neither a shortcut nor a mnemonic.
@@ -26,16 +26,16 @@ void WindowForReading::setAttachmentEntry(const QString &caption, const QString 
 QPoint WindowForReading::menuPlace() const
 {
     const QPoint pointer = QCursor::pos();
-    if (m_p.lvwItems.rect().contains(m_p.lvwItems.mapFromGlobal(pointer)))
+    if (m_parts.lvwItems.rect().contains(m_parts.lvwItems.mapFromGlobal(pointer)))
         return pointer;
     // Asked for with the keyboard while the pointer is elsewhere.
-    const QRect row = m_p.lvwItems.visualRect(m_p.lvwItems.currentIndex());
-    return m_p.lvwItems.viewport()->mapToGlobal(row.isValid() ? row.bottomLeft() : QPoint());
+    const QRect row = m_parts.lvwItems.visualRect(m_parts.lvwItems.currentIndex());
+    return m_parts.lvwItems.viewport()->mapToGlobal(row.isValid() ? row.bottomLeft() : QPoint());
 }
 
 void WindowForReading::showItemMenu(bool canMarkRead, bool canMarkUnread)
 {
-    cPopupMenu &menu = m_p.menus.mnuPopUpListView;
+    cPopupMenu &menu = m_parts.menus.mnuPopUpListView;
     menu.setEnabled(menu.IndexForKey(QStringLiteral("mnuPopLvwMarkAsRead")), canMarkRead);
     menu.setEnabled(menu.IndexForKey(QStringLiteral("mnuPopLvwMarkAsUnread")), canMarkUnread);
     menu.ShowPopupMenu(menuPlace());
@@ -43,5 +43,5 @@ void WindowForReading::showItemMenu(bool canMarkRead, bool canMarkUnread)
 
 void WindowForReading::showColumnMenu()
 {
-    m_p.menus.mnuPopUpListViewHeader.ShowPopupMenu(menuPlace());
+    m_parts.menus.mnuPopUpListViewHeader.ShowPopupMenu(menuPlace());
 }

@@ -24,17 +24,17 @@ public:
         std::function<void(const QString &text)> showMailDialog;
     };
 
-    explicit WindowForReading(Parts parts) : m_p(std::move(parts)) {}
+    explicit WindowForReading(Parts parts) : m_parts(std::move(parts)) {}
 
     void enableBrowserButton(const QString &key, bool enabled) override;
     void setAttachmentEntry(const QString &caption, const QString &key) override;
-    bool updateRunning() const override { return m_p.updateRunning(); }
-    void showMailDialog(const QString &text) override { m_p.showMailDialog(text); }
+    bool updateRunning() const override { return m_parts.updateRunning(); }
+    void showMailDialog(const QString &text) override { m_parts.showMailDialog(text); }
     void showItemMenu(bool canMarkRead, bool canMarkUnread) override;
     void showColumnMenu() override;
 
 private:
     QPoint menuPlace() const;
 
-    Parts m_p;
+    Parts m_parts;
 };

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "core/DataDirectory.h"
+#include "window/Desktop.h"
+#include "window/Dialogs.h"
+
+/// The real desktop around the program, as window and dialogs are handed it.
+namespace DesktopSurroundings {
+
+/// Twips per pixel of the primary screen.
+ScreenScale screenScale();
+
+/// The areas of the screens that are free for windows, the primary screen first.
+QList<QRect> screens();
+
+Desktop desktop(const DataDirectory &directory, Messages &messages);
+
+/// `wait` lets the program's events run; it outlives the dialogs.
+Dialogs::Outside dialogs(const DataDirectory &directory, Messages &messages, Wait wait);
+
+} // namespace DesktopSurroundings

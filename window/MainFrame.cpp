@@ -1,0 +1,237 @@
+#include "window/MainFrame.h"
+
+#include "controls/ImageList.h"
+#include "controls/ProgressBar.h"
+#include "controls/StatusBar.h"
+#include "controls/cToolbar.h"
+#include "controls/cToolbarHost.h"
+#include "platform/Messages.h"
+#include "platform/Numbers.h"
+#include "reading/BrowserPane.h"
+#include "reading/ItemListView.h"
+#include "window/AddressBand.h"
+#include "window/BrowserToolbar.h"
+#include "window/FeedTreeView.h"
+#include "window/MainToolbar.h"
+#include "window/PaneLayout.h"
+#include "window/SplitBar.h"
+#include "window/StatusPanels.h"
+
+namespace {
+
+constexpr int barWidth = 5;   // pixels
+constexpr int paneMargin = 3; // pixels
+constexpr int smallHostHeight = 26;
+constexpr int bigHostHeight = 50;
+constexpr int smallBandHeight = 22;
+constexpr int bigBandHeight = 46;
+
+} // namespace
+
+MainFrame::MainFrame(Parts parts)
+    : tbrMenu(new cToolbar(&parts.form)), cToolbar1(new cToolbar(&parts.form)), cToolbar2(new cToolbar(&parts.form)),
+      fraToolbar(new AddressBand(&parts.form)),
+      tvwFavoris(new FeedTreeView(parts.tree, parts.treeState, ImageLists::vbalImageList1(), &parts.form)),
+      picHorizontalSplit(new SplitBar(
+          Qt::Horizontal, parts.scale,
+          [this] { return PaneLayout::horizontalBounds(m_parts.form.width() * m_parts.scale.twipsPerPixelX); },
+          &parts.form)),
+      lvwItems(new ItemListView(Dates(), parts.scale, &parts.form)),
+      picVerticalSplit(new SplitBar(
+          Qt::Vertical, parts.scale,
+          [this] {
+              const double perPixel = m_parts.scale.twipsPerPixelY;
+              return PaneLayout::verticalBounds(m_parts.form.height() * perPixel, m_bands.height() * perPixel,
+                                                stabPrinc->height() * perPixel);
+          },
+          &parts.form)),
+      cToolbarHost1(new cToolbarHost(&parts.form)), tlbBrowser(new cToolbar(&parts.form)),
+      WebBrowser1(new BrowserPane(parts.directory, parts.messages, &parts.form)), stabPrinc(new StatusBar(&parts.form)),
+      prbChargement(new ProgressBar(stabPrinc)), menus(&parts.form, tvwFavoris, parts.settings), m_parts(parts),
+      m_bands({&parts.form, tbrMenu, cToolbar1, cToolbar2, fraToolbar})
+{
+    nameControls();
+    connect(&m_bands, &RebarBands::heightChanged, this, &MainFrame::recalcLayout);
+    connect(picHorizontalSplit, &SplitBar::released, this, &MainFrame::handleHorizontalBar);
+    connect(picVerticalSplit, &SplitBar::released, this, &MainFrame::handleVerticalBar);
+}
+
+void MainFrame::nameControls()
+{
+    const auto name = [](QWidget *control, const QString &objectName, const QString &accessibleName = {}) {
+        control->setObjectName(objectName);
+        if (!accessibleName.isEmpty())
+            control->setAccessibleName(accessibleName);
+    };
+    name(tbrMenu, QStringLiteral("tbrMenu"), QStringLiteral("Barre de menus"));
+    name(cToolbar1, QStringLiteral("cToolbar1"), QStringLiteral("Barre d'outils"));
+    name(cToolbar2, QStringLiteral("cToolbar2"));
+    name(tvwFavoris, QStringLiteral("tvwFavoris"));
+    name(picHorizontalSplit, QStringLiteral("picHorizontalSplit"),
+         QStringLiteral("Séparation entre les favoris et les messages"));
+    name(lvwItems, QStringLiteral("lvwItems"));
+    name(picVerticalSplit, QStringLiteral("picVerticalSplit"),
+         QStringLiteral("Séparation entre les messages et la page"));
+    name(cToolbarHost1, QStringLiteral("cToolbarHost1"));
+    name(tlbBrowser, QStringLiteral("tlbBrowser"), QStringLiteral("Barre d'outils de la page"));
+    name(WebBrowser1, QStringLiteral("WebBrowser1"));
+    name(stabPrinc, QStringLiteral("stabPrinc"));
+    name(prbChargement, QStringLiteral("prbChargement"), QStringLiteral("Chargement"));
+}
+
+void MainFrame::build()
+{
+    const AppSettings &settings = m_parts.settings;
+    ToolbarLook::applyStyle(*tbrMenu, settings.officeStyle);
+    tbrMenu->CreateFromMenu(&menus.m_cMenu);
+    MainToolbar::build(*cToolbar1, settings);
+    cToolbar2->hide();
+    m_bands.create();
+    m_bands.restoreBands(settings.rebarLayout);
+    BrowserToolbar::build(*tlbBrowser, settings);
+    cToolbarHost1->Capture(tlbBrowser);
+    setHostHeight();
+    for (int column = 1; column <= itemColumnCount; ++column)
+        lvwItems->setColumnWidthTwips(column, settings.columnWidth[static_cast<std::size_t>(column)]);
+    buildStatusBar();
+    QWidget::setTabOrder(tvwFavoris, lvwItems);
+    QWidget::setTabOrder(lvwItems, WebBrowser1);
+    QWidget::setTabOrder(WebBrowser1, &fraToolbar->txtURL());
+    tvwFavoris->setFocus();
+    m_built = true;
+    recalcLayout();
+}
+
+void MainFrame::buildStatusBar()
+{
+    stabPrinc->addPanel(StatusPanels::state, 500);
+    stabPrinc->addPanel(StatusPanels::progressBar, 150);
+    stabPrinc->addPanel(StatusPanels::glue, 200, StatusBar::Panel::Glue);
+    prbChargement->setValue(50);
+    prbChargement->hide();
+    placeProgressBar();
+    connect(stabPrinc, &StatusBar::panelsMoved, this, &MainFrame::placeProgressBar);
+}
+
+void MainFrame::placeProgressBar()
+{
+    prbChargement->setGeometry(stabPrinc->panelRect(StatusPanels::progressBar).adjusted(1, 1, -1, -1));
+}
+
+void MainFrame::recalcLayout()
+{
+    if (!m_built || m_bandsTaken || m_bands.position() != 0)
+        return;
+    const QWidget &form = m_parts.form;
+    const double perX = m_parts.scale.twipsPerPixelX;
+    const double perY = m_parts.scale.twipsPerPixelY;
+    const int rebarHeight = m_bands.resize(form.width());
+    const int statusHeight = stabPrinc->sizeHint().height();
+    stabPrinc->setGeometry(0, form.height() - statusHeight, form.width(), statusHeight);
+
+    FrameMeasures measures;
+    measures.width = form.width() * perX;
+    measures.height = form.height() * perY;
+    measures.rebarHeight = rebarHeight * perY;
+    measures.statusHeight = statusHeight * perY;
+    measures.hostHeight = (m_parts.settings.smallToolbars ? smallHostHeight : bigHostHeight) * perY;
+    measures.barWidth = barWidth * perX;
+    measures.margin = paneMargin * perX;
+    measures.horizontal = m_parts.settings.splitHorizontal;
+    measures.vertical = m_parts.settings.splitVertical;
+    const PaneLayout layout = PaneLayout::of(measures);
+    const auto place = [this](QWidget *pane, const QRectF &twips) {
+        pane->setGeometry(PaneLayout::toPixels(twips, m_parts.scale));
+    };
+    place(tvwFavoris, layout.tree);
+    place(picHorizontalSplit, layout.horizontalBar);
+    place(lvwItems, layout.list);
+    place(picVerticalSplit, layout.verticalBar);
+    place(cToolbarHost1, layout.toolbarHost);
+    place(WebBrowser1, layout.browser);
+}
+
+void MainFrame::handleHorizontalBar()
+{
+    m_parts.settings.splitHorizontal = Numbers::roundToInt16(picHorizontalSplit->positionTwips());
+    recalcLayout();
+}
+
+void MainFrame::handleVerticalBar()
+{
+    m_parts.settings.splitVertical =
+        Numbers::roundToInt16(picVerticalSplit->positionTwips() - m_bands.height() * m_parts.scale.twipsPerPixelY);
+    recalcLayout();
+}
+
+void MainFrame::setHostHeight()
+{
+    cToolbarHost1->setHostHeight(m_parts.settings.smallToolbars ? smallHostHeight : bigHostHeight);
+}
+
+void MainFrame::setStyle(const QString &key)
+{
+    const cToolbar::ControlsVersion version = cToolbar1->commonControlsVersion();
+    if (version.major == 4 && version.minor < 71) {
+        m_parts.messages.show({QStringLiteral("Impossible de changer le style"), QStringLiteral("Information"),
+                               Message::Icon::Information, Message::Buttons::Ok});
+        return;
+    }
+    const QString office = QStringLiteral("mnuOffice");
+    const QString standard = QStringLiteral("mnuStandard");
+    const bool officeStyle = key == office;
+    for (cToolbar *toolbar : m_parts.form.findChildren<cToolbar *>())
+        ToolbarLook::applyStyle(*toolbar, officeStyle);
+    // The other three menus keep the look that they had at the start until the next one: they belong to panes, which
+    // change their look as a whole.
+    menus.m_cMenu.setOfficeXpStyle(officeStyle);
+    menus.mnuPopUpListView.setOfficeXpStyle(officeStyle);
+    menus.checkOneOf(officeStyle ? office : standard, officeStyle ? standard : office);
+    m_parts.settings.officeStyle = officeStyle;
+}
+
+void MainFrame::setToolbarSize(const QString &key)
+{
+    const QString big = QStringLiteral("mnuTBGrande");
+    const QString small = QStringLiteral("mnuTBPetite");
+    const bool smallToolbars = key == small;
+    menus.checkOneOf(smallToolbars ? small : big, smallToolbars ? big : small);
+    m_parts.settings.smallToolbars = smallToolbars;
+    ToolbarLook::applySize(*cToolbar1, smallToolbars);
+    ToolbarLook::applySize(*tlbBrowser, smallToolbars);
+    setHostHeight();
+    m_bands.setToolbarHeight(smallToolbars ? smallBandHeight : bigBandHeight);
+    recalcLayout();
+}
+
+void MainFrame::setStatusText(const QString &text)
+{
+    stabPrinc->setPanelText(StatusPanels::state, text);
+}
+
+void MainFrame::showColumn(int column, bool shown)
+{
+    const auto place = static_cast<std::size_t>(column);
+    const qint16 saved = m_parts.settings.columnWidthInt.at(place);
+    const qint16 width = saved != 0 ? saved : m_parts.settings.columnDefaultWidth.at(place);
+    lvwItems->setColumnWidthTwips(column, shown ? width : 0);
+}
+
+QString MainFrame::takeBandLayout()
+{
+    const QString layout = m_bands.layout();
+    m_bandsTaken = true;
+    m_bands.removeAllBands();
+    return layout;
+}
+
+WindowGeometry MainFrame::geometryInTwips() const
+{
+    const QWidget &form = m_parts.form;
+    const double perX = m_parts.scale.twipsPerPixelX;
+    const double perY = m_parts.scale.twipsPerPixelY;
+    WindowGeometry geometry{form.x() * perX, form.y() * perY, form.width() * perX, form.height() * perY, {}};
+    for (int column = 1; column <= itemColumnCount; ++column)
+        geometry.columnWidth[static_cast<std::size_t>(column)] = lvwItems->columnWidthTwips(column);
+    return geometry;
+}

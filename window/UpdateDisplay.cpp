@@ -1,0 +1,69 @@
+#include "window/UpdateDisplay.h"
+
+#include "controls/ProgressBar.h"
+#include "controls/cToolbar.h"
+#include "engine/UpdateScheduler.h"
+#include "reading/ItemListView.h"
+#include "reading/ReadingPane.h"
+#include "window/MainFrame.h"
+#include "window/MainToolbar.h"
+#include "window/frmUpdate.h"
+
+UpdateDisplay::UpdateDisplay(Parts parts, QObject *parent) : QObject(parent), m_parts(parts)
+{
+    const UpdateScheduler &scheduler = m_parts.scheduler;
+    connect(&scheduler, &UpdateScheduler::began, this, &UpdateDisplay::handleBegan);
+    connect(&scheduler, &UpdateScheduler::fetchBegan, this, [this] { m_parts.frame.prbChargement->show(); });
+    connect(&scheduler, &UpdateScheduler::progress, this,
+            [this](int percent) { m_parts.frame.prbChargement->setValue(percent); });
+    connect(&scheduler, &UpdateScheduler::fetchEnded, this, [this] { m_parts.frame.prbChargement->hide(); });
+    connect(&scheduler, &UpdateScheduler::newItemsFound, this, &UpdateDisplay::handleNewItems);
+    connect(&scheduler, &UpdateScheduler::feedOnShowReloaded, this, &UpdateDisplay::handleReloaded);
+    connect(&scheduler, &UpdateScheduler::ended, this, &UpdateDisplay::handleEnded);
+    connect(&scheduler, &UpdateScheduler::allBegan, this, [this] { enableUpdateButton(false); });
+    connect(&scheduler, &UpdateScheduler::allEnded, this, [this] { enableUpdateButton(true); });
+}
+
+UpdateDisplay::~UpdateDisplay() = default;
+
+void UpdateDisplay::dismissPopup()
+{
+    m_frmUpdate.reset();
+}
+
+void UpdateDisplay::enableUpdateButton(bool enabled)
+{
+    m_parts.frame.cToolbar1->setButtonEnabled(MainToolbar::Actualiser, enabled);
+}
+
+void UpdateDisplay::handleBegan(const FeedNodePtr &node)
+{
+    enableUpdateButton(false);
+    m_parts.frame.setStatusText(QStringLiteral("Mise à jour de ") + node->text());
+}
+
+void UpdateDisplay::handleNewItems(const QString &title, qint16 count)
+{
+    if (!m_parts.settings.notifyNew)
+        return;
+    if (!m_frmUpdate)
+        m_frmUpdate = std::make_unique<frmUpdate>(frmUpdate::workAreaOf(&m_parts.form), m_parts.settings,
+                                                  std::make_unique<WaveSoundPlayer>());
+    m_frmUpdate->addMessageToQueue(title, count);
+}
+
+void UpdateDisplay::handleReloaded(qint16 newItems)
+{
+    const int row = m_parts.frame.lvwItems->selectedRow();
+    m_parts.reading.FillItemList();
+    if (row >= 0)
+        m_parts.frame.lvwItems->selectRow(row + newItems); // the same item as before, now further down
+}
+
+void UpdateDisplay::handleEnded(const FeedNodePtr &node, qint16 newItems)
+{
+    if (!m_parts.scheduler.updateAllRunning())
+        enableUpdateButton(true);
+    m_parts.frame.setStatusText(QStringLiteral("Mise à jour de ") + node->text() + QStringLiteral(" terminée (") +
+                                QString::number(newItems) + QStringLiteral(" nouveaux messages)"));
+}
