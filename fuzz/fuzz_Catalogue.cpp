@@ -1,4 +1,5 @@
 #include "core/FeedCatalogue.h"
+#include "core/FeedTreeState.h"
 #include "platform/Files.h"
 #include "platform/RunTimeError.h"
 #include "support/clsDES.h"
@@ -36,7 +37,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
                  QByteArray(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size)));
     const Clock clock = [] { return QDateTime(QDate(2004, 7, 1), QTime(12, 0)); };
     FeedTree tree;
-    FeedCatalogue catalogue(directory, tree, cipher, clock);
+    FeedTreeState state(tree);
+    FeedCatalogue catalogue(directory, tree, state, cipher, clock);
     try {
         catalogue.loadCatalogue();
         catalogue.createFolder(tree.root(), QStringLiteral("Folder"));
@@ -46,7 +48,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
         return 0;
     }
     FeedTree treeAgain;
-    FeedCatalogue again(directory, treeAgain, cipher, clock);
+    FeedTreeState stateAgain(treeAgain);
+    FeedCatalogue again(directory, treeAgain, stateAgain, cipher, clock);
     again.loadCatalogue();
     if (keysBelow(tree.root()) != keysBelow(treeAgain.root()))
         __builtin_trap();

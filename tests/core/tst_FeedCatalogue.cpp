@@ -1,4 +1,5 @@
 #include "core/FeedCatalogue.h"
+#include "core/FeedTreeState.h"
 #include "platform/RunTimeError.h"
 #include "support/clsDES.h"
 #include "tests/fixtures/TemporaryDataDirectory.h"
@@ -47,8 +48,8 @@ private Q_SLOTS:
               "</dir><dir name='empty' key='6' visible='1'/>");
         QCOMPARE(shape(), u"3(1) 7 4(5) 6"_qs);
         QCOMPARE(m_tree->root()->text(), u"Favoris"_qs);
-        QVERIFY(node(3)->isExpanded() && !node(4)->isExpanded());
-        QVERIFY(!node(6)->isExpanded()); // only feeds open what is above them
+        QVERIFY(m_state->isExpanded(node(3)) && !m_state->isExpanded(node(4)));
+        QVERIFY(!m_state->isExpanded(node(6))); // only feeds open what is above them
         const FeedTables &tables = m_catalogue->tables;
         QCOMPARE(tables.updatettl.Item(key(1)), u"15"_qs);
         QCOMPARE(tables.updatettl.Item(key(7)), u"60"_qs);
@@ -110,17 +111,17 @@ private Q_SLOTS:
     {
         start("<dir name='D' key='1' visible='0'><feed name='A' url='' key='2'/></dir><feed name='B' url='' key='3'/>");
         addFeed(u"none"_qs); // 4
-        m_tree->select(m_tree->root());
+        m_state->select(m_tree->root());
         addFeed(u"root"_qs); // 5
-        m_tree->select(node(1));
+        m_state->select(node(1));
         addFeed(u"folder"_qs); // 6
-        m_tree->select(node(2));
+        m_state->select(node(2));
         addFeed(u"feed"_qs); // 7
         QCOMPARE(shape(), u"1(2 6 7) 3 4 5"_qs);
-        QVERIFY(node(1)->isExpanded());
+        QVERIFY(m_state->isExpanded(node(1)));
         const QString before = shape();
         m_tree->setImages(node(3), NodeImage::FeedUpdating, NodeImage::FeedUpdating);
-        m_tree->select(node(3));
+        m_state->select(node(3));
         QCOMPARE(errorOf([this] { addFeed(u"updating"_qs); }), RunTimeError::objectNotSet().number());
         QCOMPARE(shape(), before);
         restart();
@@ -261,7 +262,7 @@ private Q_SLOTS:
               "lastupdate='30/06/2004 12:00:00'/></dir>"
               "<feed name='B' url='b' key='3' username='alone' x='y'/>"
               "<other key='9'/>");
-        m_tree->setExpanded(node(1), false);
+        m_state->setExpanded(node(1), false);
         m_catalogue->tables.updatettl.Replace(key(2), u"5"_qs);
         m_catalogue->tables.passwords.Replace(key(2), u"q"_qs);
         m_now = m_now.addDays(1);
@@ -341,8 +342,9 @@ private:
     void restart()
     {
         m_tree = std::make_unique<FeedTree>();
-        m_catalogue =
-            std::make_unique<FeedCatalogue>(m_folder->directory(), *m_tree, m_cipher, [this] { return m_now; });
+        m_state = std::make_unique<FeedTreeState>(*m_tree);
+        m_catalogue = std::make_unique<FeedCatalogue>(m_folder->directory(), *m_tree, *m_state, m_cipher,
+                                                      [this] { return m_now; });
         m_catalogue->loadCatalogue();
     }
     QByteArray inner() const
@@ -368,6 +370,7 @@ private:
 
     std::unique_ptr<TemporaryDataDirectory> m_folder;
     std::unique_ptr<FeedTree> m_tree;
+    std::unique_ptr<FeedTreeState> m_state;
     std::unique_ptr<FeedCatalogue> m_catalogue;
     clsDES m_cipher;
     QDateTime m_now{QDate(2004, 7, 1), QTime(14, 0)};

@@ -1,4 +1,4 @@
-#include "core/FeedTree.h"
+#include "core/FeedTreeState.h"
 #include "platform/RunTimeError.h"
 
 #include <QAbstractItemModelTester>
@@ -15,6 +15,7 @@ private Q_SLOTS:
     void init()
     {
         m_tree = std::make_unique<FeedTree>();
+        m_state = std::make_unique<FeedTreeState>(*m_tree);
         new QAbstractItemModelTester(m_tree.get(), QAbstractItemModelTester::FailureReportingMode::QtTest,
                                      m_tree.get());
         m_root = m_tree->addRoot(u"root"_qs, u"Favoris"_qs, NodeImage::Root);
@@ -30,6 +31,7 @@ private Q_SLOTS:
         m_root.reset();
         m_folder.reset();
         m_inner.reset();
+        m_state.reset();
         m_tree.reset();
     }
 
@@ -70,38 +72,38 @@ private Q_SLOTS:
 
     void aRemovalTakesTheSelectionWithIt()
     {
-        QSignalSpy spy(m_tree.get(), &FeedTree::selectionChanged);
-        m_tree->select(m_tree->find(u"4"_qs));
+        QSignalSpy spy(m_state.get(), &FeedTreeState::selectionChanged);
+        m_state->select(m_tree->find(u"4"_qs));
         m_tree->remove(m_tree->find(u"5"_qs));
-        QVERIFY(m_tree->selected());
+        QVERIFY(m_state->selected());
         m_tree->remove(m_folder);
-        QVERIFY(!m_tree->selected());
+        QVERIFY(!m_state->selected());
         QCOMPARE(spy.count(), 2);
-        m_tree->select(m_folder); // a node that is gone selects nothing
-        QVERIFY(!m_tree->selected());
+        m_state->select(m_folder); // a node that is gone selects nothing
+        QVERIFY(!m_state->selected());
     }
 
     void rowsFollowEachOtherAsTheViewShowsThem()
     {
         const auto rows = [this] {
             QStringList keys;
-            for (FeedNodePtr node = m_root; node; node = m_tree->next(node))
+            for (FeedNodePtr node = m_root; node; node = m_state->next(node))
                 keys.append(node->key());
             QStringList back;
-            for (FeedNodePtr node = m_tree->find(keys.back()); node; node = m_tree->previous(node))
+            for (FeedNodePtr node = m_tree->find(keys.back()); node; node = m_state->previous(node))
                 back.prepend(node->key());
             return keys == back ? keys.join(u' ') : u"the two ways differ"_qs;
         };
         QCOMPARE(rows(), u"root"_qs);
-        m_tree->setExpanded(m_root, true);
+        m_state->setExpanded(m_root, true);
         QCOMPARE(rows(), u"root 1 5"_qs);
-        m_tree->setExpanded(m_inner, true);
+        m_state->setExpanded(m_inner, true);
         QCOMPARE(rows(), u"root 1 5"_qs);
-        m_tree->setExpanded(m_folder, true);
+        m_state->setExpanded(m_folder, true);
         QCOMPARE(rows(), u"root 1 2 3 4 5"_qs);
         const FeedNodePtr five = m_tree->find(u"5"_qs);
         m_tree->remove(five);
-        QVERIFY(!m_tree->next(five) && !m_tree->previous(five) && !m_tree->next(nullptr));
+        QVERIFY(!m_state->next(five) && !m_state->previous(five) && !m_state->next(nullptr));
     }
 
 private:
@@ -119,6 +121,7 @@ private:
     QString shape() const { return shape(m_tree->root()); }
 
     std::unique_ptr<FeedTree> m_tree;
+    std::unique_ptr<FeedTreeState> m_state;
     FeedNodePtr m_root;
     FeedNodePtr m_folder;
     FeedNodePtr m_inner;

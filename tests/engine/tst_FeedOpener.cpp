@@ -1,8 +1,7 @@
+#include "engine/CurrentFeed.h"
 #include "engine/FeedOpener.h"
 #include "platform/RunTimeError.h"
 #include "tests/fixtures/FakeDownloader.h"
-#include "tests/fixtures/FakeMessages.h"
-#include "tests/fixtures/FakeOpeningWindow.h"
 #include "tests/fixtures/FeedTexts.h"
 #include "tests/fixtures/TemporaryDataDirectory.h"
 
@@ -18,13 +17,21 @@ private Q_SLOTS:
         m_opener.reset();
         m_folder = std::make_unique<TemporaryDataDirectory>();
         m_downloader = std::make_unique<FakeDownloader>();
-        m_window = std::make_unique<FakeOpeningWindow>();
-        m_messages = std::make_unique<FakeMessages>();
         m_tree = std::make_unique<FeedTree>();
         m_tree->addRoot(u"root"_qs, {}, NodeImage::Root);
         m_current = std::make_unique<CurrentFeed>();
-        m_opener =
-            std::make_unique<FeedOpener>(m_folder->directory(), *m_current, *m_downloader, *m_window, *m_messages);
+        m_opener = std::make_unique<FeedOpener>(m_folder->directory(), *m_current, *m_downloader);
+        m_said.clear();
+        connect(m_opener.get(), &FeedOpener::fetchBegan, this, [this] { m_said.append(u"began"_qs); });
+        connect(m_opener.get(), &FeedOpener::fetchEnded, this, [this] { m_said.append(u"fetched"_qs); });
+        connect(m_opener.get(), &FeedOpener::opened, this, [this](FeedOpener::Source source) {
+            m_said.append(u"opened %1: %2"_qs.arg(int(source)).arg(m_current->document->Title()));
+        });
+        connect(m_opener.get(), &FeedOpener::refused, this, [this](const FeedOpener::Refusal &refusal) {
+            m_said.append(u"refused %1 %2"_qs.arg(int(refusal.reason)).arg(refusal.status) + refusal.address);
+        });
+        connect(m_opener.get(), &FeedOpener::credentialsAsked, this, [this] { m_said.append(u"credentials"_qs); });
+        connect(m_opener.get(), &FeedOpener::pageOffered, this, [this] { m_said.append(u"page"_qs); });
     }
 
     void addressesAreResolvedToHttp()
@@ -44,16 +51,12 @@ private Q_SLOTS:
             QCOMPARE(FeedOpener::addressToFetch(text), address);
     }
 
-    void aSchemeThatCannotBeFetchedIsRefusedAndTheBarStays()
+    void aSchemeThatCannotBeFetchedIsRefusedBeforeAnythingIsFetched()
     {
         m_folder->write(u"tmp.xml"_qs, "old");
-        enter(u"feed:ftp://a/b"_qs);
+        m_opener->openEntered(u"feed:ftp://a/b"_qs);
         QVERIFY(m_downloader->requests.empty());
-        QCOMPARE(m_messages->shown.size(), std::size_t(1));
-        QCOMPARE(m_messages->shown[0].text, u"Impossible d'ouvrir le flux spécifié :\n\nftp://a/b"_qs);
-        QCOMPARE(m_messages->shown[0].title, u"Erreur"_qs);
-        QCOMPARE(m_messages->shown[0].icon, Message::Icon::Exclamation);
-        QVERIFY(m_window->progressVisible);
+        QCOMPARE(said(), (QStringList{u"began"_qs, refusal(FeedOpener::Reason::SchemeNotFetched) + u"ftp://a/b"_qs}));
         QVERIFY(!m_folder->exists(u"tmp.xml"_qs));
     }
 
@@ -61,115 +64,91 @@ private Q_SLOTS:
     {
         m_current->strUsername = u"stale"_qs;
         m_folder->write(u"tmp.xml"_qs, "old");
-        enter(u"feed://a/b"_qs);
-        QVERIFY(!m_window->sendMailEnabled && !m_window->addEnabled && m_window->progressVisible);
+        m_opener->openEntered(u"feed://a/b"_qs);
+        QCOMPARE(said(), QStringList{u"began"_qs});
         QCOMPARE(m_downloader->requests[0].destination, m_folder->file(u"tmp.xml"_qs));
         QCOMPARE(m_downloader->requests[0].username, QString());
         QVERIFY(!m_folder->exists(u"tmp.xml"_qs));
+        connect(m_opener.get(), &FeedOpener::opened, this, [this] { // what is told is so already
+            QVERIFY(m_current->addressFeedShown && m_current->addressFeedUnsaved);
+        });
         m_downloader->finish(200, FeedTexts::rss(u"T"_qs, {u"one"_qs}));
-        QVERIFY(m_current->addressFeedShown && m_current->addressFeedUnsaved);
-        QVERIFY(m_window->addEnabled && !m_window->progressVisible);
-        QCOMPARE(m_window->fills, 1);
-        QCOMPARE(m_current->document->Title(), u"T"_qs);
-        enter(u"http://c/"_qs);
+        QCOMPARE(said(), (QStringList{u"fetched"_qs, opened(FeedOpener::Source::Network, u"T"_qs)}));
+        m_opener->openEntered(u"http://c/"_qs);
         QVERIFY(!m_current->addressFeedShown && m_current->addressFeedUnsaved);
     }
 
-    void everyOutcomeOfADownloadHasItsBox_data()
+    void everyOutcomeOfADownloadHasItsReason_data()
     {
+        using Reason = FeedOpener::Reason;
         QTest::addColumn<int>("status");
         QTest::addColumn<QByteArray>("body");
-        QTest::addColumn<QString>("title");
-        QTest::addColumn<QString>("text");
-        const QString warning = u"Avertissement"_qs;
-        const QString version = u"La version du fichier RSS n'est pas supportée"_qs;
-        QTest::newRow("host") << 3 << QByteArray() << u"Erreur"_qs
-                              << u"L'hôte sur lequel se trouve le fichier n'a pas été trouvé sur le serveur"_qs;
-        QTest::newRow("404") << 404 << QByteArray() << u"Erreur 404"_qs
-                             << u"Le fichier n'a pas été trouvé sur le serveur"_qs;
-        QTest::newRow("401 is no prompt") << 401 << QByteArray() << QString() << u"Cas non géré actuellement : 401"_qs;
-        QTest::newRow("no feed") << 200 << QByteArray("<html>") << warning
-                                 << QStringLiteral(
-                                        "La ressource spécifiée n'est pas un fichier RSS valide, voulez-vous "
-                                        "essayer d'ouvrir le fichier dans le navigateur ?");
-        QTest::newRow("RSS version") << 200 << QByteArray("<rss version='3.0'><channel/></rss>") << warning << version;
-        QTest::newRow("other format") << 200 << QByteArray("<opml/>") << warning << u"Format du fichier RSS inconnu"_qs;
+        QTest::addColumn<QString>("told");
+        const auto row = [](const char *name, int status, const QByteArray &body, const QString &told) {
+            QTest::newRow(name) << status << body << told;
+        };
+        row("host", 3, {}, refusal(Reason::HostNotFound));
+        row("404", 404, {}, refusal(Reason::NotFoundOnServer));
+        row("401 is no prompt", 401, {}, refusal(Reason::UnexpectedStatus, 401));
+        row("no feed", 200, "<html>", u"page"_qs);
+        row("RSS version", 200, "<rss version='3.0'><channel/></rss>", refusal(Reason::UnsupportedVersion));
+        row("Atom version", 200, "<feed version='0.2'/>", refusal(Reason::UnsupportedVersion));
+        row("other format", 200, "<opml/>", refusal(Reason::UnknownFormat));
     }
 
-    void everyOutcomeOfADownloadHasItsBox()
+    void everyOutcomeOfADownloadHasItsReason()
     {
         QFETCH(int, status);
         QFETCH(QByteArray, body);
-        QFETCH(QString, title);
-        enter(u"http://a/b"_qs);
+        QFETCH(QString, told);
+        m_opener->openEntered(u"http://a/b"_qs);
         m_downloader->finish(status, body);
-        QCOMPARE(m_messages->shown.size(), std::size_t(1));
-        QTEST(m_messages->shown[0].text, "text");
-        QCOMPARE(m_messages->shown[0].title, title);
-        QCOMPARE(m_messages->shown[0].icon, title.isEmpty() ? Message::Icon::None : Message::Icon::Exclamation);
-        QVERIFY(!m_window->progressVisible && !m_window->addEnabled && m_window->fills == 0);
-        QVERIFY(!m_current->addressFeedShown && m_window->navigations.isEmpty());
+        QCOMPARE(said(), (QStringList{u"began"_qs, u"fetched"_qs, told}));
+        QVERIFY(!m_current->addressFeedShown);
     }
 
-    void aPageMayBeShownInTheBrowserInstead()
+    void credentialsAreAskedForUntilTheServerIsContent()
     {
-        m_messages->answer = Messages::Answer::Yes;
-        enter(u"feed:a/b"_qs);
-        m_downloader->finish(200, "<html><br></html>");
-        QCOMPARE(m_window->navigations, QStringList{u"feed:a/b"_qs});
-        QCOMPARE(m_messages->shown[0].buttons, Message::Buttons::YesNo);
-    }
-
-    void thePromptLoopsUntilTheServerIsContent()
-    {
-        m_window->onPrompt = [this] {
-            m_current->strUsername = u"u%1"_qs.arg(m_window->prompts);
-            m_opener->LoadFile();
-        };
-        enter(u"http://a/b"_qs);
+        int prompts = 0;
+        connect(m_opener.get(), &FeedOpener::credentialsAsked, this, [&] {
+            m_current->strUsername = u"u%1"_qs.arg(++prompts);
+            m_opener->LoadFile(u"http://a/b"_qs);
+        });
+        m_opener->openEntered(u"http://a/b"_qs);
         m_downloader->finish(4);
         m_downloader->finish(4);
-        QCOMPARE(m_window->prompts, 2);
+        QCOMPARE(prompts, 2);
         QCOMPARE(m_downloader->requests.back().username, u"u2"_qs);
         m_downloader->finish(200, FeedTexts::rss(u"T"_qs, {}));
         QVERIFY(m_current->addressFeedShown);
         QCOMPARE(m_current->strUsername, u"u2"_qs); // kept for the subscription
-        enter(u"http://a/b"_qs);
+        m_opener->openEntered(u"http://a/b"_qs);
         QCOMPARE(m_current->strUsername, QString());
     }
 
-    void aLocalFileChangesNeitherFlagsNorButton()
+    void aLocalFileChangesNoFlags()
     {
         m_folder->write(u"mine.rss"_qs, FeedTexts::rss(u"Mine"_qs, {}));
         m_folder->write(u"bad.rss"_qs, "<rss");
         m_current->addressFeedShown = true;
-        enter(m_folder->file(u"mine.rss"_qs));
-        QCOMPARE(m_current->document->Title(), u"Mine"_qs);
+        m_opener->openEntered(m_folder->file(u"mine.rss"_qs));
+        QCOMPARE(said(), QStringList{opened(FeedOpener::Source::LocalFile, u"Mine"_qs)});
         QCOMPARE(m_folder->read(u"tmp.xml"_qs), m_folder->read(u"mine.rss"_qs));
-        QCOMPARE(m_window->fills, 1);
-        QVERIFY(m_current->addressFeedShown && !m_current->addressFeedUnsaved && m_window->addEnabled);
-        QVERIFY(!m_window->sendMailEnabled);
-        enter(m_folder->file(u"bad.rss"_qs));
-        enter(u"https://a/b"_qs); // no address that is taken, and so a path
-        QCOMPARE(m_messages->shown.size(), std::size_t(2));
-        QCOMPARE(m_messages->shown[0].text, u"Erreur lors du chargement du canal RSS"_qs);
-        QCOMPARE(m_messages->shown[1].text, u"Le fichier que vous tentez d'ouvrir n'existe pas"_qs);
-        QCOMPARE(m_messages->shown[1].title, u"Avertissement"_qs);
+        QVERIFY(m_current->addressFeedShown && !m_current->addressFeedUnsaved);
+        m_opener->openEntered(m_folder->file(u"bad.rss"_qs));
+        m_opener->openEntered(u"https://a/b"_qs); // no address that is taken, and so a path
+        QCOMPARE(said(),
+                 (QStringList{refusal(FeedOpener::Reason::UnreadableFeed), refusal(FeedOpener::Reason::NoSuchFile)}));
         QVERIFY(m_downloader->requests.empty());
     }
 
     void theCommandLineTakesAddressesAndQuotedPaths()
     {
-        m_opener->openCommandLine(u"feed:http://a/é"_qs);
-        QCOMPARE(m_window->address, u"feed:http://a/é"_qs);
-        QCOMPARE(m_downloader->requests.back().url, u"http://a/é"_qs);
-        QCOMPARE(m_window->empties, 1);
-        m_opener->openCommandLine(u"\"/a b.xml\""_qs);
-        QCOMPARE(m_window->address, u"/a b.xml"_qs);
-        m_opener->openCommandLine(u"\"\""_qs);
-        QCOMPARE(m_window->address, QString());
-        QVERIFY_EXCEPTION_THROWN(m_opener->openCommandLine(u"x"_qs), RunTimeError);
-        QVERIFY_EXCEPTION_THROWN(m_opener->openCommandLine({}), RunTimeError);
+        QCOMPARE(FeedOpener::enteredByCommandLine(u"feed:http://a/é"_qs), u"feed:http://a/é"_qs);
+        QCOMPARE(FeedOpener::enteredByCommandLine(u"\"/a b.xml\""_qs), u"/a b.xml"_qs);
+        QCOMPARE(FeedOpener::enteredByCommandLine(u"\"\""_qs), QString());
+        QVERIFY_EXCEPTION_THROWN(FeedOpener::enteredByCommandLine(u"x"_qs), RunTimeError);
+        QVERIFY_EXCEPTION_THROWN(FeedOpener::enteredByCommandLine({}), RunTimeError);
     }
 
     void aNodeIsOpenedFromItsCacheFileAndTheOldOneIsSaved()
@@ -179,26 +158,23 @@ private Q_SLOTS:
         const FeedNodePtr broken = addNode(u"3"_qs, "<rss");
         m_current->addressFeedShown = true;
         m_opener->openFeedNode(one);
-        QVERIFY(!m_current->addressFeedShown && !m_window->addEnabled);
-        QCOMPARE(m_window->fills, 1);
+        QVERIFY(!m_current->addressFeedShown);
+        QCOMPARE(said(), QStringList{opened(FeedOpener::Source::CacheFile, u"One"_qs)});
         m_current->document->SetItemRead(0, true);
         m_tree->setImages(two, NodeImage::FeedUpdating, NodeImage::FeedUpdating);
         m_opener->openFeedNode(two); // in flight: neither opened nor anything else
         m_opener->openFeedNode(m_tree->root());
         m_opener->openFeedNode(nullptr);
-        QCOMPARE(m_current->document->Title(), u"One"_qs);
+        QVERIFY(said().isEmpty());
         m_tree->setImages(two, NodeImage::Feed, NodeImage::Feed);
         m_opener->openFeedNode(two);
-        QCOMPARE(m_window->fills, 2);
+        QCOMPARE(said(), QStringList{opened(FeedOpener::Source::CacheFile, u"Two"_qs)});
         CachedFeed again;
         QCOMPARE(again.Load(m_folder->cacheFile(u"1"_qs)), LoadOk);
         QVERIFY(again.IsItemRead(0));
 
         m_opener->openFeedNode(broken);
-        QCOMPARE(m_messages->shown.size(), std::size_t(1));
-        QCOMPARE(m_messages->shown[0].text, u"Erreur lors du chargement du canal RSS"_qs);
-        QCOMPARE(m_messages->shown[0].title, u"Avertissement"_qs);
-        QCOMPARE(m_window->fills, 2);
+        QCOMPARE(said(), QStringList{refusal(FeedOpener::Reason::UnreadableFeed)});
         QCOMPARE(m_folder->read(u"feeds/3.xml"_qs), QByteArray("<rss"));
     }
 
@@ -206,24 +182,29 @@ private Q_SLOTS:
     {
         m_opener->openFeedNode(addNode(u"1"_qs, FeedTexts::rss(u"One"_qs, {u"a"_qs})));
         m_current->document->SetItemRead(0, true);
-        enter(u"http://a/b"_qs);
+        m_opener->openEntered(u"http://a/b"_qs);
         m_downloader->finish(200, FeedTexts::rss(u"T"_qs, {u"x"_qs}));
         CachedFeed again;
         QCOMPARE(again.Load(m_folder->cacheFile(u"1"_qs)), LoadOk);
         QVERIFY(again.IsItemRead(0));
         // The downloaded one isn't saved over the next download.
         m_current->document->SetItemRead(0, true);
-        enter(u"http://a/c"_qs);
+        m_opener->openEntered(u"http://a/c"_qs);
         const QByteArray next = FeedTexts::rss(u"Next"_qs, {});
         m_downloader->finish(200, next);
         QCOMPARE(m_folder->read(u"tmp.xml"_qs), next);
     }
 
 private:
-    void enter(const QString &text)
+    /// What was told since the last call.
+    QStringList said() { return std::exchange(m_said, {}); }
+    static QString opened(FeedOpener::Source source, const QString &title)
     {
-        m_window->address = text;
-        m_opener->handleAddressEntered();
+        return u"opened %1: %2"_qs.arg(int(source)).arg(title);
+    }
+    static QString refusal(FeedOpener::Reason reason, int status = 0)
+    {
+        return u"refused %1 %2"_qs.arg(int(reason)).arg(status);
     }
     FeedNodePtr addNode(const QString &key, const QByteArray &cache, int image = NodeImage::Feed)
     {
@@ -233,11 +214,10 @@ private:
 
     std::unique_ptr<TemporaryDataDirectory> m_folder;
     std::unique_ptr<FakeDownloader> m_downloader;
-    std::unique_ptr<FakeOpeningWindow> m_window;
-    std::unique_ptr<FakeMessages> m_messages;
     std::unique_ptr<FeedTree> m_tree;
     std::unique_ptr<CurrentFeed> m_current;
     std::unique_ptr<FeedOpener> m_opener;
+    QStringList m_said;
 };
 
 QTEST_GUILESS_MAIN(FeedOpenerTest)

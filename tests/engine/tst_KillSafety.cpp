@@ -1,4 +1,5 @@
 #include "core/FeedCatalogue.h"
+#include "core/FeedTreeState.h"
 #include "engine/ItemStore.h"
 #include "platform/xml/XmlDocument.h"
 #include "support/clsDES.h"
@@ -28,8 +29,9 @@ QString item(int number)
 {
     const DataDirectory directory(path);
     FeedTree tree;
+    FeedTreeState state(tree);
     clsDES cipher;
-    FeedCatalogue catalogue(directory, tree, cipher, Waiting::systemClock());
+    FeedCatalogue catalogue(directory, tree, state, cipher, Waiting::systemClock());
     catalogue.loadCatalogue();
     for (int number = from;; ++number) {
         Files::write(directory.file(u"tmpupd.xml"_qs), FeedTexts::rss(u"T"_qs, {item(number)}));
@@ -66,8 +68,9 @@ private Q_SLOTS:
         {
             folder.write(u"tmp.xml"_qs, FeedTexts::rss(u"T"_qs, old));
             FeedTree tree;
+            FeedTreeState state(tree);
             clsDES cipher;
-            FeedCatalogue catalogue(folder.directory(), tree, cipher, Waiting::systemClock());
+            FeedCatalogue catalogue(folder.directory(), tree, state, cipher, Waiting::systemClock());
             catalogue.loadCatalogue();
             for (int key = 1; key <= feedCount; ++key)
                 catalogue.addFeed({u"T"_qs, {}, u"http://example.org/"_qs, {}, {}});

@@ -1,9 +1,9 @@
 #include "core/FeedCatalogue.h"
+#include "core/FeedTreeState.h"
 #include "engine/UpdateScheduler.h"
 #include "platform/RunTimeError.h"
 #include "support/clsDES.h"
 #include "tests/fixtures/FakeDownloader.h"
-#include "tests/fixtures/FakeOpeningWindow.h"
 #include "tests/fixtures/FeedTexts.h"
 #include "tests/fixtures/TemporaryDataDirectory.h"
 
@@ -23,17 +23,15 @@ private Q_SLOTS:
         m_folder = std::make_unique<TemporaryDataDirectory>();
         m_folder->write(u"feeds.xml"_qs, "<favoris/>");
         m_downloader = std::make_unique<FakeDownloader>();
-        m_window = std::make_unique<FakeOpeningWindow>();
         m_tree = std::make_unique<FeedTree>();
+        m_state = std::make_unique<FeedTreeState>(*m_tree);
         m_current = std::make_unique<CurrentFeed>();
-        m_settings = AppSettings();
-        m_settings.notifyNew = true;
         m_now = QDateTime(QDate(2004, 7, 1), QTime(12, 0));
         m_connected = true;
         m_waits = 0;
         m_duringWait = [this] { m_downloader->answer(); };
-        m_catalogue =
-            std::make_unique<FeedCatalogue>(m_folder->directory(), *m_tree, m_cipher, [this] { return m_now; });
+        m_catalogue = std::make_unique<FeedCatalogue>(m_folder->directory(), *m_tree, *m_state, m_cipher,
+                                                      [this] { return m_now; });
         m_catalogue->loadCatalogue();
         const Wait wait = [this](int milliseconds) {
             QCOMPARE(milliseconds, 100);
@@ -42,26 +40,44 @@ private Q_SLOTS:
             m_duringWait();
         };
         m_scheduler = std::make_unique<UpdateScheduler>(UpdateScheduler::Surroundings{
-            m_folder->directory(), *m_tree, m_catalogue->tables, *m_current, m_settings, m_cipher, *m_downloader,
-            *m_window, [this] { return m_connected; }, [this] { return m_now; }, wait});
+            m_folder->directory(), *m_tree, *m_state, m_catalogue->tables, *m_current, m_cipher, *m_downloader,
+            [this] { return m_connected; }, [this] { return m_now; }, wait});
+        m_said.clear();
+        const auto note = [this](const QString &text) { return [this, text] { m_said.append(text); }; };
+        const UpdateScheduler *scheduler = m_scheduler.get();
+        connect(scheduler, &UpdateScheduler::began, this,
+                [this](const FeedNodePtr &n) { m_said.append(u"began "_qs + n->text()); });
+        connect(scheduler, &UpdateScheduler::fetchBegan, this, note(u"fetch"_qs));
+        connect(scheduler, &UpdateScheduler::fetchEnded, this, note(u"fetched"_qs));
+        connect(scheduler, &UpdateScheduler::newItemsFound, this, [this](const QString &title, qint16 count) {
+            m_said.append(u"found %1: %2"_qs.arg(title).arg(count));
+        });
+        connect(scheduler, &UpdateScheduler::feedOnShowReloaded, this, [this](qint16 newItems) {
+            QVERIFY(m_scheduler->updateRunning());
+            m_said.append(u"reloaded %1"_qs.arg(newItems));
+        });
+        connect(scheduler, &UpdateScheduler::ended, this, [this](const FeedNodePtr &n, qint16 newItems) {
+            m_said.append(u"ended %1: %2"_qs.arg(n->text()).arg(newItems));
+        });
+        connect(scheduler, &UpdateScheduler::allBegan, this, note(u"all began"_qs));
+        connect(scheduler, &UpdateScheduler::allEnded, this, note(u"all ended"_qs));
     }
 
     void anUpdateMergesAnnouncesAndReports()
     {
         addFeed(1, {u"a"_qs});
-        m_tree->select(nullptr);
+        m_state->select(nullptr);
         m_scheduler->updateFeed(node(1));
         QCOMPARE(node(1)->selectedImage(), NodeImage::FeedUpdating);
-        QVERIFY(m_scheduler->updateRunning() && m_window->progressVisible && !m_window->updateEnabled);
+        QVERIFY(m_scheduler->updateRunning());
         m_now = m_now.addSecs(300);
         serve(1, {u"b"_qs, u"a"_qs, u"c"_qs});
         m_downloader->answer();
         QCOMPARE(node(1)->selectedImage(), NodeImage::Feed);
-        QVERIFY(!m_scheduler->updateRunning() && !m_window->progressVisible && m_window->updateEnabled);
+        QVERIFY(!m_scheduler->updateRunning());
         QCOMPARE(storedItems(1), qint16(3));
-        QCOMPARE(m_window->statusTexts, (QStringList{u"Mise à jour de Feed 1"_qs,
-                                                     u"Mise à jour de Feed 1 terminée (2 nouveaux messages)"_qs}));
-        QCOMPARE(m_window->announcements, QStringList{u"Feed 1: 2"_qs});
+        QCOMPARE(m_said, (QStringList{u"began Feed 1"_qs, u"fetch"_qs, u"fetched"_qs, u"found Feed 1: 2"_qs,
+                                      u"ended Feed 1: 2"_qs}));
         QCOMPARE(m_catalogue->tables.updatedate.Item(u"1"_qs).date(), m_now);
         QCOMPARE(m_catalogue->tables.havecache.Item(u"1"_qs), u"1"_qs);
     }
@@ -80,7 +96,7 @@ private Q_SLOTS:
         m_scheduler->updateFeed(node(1));
         m_scheduler->updateFeed(node(2)); // one is in flight
         QCOMPARE(m_downloader->requests.size(), std::size_t(1));
-        QCOMPARE(m_window->statusTexts.size(), 1);
+        QCOMPARE(m_said, (QStringList{u"began Feed 1"_qs, u"fetch"_qs}));
         QCOMPARE(node(2)->image(), NodeImage::Feed);
     }
 
@@ -104,8 +120,8 @@ private Q_SLOTS:
         m_now = m_now.addSecs(120);
         m_downloader->finish(status, body);
         QCOMPARE(node(1)->image(), NodeImage::Feed);
-        QVERIFY(!m_scheduler->updateRunning() && m_window->updateEnabled);
-        QCOMPARE(m_window->statusTexts.back(), u"Mise à jour de Feed 1 terminée (0 nouveaux messages)"_qs);
+        QVERIFY(!m_scheduler->updateRunning());
+        QCOMPARE(m_said.mid(2), (QStringList{u"fetched"_qs, u"ended Feed 1: 0"_qs}));
         QCOMPARE(m_catalogue->tables.updatedate.Item(u"1"_qs).date(), m_now);
         QCOMPARE(m_catalogue->tables.havecache.Item(u"1"_qs), u"0"_qs);
         QCOMPARE(m_folder->read(u"feeds/1.xml"_qs), cache);
@@ -121,7 +137,7 @@ private Q_SLOTS:
         m_now = m_now.addSecs(60);
         m_downloader->answer();
         QVERIFY(m_scheduler->updateRunning());
-        QVERIFY(!m_window->progressVisible);
+        QCOMPARE(m_said.back(), u"fetched"_qs);
         QCOMPARE(node(1)->image(), NodeImage::FeedUpdating);
         QCOMPARE(m_catalogue->tables.updatedate.Item(u"1"_qs).date(), before);
         m_scheduler->updateFeed(node(2));
@@ -148,33 +164,25 @@ private Q_SLOTS:
         QCOMPARE(m_downloader->requests[0].password, u"pässword"_qs);
     }
 
-    void theFeedOnShowIsSavedRefilledAndKeepsItsRow_data()
+    void theFeedOnShowIsSavedAndReloaded_data()
     {
         QTest::addColumn<bool>("addressFeedShown");
-        QTest::addColumn<int>("row");
-        QTest::addColumn<int>("rowAfter");
-        QTest::newRow("row selected") << false << 5 << 8;
-        QTest::newRow("no row selected") << false << -1 << -1;
-        QTest::newRow("a feed of the address box on show") << true << 5 << 5;
+        QTest::newRow("its own") << false;
+        QTest::newRow("a feed of the address box on show") << true;
     }
 
-    void theFeedOnShowIsSavedRefilledAndKeepsItsRow()
+    void theFeedOnShowIsSavedAndReloaded()
     {
         QFETCH(bool, addressFeedShown);
-        QFETCH(int, row);
-        QFETCH(int, rowAfter);
         addFeed(1, FeedTexts::titles(u"i"_qs, 0, 7));
-        m_tree->select(node(1));
+        m_state->select(node(1));
         QCOMPARE(m_current->document->Load(m_folder->cacheFile(u"1"_qs)), LoadOk);
         m_current->addressFeedShown = addressFeedShown;
         m_current->document->SetItemRead(0, true);
-        m_window->row = row;
-        m_window->onFill = [this] { QVERIFY(m_scheduler->updateRunning()); };
         serve(1, FeedTexts::titles(u"new"_qs, 0, 3));
         m_scheduler->updateFeed(node(1));
         m_downloader->answer();
-        QCOMPARE(m_window->fills, addressFeedShown ? 0 : 1);
-        QCOMPARE(m_window->row, rowAfter);
+        QCOMPARE(m_said.filter(u"reloaded"_qs), addressFeedShown ? QStringList() : QStringList{u"reloaded 3"_qs});
         QCOMPARE(m_current->document->ItemCount(), qint16(addressFeedShown ? 7 : 10));
         CachedFeed stored;
         QCOMPARE(stored.Load(m_folder->cacheFile(u"1"_qs)), LoadOk);
@@ -229,9 +237,9 @@ private Q_SLOTS:
         m_catalogue->createFolder(m_tree->root(), u"D"_qs); // 1
         m_catalogue->createFolder(node(1), u"E"_qs);        // 2
         addFeed(3, {});
-        m_tree->select(node(2));
+        m_state->select(node(2));
         addFeed(4, {});
-        m_tree->select(node(1));
+        m_state->select(node(1));
         addFeed(5, {});
         bool nested = false;
         m_duringWait = [&] {
@@ -240,21 +248,22 @@ private Q_SLOTS:
                 m_scheduler->updateAllFeeds(); // does nothing while it runs
             nested = true;
             m_downloader->answer();
-            QVERIFY(!m_window->updateEnabled);
         };
         m_scheduler->updateAllFeeds();
         QCOMPARE(fetched(), (QStringList{u"4"_qs, u"5"_qs, u"3"_qs}));
         QCOMPARE(m_waits, 5 + 3); // one before each child, one for each update
-        QVERIFY(!m_scheduler->updateAllRunning() && m_window->updateEnabled);
+        QVERIFY(!m_scheduler->updateAllRunning());
+        QCOMPARE(m_said.filter(u"all"_qs), (QStringList{u"all began"_qs, u"all ended"_qs}));
+        QCOMPARE(m_said.back(), u"all ended"_qs);
     }
 
     void whatIsDeletedDuringAWaitIsPassedOver()
     {
         m_catalogue->createFolder(m_tree->root(), u"D"_qs); // 1
-        m_tree->select(node(1));
+        m_state->select(node(1));
         for (int key = 2; key <= 5; ++key)
             addFeed(key, {});
-        m_tree->select(nullptr);
+        m_state->select(nullptr);
         addFeed(6, {});
         const FeedNodePtr folder = node(1);
         m_duringWait = [&] {
@@ -274,13 +283,13 @@ private Q_SLOTS:
     {
         addFeed(1, {});
         addFeed(2, {});
-        m_tree->select(node(1));
+        m_state->select(node(1));
         m_scheduler->updateFeed(node(1));
         m_tree->remove(node(1));
         m_downloader->answer();
         QVERIFY(!m_scheduler->updateRunning());
-        QCOMPARE(m_window->fills, 0);
-        QCOMPARE(m_window->statusTexts.back(), u"Mise à jour de Feed 1 terminée (0 nouveaux messages)"_qs);
+        QCOMPARE(m_said.filter(u"reloaded"_qs), QStringList());
+        QCOMPARE(m_said.back(), u"ended Feed 1: 0"_qs);
         m_now = m_now.addSecs(7200); // the tables keep the entry, and the scan visits it
         m_scheduler->handleUpdateTick();
         QCOMPARE(fetched(), (QStringList{u"1"_qs, u"2"_qs}));
@@ -319,10 +328,10 @@ private Q_SLOTS:
         m_scheduler->start(true);
         m_scheduler->handleGlobalUpdateTick();
         QCOMPARE(m_downloader->requests.size(), std::size_t(1));
-        const qsizetype texts = m_window->statusTexts.size();
+        const QStringList said = m_said;
         m_downloader->answer(); // the end of a download that nothing waited for
         QCOMPARE(m_folder->read(u"feeds/1.xml"_qs), cache);
-        QCOMPARE(m_window->statusTexts.size(), texts);
+        QCOMPARE(m_said, said);
         m_scheduler->updateFeed(node(2));
         m_scheduler->updateAllFeeds();
         m_scheduler->start(false);
@@ -388,12 +397,12 @@ private:
 
     std::unique_ptr<TemporaryDataDirectory> m_folder;
     std::unique_ptr<FakeDownloader> m_downloader;
-    std::unique_ptr<FakeOpeningWindow> m_window;
     std::unique_ptr<FeedTree> m_tree;
+    std::unique_ptr<FeedTreeState> m_state;
     std::unique_ptr<FeedCatalogue> m_catalogue;
     std::unique_ptr<CurrentFeed> m_current;
     std::unique_ptr<UpdateScheduler> m_scheduler;
-    AppSettings m_settings;
+    QStringList m_said; ///< the signals
     clsDES m_cipher;
     QDateTime m_now;
     bool m_connected = true;

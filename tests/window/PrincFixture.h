@@ -1,7 +1,7 @@
 #pragma once
 
+#include "app/Program.h"
 #include "controls/cToolbar.h"
-#include "core/SettingsFile.h"
 #include "platform/net/Downloader.h"
 #include "reading/BrowserPane.h"
 #include "reading/ItemListView.h"
@@ -13,6 +13,7 @@
 #include "window/frmPrinc.h"
 #include "window/frmUpdate.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QSignalSpy>
 #include <QTest>
@@ -42,40 +43,51 @@ class PrincFixture
 public:
     PrincFixture() { data.write(QStringLiteral("feeds.xml"), "<?xml version=\"1.0\"?><favoris></favoris>"); }
 
-    /// The first or a further run of the program: settings from the file, the window loaded and shown.
+    /// The first or a further run of the program: settings from the file, the window up and shown.
     void start(const QString &commandLine = {})
     {
         window.reset();
         const QByteArray fresh = Files::read(QStringLiteral(SAMPLES_DIR "/../resources/data/params.xml")).bytes;
-        settingsFile =
-            std::make_unique<SettingsFile>(data.file(QStringLiteral("params.xml")), fresh, ScreenScale(), messages);
-        QVERIFY(settingsFile->loadSettings(settings));
-        settings.soundPath.clear();
+        program = std::make_unique<Program>(
+            Program::Surroundings{data.directory(), fresh, ScreenScale(), messages, [this] { return now; },
+                                  [](int milliseconds) { QTest::qWait(qMin(milliseconds, 5)); }, [] { return true; },
+                                  [this] { return makeDownloader(); }, runtime.path(), [this] { ++releases; }});
+        QVERIFY(program->loadSettings());
+        settings().soundPath.clear();
         if (adjustSettings)
-            adjustSettings(settings);
-        frmPrinc::Surroundings s{data.directory(), settings, *settingsFile, ScreenScale(), messages};
-        s.clock = [this] { return now; };
-        s.wait = [](int milliseconds) { QTest::qWait(qMin(milliseconds, 5)); };
-        s.isConnected = [] { return true; };
-        s.makeDownloader = [] { return std::make_unique<Downloader>(); };
-        s.makeTrayShell = [this] {
+            adjustSettings(settings());
+        window = std::make_unique<frmPrinc>(program->longLived(), desktop(), dialogs());
+        QObject::connect(window.get(), &frmPrinc::closeAsked, program.get(), &Program::end);
+        window->findChild<BrowserPane *>()->hide(); // an engine isn't started for a pane that nobody sees
+        program->start(*window, {}, commandLine);
+        window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+    }
+
+    Desktop desktop()
+    {
+        Desktop desktop{messages};
+        desktop.makeTrayShell = [this] {
             auto shell = std::make_unique<FakeTrayShell>(trayAvailable);
             tray = shell.get();
             return shell;
         };
-        s.makeHelp = [] { return std::unique_ptr<HelpSystem>(); };
-        s.openInSystemBrowser = [](const QString &) { return true; };
-        s.inputBox = [this](const QString &, const QString &) { return inputAnswer; };
-        s.askFeedFile = [](const QString &, const QString &) { return QString(); };
-        s.runtimeDirectory = runtime.path();
-        s.releaseInstance = [this] { ++releases; };
-        window = std::make_unique<frmPrinc>(s);
-        window->findChild<BrowserPane *>()->hide(); // an engine isn't started for a pane that nobody sees
-        window->resize(settings.windowWidth, settings.windowHeight);
-        window->load(commandLine);
-        window->show();
-        QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+        desktop.openInSystemBrowser = [](const QString &) { return true; };
+        desktop.inputBox = [this](QWidget *, const QString &, const QString &) { return inputAnswer; };
+        desktop.askFeedFile = [](QWidget *, const QString &, const QString &) { return QString(); };
+        return desktop;
     }
+
+    Dialogs::Outside dialogs()
+    {
+        return {messages, {}, [this] { return makeDownloader(); }, {}, [] { return std::unique_ptr<HelpSystem>(); },
+                {},       {}};
+    }
+
+    /// What the program holds for the window, to be looked at and changed.
+    AppSettings &settings() const { return program->longLived().settings; }
+    FeedTree &feedTree() const { return program->longLived().tree; }
+    FeedNodePtr selected() const { return program->longLived().treeState.selected(); }
 
     /// Writes a catalogue and the cache files of its feeds.
     void writeCatalogue(const QByteArray &favoris) { data.write(QStringLiteral("feeds.xml"), favoris); }
@@ -89,12 +101,9 @@ public:
     ItemListView *list() const { return control<ItemListView>("lvwItems"); }
     cToolbar *toolbar() const { return control<cToolbar>("cToolbar1"); }
     cToolbar *browserToolbar() const { return control<cToolbar>("tlbBrowser"); }
-    FeedNodePtr node(const char *key) const { return window->feedTree().find(QString::fromLatin1(key)); }
+    FeedNodePtr node(const char *key) const { return feedTree().find(QString::fromLatin1(key)); }
 
-    QPoint placeOf(const FeedNodePtr &node) const
-    {
-        return tree()->visualRect(window->feedTree().indexOf(node)).center();
-    }
+    QPoint placeOf(const FeedNodePtr &node) const { return tree()->visualRect(feedTree().indexOf(node)).center(); }
     void click(const FeedNodePtr &node) const
     {
         QTest::mouseClick(tree()->viewport(), Qt::LeftButton, {}, placeOf(node));
@@ -103,6 +112,15 @@ public:
     {
         const QRect cell = list()->visualRect(list()->items().index(row, column - 1));
         QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, cell.center());
+    }
+
+    /// Chooses the entry with that caption in one of the window's menus.
+    void choose(const QString &caption) const
+    {
+        for (QAction *action : window->findChildren<QAction *>())
+            if (action->text() == caption)
+                return action->trigger();
+        QFAIL(qPrintable(caption));
     }
 
     /// The enabled state of the four buttons of the main toolbar, as "1" and "0".
@@ -126,13 +144,13 @@ public:
     TemporaryDataDirectory data;
     QTemporaryDir runtime;
     FakeMessages messages;
-    AppSettings settings;
-    std::unique_ptr<SettingsFile> settingsFile;
     std::function<void(AppSettings &)> adjustSettings;
     QDateTime now = QDateTime(QDate(2004, 7, 1), QTime(12, 0));
     QString inputAnswer;
     bool trayAvailable = true;
     FakeTrayShell *tray = nullptr;
     int releases = 0;
-    std::unique_ptr<frmPrinc> window;
+    std::function<std::unique_ptr<Downloader>()> makeDownloader = [] { return std::make_unique<Downloader>(); };
+    std::unique_ptr<Program> program;
+    std::unique_ptr<frmPrinc> window; ///< ends before the program
 };

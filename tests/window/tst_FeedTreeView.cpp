@@ -1,5 +1,4 @@
 #include "controls/ImageList.h"
-#include "core/FeedTree.h"
 #include "window/FeedTreeView.h"
 
 #include <QContextMenuEvent>
@@ -14,6 +13,7 @@ class tst_FeedTreeView : public QObject
 
 private:
     FeedTree m_tree;
+    FeedTreeState m_state{m_tree};
     ImageList m_pictures{16};
     std::unique_ptr<FeedTreeView> m_view;
     QStringList m_said;
@@ -26,14 +26,14 @@ private Q_SLOTS:
     void init()
     {
         m_tree.remove(m_tree.root());
-        m_view = std::make_unique<FeedTreeView>(m_tree, m_pictures);
+        m_view = std::make_unique<FeedTreeView>(m_tree, m_state, m_pictures);
         const FeedNodePtr root = m_tree.addRoot(QStringLiteral("root"), QStringLiteral("Favoris"), NodeImage::Root);
         const FeedNodePtr folder =
             m_tree.addChild(root, QStringLiteral("1"), QStringLiteral("Presse"), NodeImage::Folder);
         m_tree.addChild(folder, QStringLiteral("2"), QStringLiteral("Monde"), NodeImage::Feed);
         m_tree.addChild(folder, QStringLiteral("3"), QStringLiteral("Matin"), NodeImage::Feed);
         m_tree.addChild(root, QStringLiteral("4"), QStringLiteral("Blog"), NodeImage::Feed);
-        m_tree.bringIntoView(node("2"));
+        m_state.bringIntoView(node("2"));
         m_view->resize(300, 400);
         m_view->show();
         QVERIFY(QTest::qWaitForWindowExposed(m_view.get()));
@@ -42,7 +42,7 @@ private Q_SLOTS:
         connect(m_view.get(), &FeedTreeView::nodeClicked, this,
                 [this](const FeedNodePtr &n) { m_said.append(QStringLiteral("click ") + n->key()); });
         connect(m_view.get(), &FeedTreeView::arrowKeyTo, this, [this](const FeedNodePtr &n) {
-            m_said.append(QStringLiteral("arrow ") + n->key() + QStringLiteral(" from ") + m_tree.selected()->key());
+            m_said.append(QStringLiteral("arrow ") + n->key() + QStringLiteral(" from ") + m_state.selected()->key());
         });
         connect(m_view.get(), &FeedTreeView::nodeRightClicked, this,
                 [this](const FeedNodePtr &n) { m_said.append(QStringLiteral("right ") + n->key()); });
@@ -54,7 +54,7 @@ private Q_SLOTS:
     void aClickSelectsBeforeItIsTold()
     {
         QString selectedThen;
-        connect(m_view.get(), &FeedTreeView::nodeClicked, this, [&] { selectedThen = m_tree.selected()->key(); });
+        connect(m_view.get(), &FeedTreeView::nodeClicked, this, [&] { selectedThen = m_state.selected()->key(); });
         QTest::mouseClick(m_view->viewport(), Qt::LeftButton, {}, placeOf("3"));
         QCOMPARE(m_said, QStringList(QStringLiteral("click 3")));
         QCOMPARE(selectedThen, QStringLiteral("3"));
@@ -63,7 +63,7 @@ private Q_SLOTS:
     void aPressSelectsNothingUntilItIsReleased()
     {
         QTest::mousePress(m_view->viewport(), Qt::LeftButton, {}, placeOf("2"));
-        QVERIFY(!m_tree.selected());
+        QVERIFY(!m_state.selected());
         QCOMPARE(m_view->draggedNode(), node("2"));
         QTest::mouseRelease(m_view->viewport(), Qt::LeftButton, {}, placeOf("4"));
         QVERIFY(m_said.isEmpty());
@@ -75,45 +75,45 @@ private Q_SLOTS:
         const QRect row = m_view->visualRect(m_tree.indexOf(node("1")));
         const QPoint arrow(row.left() - m_view->indentation() / 2, row.center().y());
         QTest::mouseClick(m_view->viewport(), Qt::LeftButton, {}, arrow);
-        QVERIFY(!node("1")->isExpanded());
+        QVERIFY(!m_state.isExpanded(node("1")));
         QVERIFY(m_said.isEmpty());
     }
 
     void arrowKeysTellTheNextNodeBeforeTheSelectionMoves()
     {
-        m_tree.select(node("3"));
+        m_state.select(node("3"));
         QTest::keyClick(m_view.get(), Qt::Key_Down);
         QCOMPARE(m_said, QStringList(QStringLiteral("arrow 4 from 3")));
-        QCOMPARE(m_tree.selected(), node("4"));
+        QCOMPARE(m_state.selected(), node("4"));
         QTest::keyClick(m_view.get(), Qt::Key_Down); // the last node has none behind it
         QCOMPARE(m_said.size(), 1);
-        m_tree.setExpanded(node("1"), false);
+        m_state.setExpanded(node("1"), false);
         QTest::keyClick(m_view.get(), Qt::Key_Up);
         QCOMPARE(m_said.last(), QStringLiteral("arrow 1 from 4"));
-        QCOMPARE(m_tree.selected(), node("1"));
+        QCOMPARE(m_state.selected(), node("1"));
     }
 
     void aContextMenuIsAskedForWithMouseAndKeyboardWithoutSelecting()
     {
-        m_tree.select(node("4"));
+        m_state.select(node("4"));
         const QPoint place = placeOf("2");
         QContextMenuEvent mouse(QContextMenuEvent::Mouse, place, m_view->viewport()->mapToGlobal(place));
         QCoreApplication::sendEvent(m_view->viewport(), &mouse);
         QContextMenuEvent keyboard(QContextMenuEvent::Keyboard, QPoint(), QPoint());
         QCoreApplication::sendEvent(m_view->viewport(), &keyboard);
         QCOMPARE(m_said, QStringList({QStringLiteral("right 2"), QStringLiteral("right 4")}));
-        QCOMPARE(m_tree.selected(), node("4"));
+        QCOMPARE(m_state.selected(), node("4"));
     }
 
     void removingANodeKeepsTheSelectionUnlessItWasTheOne()
     {
-        m_tree.select(node("3"));
+        m_state.select(node("3"));
         QTest::mousePress(m_view->viewport(), Qt::LeftButton, {}, placeOf("2"));
         m_tree.remove(node("2"));
-        QCOMPARE(m_tree.selected(), node("3"));
+        QCOMPARE(m_state.selected(), node("3"));
         QCOMPARE(selected().size(), 1);
         m_tree.remove(node("3"));
-        QVERIFY(!m_tree.selected() && selected().isEmpty());
+        QVERIFY(!m_state.selected() && selected().isEmpty());
     }
 
     void aDropTellsItsTargetAndTheSide_data()
@@ -131,7 +131,7 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, carried);
         QFETCH(int, offset);
-        m_tree.select(node("3"));
+        m_state.select(node("3"));
         QTest::mousePress(m_view->viewport(), Qt::LeftButton, {}, placeOf("2"));
         QMimeData mime;
         mime.setData(QStringLiteral("application/x-quillwire-node"), carried);
@@ -141,7 +141,7 @@ private Q_SLOTS:
         QDropEvent drop(place, Qt::MoveAction, &mime, Qt::LeftButton, Qt::NoModifier);
         QCoreApplication::sendEvent(m_view->viewport(), &drop);
         QTEST(m_said, "told");
-        QCOMPARE(m_tree.selected(), node("3")); // a drag neither clicks nor selects
+        QCOMPARE(m_state.selected(), node("3")); // a drag neither clicks nor selects
     }
 };
 

@@ -19,7 +19,7 @@ class tst_frmPrinc : public QObject
     Q_OBJECT
 
 private:
-    std::unique_ptr<PrincFixture> m_f;
+    std::unique_ptr<PrincFixture> m_fixture;
 
     /// A folder with two feeds and a feed beside it, each with a cache file of three items.
     void writeThreeFeeds(const QString &address = QStringLiteral("http://127.0.0.1:9/x"))
@@ -30,9 +30,9 @@ private:
                                       "<feed name=\"Matin\" url=\"%1\" key=\"3\" ttl=\"60\" cache=\"-7\"/></dir>"
                                       "<feed name=\"Blog\" url=\"%1\" key=\"4\" ttl=\"60\" cache=\"-7\"/></favoris>")
                            .arg(address);
-        m_f->writeCatalogue(text.toUtf8());
+        m_fixture->writeCatalogue(text.toUtf8());
         for (int key = 2; key <= 4; ++key)
-            Files::write(m_f->data.cacheFile(QString::number(key)),
+            Files::write(m_fixture->data.cacheFile(QString::number(key)),
                          FeedTexts::rss(QStringLiteral("Flux %1").arg(key),
                                         FeedTexts::titles(QStringLiteral("f%1-").arg(key), 0, 3)));
     }
@@ -40,21 +40,21 @@ private:
     void start()
     {
         writeThreeFeeds();
-        m_f->start();
+        m_fixture->start();
     }
 
-    QString catalogue() const { return QString::fromUtf8(m_f->data.read(QStringLiteral("feeds.xml"))); }
+    QString catalogue() const { return QString::fromUtf8(m_fixture->data.read(QStringLiteral("feeds.xml"))); }
 
-    QString titleOf(int row) const { return m_f->list()->items().index(row, 0).data().toString(); }
+    QString titleOf(int row) const { return m_fixture->list()->items().index(row, 0).data().toString(); }
 
     void enterAddress(const QString &address) const
     {
-        auto *txtURL = m_f->control<AddressBox>("txtURL");
+        auto *txtURL = m_fixture->control<AddressBox>("txtURL");
         txtURL->setText(address);
         QTest::keyClick(txtURL, Qt::Key_Return);
     }
 
-    void pressToolbar(int index) const { m_f->toolbar()->button(index)->click(); }
+    void pressToolbar(int index) const { m_fixture->toolbar()->button(index)->click(); }
 
     /// Answers the next pop-up menu, which would hold the test, by choosing an entry or by closing it.
     static void answerMenu(const QString &entry, QStringList *enabled = nullptr)
@@ -77,55 +77,55 @@ private:
 
     void askContextMenu(const char *key) const
     {
-        const QPoint place = m_f->placeOf(m_f->node(key));
-        QContextMenuEvent event(QContextMenuEvent::Mouse, place, m_f->tree()->viewport()->mapToGlobal(place));
-        QCoreApplication::sendEvent(m_f->tree()->viewport(), &event);
+        const QPoint place = m_fixture->placeOf(m_fixture->node(key));
+        QContextMenuEvent event(QContextMenuEvent::Mouse, place, m_fixture->tree()->viewport()->mapToGlobal(place));
+        QCoreApplication::sendEvent(m_fixture->tree()->viewport(), &event);
     }
 
 private Q_SLOTS:
-    void init() { m_f = std::make_unique<PrincFixture>(); }
-    void cleanup() { m_f.reset(); }
+    void init() { m_fixture = std::make_unique<PrincFixture>(); }
+    void cleanup() { m_fixture.reset(); }
 
     // --- The feed tree
 
     void clicksAndArrowsOpenFeedsAndSetTheButtons()
     {
         start();
-        m_f->click(m_f->node("3"));
-        QCOMPARE(m_f->list()->items().rowCount(), 3);
-        QCOMPARE(m_f->buttons(), QStringLiteral("1110"));
+        m_fixture->click(m_fixture->node("3"));
+        QCOMPARE(m_fixture->list()->items().rowCount(), 3);
+        QCOMPARE(m_fixture->buttons(), QStringLiteral("1110"));
         const QByteArray title = AnsiText::toBytes(AnsiText::widenBytes(QStringLiteral("Flux 3")));
-        QVERIFY(m_f->data.read(QStringLiteral("tmp.htm")).contains(title));
-        m_f->click(m_f->node("root"));
-        QCOMPARE(m_f->buttons(), QStringLiteral("0000"));
-        QCOMPARE(m_f->list()->items().rowCount(), 3);
-        m_f->click(m_f->node("1"));
-        QCOMPARE(m_f->buttons(), QStringLiteral("0100"));
-        QCOMPARE(m_f->list()->items().rowCount(), 0);
+        QVERIFY(m_fixture->data.read(QStringLiteral("tmp.htm")).contains(title));
+        m_fixture->click(m_fixture->node("root"));
+        QCOMPARE(m_fixture->buttons(), QStringLiteral("0000"));
+        QCOMPARE(m_fixture->list()->items().rowCount(), 3);
+        m_fixture->click(m_fixture->node("1"));
+        QCOMPARE(m_fixture->buttons(), QStringLiteral("0100"));
+        QCOMPARE(m_fixture->list()->items().rowCount(), 0);
 
-        QTest::keyClick(m_f->tree(), Qt::Key_Down);
+        QTest::keyClick(m_fixture->tree(), Qt::Key_Down);
         QCOMPARE(titleOf(0), QStringLiteral("f2-0"));
-        QCOMPARE(m_f->window->feedTree().selected(), m_f->node("2"));
-        QCOMPARE(m_f->buttons(), QStringLiteral("0100")); // arrow keys don't touch the buttons
-        QTest::keyClick(m_f->tree(), Qt::Key_Up);         // onto the folder: nothing changes on show
+        QCOMPARE(m_fixture->selected(), m_fixture->node("2"));
+        QCOMPARE(m_fixture->buttons(), QStringLiteral("0100")); // arrow keys don't touch the buttons
+        QTest::keyClick(m_fixture->tree(), Qt::Key_Up);         // onto the folder: nothing changes on show
         QCOMPARE(titleOf(0), QStringLiteral("f2-0"));
 
-        m_f->window->feedTree().setImages(m_f->node("3"), NodeImage::FeedUpdating, NodeImage::FeedUpdating);
-        m_f->click(m_f->node("3"));
-        QCOMPARE(m_f->buttons(), QStringLiteral("0000"));
+        m_fixture->feedTree().setImages(m_fixture->node("3"), NodeImage::FeedUpdating, NodeImage::FeedUpdating);
+        m_fixture->click(m_fixture->node("3"));
+        QCOMPARE(m_fixture->buttons(), QStringLiteral("0000"));
         QCOMPARE(titleOf(0), QStringLiteral("f2-0"));
     }
 
     void theContextMenuFollowsTheKindOfTheNodeAndMakesFolders()
     {
         start();
-        m_f->click(m_f->node("2"));
+        m_fixture->click(m_fixture->node("2"));
         QStringList enabled;
         answerMenu(QString(), &enabled);
         askContextMenu("1");
         QCOMPARE(enabled, QStringList({QStringLiteral("Supprimer"), QStringLiteral("Nouveau dossier")}));
-        QCOMPARE(m_f->buttons(), QStringLiteral("0100"));
-        QCOMPARE(m_f->window->feedTree().selected(), m_f->node("1"));
+        QCOMPARE(m_fixture->buttons(), QStringLiteral("0100"));
+        QCOMPARE(m_fixture->selected(), m_fixture->node("1"));
         QCOMPARE(titleOf(0), QStringLiteral("f2-0")); // a right click on a folder leaves the list
 
         enabled.clear();
@@ -133,50 +133,51 @@ private Q_SLOTS:
         askContextMenu("3");
         QCOMPARE(enabled.size(), 4);
         QCOMPARE(titleOf(0), QStringLiteral("f3-0"));
-        QVERIFY(!m_f->node("5"));
-        m_f->inputAnswer = QStringLiteral("Été & co");
+        QVERIFY(!m_fixture->node("5"));
+        m_fixture->inputAnswer = QStringLiteral("Été & co");
         answerMenu(QStringLiteral("Nouveau dossier"));
         askContextMenu("3");
-        QCOMPARE(m_f->node("5")->parent(), m_f->node("1")); // beside the feed
+        QCOMPARE(m_fixture->node("5")->parent(), m_fixture->node("1")); // beside the feed
         QVERIFY(catalogue().contains(QStringLiteral("name=\"Été &amp; co\" key=\"5\" visible=\"1\"")));
     }
 
     void aFeedIsDeletedWithoutAQuestionAndAFolderOnlyAfterAYes()
     {
         start();
-        m_f->click(m_f->node("2"));
+        m_fixture->click(m_fixture->node("2"));
         answerMenu(QStringLiteral("Supprimer"));
         askContextMenu("2");
-        QVERIFY(m_f->messages.shown.empty());
-        QVERIFY(!m_f->node("2") && !m_f->window->feedTree().selected());
-        QCOMPARE(m_f->list()->items().rowCount(), 0);
+        QVERIFY(m_fixture->messages.shown.empty());
+        QVERIFY(!m_fixture->node("2") && !m_fixture->selected());
+        QCOMPARE(m_fixture->list()->items().rowCount(), 0);
         QVERIFY(!catalogue().contains(QStringLiteral("Monde")));
-        QVERIFY(!Files::exists(m_f->data.cacheFile(QStringLiteral("2"))));
+        QVERIFY(!Files::exists(m_fixture->data.cacheFile(QStringLiteral("2"))));
 
-        m_f->click(m_f->node("1"));
+        m_fixture->click(m_fixture->node("1"));
         pressToolbar(1);
-        QCOMPARE(m_f->messages.shown.size(), std::size_t(1));
-        QCOMPARE(m_f->messages.shown.front().title, QStringLiteral("Supprimer dossier"));
-        QVERIFY(m_f->node("3"));
-        m_f->messages.answer = Messages::Answer::Yes;
+        QCOMPARE(m_fixture->messages.shown.size(), std::size_t(1));
+        QCOMPARE(m_fixture->messages.shown.front().title, QStringLiteral("Supprimer dossier"));
+        QVERIFY(m_fixture->node("3"));
+        m_fixture->messages.answer = Messages::Answer::Yes;
         pressToolbar(1);
-        QVERIFY(!m_f->node("3"));
+        QVERIFY(!m_fixture->node("3"));
         QVERIFY(!catalogue().contains(QStringLiteral("Presse")));
-        QVERIFY(!Files::exists(m_f->data.cacheFile(QStringLiteral("3"))));
-        QVERIFY(Files::exists(m_f->data.cacheFile(QStringLiteral("4"))));
+        QVERIFY(!Files::exists(m_fixture->data.cacheFile(QStringLiteral("3"))));
+        QVERIFY(Files::exists(m_fixture->data.cacheFile(QStringLiteral("4"))));
     }
 
     void aDropOnAFolderMovesTheFeedInTreeAndFile()
     {
         start();
-        QTest::mousePress(m_f->tree()->viewport(), Qt::LeftButton, {}, m_f->placeOf(m_f->node("4")));
-        Q_EMIT m_f->tree()->nodeDropped(m_f->node("1"), false);
-        QCOMPARE(m_f->node("4")->parent(), m_f->node("1"));
-        QVERIFY(m_f->node("4")->tag.isEmpty());
+        QTest::mousePress(m_fixture->tree()->viewport(), Qt::LeftButton, {}, m_fixture->placeOf(m_fixture->node("4")));
+        Q_EMIT m_fixture->tree()->nodeDropped(m_fixture->node("1"), false);
+        QCOMPARE(m_fixture->node("4")->parent(), m_fixture->node("1"));
+        QVERIFY(m_fixture->node("4")->tag.isEmpty());
         QVERIFY(catalogue().indexOf(QStringLiteral("Blog")) < catalogue().indexOf(QStringLiteral("</dir>")));
 
-        Q_EMIT m_f->tree()->nodeDropped(m_f->node("root"), false); // the remembered node is gone: nothing moves
-        QCOMPARE(m_f->node("4")->parent(), m_f->node("1"));
+        Q_EMIT m_fixture->tree()->nodeDropped(m_fixture->node("root"),
+                                              false); // the remembered node is gone: nothing moves
+        QCOMPARE(m_fixture->node("4")->parent(), m_fixture->node("1"));
     }
 
     // --- Journeys
@@ -187,37 +188,38 @@ private Q_SLOTS:
         const QStringList titles = FeedTexts::titles(QStringLiteral("a"), 0, 4);
         server.setBody(QStringLiteral("/feed.xml"),
                        FeedTexts::rss(QStringLiteral("Été"), titles, QStringLiteral("30")));
-        m_f->start();
-        QCOMPARE(m_f->buttons(), QStringLiteral("0000"));
+        m_fixture->start();
+        QCOMPARE(m_fixture->buttons(), QStringLiteral("0000"));
         enterAddress(server.url(QStringLiteral("/feed.xml")));
-        QTRY_COMPARE(m_f->list()->items().rowCount(), 4);
-        QCOMPARE(m_f->buttons(), QStringLiteral("0001"));
-        QVERIFY(m_f->window->addressFeedShown());
+        QTRY_COMPARE(m_fixture->list()->items().rowCount(), 4);
+        QCOMPARE(m_fixture->buttons(), QStringLiteral("0001"));
+        QVERIFY(m_fixture->program->longLived().current.addressFeedShown);
 
         pressToolbar(3);
-        QCOMPARE(m_f->node("1")->text(), QStringLiteral("Été"));
-        QVERIFY(m_f->window->close());
-        QCOMPARE(m_f->releases, 1);
+        QCOMPARE(m_fixture->node("1")->text(), QStringLiteral("Été"));
+        QVERIFY(m_fixture->window->close());
+        QCOMPARE(m_fixture->releases, 1);
 
-        m_f->start();
-        QCOMPARE(m_f->window->feedTables().updatettl.Item(QStringLiteral("1")), QStringLiteral("30"));
-        m_f->click(m_f->node("1"));
-        QCOMPARE(m_f->list()->items().rowCount(), 4);
+        m_fixture->start();
+        QCOMPARE(m_fixture->program->longLived().catalogue.tables.updatettl.Item(QStringLiteral("1")),
+                 QStringLiteral("30"));
+        m_fixture->click(m_fixture->node("1"));
+        QCOMPARE(m_fixture->list()->items().rowCount(), 4);
     }
 
     void anItemOnShowIsMarkedAsReadAfterTheDelayAndStaysSo()
     {
-        m_f->adjustSettings = [](AppSettings &settings) { settings.readDelay = 20; };
+        m_fixture->adjustSettings = [](AppSettings &settings) { settings.readDelay = 20; };
         start();
-        m_f->click(m_f->node("2"));
-        m_f->clickRow(1, 1);
-        QVERIFY(m_f->browserToolbar()->isButtonEnabled(QStringLiteral("send_mail")));
-        QTRY_VERIFY(m_f->list()->items().isShownRead(1));
-        QVERIFY(!m_f->list()->items().isShownRead(0));
-        m_f->window->close();
-        m_f->start();
-        m_f->click(m_f->node("2"));
-        QVERIFY(m_f->list()->items().isShownRead(1));
+        m_fixture->click(m_fixture->node("2"));
+        m_fixture->clickRow(1, 1);
+        QVERIFY(m_fixture->browserToolbar()->isButtonEnabled(QStringLiteral("send_mail")));
+        QTRY_VERIFY(m_fixture->list()->items().isShownRead(1));
+        QVERIFY(!m_fixture->list()->items().isShownRead(0));
+        m_fixture->window->close();
+        m_fixture->start();
+        m_fixture->click(m_fixture->node("2"));
+        QVERIFY(m_fixture->list()->items().isShownRead(1));
     }
 
     void anUpdateOfTheFeedOnShowKeepsTheSelectedItemAndAnnouncesTheNewOnes()
@@ -227,24 +229,24 @@ private Q_SLOTS:
         server.setBody(QStringLiteral("/feed.xml"),
                        FeedTexts::rss(QStringLiteral("Le Monde"), FeedTexts::titles(QStringLiteral("new"), 0, 2) +
                                                                       FeedTexts::titles(QStringLiteral("f2-"), 0, 3)));
-        m_f->start();
-        m_f->click(m_f->node("2"));
-        m_f->list()->selectRow(1);
+        m_fixture->start();
+        m_fixture->click(m_fixture->node("2"));
+        m_fixture->list()->selectRow(1);
         pressToolbar(0);
-        QCOMPARE(m_f->node("2")->image(), int(NodeImage::FeedUpdating));
-        QVERIFY(!m_f->toolbar()->isButtonEnabled(0));
+        QCOMPARE(m_fixture->node("2")->image(), int(NodeImage::FeedUpdating));
+        QVERIFY(!m_fixture->toolbar()->isButtonEnabled(0));
 
-        QTRY_COMPARE(m_f->node("2")->image(), int(NodeImage::Feed));
-        QCOMPARE(m_f->list()->items().rowCount(), 5);
+        QTRY_COMPARE(m_fixture->node("2")->image(), int(NodeImage::Feed));
+        QCOMPARE(m_fixture->list()->items().rowCount(), 5);
         QCOMPARE(titleOf(0), QStringLiteral("new0"));
-        QCOMPARE(titleOf(m_f->list()->selectedRow()), QStringLiteral("f2-1"));
-        QCOMPARE(m_f->control<StatusBar>("stabPrinc")->panelText(QStringLiteral("state")),
+        QCOMPARE(titleOf(m_fixture->list()->selectedRow()), QStringLiteral("f2-1"));
+        QCOMPARE(m_fixture->control<StatusBar>("stabPrinc")->panelText(QStringLiteral("state")),
                  QStringLiteral("Mise à jour de Monde terminée (2 nouveaux messages)"));
         QVERIFY(PrincFixture::popup());
         QCOMPARE(PrincFixture::popup()->caption(),
                  QStringLiteral("Mise à jour du flux\r\nLe Monde\r\n\r\n2 nouveaux messages"));
-        QVERIFY(Files::read(m_f->data.cacheFile(QStringLiteral("2"))).bytes.contains("new1"));
-        QVERIFY(!m_f->control<QProgressBar>("prbChargement")->isVisible());
+        QVERIFY(Files::read(m_fixture->data.cacheFile(QStringLiteral("2"))).bytes.contains("new1"));
+        QVERIFY(!m_fixture->control<QProgressBar>("prbChargement")->isVisible());
     }
 
     void closingInTheMiddleOfAnUpdateOfAllFeedsEndsIt()
@@ -254,142 +256,142 @@ private Q_SLOTS:
         stalled.silent = true;
         server.setAnswer(QStringLiteral("/feed.xml"), stalled);
         writeThreeFeeds(server.url(QStringLiteral("/feed.xml")));
-        m_f->start();
-        QTimer::singleShot(200, m_f->window.get(), &QWidget::close);
-        m_f->window->updateAllFeeds(); // holds until the close has stopped it
-        QVERIFY(m_f->window->isUnloaded());
+        m_fixture->start();
+        QTimer::singleShot(200, m_fixture->window.get(), &QWidget::close);
+        m_fixture->program->longLived().scheduler.updateAllFeeds(); // holds until the close has stopped it
+        QVERIFY(m_fixture->program->isEnded());
         QCOMPARE(server.hits(QStringLiteral("/feed.xml")), 1);
-        QVERIFY(m_f->data.exists(QStringLiteral("params.xml")));
+        QVERIFY(m_fixture->data.exists(QStringLiteral("params.xml")));
     }
 
     // --- The frame
 
     void theShortcutOfAMenuEntryTakesTheRoadOut()
     {
-        m_f->start();
-        m_f->window->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(m_f->window.get()));
-        QSignalSpy unloaded(m_f->window.get(), &frmPrinc::unloaded);
-        QTest::keyClick(m_f->window.get(), Qt::Key_Q, Qt::ControlModifier);
-        QTRY_COMPARE(unloaded.count(), 1);
-        m_f->window->unload(); // the road is taken once
-        QCOMPARE(unloaded.count(), 1);
-        QVERIFY(m_f->data.read(QStringLiteral("params.xml")).contains("mode=\"Plein écran\""));
+        m_fixture->start();
+        m_fixture->window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_fixture->window.get()));
+        QSignalSpy ended(m_fixture->program.get(), &Program::ended);
+        QTest::keyClick(m_fixture->window.get(), Qt::Key_Q, Qt::ControlModifier);
+        QTRY_COMPARE(ended.count(), 1);
+        m_fixture->program->end(); // the road is taken once
+        QCOMPARE(ended.count(), 1);
+        QVERIFY(m_fixture->data.read(QStringLiteral("params.xml")).contains("mode=\"Plein écran\""));
     }
 
     void whatTheUserChangedInTheFrameIsThereAtTheNextStart()
     {
-        m_f->start();
-        m_f->window->setStyle(QStringLiteral("mnuStandard"));
-        m_f->window->setToolbarSize(QStringLiteral("mnuTBGrande"));
-        m_f->window->resize(900, 700);
-        m_f->list()->setColumnWidthTwips(3, 150 * 15);
-        m_f->window->close();
-        m_f->start();
-        QVERIFY(!m_f->settings.officeStyle);
-        QVERIFY(!m_f->settings.smallToolbars);
-        QCOMPARE(m_f->window->size(), QSize(900, 700));
-        QCOMPARE(m_f->list()->columnWidthTwips(3), 150.0 * 15);
-        QCOMPARE(m_f->toolbar()->drawStyle(), DrawStyle::Standard);
+        m_fixture->start();
+        m_fixture->choose(QStringLiteral("Standard"));
+        m_fixture->choose(QStringLiteral("Grandes"));
+        m_fixture->window->resize(900, 700);
+        m_fixture->list()->setColumnWidthTwips(3, 150 * 15);
+        m_fixture->window->close();
+        m_fixture->start();
+        QVERIFY(!m_fixture->settings().officeStyle);
+        QVERIFY(!m_fixture->settings().smallToolbars);
+        QCOMPARE(m_fixture->window->size(), QSize(900, 700));
+        QCOMPARE(m_fixture->list()->columnWidthTwips(3), 150.0 * 15);
+        QCOMPARE(m_fixture->toolbar()->drawStyle(), DrawStyle::Standard);
     }
 
     void anAbandonedWindowSavesNothing()
     {
-        m_f->start();
-        m_f->window->abandon();
-        m_f->data.write(QStringLiteral("params.xml"), "untouched");
-        m_f->window->close();
-        QCOMPARE(m_f->data.read(QStringLiteral("params.xml")), QByteArray("untouched"));
-        QCOMPARE(m_f->releases, 0);
+        m_fixture->start();
+        m_fixture->program->abandon();
+        m_fixture->data.write(QStringLiteral("params.xml"), "untouched");
+        m_fixture->window->close();
+        QCOMPARE(m_fixture->data.read(QStringLiteral("params.xml")), QByteArray("untouched"));
+        QCOMPARE(m_fixture->releases, 0);
     }
 
     void aMissingCatalogueIsARunTimeErrorAtLoad()
     {
-        m_f->start();
-        m_f->window->close();
-        QFile::remove(m_f->data.file(QStringLiteral("feeds.xml")));
-        QVERIFY_EXCEPTION_THROWN(m_f->start(), RunTimeError);
-        m_f->window->abandon();
+        m_fixture->start();
+        m_fixture->window->close();
+        QFile::remove(m_fixture->data.file(QStringLiteral("feeds.xml")));
+        QVERIFY_EXCEPTION_THROWN(m_fixture->start(), RunTimeError);
+        m_fixture->program->abandon();
     }
 
     void draggingTheBarsResizesThePanesWithinTheirBounds()
     {
-        m_f->start();
-        auto *bar = m_f->control<SplitBar>("picHorizontalSplit");
+        m_fixture->start();
+        auto *bar = m_fixture->control<SplitBar>("picHorizontalSplit");
         const int before = bar->x();
         QTest::mousePress(bar, Qt::LeftButton, {}, QPoint(0, 5));
         QTest::mouseMove(bar, QPoint(70, 5));
         QTest::mouseMove(bar, QPoint(5000, 5)); // past the bound the bar stays
         QTest::mouseRelease(bar, Qt::LeftButton, {}, QPoint(0, 5));
         QCOMPARE(bar->x(), before + 70);
-        QCOMPARE(int(m_f->settings.splitHorizontal), (before + 70) * 15);
-        QCOMPARE(m_f->tree()->width(), before + 70);
+        QCOMPARE(int(m_fixture->settings().splitHorizontal), (before + 70) * 15);
+        QCOMPARE(m_fixture->tree()->width(), before + 70);
 
-        auto *lower = m_f->control<SplitBar>("picVerticalSplit");
-        const int height = m_f->list()->height();
+        auto *lower = m_fixture->control<SplitBar>("picVerticalSplit");
+        const int height = m_fixture->list()->height();
         QTest::mousePress(lower, Qt::LeftButton, {}, QPoint(5, 0));
         QTest::mouseMove(lower, QPoint(5, -30));
         QTest::mouseRelease(lower, Qt::LeftButton, {}, QPoint(5, 0));
-        QCOMPARE(m_f->list()->height(), height - 30);
-        QCOMPARE(int(m_f->settings.splitVertical), (height - 30) * 15);
+        QCOMPARE(m_fixture->list()->height(), height - 30);
+        QCOMPARE(int(m_fixture->settings().splitVertical), (height - 30) * 15);
     }
 
     void panesKeepInsideASmallWindow()
     {
-        m_f->start();
-        m_f->window->resize(640, 480);
-        const QRect inner = m_f->window->rect();
+        m_fixture->start();
+        m_fixture->window->resize(640, 480);
+        const QRect inner = m_fixture->window->rect();
         for (const char *name : {"tvwFavoris", "lvwItems", "cToolbarHost1", "WebBrowser1", "stabPrinc"}) {
-            const QRect pane = m_f->control<QWidget>(name)->geometry();
+            const QRect pane = m_fixture->control<QWidget>(name)->geometry();
             QVERIFY2(inner.contains(pane) && pane.height() > 20 && pane.width() > 100, name);
         }
     }
 
     void theStyleIsRefusedForOldControls()
     {
-        m_f->start();
-        m_f->toolbar()->setCommonControlsVersion({4, 70});
-        m_f->window->setStyle(QStringLiteral("mnuStandard")); // the settings of a first start say Office XP
-        QVERIFY(m_f->settings.officeStyle && m_f->browserToolbar()->drawStyle() != DrawStyle::Standard);
-        QCOMPARE(m_f->messages.shown.size(), std::size_t(1));
-        m_f->toolbar()->setCommonControlsVersion({4, 71});
-        m_f->window->setStyle(QStringLiteral("mnuStandard"));
-        QVERIFY(!m_f->settings.officeStyle && m_f->browserToolbar()->drawStyle() == DrawStyle::Standard);
-        QCOMPARE(m_f->messages.shown.size(), std::size_t(1));
+        m_fixture->start();
+        m_fixture->toolbar()->setCommonControlsVersion({4, 70});
+        m_fixture->choose(QStringLiteral("Standard")); // the settings of a first start say Office XP
+        QVERIFY(m_fixture->settings().officeStyle && m_fixture->browserToolbar()->drawStyle() != DrawStyle::Standard);
+        QCOMPARE(m_fixture->messages.shown.size(), std::size_t(1));
+        m_fixture->toolbar()->setCommonControlsVersion({4, 71});
+        m_fixture->choose(QStringLiteral("Standard"));
+        QVERIFY(!m_fixture->settings().officeStyle && m_fixture->browserToolbar()->drawStyle() == DrawStyle::Standard);
+        QCOMPARE(m_fixture->messages.shown.size(), std::size_t(1));
     }
 
     void minimisingHidesOnlyWhereAnIconLeadsBack()
     {
-        m_f->trayAvailable = false;
-        m_f->start();
-        m_f->window->showMinimized();
+        m_fixture->trayAvailable = false;
+        m_fixture->start();
+        m_fixture->window->showMinimized();
         QTest::qWait(20);
-        QVERIFY(!m_f->window->isHidden());
-        m_f->window->showNormal();
-        m_f->trayAvailable = true;
-        m_f->window->showMinimized();
-        QTRY_VERIFY(m_f->window->isHidden());
+        QVERIFY(!m_fixture->window->isHidden());
+        m_fixture->window->showNormal();
+        m_fixture->trayAvailable = true;
+        m_fixture->window->showMinimized();
+        QTRY_VERIFY(m_fixture->window->isHidden());
 
         constexpr int leftDoubleClick = 515;
-        m_f->tray->raise(leftDoubleClick);
-        QVERIFY(m_f->window->isVisible());
-        QVERIFY(!m_f->window->isMinimized());
-        m_f->window->hide(); // hidden, but not iconic: a double click doesn't show it
-        m_f->tray->raise(leftDoubleClick);
-        QVERIFY(m_f->window->isHidden());
+        m_fixture->tray->raise(leftDoubleClick);
+        QVERIFY(m_fixture->window->isVisible());
+        QVERIFY(!m_fixture->window->isMinimized());
+        m_fixture->window->hide(); // hidden, but not iconic: a double click doesn't show it
+        m_fixture->tray->raise(leftDoubleClick);
+        QVERIFY(m_fixture->window->isHidden());
     }
 
     void theAddressBoxTakesAnAddressFromTheClipboardOnce()
     {
-        m_f->start();
-        auto *txtURL = m_f->control<AddressBox>("txtURL");
+        m_fixture->start();
+        auto *txtURL = m_fixture->control<AddressBox>("txtURL");
         const auto focusWith = [&](const QString &copied) {
-            m_f->tree()->setFocus();
+            m_fixture->tree()->setFocus();
             QGuiApplication::clipboard()->setText(copied);
             txtURL->setFocus(Qt::TabFocusReason);
         };
-        m_f->window->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(m_f->window.get()));
+        m_fixture->window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_fixture->window.get()));
         focusWith(QStringLiteral("HTTP://example.org/"));
         QCOMPARE(txtURL->text(), QStringLiteral("http://"));
         focusWith(QStringLiteral("http://example.org/a b"));
@@ -399,24 +401,24 @@ private Q_SLOTS:
 
     void theCommandLineIsOpenedAtTheStart()
     {
-        const QString path = m_f->data.file(QStringLiteral("été.rss"));
+        const QString path = m_fixture->data.file(QStringLiteral("été.rss"));
         Files::write(path, FeedTexts::rss(QStringLiteral("Local"), FeedTexts::titles(QStringLiteral("l"), 0, 2)));
-        m_f->start(u'"' + path + u'"');
-        QCOMPARE(m_f->window->addressText(), path);
-        QCOMPARE(m_f->list()->items().rowCount(), 2);
+        m_fixture->start(u'"' + path + u'"');
+        QCOMPARE(m_fixture->window->addressText(), path);
+        QCOMPARE(m_fixture->list()->items().rowCount(), 2);
     }
 
     void theChevronOfABandOpensWhatDoesNotFit()
     {
-        m_f->adjustSettings = [](AppSettings &settings) {
+        m_fixture->adjustSettings = [](AppSettings &settings) {
             settings.rebarLayout.replace(QLatin1String("right=\"202\""), QLatin1String("right=\"60\""));
             settings.rebarLayout.replace(QLatin1String("left=\"206\""), QLatin1String("left=\"64\""));
             settings.rebarLayout.replace(QLatin1String("MinWidth=\"94\""), QLatin1String("MinWidth=\"0\""));
         };
-        m_f->start();
-        QVERIFY(m_f->toolbar()->hasOverflow());
+        m_fixture->start();
+        QVERIFY(m_fixture->toolbar()->hasOverflow());
         for (auto *button :
-             m_f->control<cReBar>("cReBar1")->findChildren<QToolButton *>(QString(), Qt::FindDirectChildrenOnly))
+             m_fixture->control<cReBar>("cReBar1")->findChildren<QToolButton *>(QString(), Qt::FindDirectChildrenOnly))
             if (button->isVisible())
                 button->click();
         auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());

@@ -1,0 +1,237 @@
+#include "app/Program.h"
+#include "app/StartPlace.h"
+#include "platform/DateText.h"
+#include "tests/fixtures/FakeDownloader.h"
+#include "tests/fixtures/FakeMessages.h"
+#include "tests/fixtures/FeedTexts.h"
+#include "tests/fixtures/TemporaryDataDirectory.h"
+#include "window/ProgramWindow.h"
+
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+/// A window without widgets that keeps a log of the verbs. `look` tells what the world is like at that moment.
+class FakeWindow final : public ProgramWindow
+{
+public:
+    explicit FakeWindow(std::function<QString()> look) : m_look(std::move(look)) {}
+
+    void place(const QRect &pixels) override { note(u"place %1x%2"_qs.arg(pixels.width()).arg(pixels.height())); }
+    void build() override { note(u"build"_qs); }
+    void showStartPage() override { note(u"start page"_qs); }
+    void showTrayIcon(bool shown) override { note(shown ? u"icon"_qs : u"no icon"_qs); }
+    void openCommandLine(const QString &text) override
+    {
+        note(u"open "_qs + text);
+        if (onOpen)
+            onOpen();
+    }
+    void present() override { note(u"present"_qs); }
+    void hideToTray() override { note(u"hide"_qs); }
+    void comeForward() override { note(u"forward"_qs); }
+    void takeHandOver(const QString &text) override { note(u"hand-over "_qs + text); }
+    void dismissPopup() override { note(u"no popup"_qs); }
+    QString takeBandLayout() override
+    {
+        note(u"bands"_qs);
+        return u"<Bands taken=\"1\"/>"_qs;
+    }
+    WindowGeometry geometryInTwips() const override { return {150, 300, 12000, 9000, {0, 15, 30, 45, 60, 75, 90}}; }
+
+    QStringList log;
+    std::function<void()> onOpen;
+
+private:
+    void note(const QString &verb) { log.append(verb + m_look()); }
+
+    std::function<QString()> m_look;
+};
+
+} // namespace
+
+/// The start and the road out, without a window.
+class ProgramTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_program.reset();
+        m_folder = std::make_unique<TemporaryDataDirectory>();
+        m_folder->write(u"feeds.xml"_qs,
+                        "<favoris><feed name='F' url='http://127.0.0.1:9/f' key='1' ttl='60' cache='-7'/></favoris>");
+        m_folder->write(u"feeds/1.xml"_qs, FeedTexts::rss(u"F"_qs, {u"a"_qs}));
+        m_messages = std::make_unique<FakeMessages>();
+        m_releases = 0;
+        m_downloaders.clear();
+        make();
+    }
+    void cleanup()
+    {
+        m_program.reset(); // before the window that it knows
+        m_window.reset();
+    }
+
+    void theStartGoesByItsSteps()
+    {
+        QVERIFY(m_program->loadSettings());
+        start(u"feed:x"_qs);
+        QCOMPARE(m_window->log, (QStringList{u"place 816x604"_qs, u"build"_qs, u"start page"_qs, u"icon, feeds"_qs,
+                                             u"open feed:x, feeds"_qs, u"present, feeds, timer"_qs}));
+    }
+
+    void theStartModeIsComparedToTheLetter_data()
+    {
+        QTest::addColumn<QByteArray>("mode");
+        QTest::addColumn<QString>("last");
+        QTest::newRow("to the tray") << QByteArray("Minimisé") << u"hide, feeds, timer"_qs;
+        QTest::newRow("a small letter") << QByteArray("minimisé") << u"present, feeds, timer"_qs;
+        QTest::newRow("full screen") << QByteArray("Plein écran") << u"present, feeds, timer"_qs;
+    }
+
+    void theStartModeIsComparedToTheLetter()
+    {
+        QFETCH(QByteArray, mode);
+        QByteArray params = freshSettings();
+        m_folder->write(u"params.xml"_qs,
+                        params.replace("<params>", QByteArray("<params><start mode='" + mode + "' update='0'/>")));
+        QVERIFY(m_program->loadSettings());
+        start();
+        QTEST(m_window->log.back(), "last");
+    }
+
+    void settingsThatCannotBeUsedEndTheStart()
+    {
+        m_folder->write(u"params.xml"_qs, "<Quillwire/>");
+        QVERIFY(!m_program->loadSettings());
+        QCOMPARE(m_releases, 1);
+        QCOMPARE(m_messages->shown.size(), std::size_t(1));
+        QVERIFY(m_messages->shown[0].text.endsWith(u"Le programme va maintenant se terminer"_qs));
+        QCOMPARE(m_folder->read(u"params.xml"_qs), QByteArray("<Quillwire/>"));
+    }
+
+    void theRoadOutGoesByItsStepsAndOnce()
+    {
+        QVERIFY(m_program->loadSettings());
+        start();
+        const LongLived objects = m_program->longLived();
+        QCOMPARE(objects.current.document->Load(m_folder->cacheFile(u"1"_qs)), LoadOk);
+        objects.current.document->SetItemRead(0, true);
+        objects.catalogue.tables.updatettl.Replace(u"1"_qs, u"17"_qs);
+        m_window->log.clear();
+        m_program->end();
+        QCOMPARE(m_window->log,
+                 (QStringList{u"no popup, feeds"_qs, u"bands, feeds, marks"_qs, u"no icon, feeds, marks"_qs}));
+        QCOMPARE(m_releases, 1);
+        QVERIFY(m_folder->read(u"feeds.xml"_qs).contains("ttl=\"17\""));
+        const QByteArray params = m_folder->read(u"params.xml"_qs);
+        QVERIFY(params.contains("<Bands taken=\"1\"/>") && params.contains("width=\"800\" height=\"600\""));
+        m_program->end();
+        QCOMPARE(m_releases, 1);
+        for (const FakeDownloader *downloader : m_downloaders)
+            QVERIFY(downloader->signalsBlocked());
+    }
+
+    void anEndInTheMiddleOfTheStartShowsNoWindow()
+    {
+        QVERIFY(m_program->loadSettings());
+        m_onOpen = [this] { m_program->end(); };
+        start(u"x"_qs);
+        QCOMPARE(m_window->log.back(), u"no icon, feeds"_qs);
+        QVERIFY(m_program->isEnded());
+    }
+
+    void anAbandonedProgramSavesNothing()
+    {
+        QVERIFY(m_program->loadSettings());
+        start();
+        m_program->abandon();
+        m_folder->write(u"params.xml"_qs, "untouched");
+        m_program->end();
+        QCOMPARE(m_folder->read(u"params.xml"_qs), QByteArray("untouched"));
+        QCOMPARE(m_releases, 0);
+    }
+
+    void aMissingCatalogueIsARunTimeError()
+    {
+        QFile::remove(m_folder->file(u"feeds.xml"_qs));
+        QVERIFY(m_program->loadSettings());
+        QVERIFY_EXCEPTION_THROWN(start(), RunTimeError);
+    }
+
+    void aWindowThatNoScreenShowsComesUpOnTheFirst_data()
+    {
+        QTest::addColumn<QRect>("stored");
+        QTest::addColumn<QRect>("shown");
+        QTest::newRow("inside") << QRect(10, 20, 800, 600) << QRect(10, 20, 800, 600);
+        QTest::newRow("on the second screen") << QRect(-900, 0, 800, 600) << QRect(-900, 0, 800, 600);
+        QTest::newRow("partly outside") << QRect(1200, 700, 800, 600) << QRect(1200, 700, 800, 600);
+        QTest::newRow("outside") << QRect(3000, 0, 800, 600) << QRect(0, 30, 800, 600);
+    }
+
+    void aWindowThatNoScreenShowsComesUpOnTheFirst()
+    {
+        QFETCH(QRect, stored);
+        AppSettings settings;
+        settings.windowX = static_cast<qint16>(stored.x());
+        settings.windowY = static_cast<qint16>(stored.y());
+        settings.windowWidth = static_cast<qint16>(stored.width());
+        settings.windowHeight = static_cast<qint16>(stored.height());
+        QTEST(startPlace(settings, {QRect(0, 30, 1280, 770), QRect(-1280, 0, 1280, 800)}), "shown");
+        QCOMPARE(startPlace(settings, {}), stored);
+    }
+
+private:
+    static QByteArray freshSettings() { return Files::read(QStringLiteral(":/data/params.xml")).bytes; }
+
+    void make()
+    {
+        m_program = std::make_unique<Program>(Program::Surroundings{
+            m_folder->directory(), freshSettings(), ScreenScale(), *m_messages,
+            [] { return QDateTime(QDate(2004, 7, 1), QTime(12, 0)); }, [](int) {}, [] { return true; },
+            [this] {
+                auto downloader = std::make_unique<FakeDownloader>();
+                m_downloaders.push_back(downloader.get());
+                return downloader;
+            },
+            m_runtime.path(), [this] { ++m_releases; }});
+    }
+
+    void start(const QString &commandLine = {})
+    {
+        m_window = std::make_unique<FakeWindow>([this] { return look(); });
+        m_window->onOpen = m_onOpen;
+        m_onOpen = {};
+        m_program->start(*m_window, {}, commandLine);
+    }
+
+    QString look() const
+    {
+        QString seen;
+        const LongLived objects = m_program->longLived();
+        if (objects.tree.find(u"1"_qs))
+            seen += u", feeds"_qs;
+        for (const QTimer *timer : objects.scheduler.findChildren<QTimer *>())
+            if (timer->isActive())
+                seen += u", timer"_qs;
+        CachedFeed stored;
+        if (stored.Load(m_folder->cacheFile(u"1"_qs)) == LoadOk && stored.IsItemRead(0))
+            seen += u", marks"_qs;
+        return seen;
+    }
+
+    std::unique_ptr<TemporaryDataDirectory> m_folder;
+    QTemporaryDir m_runtime;
+    std::unique_ptr<FakeMessages> m_messages;
+    int m_releases = 0;
+    std::vector<FakeDownloader *> m_downloaders;
+    std::function<void()> m_onOpen;
+    std::unique_ptr<FakeWindow> m_window;
+    std::unique_ptr<Program> m_program;
+};
+
+QTEST_GUILESS_MAIN(ProgramTest)
+#include "tst_Program.moc"
