@@ -71,17 +71,11 @@ Desktop DesktopSurroundings::desktop(const DataDirectory &directory, Messages &m
     return desktop;
 }
 
-Dialogs::Outside DesktopSurroundings::dialogs(const DataDirectory &directory, Messages &messages, Wait wait)
+Dialogs::Outside DesktopSurroundings::dialogs(const DataDirectory &directory, Wait wait)
 {
     const auto makeHelp = [candidates = helpFiles(directory), browser = SystemBrowser(directory.path())] {
         return std::make_unique<HelpViewer>(candidates, HelpViewer::defaultCacheFolder(),
                                             [browser](const QString &url) { browser.openInSystemBrowser(url); });
     };
-    return {messages,
-            std::move(wait),
-            [] { return std::make_unique<Downloader>(); },
-            runAtStartup(),
-            makeHelp,
-            directory.file(QStringLiteral("search-endpoints.ini")),
-            directory.file(QStringLiteral("Quillwire.chm"))};
+    return {[] { return std::make_unique<Downloader>(); }, makeHelp, runAtStartup(), std::move(wait)};
 }

@@ -16,6 +16,6 @@ QList<QRect> screens();
 Desktop desktop(const DataDirectory &directory, Messages &messages);
 
 /// `wait` lets the program's events run; it outlives the dialogs.
-Dialogs::Outside dialogs(const DataDirectory &directory, Messages &messages, Wait wait);
+Dialogs::Outside dialogs(const DataDirectory &directory, Wait wait);
 
 } // namespace DesktopSurroundings

@@ -81,7 +81,7 @@ int runFirstInstance(ErrorTrap &application, InstanceLock &lock)
         if (!program.loadSettings())
             return 1;
         frmPrinc form(program.longLived(), DesktopSurroundings::desktop(directory, messages),
-                      DesktopSurroundings::dialogs(directory, messages, wait));
+                      DesktopSurroundings::dialogs(directory, wait));
         messages.setParentWindow(&form);
         return run(application, program, form);
     } catch (const RunTimeError &error) {

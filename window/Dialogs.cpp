@@ -1,5 +1,7 @@
 #include "window/Dialogs.h"
 
+#include "core/FeedCatalogue.h"
+#include "core/FeedTreeState.h"
 #include "dialogs/CHelp.h"
 #include "dialogs/frmAbout.h"
 #include "dialogs/frmAuthentification.h"
@@ -13,54 +15,76 @@
 #include "exchange/SearchEndpoints.h"
 #include "platform/net/Downloader.h"
 #include "platform/net/SmtpMail.h"
+#include "window/FeedOpening.h"
+#include "window/LongLived.h"
+#include "window/ReadingSide.h"
 
-Dialogs::Dialogs(Needs needs) : m_needs(std::move(needs)) {}
+Dialogs::Dialogs(Parts parts, Outside outside) : m_parts(std::move(parts)), m_outside(std::move(outside)) {}
+
+QString Dialogs::file(const QString &name) const
+{
+    return m_parts.longLived.directory.file(name);
+}
+
+/// Sets the credentials of the next download from the address box.
+std::function<void(const QString &, const QString &)> Dialogs::credentialsSetter()
+{
+    return [&current = m_parts.longLived.current](const QString &username, const QString &password) {
+        current.strUsername = username;
+        current.strPassword = password;
+    };
+}
+
+/// Opens through the network what the address box holds.
+std::function<void()> Dialogs::loader()
+{
+    return [&opening = m_parts.opening] { opening.LoadFile(); };
+}
 
 void Dialogs::showOptions()
 {
-    frmOptions(m_needs.frame, m_needs.settings, m_needs.runAtStartup).exec();
+    frmOptions(&m_parts.form, m_parts.longLived.settings, m_outside.runAtStartup).exec();
 }
 
 void Dialogs::showSearchDialog(int tab)
 {
-    const frmRechercher::Port port{
-        m_needs.navigate, m_needs.setAddressText,
-        [this](const QString &username, const QString &password) { setCredentials(username, password); },
-        m_needs.LoadFile};
-    const QString file = m_needs.directory.file(QStringLiteral("search-endpoints.ini"));
-    frmRechercher(m_needs.frame, port, SearchEndpoints::configured(file), tab).exec();
+    const frmRechercher::Port port{[this](const QString &url) { m_parts.reading.navigate(url); },
+                                   [this](const QString &text) { m_parts.opening.setAddressText(text); },
+                                   credentialsSetter(), loader()};
+    frmRechercher(&m_parts.form, port, SearchEndpoints::configured(file(QStringLiteral("search-endpoints.ini"))), tab)
+        .exec();
 }
 
 void Dialogs::showImport()
 {
-    OpmlDownload download(m_needs.makeDownloader(), m_needs.directory.file(QStringLiteral("tmp.opml")));
-    ImportRun run(m_needs.makeDownloader(), m_needs.directory.file(QStringLiteral("tmp.xml")), m_needs.wait,
-                  m_needs.AddFeed);
-    frmImport(m_needs.frame, m_needs.messages, download, run).exec();
+    OpmlDownload download(m_outside.makeDownloader(), file(QStringLiteral("tmp.opml")));
+    ImportRun run(m_outside.makeDownloader(), file(QStringLiteral("tmp.xml")), m_outside.wait, m_parts.AddFeed);
+    frmImport(&m_parts.form, m_parts.messages, download, run).exec();
 }
 
 void Dialogs::showExport()
 {
-    frmExport(m_needs.frame, m_needs.directory.file(QStringLiteral("feeds.xml"))).exec();
+    frmExport(&m_parts.form, file(QStringLiteral("feeds.xml"))).exec();
 }
 
 void Dialogs::showHelp()
 {
     if (!m_help)
-        m_help = m_needs.makeHelp();
-    CHelp(*m_help).Show(m_needs.directory.file(QStringLiteral("Quillwire.chm")), QStringLiteral("W1"));
+        m_help = m_outside.makeHelp();
+    CHelp(*m_help).Show(file(QStringLiteral("Quillwire.chm")), QStringLiteral("W1"));
 }
 
 void Dialogs::showAbout()
 {
-    frmAbout(m_needs.frame, m_needs.openInSystemBrowser).exec();
+    frmAbout(&m_parts.form, m_parts.openInSystemBrowser).exec();
 }
 
 void Dialogs::showFeedProperties()
 {
-    const CurrentFeed &current = m_needs.current;
-    frmProprietes form(m_needs.frame, {current.document, current.addressFeedShown, m_needs.addressText(),
-                                       m_needs.selectedNode, m_needs.tables, m_needs.cipher});
+    const CurrentFeed &current = m_parts.longLived.current;
+    frmProprietes form(&m_parts.form, {current.document, current.addressFeedShown, m_parts.opening.addressText(),
+                                       [&state = m_parts.longLived.treeState] { return state.selected(); },
+                                       m_parts.longLived.catalogue.tables, m_parts.longLived.cipher});
     if (form.fillFrom())
         form.exec();
 }
@@ -70,19 +94,10 @@ void Dialogs::showMailDialog(const QString &text)
     const auto makeMail = [](std::function<void()> keepAlive) {
         return std::make_unique<SmtpMail>(std::move(keepAlive));
     };
-    frmSendMail(m_needs.frame, m_needs.settings, m_needs.messages, text, m_needs.wait, makeMail).exec();
+    frmSendMail(&m_parts.form, m_parts.longLived.settings, m_parts.messages, text, m_outside.wait, makeMail).exec();
 }
 
 void Dialogs::showAuthentication()
 {
-    const auto credentials = [this](const QString &username, const QString &password) {
-        setCredentials(username, password);
-    };
-    frmAuthentification(m_needs.frame, {credentials, m_needs.LoadFile}).exec();
-}
-
-void Dialogs::setCredentials(const QString &username, const QString &password)
-{
-    m_needs.current.strUsername = username;
-    m_needs.current.strPassword = password;
+    frmAuthentification(&m_parts.form, {credentialsSetter(), loader()}).exec();
 }

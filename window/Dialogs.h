@@ -1,7 +1,5 @@
 #pragma once
 
-#include "core/DataDirectory.h"
-#include "core/FeedTree.h"
 #include "dialogs/HelpSystem.h"
 #include "dialogs/frmOptions.h"
 #include "exchange/ImportRun.h"
@@ -13,44 +11,38 @@
 #include <memory>
 
 class Downloader;
+class FeedOpening;
 class Messages;
 class QWidget;
-class clsDES;
-struct AppSettings;
-struct CurrentFeed;
-struct FeedTables;
+class ReadingSide;
+struct LongLived;
 
 /// Opens the dialogs of the program, each made for one modal showing over the main window.
 class Dialogs
 {
 public:
-    /// What the dialogs work with. Nothing is owned, all functions must be set.
-    struct Needs
+    /// What the dialogs need of the world outside. All functions must be set.
+    struct Outside
     {
-        QWidget *frame; ///< the window that they lie over
-        Messages &messages;
-        DataDirectory directory;
-        AppSettings &settings;
-        CurrentFeed &current;
-        FeedTables &tables;
-        clsDES &cipher;
-        std::function<FeedNodePtr()> selectedNode; ///< of the feed tree; null when nothing is selected
-
-        // The address box, and where addresses go.
-        std::function<QString()> addressText;
-        std::function<void(const QString &text)> setAddressText;
-        std::function<void()> LoadFile; ///< opens through the network what the address box holds
-        std::function<void(const QString &url)> navigate;
-        std::function<void(const QString &url)> openInSystemBrowser;
-
-        ImportRun::AddFeed AddFeed;
         std::function<std::unique_ptr<Downloader>()> makeDownloader;
         std::function<std::unique_ptr<HelpSystem>()> makeHelp; ///< called for the first request
         frmOptions::RunAtStartup runAtStartup;
         Wait wait;
     };
 
-    explicit Dialogs(Needs needs);
+    /// What the dialogs need of the main window. Nothing is owned.
+    struct Parts
+    {
+        QWidget &form; ///< they lie over it
+        const LongLived &longLived;
+        Messages &messages;
+        FeedOpening &opening;
+        ReadingSide &reading;
+        std::function<void(const QString &url)> openInSystemBrowser;
+        ImportRun::AddFeed AddFeed;
+    };
+
+    Dialogs(Parts parts, Outside outside);
 
     void showOptions();
     void showSearchDialog(int tab);
@@ -66,8 +58,11 @@ public:
     void showAuthentication();
 
 private:
-    void setCredentials(const QString &username, const QString &password);
+    QString file(const QString &name) const;
+    std::function<void(const QString &username, const QString &password)> credentialsSetter();
+    std::function<void()> loader();
 
-    Needs m_needs;
+    Parts m_parts;
+    Outside m_outside;
     std::unique_ptr<HelpSystem> m_help;
 };

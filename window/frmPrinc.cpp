@@ -1,13 +1,12 @@
 #include "window/frmPrinc.h"
 
-#include "core/FeedCatalogue.h"
 #include "engine/AddFeed.h"
 #include "engine/CurrentFeed.h"
 
 #include <QCloseEvent>
 
 frmPrinc::frmPrinc(const LongLived &longLived, Desktop desktop, Dialogs::Outside outside)
-    : m_longLived(longLived), m_desktop(std::move(desktop)), m_dialogs(*this, std::move(outside)),
+    : m_longLived(longLived), m_desktop(std::move(desktop)), m_dialogs(dialogParts(), std::move(outside)),
       m_frame({*this, m_longLived.directory, m_longLived.settings, m_desktop.scale, m_longLived.tree,
                m_longLived.treeState, m_desktop.messages}),
       m_reading({m_longLived, m_frame, [this](const QString &text) { m_dialogs.showMailDialog(text); },
@@ -21,6 +20,17 @@ frmPrinc::frmPrinc(const LongLived &longLived, Desktop desktop, Dialogs::Outside
 }
 
 frmPrinc::~frmPrinc() = default;
+
+Dialogs::Parts frmPrinc::dialogParts()
+{
+    return {*this,
+            m_longLived,
+            m_desktop.messages,
+            m_opening,
+            m_reading,
+            [this](const QString &url) { openInSystemBrowser(url); },
+            [this](const std::shared_ptr<CachedFeed> &document, const QString &url) { AddFeed(document, url); }};
+}
 
 FeedOpening::Parts frmPrinc::openingParts()
 {
@@ -74,7 +84,7 @@ void frmPrinc::build()
 
 void frmPrinc::showStartPage()
 {
-    navigate(homePage());
+    m_reading.navigate(homePage());
 }
 
 void frmPrinc::showTrayIcon(bool shown)
@@ -179,34 +189,15 @@ void frmPrinc::takeHandOver(const QString &text)
 
 // --- What dialogs and commands ask for
 
+/// An empty address stands for the text of the address box.
 void frmPrinc::AddFeed(const std::shared_ptr<CachedFeed> &document, const QString &strURL)
 {
-    ::AddFeed(document, strURL.isEmpty() ? addressText() : strURL, m_longLived.current, m_longLived.catalogue);
+    ::AddFeed(document, strURL.isEmpty() ? m_opening.addressText() : strURL, m_longLived.current,
+              m_longLived.catalogue);
 }
 
 void frmPrinc::openInSystemBrowser(const QString &url)
 {
     if (!m_desktop.openInSystemBrowser(url))
         m_frame.setStatusText(QStringLiteral("Impossible d'ouvrir : ") + url);
-}
-
-void frmPrinc::setCredentials(const QString &username, const QString &password)
-{
-    m_longLived.current.strUsername = username;
-    m_longLived.current.strPassword = password;
-}
-
-std::shared_ptr<CachedFeed> frmPrinc::currentFeed() const
-{
-    return m_longLived.current.document;
-}
-
-bool frmPrinc::addressFeedShown() const
-{
-    return m_longLived.current.addressFeedShown;
-}
-
-FeedTables &frmPrinc::feedTables()
-{
-    return m_longLived.catalogue.tables;
 }

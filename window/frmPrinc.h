@@ -1,6 +1,5 @@
 #pragma once
 
-#include "core/MainWindow.h"
 #include "window/Desktop.h"
 #include "window/Dialogs.h"
 #include "window/FeedOpening.h"
@@ -19,7 +18,7 @@
 
 /// The main window: it lives from start to end, owns frame, menus and what is done with them, and hands each of them
 /// what it needs. What lives longer is handed to it.
-class frmPrinc final : public QWidget, public ProgramWindow, public MainWindow
+class frmPrinc final : public QWidget, public ProgramWindow
 {
     Q_OBJECT
 
@@ -45,24 +44,6 @@ public:
     /// Asks for the end of the program from the event loop, as the close box does.
     void postClose();
 
-    // MainWindow
-    void AddFeed(const std::shared_ptr<CachedFeed> &document, const QString &strURL) override;
-    void LoadFile() override { m_opening.LoadFile(); }
-    void navigate(const QString &url) override { m_reading.navigate(url); }
-    void openInSystemBrowser(const QString &url) override;
-    QString addressText() const override { return m_opening.addressText(); }
-    void setAddressText(const QString &text) override { m_opening.setAddressText(text); }
-    void setCredentials(const QString &username, const QString &password) override;
-    std::shared_ptr<CachedFeed> currentFeed() const override;
-    bool addressFeedShown() const override;
-    FeedTables &feedTables() override;
-    FeedTree &feedTree() override { return m_longLived.tree; }
-    FeedTreeState &treeState() override { return m_longLived.treeState; }
-    clsDES &cipher() override { return m_longLived.cipher; }
-    AppSettings &settings() override { return m_longLived.settings; }
-    QString dataFile(const QString &name) const override { return m_longLived.directory.file(name); }
-    QWidget *frame() override { return this; }
-
 Q_SIGNALS:
     /// The program is to end: the window was closed, or the end was asked for.
     void closeAsked();
@@ -73,9 +54,12 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
+    Dialogs::Parts dialogParts();
     TreeCommands::Parts treeCommandParts();
     QString homePage() const;
     FeedOpening::Parts openingParts();
+    void AddFeed(const std::shared_ptr<CachedFeed> &document, const QString &strURL);
+    void openInSystemBrowser(const QString &url);
     void openIcon();
     void handleTrayDoubleClick();
 

@@ -80,8 +80,7 @@ public:
 
     Dialogs::Outside dialogs()
     {
-        return {messages, {}, [this] { return makeDownloader(); }, {}, [] { return std::unique_ptr<HelpSystem>(); },
-                {},       {}};
+        return {[this] { return makeDownloader(); }, [] { return std::unique_ptr<HelpSystem>(); }, {}, {}};
     }
 
     /// What the program holds for the window, to be looked at and changed.

@@ -404,7 +404,7 @@ private Q_SLOTS:
         const QString path = m_fixture->data.file(QStringLiteral("été.rss"));
         Files::write(path, FeedTexts::rss(QStringLiteral("Local"), FeedTexts::titles(QStringLiteral("l"), 0, 2)));
         m_fixture->start(u'"' + path + u'"');
-        QCOMPARE(m_fixture->window->addressText(), path);
+        QCOMPARE(m_fixture->control<AddressBox>("txtURL")->text(), path);
         QCOMPARE(m_fixture->list()->items().rowCount(), 2);
     }
 
