@@ -6,6 +6,7 @@
 #include "dialogs/FileDialogs.h"
 #include "dialogs/HelpViewer.h"
 #include "platform/AutostartRegistryStore.h"
+#include "platform/Build.h"
 #include "platform/FileRegistryStore.h"
 #include "platform/net/Downloader.h"
 #include "window/DesktopTrayShell.h"
@@ -25,7 +26,7 @@ QStringList helpFiles(const DataDirectory &directory)
     const QDir program(QCoreApplication::applicationDirPath());
     const QString name = QStringLiteral("Quillwire.qch");
     return {directory.file(name), program.filePath(name),
-            QDir::cleanPath(program.filePath(QStringLiteral("../share/quillwire/") + name))};
+            QDir::cleanPath(program.filePath(Build::dataFolder % u'/' % name))};
 }
 
 /// The operations behind the option to start with the desktop.

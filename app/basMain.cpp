@@ -2,6 +2,7 @@
 #include "app/Program.h"
 #include "app/SignalWatch.h"
 #include "controls/MessageBoxes.h"
+#include "platform/Build.h"
 #include "platform/Files.h"
 #include "platform/net/Downloader.h"
 #include "platform/net/HandOver.h"
@@ -26,7 +27,7 @@ QString commandLine()
 void nameApplication()
 {
     QCoreApplication::setApplicationName(QStringLiteral("quillwire"));
-    QCoreApplication::setApplicationVersion(QStringLiteral("3.1.0"));
+    QCoreApplication::setApplicationVersion(Build::version.toString());
     QGuiApplication::setDesktopFileName(QStringLiteral("quillwire"));
     QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/quillwire.svg")));
     QGuiApplication::setQuitOnLastWindowClosed(false);

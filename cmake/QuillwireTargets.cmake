@@ -2,7 +2,10 @@
 
 add_library(quillwire_options INTERFACE)
 target_compile_options(quillwire_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor
-                       -Woverloaded-virtual -Werror)
+                       -Woverloaded-virtual)
+if(QUILLWIRE_WERROR)
+  target_compile_options(quillwire_options INTERFACE -Werror)
+endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # Of no use at -O2: this compiler takes the inlined string concatenation of Qt for a write past the end.
   target_compile_options(quillwire_options INTERFACE -Wno-stringop-overflow -Wno-restrict)

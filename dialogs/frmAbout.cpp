@@ -3,6 +3,7 @@
 #include "dialogs/DialogParts.h"
 #include "dialogs/LinkButton.h"
 #include "dialogs/MakerSite.h"
+#include "platform/Build.h"
 
 #include <QBoxLayout>
 #include <QIcon>
@@ -74,7 +75,7 @@ frmAbout::frmAbout(QWidget *owner, const OpenInSystemBrowser &openInSystemBrowse
     auto *names = new QVBoxLayout;
     auto *product = new QHBoxLayout;
     product->addWidget(text(QStringLiteral("lblInfo_0"), QStringLiteral("Quillwire"), 2.0, true));
-    product->addWidget(text(QStringLiteral("lblInfo_1"), QStringLiteral("v3.1"), 1.2, false), 0, Qt::AlignBottom);
+    product->addWidget(text(QStringLiteral("lblInfo_1"), u'v' + Build::shortVersion, 1.2, false), 0, Qt::AlignBottom);
     product->addStretch();
     names->addLayout(product);
     names->addWidget(text(QStringLiteral("lblTitle"), QStringLiteral("Tovik"), 1.2, false));
@@ -82,7 +83,7 @@ frmAbout::frmAbout(QWidget *owner, const OpenInSystemBrowser &openInSystemBrowse
     column->addLayout(banner);
 
     column->addWidget(new DotRow(QStringLiteral("lblDescription")));
-    column->addWidget(text(QStringLiteral("lblVersion"), QStringLiteral("Version: 3.1.0"), 1.0, false));
+    column->addWidget(text(QStringLiteral("lblVersion"), QStringLiteral("Version: ") + Build::version, 1.0, false));
 
     const auto addLink = [&](const QString &name, const QString &caption, const QString &url) {
         auto *link = DialogParts::named(new LinkButton(caption), name);

@@ -1,5 +1,7 @@
 #include "reading/WebModule.h"
 
+#include "platform/Build.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QLibrary>
@@ -30,7 +32,7 @@ WebPaneMaker WebModule::load(QString &error)
 {
     const QDir program(QCoreApplication::applicationDirPath());
     const QString named = qEnvironmentVariable("QUILLWIRE_MODULES");
-    QStringList folders = {program.path(), QDir::cleanPath(program.filePath(QStringLiteral("../lib/quillwire")))};
+    QStringList folders = {program.path(), QDir::cleanPath(program.filePath(Build::moduleFolder.toString()))};
     if (!named.isEmpty())
         folders.prepend(named);
     for (const QString &folder : std::as_const(folders)) {

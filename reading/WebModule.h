@@ -7,7 +7,7 @@
 /// Finds and loads the module of the browser engine.
 namespace WebModule {
 
-/// Looks in the folder that QUILLWIRE_MODULES names, beside the program, and in "../lib/quillwire" of an installation;
+/// Looks in the folder that QUILLWIRE_MODULES names, beside the program, and in the library folder of an installation;
 /// the module stays loaded to the end. Null when none loads; `error` then says why.
 WebPaneMaker load(QString &error);
 

@@ -1,5 +1,6 @@
 #include "window/TrayIcon.h"
 
+#include "platform/Build.h"
 #include "window/frmSysTray.h"
 
 TrayIcon::TrayIcon(const std::function<std::unique_ptr<TrayShell>()> &makeShell, const QIcon &icon, QObject *parent)
@@ -8,7 +9,7 @@ TrayIcon::TrayIcon(const std::function<std::unique_ptr<TrayShell>()> &makeShell,
     m_frmSysTray->AddMenuItem(QStringLiteral("&Ouvrir"), QStringLiteral("ouvrir"), true);
     m_frmSysTray->AddMenuItem(QStringLiteral("-"), QString(), false);
     m_frmSysTray->AddMenuItem(QStringLiteral("&Quitter"), QStringLiteral("quitter"), false);
-    m_frmSysTray->setToolTip(QStringLiteral("Quillwire 3.1"));
+    m_frmSysTray->setToolTip(QStringLiteral("Quillwire ") + Build::shortVersion);
     m_frmSysTray->setIconHandle(m_frmSysTray->handleOf(icon));
     connect(m_frmSysTray.get(), &frmSysTray::SysTrayDoubleClick, this, &TrayIcon::doubleClicked);
     connect(m_frmSysTray.get(), &frmSysTray::SysTrayMouseDown, this, [this](int button) {

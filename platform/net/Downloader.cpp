@@ -1,5 +1,6 @@
 #include "platform/net/Downloader.h"
 
+#include "platform/Build.h"
 #include <QNetworkReply>
 #include <QNetworkRequest>
 #include <QPointer>
@@ -116,7 +117,7 @@ void Downloader::request(const QUrl &url)
 
     // Credentials in the address would be sent by the library on its own, to whatever host asks for them.
     QNetworkRequest request(url.adjusted(QUrl::RemoveUserInfo | QUrl::RemoveFragment));
-    request.setHeader(QNetworkRequest::UserAgentHeader, u"Quillwire/3.1"_qs);
+    request.setHeader(QNetworkRequest::UserAgentHeader, QString(u"Quillwire/" + Build::shortVersion));
     request.setRawHeader("Accept", "*/*");
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
     request.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);

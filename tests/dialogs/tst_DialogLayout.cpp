@@ -131,7 +131,8 @@ void DialogLayoutTest::noTextIsCut_data()
     QTest::addColumn<double>("scale");
     for (const char *const name : dialogNames)
         for (const double scale : {1.0, 1.5, 2.0})
-            QTest::addRow("%s at %.0f %%", name, scale * 100) << QString::fromLatin1(name) << scale;
+            QTest::newRow(QByteArray(name).append(" at ").append(QByteArray::number(scale)).constData())
+                << QString::fromLatin1(name) << scale;
 }
 
 void DialogLayoutTest::noTextIsCut()
