@@ -1,8 +1,49 @@
 #include "engine/feed/ElementText.h"
-#include "engine/feed/FeedFormat.h"
-#include "engine/feed/ItemWriter.h"
+#include "engine/feed/FormatReader.h"
 
 namespace {
+
+constexpr const char *atom03Namespace = "http://purl.org/atom/ns#";
+
+bool isOwn(std::string_view name)
+{
+    return name == atom03Namespace;
+}
+
+bool isSomeAtom(std::string_view name)
+{
+    return name.starts_with("http://purl.org/atom/") || name == "http://www.w3.org/2005/Atom" ||
+           name == "http://example.com/newformat#" || name == "uri/of/echo/namespace#";
+}
+
+FeedLoadResult recognise(const xmlNode *root)
+{
+    if (viewOf(root->name) != "feed")
+        return LoadUnknownFormat;
+    const QString version = attributeOf(root, "version");
+    const std::string_view name = nameOf(root->ns);
+    if (isOwn(name) && version == QLatin1String("0.3"))
+        return LoadOk;
+    const bool isDraft = name.empty() && !version.isEmpty(); // the first drafts had no namespace, but a version
+    return isSomeAtom(name) || isDraft ? LoadBadVersionOther : LoadUnknownFormat;
+}
+
+/// The text, decoded as the element says.
+QString content(const FoundElement &found)
+{
+    return atomTextOf(found.element);
+}
+
+QString language(const FoundElement &found)
+{
+    return attributeOf(found.element, "lang", "http://www.w3.org/XML/1998/namespace");
+}
+
+/// The name of the first author.
+QString authorName(const FoundElement &author)
+{
+    return textOf(author.vocabulary.ownChild(author.element, "name"));
+}
 
 /// A media type without its parameters, in lower case.
 QString mediaType(const xmlNode *link)
@@ -10,154 +51,110 @@ QString mediaType(const xmlNode *link)
     return trimmedText(attributeOf(link, "type").section(u';', 0, 0)).toLower();
 }
 
-/// Atom 0.3. Its texts say how they are encoded, and everything with an address is a link that says what it is for.
-class Atom03Format final : public FeedFormat
+/// The first link to the page itself that is HTML, or else the first of any type.
+QString pageLink(const FoundElement &links)
 {
-public:
-    FeedVersion version() const override { return Atom03; }
-    Family family() const override { return Family::Atom; }
-    xmlNode *channel(xmlNode *root) const override { return root; }
-    xmlNode *itemParent(xmlNode *root) const override { return root; }
-    const char *itemName() const override { return "entry"; }
-
-    QString channelText(ChannelField field, const ChildElements &channel, const xmlNode *element) const override
-    {
-        switch (field) {
-        case ChannelField::Title:
-            return firstContent(channel, {Element::Title});
-        case ChannelField::Link:
-            return pageLink(channel);
-        case ChannelField::Description:
-            return firstContent(channel, {Element::Tagline});
-        case ChannelField::Language: {
-            const QString language = attributeOf(element, "lang", xmlNamespace);
-            return language.isEmpty() ? firstText(channel, {Element::DcLanguage}) : language;
-        }
-        case ChannelField::Copyright:
-            return firstContent(channel, {Element::Copyright, Element::DcRights});
-        case ChannelField::ManagingEditor:
-            return authorName(channel);
-        case ChannelField::WebMaster:
-        case ChannelField::Ttl:
-            return {};
-        }
-        return {};
+    QString first;
+    for (const xmlNode *link = links.element; link != nullptr; link = links.vocabulary.nextAlike(link)) {
+        const QString relation = attributeOf(link, "rel");
+        const QString address = attributeOf(link, "href");
+        if (address.isEmpty() || (!relation.isEmpty() && relation != QLatin1String("alternate")))
+            continue;
+        if (mediaType(link) == QLatin1String("text/html"))
+            return address;
+        if (first.isEmpty())
+            first = address;
     }
+    return first;
+}
 
-    QString itemText(ItemField field, const ChildElements &item, const ChildElements &channel) const override
-    {
-        switch (field) {
-        case ItemField::Title:
-            return firstContent(item, {Element::Title});
-        case ItemField::Link:
-            return pageLink(item);
-        case ItemField::Description:
-            return firstContent(item, {Element::Content, Element::Summary});
-        case ItemField::Category:
-            return joinedTexts(item, Element::DcSubject);
-        case ItemField::Author: {
-            const QString own = authorName(item);
-            return own.isEmpty() ? authorName(channel) : own;
-        }
-        case ItemField::PubDate:
-            return firstText(item, {Element::Issued, Element::Modified, Element::Created});
-        case ItemField::Comments:
-            return {};
-        }
-        return {};
-    }
+/// That attribute of the first link to an enclosure.
+QString enclosure(const FoundElement &links)
+{
+    for (const xmlNode *link = links.element; link != nullptr; link = links.vocabulary.nextAlike(link))
+        if (attributeOf(link, "rel") == QLatin1String("enclosure") && !attributeOf(link, "href").isEmpty())
+            return attributeOf(link, links.detail);
+    return {};
+}
 
-    std::optional<ItemEnclosure> enclosure(const ChildElements &item) const override
-    {
-        for (const xmlNode *link = item.first(Element::Link); link != nullptr; link = nextOfKind(family(), link)) {
-            if (attributeOf(link, "rel") != QLatin1String("enclosure") || attributeOf(link, "href").isEmpty())
-                continue;
-            return ItemEnclosure{attributeOf(link, "href"), attributeOf(link, "type"),
-                                 lengthOf(attributeOf(link, "length"))};
-        }
-        return std::nullopt;
-    }
+using From::dc;
+using From::own;
 
-    void write(ItemWriter &item, const ItemContent &content) const override
-    {
-        item.addElement("title", content.title);
-        if (!content.link.isEmpty())
-            addLink(item, "alternate", content.link, QStringLiteral("text/html"));
-        if (!content.author.isEmpty())
-            ItemWriter::addInto(item.addElement("author"), "name", content.author);
-        item.add("issued", content.pubDate);
-        item.addDc("subject", content.category);
-        if (xmlNode *text = item.add("content", content.description)) {
-            ItemWriter::setAttribute(text, "type", QStringLiteral("text/html"));
-            ItemWriter::setAttribute(text, "mode", QStringLiteral("escaped"));
-        }
-        if (content.enclosure) {
-            xmlNode *link = addLink(item, "enclosure", content.enclosure->Url, content.enclosure->Extra);
-            ItemWriter::setAttribute(link, "length", QString::number(content.enclosure->Length));
-        }
-    }
-
-    void completeCopy(ItemWriter &copy, const ChildElements &original, const ChildElements &itsChannel) const override
-    {
-        const QString fromFeed = authorName(itsChannel);
-        if (fromFeed.isEmpty() || !authorName(original).isEmpty())
-            return;
-        xmlNode *author = copy.addElement("author");
-        ItemWriter::addInto(author, "name", fromFeed);
-        if (author != copy.item()->children)
-            xmlAddPrevSibling(copy.item()->children, author); // in front of an author without a name
-    }
-
-private:
-    static constexpr const char *xmlNamespace = "http://www.w3.org/XML/1998/namespace";
-
-    static QString firstContent(const ChildElements &children, std::initializer_list<Element> kinds)
-    {
-        for (const Element kind : kinds) {
-            QString text = atomTextOf(children.first(kind));
-            if (!text.isEmpty())
-                return text;
-        }
-        return {};
-    }
-
-    /// The first link to the page itself that is HTML, or else the first of any type.
-    QString pageLink(const ChildElements &children) const
-    {
-        QString first;
-        for (const xmlNode *link = children.first(Element::Link); link != nullptr; link = nextOfKind(family(), link)) {
-            const QString relation = attributeOf(link, "rel");
-            const QString address = attributeOf(link, "href");
-            if (address.isEmpty() || (!relation.isEmpty() && relation != QLatin1String("alternate")))
-                continue;
-            if (mediaType(link) == QLatin1String("text/html"))
-                return address;
-            if (first.isEmpty())
-                first = address;
-        }
-        return first;
-    }
-
-    QString authorName(const ChildElements &children) const
-    {
-        const xmlNode *author = children.first(Element::Author);
-        return author == nullptr ? QString() : textOf(ChildElements(family(), author).first(Element::Name));
-    }
-
-    static xmlNode *addLink(ItemWriter &item, const char *relation, const QString &address, const QString &type)
-    {
-        xmlNode *link = item.addElement("link");
-        ItemWriter::setAttribute(link, "rel", QLatin1String(relation));
-        ItemWriter::setAttribute(link, "type", type);
-        ItemWriter::setAttribute(link, "href", address);
-        return link;
-    }
+constexpr FieldRow<ChannelField> channelFields[] = {
+    {ChannelField::Title, {own("title", content)}},
+    {ChannelField::Link, {own("link", pageLink)}},
+    {ChannelField::Description, {own("tagline", content)}},
+    {ChannelField::Language, {From::itself(language), dc("language")}},
+    {ChannelField::Copyright, {own("copyright", content), dc("rights", content)}},
+    {ChannelField::ManagingEditor, {own("author", authorName)}},
 };
+
+constexpr FieldRow<ItemField> itemFields[] = {
+    {ItemField::Title, {own("title", content)}},
+    {ItemField::Link, {own("link", pageLink)}},
+    {ItemField::Description, {own("content", content), own("summary", content)}},
+    {ItemField::Category, {dc("subject", Readings::joinedTexts)}},
+    {ItemField::Author, {own("author", authorName), From::feed("author", authorName)}},
+    {ItemField::PubDate, {own("issued"), own("modified"), own("created")}},
+    {ItemField::EnclosureUrl, {own("link", enclosure, "href")}},
+    {ItemField::EnclosureType, {own("link", enclosure, "type")}},
+    {ItemField::EnclosureLength, {own("link", enclosure, "length")}},
+};
+
+xmlNode *addLink(ItemWriter &item, const char *relation, const QString &address, const QString &type)
+{
+    xmlNode *link = item.addElement("link");
+    ItemWriter::setAttribute(link, "rel", QLatin1String(relation));
+    ItemWriter::setAttribute(link, "type", type);
+    ItemWriter::setAttribute(link, "href", address);
+    return link;
+}
+
+void write(ItemWriter &item, const ItemContent &content)
+{
+    item.addElement("title", content.title);
+    if (!content.link.isEmpty())
+        addLink(item, "alternate", content.link, QStringLiteral("text/html"));
+    if (!content.author.isEmpty())
+        ItemWriter::addInto(item.addElement("author"), "name", content.author);
+    item.add("issued", content.pubDate);
+    item.addDc("subject", content.category);
+    if (xmlNode *text = item.add("content", content.description)) {
+        ItemWriter::setAttribute(text, "type", QStringLiteral("text/html"));
+        ItemWriter::setAttribute(text, "mode", QStringLiteral("escaped"));
+    }
+    if (content.enclosure) {
+        xmlNode *link = addLink(item, "enclosure", content.enclosure->Url, content.enclosure->Extra);
+        ItemWriter::setAttribute(link, "length", QString::number(content.enclosure->Length));
+    }
+}
+
+/// An entry without author has that of its feed.
+void completeCopy(ItemWriter &copy, const ItemElements &original, const FormatReader &reader)
+{
+    const auto itsAuthor = [&](const ChildElements &children) {
+        return reader.text(ChannelField::ManagingEditor, children);
+    };
+    const QString fromFeed = itsAuthor(original.channel);
+    if (fromFeed.isEmpty() || !itsAuthor(original.item).isEmpty())
+        return;
+    xmlNode *author = copy.addElement("author");
+    ItemWriter::addInto(author, "name", fromFeed);
+    if (author != copy.item()->children)
+        xmlAddPrevSibling(copy.item()->children, author); // in front of an author without a name
+}
 
 } // namespace
 
-const FeedFormat &atom03Format()
-{
-    static const Atom03Format format;
-    return format;
-}
+/// Atom 0.3. Its texts say how they are encoded, and everything with an address is a link that says what it is for.
+extern constexpr FeedFormat atom03Format{
+    .version = Atom03,
+    .isOwn = isOwn,
+    .ownNamespace = atom03Namespace,
+    .itemName = "entry",
+    .recognise = recognise,
+    .channelFields = channelFields,
+    .itemFields = itemFields,
+    .write = write,
+    .completeCopy = completeCopy,
+};

@@ -2,6 +2,7 @@
 
 #include "engine/feed/FeedBounds.h"
 #include "engine/feed/FeedDocument.h"
+#include "engine/feed/FeedFormats.h"
 #include "engine/feed/FeedItem.h"
 #include "engine/feed/ItemMarks.h"
 #include "platform/DateText.h"
@@ -18,22 +19,22 @@ CachedFeed::~CachedFeed() = default;
 
 bool CachedFeed::HasDc() const
 {
-    return m_document && m_document->uses(Namespace::Dc);
+    return m_document && m_document->uses(isDublinCore);
 }
 
 bool CachedFeed::HasWfw() const
 {
-    return m_document && m_document->uses(Namespace::Wfw);
+    return m_document && m_document->uses(isCommentApi);
 }
 
 bool CachedFeed::HasContent() const
 {
-    return m_document && m_document->uses(Namespace::Content);
+    return m_document && m_document->uses(isContentModule);
 }
 
 bool CachedFeed::HasItunes() const
 {
-    return m_document && m_document->uses(Namespace::Itunes);
+    return m_document && m_document->uses(isItunes);
 }
 
 FeedLoadResult CachedFeed::Load(const QString &path)
@@ -50,11 +51,11 @@ FeedLoadResult CachedFeed::Load(const QString &path)
     }
     if (!tree)
         return LoadNotAFeed;
-    const FeedFormat *format = nullptr;
-    const FeedLoadResult result = recognise(tree.get(), format);
-    if (result != LoadOk)
-        return result;
-    m_document = std::make_shared<FeedDocument>(std::move(tree), *format, written.isValid() ? written : m_clock());
+    const Recognised recognised = recognise(tree.get());
+    if (recognised.result != LoadOk)
+        return recognised.result;
+    m_document =
+        std::make_shared<FeedDocument>(std::move(tree), *recognised.reader, written.isValid() ? written : m_clock());
     m_path = path;
     return LoadOk;
 }
@@ -72,13 +73,12 @@ bool CachedFeed::IsLoaded() const
 
 FeedVersion CachedFeed::Version() const
 {
-    return m_document ? m_document->format().version() : Rss091;
+    return m_document ? m_document->reader().format().version : Rss091;
 }
 
 static QString channelText(const std::shared_ptr<FeedDocument> &document, ChannelField field)
 {
-    return document ? document->format().channelText(field, document->channel(), document->channelElement())
-                    : QString();
+    return document ? document->reader().text(field, document->channel()) : QString();
 }
 
 QString CachedFeed::Title() const
@@ -101,16 +101,18 @@ QString CachedFeed::Language() const
     return channelText(m_document, ChannelField::Language);
 }
 
+/// Hands what was found to the caller's record, which stays as it is when there was nothing.
+template <class Record>
+static bool handOver(std::optional<Record> found, Record &record)
+{
+    if (found)
+        record = *std::move(found);
+    return found.has_value();
+}
+
 bool CachedFeed::GetImage(FeedImage &image) const
 {
-    const xmlNode *element = m_document ? m_document->image() : nullptr;
-    if (element == nullptr)
-        return false;
-    FeedImage found = m_document->format().imageFrom(element);
-    if (found.Url.isEmpty())
-        return false;
-    image = std::move(found);
-    return true;
+    return m_document && handOver(m_document->reader().image(m_document->channel()), image);
 }
 
 QString CachedFeed::Copyright() const
@@ -157,7 +159,7 @@ void CachedFeed::AddItem(const std::shared_ptr<const FeedItem> &node)
 
 static QString itemText(const FeedDocument &document, qint16 index, ItemField field)
 {
-    return document.format().itemText(field, document.itemElements(index), document.channel());
+    return document.reader().text(field, document.itemElements(index));
 }
 
 QString CachedFeed::ItemTitle(qint16 index) const
@@ -177,18 +179,12 @@ QString CachedFeed::ItemDescription(qint16 index) const
 
 bool CachedFeed::GetItemSource(qint16 index, ItemSource &source) const
 {
-    const auto found = holds(index) ? m_document->format().source(m_document->itemElements(index)) : std::nullopt;
-    if (found)
-        source = *found;
-    return found.has_value();
+    return holds(index) && handOver(m_document->reader().source(m_document->itemElements(index)), source);
 }
 
 bool CachedFeed::GetItemEnclosure(qint16 index, ItemEnclosure &enclosure) const
 {
-    const auto found = holds(index) ? m_document->format().enclosure(m_document->itemElements(index)) : std::nullopt;
-    if (found)
-        enclosure = *found;
-    return found.has_value();
+    return holds(index) && handOver(m_document->reader().enclosure(m_document->itemElements(index)), enclosure);
 }
 
 QString CachedFeed::ItemCategory(qint16 index) const

@@ -1,17 +1,12 @@
 #include "engine/feed/ElementText.h"
 
-#include "engine/feed/FeedNamespaces.h"
+#include "engine/feed/Elements.h"
 #include "platform/xml/XmlCharacters.h"
 
 #include <array>
 #include <string_view>
 
 namespace {
-
-std::string_view view(const xmlChar *text)
-{
-    return text == nullptr ? std::string_view() : std::string_view(reinterpret_cast<const char *>(text));
-}
 
 bool isBlank(char16_t c)
 {
@@ -73,7 +68,7 @@ bool isVoid(const xmlNode *element)
     static constexpr std::array<std::string_view, 12> names = {"area", "base",  "br",   "col",  "frame", "hr",
                                                                "img",  "input", "link", "meta", "param", "wbr"};
     for (const std::string_view name : names)
-        if (view(element->name) == name)
+        if (viewOf(element->name) == name)
             return true;
     return false;
 }
@@ -83,9 +78,9 @@ void appendStartTag(QByteArray &out, const xmlNode *element)
     out += '<';
     appendName(out, element->ns, element->name);
     for (const xmlNs *ns = element->nsDef; ns != nullptr; ns = ns->next) {
-        out += ns->prefix == nullptr ? QByteArray(" xmlns") : " xmlns:" + QByteArray(view(ns->prefix).data());
+        out += ns->prefix == nullptr ? QByteArray(" xmlns") : " xmlns:" + QByteArray(viewOf(ns->prefix).data());
         out += "=\"";
-        appendEscaped(out, view(ns->href), true);
+        appendEscaped(out, viewOf(ns->href), true);
         out += '"';
     }
     for (const xmlAttr *attribute = element->properties; attribute != nullptr; attribute = attribute->next) {
@@ -123,7 +118,7 @@ QByteArray innerMarkup(const xmlNode *parent)
             }
             appendEndTag(out, node);
         } else if (node->type == XML_TEXT_NODE || node->type == XML_CDATA_SECTION_NODE) {
-            appendEscaped(out, view(node->content), false);
+            appendEscaped(out, viewOf(node->content), false);
         }
         while (node != parent && node->next == nullptr) {
             node = node->parent;
@@ -146,6 +141,14 @@ bool holdsElement(const xmlNode *parent)
         if (child->type == XML_ELEMENT_NODE)
             return true;
     return false;
+}
+
+/// A null `space` stands for no namespace.
+bool isAttribute(const xmlAttr *attribute, std::string_view name, const char *space)
+{
+    if (viewOf(attribute->name) != name)
+        return false;
+    return space == nullptr ? attribute->ns == nullptr : nameOf(attribute->ns) == space;
 }
 
 const xmlAttr *findAttribute(const xmlNode *element, const char *name, const char *namespaceName)
@@ -174,13 +177,13 @@ QString textOf(const xmlNode *element)
         return {};
     const xmlNode *child = element->children;
     if (child->next == nullptr && isText(child))
-        return trimmedUtf8(view(child->content));
+        return trimmedUtf8(viewOf(child->content));
     if (holdsElement(element))
         return trimmedUtf8(innerMarkup(element).toStdString());
     QByteArray text;
     for (; child != nullptr; child = child->next)
         if (isText(child))
-            text += view(child->content).data();
+            text += viewOf(child->content).data();
     return trimmedUtf8({text.constData(), static_cast<std::size_t>(text.size())});
 }
 
@@ -201,7 +204,7 @@ QString attributeOf(const xmlNode *element, const char *name, const char *namesp
     if (attribute == nullptr || attribute->children == nullptr)
         return {};
     if (attribute->children->next == nullptr && isText(attribute->children))
-        return trimmedUtf8(view(attribute->children->content));
+        return trimmedUtf8(viewOf(attribute->children->content));
     const QByteArray text = content(reinterpret_cast<const xmlNode *>(attribute));
     return trimmedUtf8({text.constData(), static_cast<std::size_t>(text.size())});
 }

@@ -6,12 +6,9 @@
 #include "platform/DateText.h"
 #include "platform/xml/TreeWalk.h"
 
-#include <algorithm>
-#include <cstring>
-
-FeedDocument::FeedDocument(XmlDocPtr tree, const FeedFormat &format, QDateTime written)
-    : m_tree(std::move(tree)), m_format(format), m_written(std::move(written)),
-      m_root(xmlDocGetRootElement(m_tree.get()))
+FeedDocument::FeedDocument(XmlDocPtr tree, const FormatReader &reader, QDateTime written)
+    : m_tree(std::move(tree)), m_reader(reader), m_written(std::move(written)),
+      m_root(xmlDocGetRootElement(m_tree.get())), m_channel(reader.vocabulary(), reader.channel(m_root))
 {
     readChildren();
 }
@@ -25,30 +22,24 @@ FeedDocument::~FeedDocument()
 /// Finds the items and the elements of the channel, in one pass where the items are among them.
 void FeedDocument::readChildren()
 {
-    const xmlNode *channel = m_format.channel(m_root);
-    xmlNode *parent = m_format.itemParent(m_root);
+    const xmlNode *channel = m_channel.parent();
+    xmlNode *parent = m_reader.itemParent(m_root);
     if (channel != nullptr && channel != parent)
-        m_channel = ChildElements(m_format.family(), channel);
+        m_channel.addAll();
     if (parent == nullptr)
         return;
     for (xmlNode *node = elementFrom(parent->children); node != nullptr; node = elementFrom(node->next)) {
-        if (isItem(node))
+        if (m_reader.isItem(node))
             m_items.push_back({node, nullptr});
         else if (channel == parent)
-            m_channel.add(m_format.family(), node);
+            m_channel.add(node);
     }
 }
 
-bool FeedDocument::isItem(const xmlNode *node) const
-{
-    return std::strcmp(reinterpret_cast<const char *>(node->name), m_format.itemName()) == 0 &&
-           belongsTo(m_format.family(), node);
-}
-
-bool FeedDocument::uses(Namespace kind) const
+bool FeedDocument::uses(NamespaceTest isWanted) const
 {
     for (const xmlNode *node = m_root; node != nullptr; node = nextInTree(node, m_root))
-        if (node->type == XML_ELEMENT_NODE && kindOf(node->ns) == kind)
+        if (node->type == XML_ELEMENT_NODE && isWanted(nameOf(node->ns)))
             return true;
     return false;
 }
@@ -59,12 +50,14 @@ const FeedDocument::Entry &FeedDocument::entry(qsizetype index) const
     return index < added ? m_added[static_cast<std::size_t>(index)] : m_items[static_cast<std::size_t>(index - added)];
 }
 
-const ChildElements &FeedDocument::itemElements(qsizetype index) const
+ItemElements FeedDocument::itemElements(qsizetype index) const
 {
     const Entry &item = entry(index);
-    if (!item.elements)
-        item.elements = std::make_unique<ChildElements>(m_format.family(), item.node);
-    return *item.elements;
+    if (!item.elements) {
+        item.elements = std::make_unique<ChildElements>(m_reader.vocabulary(), item.node);
+        item.elements->addAll();
+    }
+    return {*item.elements, m_channel};
 }
 
 /// The items of one update share their date, so that the mark read last is mostly the one to be read: a merge asks for
@@ -87,20 +80,21 @@ QString FeedDocument::downloadDate(qsizetype index) const
 /// The element that items go into, made when the document has none.
 xmlNode *FeedDocument::itemParent()
 {
-    xmlNode *parent = m_format.itemParent(m_root);
+    xmlNode *parent = m_reader.itemParent(m_root);
     return parent != nullptr ? parent
-                             : xmlNewChild(m_root, m_root->ns, reinterpret_cast<const xmlChar *>("channel"), nullptr);
+                             : xmlNewChild(m_root, m_root->ns, xmlText(m_reader.format().channelName), nullptr);
 }
 
 void FeedDocument::add(const FeedDocument &from, const xmlNode *node, const QDateTime &now)
 {
-    const ChildElements original(from.format().family(), node);
+    ChildElements elements(from.reader().vocabulary(), node);
+    elements.addAll();
+    const ItemElements original{elements, from.channel()};
     const auto enter = [this](xmlNode *item) { insert(item); };
     xmlNode *parent = itemParent();
-    xmlNode *item =
-        from.format().version() == m_format.version()
-            ? ItemTransfer::copy(node, m_format, original, from.channel(), parent, enter)
-            : ItemTransfer::convert(readItem(from.format(), original, from.channel()), m_format, parent, enter);
+    xmlNode *item = &from.reader() == &m_reader
+                        ? ItemTransfer::copy(original, m_reader, parent, enter)
+                        : ItemTransfer::convert(from.reader().content(original), m_reader.format(), parent, enter);
     // To the second, and by the fields: going through the time zone for each item costs as much as copying it.
     if (now.date() != m_addedAt.date() ||
         now.time().msecsSinceStartOfDay() / 1000 != m_addedAt.time().msecsSinceStartOfDay() / 1000) {
@@ -108,31 +102,26 @@ void FeedDocument::add(const FeedDocument &from, const xmlNode *node, const QDat
         m_addedMark = ItemMarks::markOf(now);
     }
     ItemMarks::setDownloadMark(item, m_addedMark);
-    if (xmlNode *listEntry = m_format.enterIntoList(m_root, item, m_lastListEntry))
-        m_lastListEntry = listEntry;
     m_added.push_back({item, nullptr});
 }
 
 /// Puts the item behind those added before, on a line of its own.
 void FeedDocument::insert(xmlNode *item)
 {
-    const auto *lineBreak = reinterpret_cast<const xmlChar *>("\n");
     if (!m_items.empty()) {
         xmlAddPrevSibling(m_items.front().node, item);
     } else if (!m_added.empty()) {
         xmlAddNextSibling(m_added.back().node, item);
     } else {
-        xmlAddChild(m_format.itemParent(m_root), item);
+        xmlAddChild(m_reader.itemParent(m_root), item);
     }
     if (item->next == nullptr || item->next->type != XML_TEXT_NODE)
-        xmlAddNextSibling(item, xmlNewDocText(m_tree.get(), lineBreak));
+        xmlAddNextSibling(item, xmlNewDocText(m_tree.get(), xmlText("\n")));
 }
 
-void FeedDocument::dropRemovedItems()
+/// Takes the items marked for removal out of the tree.
+std::vector<xmlNode *> FeedDocument::takeOutRemovedItems()
 {
-    m_items.insert(m_items.begin(), std::make_move_iterator(m_added.begin()), std::make_move_iterator(m_added.end()));
-    m_added.clear();
-    m_lastListEntry = nullptr;
     std::vector<xmlNode *> dropped;
     for (const Entry &item : m_items) {
         if (!item.removed)
@@ -145,16 +134,27 @@ void FeedDocument::dropRemovedItems()
         xmlUnlinkNode(item.node);
         dropped.push_back(item.node);
     }
-    if (dropped.empty())
-        return;
     std::erase_if(m_items, [](const Entry &item) { return item.removed; });
-    m_format.removeFromList(m_root, dropped);
     m_dropped.insert(m_dropped.end(), dropped.begin(), dropped.end());
+    return dropped;
+}
+
+/// Makes one run of the added items and those that were there, without the removed ones.
+void FeedDocument::settleItems()
+{
+    std::vector<xmlNode *> added;
+    for (const Entry &item : m_added)
+        added.push_back(item.node);
+    m_items.insert(m_items.begin(), std::make_move_iterator(m_added.begin()), std::make_move_iterator(m_added.end()));
+    m_added.clear();
+    const std::vector<xmlNode *> dropped = takeOutRemovedItems();
+    if (m_reader.format().itemsChanged != nullptr)
+        m_reader.format().itemsChanged(m_root, added, dropped);
 }
 
 QByteArray FeedDocument::prepareForSaving()
 {
-    dropRemovedItems();
+    settleItems();
     const QString writtenMark = ItemMarks::markOf(m_written);
     for (const Entry &item : m_items)
         if (!notedDate(item.node).readable)

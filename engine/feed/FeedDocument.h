@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/feed/FeedFormat.h"
+#include "engine/feed/FormatReader.h"
 #include "platform/xml/XmlGate.h"
 
 #include <QDateTime>
@@ -8,31 +8,26 @@
 #include <optional>
 #include <vector>
 
-/// Tells what a well-formed document is. `format` is set when the result is LoadOk, and null otherwise.
-FeedLoadResult recognise(const xmlDoc *document, const FeedFormat *&format);
-
 /// One loaded document: its tree, its format, and its items by index.
 class FeedDocument final
 {
 public:
     /// `written` is when the document's file was last written.
-    FeedDocument(XmlDocPtr tree, const FeedFormat &format, QDateTime written);
+    FeedDocument(XmlDocPtr tree, const FormatReader &reader, QDateTime written);
     FeedDocument(const FeedDocument &) = delete;
     FeedDocument &operator=(const FeedDocument &) = delete;
     ~FeedDocument();
 
-    const FeedFormat &format() const { return m_format; }
+    const FormatReader &reader() const { return m_reader; }
     const ChildElements &channel() const { return m_channel; }
-    const xmlNode *channelElement() const { return m_format.channel(m_root); }
-    const xmlNode *image() const { return m_format.image(m_root, m_channel); }
 
     /// True when an element of that namespace occurs anywhere.
-    bool uses(Namespace kind) const;
+    bool uses(NamespaceTest isWanted) const;
 
     /// All items, those too that are past the last index that can be offered.
     qsizetype itemCount() const { return static_cast<qsizetype>(m_added.size() + m_items.size()); }
     xmlNode *item(qsizetype index) const { return entry(index).node; }
-    const ChildElements &itemElements(qsizetype index) const;
+    ItemElements itemElements(qsizetype index) const;
 
     /// When the item was downloaded, as DateText writes it.
     QString downloadDate(qsizetype index) const;
@@ -64,13 +59,13 @@ private:
     const Entry &entry(qsizetype index) const;
     Entry &entry(qsizetype index) { return const_cast<Entry &>(std::as_const(*this).entry(index)); }
     void readChildren();
-    bool isItem(const xmlNode *node) const;
     xmlNode *itemParent();
     void insert(xmlNode *item);
-    void dropRemovedItems();
+    void settleItems();
+    std::vector<xmlNode *> takeOutRemovedItems();
 
     XmlDocPtr m_tree;
-    const FeedFormat &m_format;
+    const FormatReader &m_reader;
     QDateTime m_written;
     mutable std::optional<NotedDate> m_notedDate; ///< that of the item asked for last
     xmlNode *m_root;
@@ -79,6 +74,5 @@ private:
     std::vector<Entry> m_added; ///< those added since, which stand in front
     QDateTime m_addedAt;        ///< when the last item was added, and its mark
     QString m_addedMark;
-    xmlNode *m_lastListEntry = nullptr;
     std::vector<xmlNode *> m_dropped; ///< outside the tree; FeedItems may still name them
 };

@@ -1,104 +1,99 @@
 #pragma once
 
-#include "engine/feed/CachedFeed.h"
-#include "engine/feed/FeedElements.h"
+#include "engine/feed/FeedTypes.h"
+#include "engine/feed/ItemWriter.h"
+#include "engine/feed/Readings.h"
 
-#include <optional>
+#include <array>
+#include <span>
 
-#include <vector>
-
-class ItemWriter;
-struct ItemContent;
-
-/// The texts of a channel that each format has in its own place.
-enum class ChannelField { Title, Link, Description, Language, Copyright, ManagingEditor, WebMaster, Ttl };
-
-/// Likewise those of an item.
-enum class ItemField { Title, Link, Description, Category, Author, Comments, PubDate };
-
-/// Where a format keeps what. One implementation a format, without state; it knows its own format only.
-class FeedFormat
+/// Where a text is looked for. Those made of nothing are passed over.
+struct TextSource
 {
-public:
-    FeedFormat() = default;
-    FeedFormat(const FeedFormat &) = delete;
-    FeedFormat &operator=(const FeedFormat &) = delete;
-    virtual ~FeedFormat() = default;
+    enum class Of { Item, Feed };
 
-    virtual FeedVersion version() const = 0;
-    virtual Family family() const = 0;
+    ElementName element;       ///< without a name: the item's or the channel's element itself
+    Reading reading = nullptr; ///< of the first element of that name
+    const char *detail = "";   ///< what the reading is told besides
+    Of of = Of::Item;          ///< whose child the element is
+};
 
-    /// The element that holds the texts of the channel; null when the document has none.
-    virtual xmlNode *channel(xmlNode *root) const = 0;
+/// The sources of a field, in order of preference: the first that isn't empty wins.
+template <class Field>
+struct FieldRow
+{
+    Field field;
+    std::array<TextSource, 3> sources;
+};
 
-    /// The element whose children the items are; null when the document has none.
-    virtual xmlNode *itemParent(xmlNode *root) const = 0;
+/// Short forms for the rows of a format's table.
+namespace From {
 
-    /// The local name of an item's element.
-    virtual const char *itemName() const = 0;
+constexpr TextSource own(std::string_view name, Reading reading = Readings::text, const char *detail = "")
+{
+    return {{nullptr, name}, reading, detail};
+}
 
-    /// `channel` are the children of channel(), `element` is channel() itself.
-    virtual QString channelText(ChannelField field, const ChildElements &channel, const xmlNode *element) const = 0;
+constexpr TextSource dc(std::string_view name, Reading reading = Readings::text)
+{
+    return {{isDublinCore, name}, reading};
+}
 
-    /// `channel` are the children of channel(), for what an item has from its feed.
-    virtual QString itemText(ItemField field, const ChildElements &item, const ChildElements &channel) const = 0;
+constexpr TextSource contentEncoded()
+{
+    return {{isContentModule, "encoded"}, Readings::text};
+}
 
-    /// The element that describes the channel's picture; null when there is none.
-    virtual const xmlNode *image(xmlNode *root, const ChildElements &channel) const;
+constexpr TextSource itself(Reading reading, const char *detail = "")
+{
+    return {{}, reading, detail};
+}
 
-    /// The picture that the element describes, its address perhaps empty.
-    virtual FeedImage imageFrom(const xmlNode *image) const;
+constexpr TextSource feed(std::string_view name, Reading reading)
+{
+    return {{nullptr, name}, reading, "", TextSource::Of::Feed};
+}
 
-    virtual std::optional<ItemSource> source(const ChildElements &item) const;
-    virtual std::optional<ItemEnclosure> enclosure(const ChildElements &item) const;
+} // namespace From
+
+class FormatReader;
+struct ItemElements;
+
+/// A format of feeds: what its documents look like, where they keep what, and how an item is written. It is data and
+/// functions without state; a FormatReader works by it.
+struct FeedFormat
+{
+    FeedVersion version;
+
+    /// Tells the namespaces in which the format's own elements lie.
+    NamespaceTest isOwn;
+
+    /// That of the items which are written; null for the one that the elements around them are in.
+    const char *ownNamespace = nullptr;
+
+    /// The element below the root that holds the texts of the channel; null when the root does.
+    const char *channelName = nullptr;
+
+    /// Whether the items stand in the channel's element, or else below the root.
+    bool itemsAreInChannel = false;
+
+    const char *itemName;
+
+    /// LoadOk for a document of this format; LoadBadVersion or LoadBadVersionOther for one of its family that is of
+    /// another version; otherwise LoadUnknownFormat.
+    FeedLoadResult (*recognise)(const xmlNode *root);
+
+    /// Fields that the format has no place for have no row.
+    std::span<const FieldRow<ChannelField>> channelFields;
+    std::span<const FieldRow<ItemField>> itemFields;
 
     /// Writes all that the format has a place for into an empty item element.
-    virtual void write(ItemWriter &item, const ItemContent &content) const = 0;
+    void (*write)(ItemWriter &item, const ItemContent &content);
 
-    /// Gives a copy of an item of another document of this format what the original had from its feed.
-    virtual void completeCopy(ItemWriter &copy, const ChildElements &original, const ChildElements &itsChannel) const;
+    /// Gives a copy of an item of another document of this format what the original had from its feed. May be null.
+    void (*completeCopy)(ItemWriter &copy, const ItemElements &original, const FormatReader &reader) = nullptr;
 
-    /// Enters a new item in the document's list of items, if the format has one, after the entry `after`, or in front
-    /// when that is null. Returns the entry, null without a list.
-    virtual xmlNode *enterIntoList(xmlNode *root, xmlNode *item, xmlNode *after) const;
-
-    /// Takes those items out of the list that stand in the document no longer. `dropped` are outside its tree already.
-    virtual void removeFromList(xmlNode *root, const std::vector<xmlNode *> &dropped) const;
-
-protected:
-    /// The first text of these kinds that isn't empty.
-    static QString firstText(const ChildElements &children, std::initializer_list<Element> kinds);
-
-    /// All texts of the elements of that kind, joined with ", ".
-    QString joinedTexts(const ChildElements &children, Element kind) const;
-
-    /// A length as a feed writes it, as ItemEnclosure::Length defines it.
-    static qint32 lengthOf(const QString &text);
-
-    /// A size as a feed writes it: -1 for what is no number or negative, at most the largest.
-    static qint16 sizeOf(const QString &text);
+    /// Lets what the document says elsewhere about its items agree with them, before it is saved. `added` are new, in
+    /// front of the others in this order; `dropped` are outside the tree already. May be null.
+    void (*itemsChanged)(xmlNode *root, std::span<xmlNode *const> added, std::span<xmlNode *const> dropped) = nullptr;
 };
-
-/// All that is read from an item, on its way into another format.
-struct ItemContent
-{
-    QString title;
-    QString link;
-    QString description;
-    QString category;
-    QString author;
-    QString comments;
-    QString pubDate;
-    std::optional<ItemSource> source;
-    std::optional<ItemEnclosure> enclosure;
-};
-
-/// Reads an item of that format.
-ItemContent readItem(const FeedFormat &format, const ChildElements &item, const ChildElements &channel);
-
-/// The formats.
-const FeedFormat &rss091Format();
-const FeedFormat &rss092Format();
-const FeedFormat &rss20Format();
-const FeedFormat &rdf10Format();
-const FeedFormat &atom03Format();

@@ -1,9 +1,8 @@
 #include "engine/feed/ItemMarks.h"
 
 #include "engine/feed/ElementText.h"
-#include "engine/feed/FeedNamespaces.h"
-
-#include <cstring>
+#include "engine/feed/Elements.h"
+#include "engine/feed/NamespaceScope.h"
 
 namespace {
 
@@ -14,9 +13,8 @@ constexpr const char *downloadedName = "downloaded";
 
 void set(xmlNode *item, const char *name, const QString &value)
 {
-    xmlNs *ns = declaredNamespace(item, marks, "quillwire", true);
-    xmlSetNsProp(item, ns, reinterpret_cast<const xmlChar *>(name),
-                 reinterpret_cast<const xmlChar *>(value.toUtf8().constData()));
+    xmlNs *ns = prefixedNamespace(item, marks, "quillwire");
+    xmlSetNsProp(item, ns, xmlText(name), xmlText(value.toUtf8().constData()));
 }
 
 bool isSet(const xmlNode *item, const char *name)
@@ -74,8 +72,7 @@ void ItemMarks::clear(xmlNode *item)
     xmlAttr *attribute = item->properties;
     while (attribute != nullptr) {
         xmlAttr *next = attribute->next;
-        if (attribute->ns != nullptr && attribute->ns->href != nullptr &&
-            std::strcmp(reinterpret_cast<const char *>(attribute->ns->href), marks) == 0)
+        if (nameOf(attribute->ns) == marks)
             xmlRemoveProp(attribute);
         attribute = next;
     }

@@ -2,38 +2,23 @@
 
 #include "engine/feed/ItemMarks.h"
 #include "engine/feed/ItemWriter.h"
+#include "engine/feed/NamespaceScope.h"
 #include "platform/xml/TreeWalk.h"
 #include "platform/xml/XmlGate.h"
 
 #include <libxml/parserInternals.h>
 
-#include <cstring>
-
 namespace {
 
-const char *ownNamespace(Family family)
-{
-    switch (family) {
-    case Family::Rdf:
-        return NamespaceName::rss10;
-    case Family::Atom:
-        return NamespaceName::atom03;
-    case Family::Rss:
-        break;
-    }
-    return nullptr;
-}
-
 /// Gives a new element the namespace of the format's own elements, as the elements around it have it.
-void takeOwnNamespace(xmlNode *item, Family family)
+void takeOwnNamespace(xmlNode *item, const char *name)
 {
-    const char *name = ownNamespace(family);
     if (name == nullptr) {
         xmlSetNs(item, item->parent->ns);
         return;
     }
     xmlNs *ns = namespaceInScope(item, name, false);
-    xmlSetNs(item, ns != nullptr ? ns : xmlNewNs(item, reinterpret_cast<const xmlChar *>(name), nullptr));
+    xmlSetNs(item, ns != nullptr ? ns : xmlNewNs(item, xmlText(name), nullptr));
 }
 
 /// Lets every element and attribute below that uses `from` use `to`.
@@ -82,7 +67,7 @@ void keepOutOfDefaultNamespace(xmlNode *element)
         return;
     const xmlNs *around = xmlSearchNs(element->doc, element->parent, nullptr);
     if (around != nullptr && around->href != nullptr && *around->href != 0)
-        xmlNewNs(element, reinterpret_cast<const xmlChar *>(""), nullptr);
+        xmlNewNs(element, xmlText(""), nullptr);
 }
 
 /// Takes out the elements whose prefix is declared nowhere: they mean nothing, but the prefix may mean something here.
@@ -91,7 +76,7 @@ void dropElementsOfUndeclaredPrefix(xmlNode *item)
     xmlNode *child = elementFrom(item->children);
     while (child != nullptr) {
         xmlNode *next = elementFrom(child->next);
-        if (child->ns == nullptr && std::strchr(reinterpret_cast<const char *>(child->name), ':') != nullptr) {
+        if (child->ns == nullptr && viewOf(child->name).find(':') != std::string_view::npos) {
             xmlUnlinkNode(child);
             xmlFreeNode(child);
         }
@@ -112,10 +97,10 @@ void dissolveCdata(xmlNode *top)
 
 } // namespace
 
-xmlNode *ItemTransfer::copy(const xmlNode *item, const FeedFormat &format, const ChildElements &original,
-                            const ChildElements &itsChannel, xmlNode *parent, const Enter &enter)
+xmlNode *ItemTransfer::copy(const ItemElements &original, const FormatReader &reader, xmlNode *parent,
+                            const Enter &enter)
 {
-    xmlNode *result = xmlDocCopyNode(const_cast<xmlNode *>(item), parent->doc, 1);
+    xmlNode *result = xmlDocCopyNode(const_cast<xmlNode *>(original.item.parent()), parent->doc, 1);
     if (result == nullptr)
         throw std::bad_alloc();
     ItemMarks::clear(result);
@@ -127,17 +112,19 @@ xmlNode *ItemTransfer::copy(const xmlNode *item, const FeedFormat &format, const
     keepOutOfDefaultNamespace(result);
     for (xmlNode *child = elementFrom(result->children); child != nullptr; child = elementFrom(child->next))
         keepOutOfDefaultNamespace(child);
-    ItemWriter writer(result);
-    format.completeCopy(writer, original, itsChannel);
+    if (reader.format().completeCopy != nullptr) {
+        ItemWriter writer(result);
+        reader.format().completeCopy(writer, original, reader);
+    }
     return result;
 }
 
 xmlNode *ItemTransfer::convert(const ItemContent &content, const FeedFormat &format, xmlNode *parent,
                                const Enter &enter)
 {
-    xmlNode *item = xmlNewDocNode(parent->doc, nullptr, reinterpret_cast<const xmlChar *>(format.itemName()), nullptr);
+    xmlNode *item = xmlNewDocNode(parent->doc, nullptr, xmlText(format.itemName), nullptr);
     enter(item);
-    takeOwnNamespace(item, format.family());
+    takeOwnNamespace(item, format.ownNamespace);
     ItemWriter writer(item);
     format.write(writer, content);
     return item;

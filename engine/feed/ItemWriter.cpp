@@ -1,13 +1,11 @@
 #include "engine/feed/ItemWriter.h"
 
+#include "engine/feed/Elements.h"
+#include "engine/feed/FeedNamespaces.h"
+#include "engine/feed/NamespaceScope.h"
 #include "platform/xml/XmlCharacters.h"
 
 namespace {
-
-const xmlChar *chars(const char *text)
-{
-    return reinterpret_cast<const xmlChar *>(text);
-}
 
 QByteArray writable(const QString &text)
 {
@@ -16,9 +14,9 @@ QByteArray writable(const QString &text)
 
 xmlNode *appendTo(xmlNode *parent, xmlNs *ns, const char *name, const QString &text)
 {
-    xmlNode *element = xmlNewDocNode(parent->doc, ns, chars(name), nullptr);
+    xmlNode *element = xmlNewDocNode(parent->doc, ns, xmlText(name), nullptr);
     if (!text.isEmpty())
-        xmlAddChild(element, xmlNewDocText(parent->doc, chars(writable(text).constData())));
+        xmlAddChild(element, xmlNewDocText(parent->doc, xmlText(writable(text).constData())));
     return xmlAddChild(parent, element);
 }
 
@@ -37,7 +35,7 @@ xmlNode *ItemWriter::addElement(const char *name, const QString &text)
 void ItemWriter::addDc(const char *name, const QString &text)
 {
     if (!text.isEmpty())
-        appendTo(m_item, declaredNamespace(m_item, NamespaceName::dc, "dc", true), name, text);
+        appendTo(m_item, prefixedNamespace(m_item, NamespaceName::dc, "dc"), name, text);
 }
 
 void ItemWriter::addInto(xmlNode *parent, const char *name, const QString &text)
@@ -45,17 +43,7 @@ void ItemWriter::addInto(xmlNode *parent, const char *name, const QString &text)
     appendTo(parent, parent->ns, name, text);
 }
 
-void ItemWriter::setAttribute(xmlNode *element, const char *name, const QString &value)
+void ItemWriter::setAttribute(xmlNode *element, const char *name, const QString &value, xmlNs *ns)
 {
-    xmlSetProp(element, chars(name), chars(writable(value).constData()));
-}
-
-void ItemWriter::addRssDate(const QString &date)
-{
-    const bool beginsWithYear =
-        date.size() >= 4 && std::all_of(date.begin(), date.begin() + 4, [](QChar c) { return c >= u'0' && c <= u'9'; });
-    if (beginsWithYear)
-        addDc("date", date);
-    else
-        add("pubDate", date);
+    xmlSetNsProp(element, ns, xmlText(name), xmlText(writable(value).constData()));
 }

@@ -1,6 +1,8 @@
 #pragma once
 
-#include "engine/feed/FeedFormat.h"
+#include <QString>
+
+#include <libxml/tree.h>
 
 /// Fills a new item element that stands in its document already. Texts that are empty leave no element.
 class ItemWriter final
@@ -23,10 +25,7 @@ public:
     /// Adds an element of the format's own to one that was added before.
     static void addInto(xmlNode *parent, const char *name, const QString &text);
 
-    static void setAttribute(xmlNode *element, const char *name, const QString &value);
-
-    /// Adds `date` in the element that such a date belongs into in RSS: pubDate, or dc:date when it begins with a year.
-    void addRssDate(const QString &date);
+    static void setAttribute(xmlNode *element, const char *name, const QString &value, xmlNs *ns = nullptr);
 
 private:
     xmlNode *m_item;

@@ -1,22 +1,86 @@
 #include "engine/feed/ElementText.h"
-#include "engine/feed/FeedFormat.h"
-#include "engine/feed/ItemWriter.h"
+#include "engine/feed/FormatReader.h"
+#include "engine/feed/NamespaceScope.h"
 
 #include <QCryptographicHash>
 #include <QSet>
 
-#include <cstring>
-
 namespace {
 
-bool isNamed(const xmlNode *element, const char *name)
+constexpr const char *channelName = "channel";
+constexpr const char *itemName = "item";
+
+bool isOwn(std::string_view name)
 {
-    return std::strcmp(reinterpret_cast<const char *>(element->name), name) == 0;
+    return name == NamespaceName::rss10;
 }
 
-bool isRdfElement(const xmlNode *element, const char *name)
+bool isOwnElement(const xmlNode *element, std::string_view name)
 {
-    return isNamed(element, name) && kindOf(element->ns) == Namespace::Rdf;
+    return viewOf(element->name) == name && isOwn(nameOf(element->ns));
+}
+
+bool isRdfElement(const xmlNode *element, std::string_view name)
+{
+    return viewOf(element->name) == name && nameOf(element->ns) == NamespaceName::rdf;
+}
+
+/// The documents of the family are told apart by the namespace of what stands in them. RSS 1.1 has a root of its own
+/// besides.
+FeedLoadResult recognise(const xmlNode *root)
+{
+    const auto isRss11 = [](std::string_view name) { return name.starts_with(NamespaceName::rss11); };
+    if (viewOf(root->name) == "Channel" && isRss11(nameOf(root->ns)))
+        return LoadBadVersionOther;
+    if (!isRdfElement(root, "RDF"))
+        return LoadUnknownFormat;
+    FeedLoadResult result = LoadUnknownFormat;
+    for (const xmlNode *node = elementFrom<const xmlNode>(root->children); node != nullptr;
+         node = elementFrom<const xmlNode>(node->next)) {
+        if (isOwnElement(node, channelName))
+            return LoadOk;
+        if (isRss090(nameOf(node->ns)) || isRss11(nameOf(node->ns)))
+            result = LoadBadVersionOther;
+    }
+    return result;
+}
+
+/// The text of a child of the picture that stands beside the channel; the channel's own image element only points at
+/// it.
+QString imageChild(const FoundElement &channel)
+{
+    const xmlNode *image = channel.vocabulary.ownChild(std::as_const(*channel.element).parent, "image");
+    return image == nullptr ? QString() : textOf(channel.vocabulary.ownChild(image, channel.detail));
+}
+
+using From::dc;
+using From::own;
+
+constexpr FieldRow<ChannelField> channelFields[] = {
+    {ChannelField::Title, {own("title"), dc("title")}},
+    {ChannelField::Link, {own("link")}},
+    {ChannelField::Description, {own("description"), dc("description")}},
+    {ChannelField::Language, {dc("language")}},
+    {ChannelField::Copyright, {dc("rights")}},
+    {ChannelField::ManagingEditor, {dc("creator")}},
+    {ChannelField::WebMaster, {dc("publisher")}},
+    {ChannelField::ImageUrl, {From::itself(imageChild, "url")}},
+    {ChannelField::ImageTitle, {From::itself(imageChild, "title")}},
+    {ChannelField::ImageLink, {From::itself(imageChild, "link")}},
+};
+
+constexpr FieldRow<ItemField> itemFields[] = {
+    {ItemField::Title, {own("title"), dc("title")}},
+    {ItemField::Link, {own("link")}},
+    {ItemField::Description, {From::contentEncoded(), own("description"), dc("description")}},
+    {ItemField::Category, {dc("subject", Readings::joinedTexts)}},
+    {ItemField::Author, {dc("creator")}},
+    {ItemField::PubDate, {dc("date")}},
+};
+
+xmlNs *rdfNamespace(xmlNode *element)
+{
+    return prefixedNamespace(element, NamespaceName::rdf, "rdf");
 }
 
 QString aboutOf(const xmlNode *item)
@@ -30,13 +94,6 @@ QString resourceOf(const xmlNode *entry)
     return resource.isEmpty() ? attributeOf(entry, "resource") : resource; // old feeds leave out the prefix
 }
 
-void setRdfAttribute(xmlNode *element, const char *name, const QString &value)
-{
-    xmlNs *ns = declaredNamespace(element, NamespaceName::rdf, "rdf", true);
-    xmlSetNsProp(element, ns, reinterpret_cast<const xmlChar *>(name),
-                 reinterpret_cast<const xmlChar *>(value.toUtf8().constData()));
-}
-
 /// Every item must be named by an address, one without link too.
 QString nameFor(const ItemContent &content)
 {
@@ -47,164 +104,118 @@ QString nameFor(const ItemContent &content)
            QString::fromLatin1(QCryptographicHash::hash(text, QCryptographicHash::Sha1).toHex());
 }
 
-/// RDF Site Summary 1.0. Items stand beside the channel, which lists them by address; their order is that of the
-/// document.
-class Rdf10Format final : public FeedFormat
+void write(ItemWriter &item, const ItemContent &content)
 {
-public:
-    FeedVersion version() const override { return Rdf10; }
-    Family family() const override { return Family::Rdf; }
-    xmlNode *channel(xmlNode *root) const override { return child(root, "channel"); }
-    xmlNode *itemParent(xmlNode *root) const override { return root; }
-    const char *itemName() const override { return "item"; }
+    ItemWriter::setAttribute(item.item(), "about", nameFor(content), rdfNamespace(item.item()));
+    item.addElement("title", content.title);
+    item.addElement("link", content.link);
+    item.add("description", content.description);
+    item.addDc("subject", content.category);
+    item.addDc("creator", content.author);
+    item.addDc("date", content.pubDate);
+}
 
-    QString channelText(ChannelField field, const ChildElements &channel, const xmlNode *) const override
-    {
-        switch (field) {
-        case ChannelField::Title:
-            return firstText(channel, {Element::Title, Element::DcTitle});
-        case ChannelField::Link:
-            return firstText(channel, {Element::Link});
-        case ChannelField::Description:
-            return firstText(channel, {Element::Description, Element::DcDescription});
-        case ChannelField::Language:
-            return firstText(channel, {Element::DcLanguage});
-        case ChannelField::Copyright:
-            return firstText(channel, {Element::DcRights});
-        case ChannelField::ManagingEditor:
-            return firstText(channel, {Element::DcCreator});
-        case ChannelField::WebMaster:
-            return firstText(channel, {Element::DcPublisher});
-        case ChannelField::Ttl:
-            return {};
-        }
-        return {};
+void completeCopy(ItemWriter &copy, const ItemElements &original, const FormatReader &reader)
+{
+    if (aboutOf(copy.item()).isEmpty())
+        ItemWriter::setAttribute(copy.item(), "about", nameFor(reader.content(original)), rdfNamespace(copy.item()));
+}
+
+template <class IsWanted>
+xmlNode *firstChild(xmlNode *parent, IsWanted isWanted)
+{
+    xmlNode *child = parent == nullptr ? nullptr : elementFrom(parent->children);
+    while (child != nullptr && !isWanted(child))
+        child = elementFrom(child->next);
+    return child;
+}
+
+/// The element of the channel in which the addresses of all items are listed.
+xmlNode *itemsElement(xmlNode *root)
+{
+    xmlNode *channel = firstChild(root, [](const xmlNode *node) { return isOwnElement(node, channelName); });
+    return firstChild(channel, [](const xmlNode *node) { return isOwnElement(node, "items"); });
+}
+
+xmlNode *existingList(xmlNode *root)
+{
+    return firstChild(itemsElement(root), [](const xmlNode *node) { return isRdfElement(node, "Seq"); });
+}
+
+/// The list, made when the channel has none.
+xmlNode *listOfItems(xmlNode *root)
+{
+    if (xmlNode *list = existingList(root))
+        return list;
+    xmlNode *items = itemsElement(root);
+    if (items == nullptr) {
+        xmlNode *channel = firstChild(root, [](const xmlNode *node) { return isOwnElement(node, channelName); });
+        items = xmlNewChild(channel, channel->ns, xmlText("items"), nullptr);
     }
+    return xmlNewChild(items, rdfNamespace(items), xmlText("Seq"), nullptr);
+}
 
-    QString itemText(ItemField field, const ChildElements &item, const ChildElements &) const override
-    {
-        switch (field) {
-        case ItemField::Title:
-            return firstText(item, {Element::Title, Element::DcTitle});
-        case ItemField::Link:
-            return firstText(item, {Element::Link});
-        case ItemField::Description:
-            return firstText(item, {Element::ContentEncoded, Element::Description, Element::DcDescription});
-        case ItemField::Category:
-            return joinedTexts(item, Element::DcSubject);
-        case ItemField::Author:
-            return firstText(item, {Element::DcCreator});
-        case ItemField::PubDate:
-            return firstText(item, {Element::DcDate});
-        case ItemField::Comments:
-            return {};
-        }
-        return {};
-    }
-
-    /// The picture stands beside the channel; the channel's own image element only points at it.
-    const xmlNode *image(xmlNode *root, const ChildElements &) const override { return child(root, "image"); }
-
-    FeedImage imageFrom(const xmlNode *image) const override
-    {
-        FeedImage result = FeedFormat::imageFrom(image);
-        result.Width = -1;
-        result.Height = -1;
-        result.Description.clear();
-        return result;
-    }
-
-    void write(ItemWriter &item, const ItemContent &content) const override
-    {
-        setRdfAttribute(item.item(), "about", nameFor(content));
-        item.addElement("title", content.title);
-        item.addElement("link", content.link);
-        item.add("description", content.description);
-        item.addDc("subject", content.category);
-        item.addDc("creator", content.author);
-        item.addDc("date", content.pubDate);
-    }
-
-    void completeCopy(ItemWriter &copy, const ChildElements &original, const ChildElements &itsChannel) const override
-    {
-        if (aboutOf(copy.item()).isEmpty())
-            setRdfAttribute(copy.item(), "about", nameFor(readItem(*this, original, itsChannel)));
-    }
-
-    xmlNode *enterIntoList(xmlNode *root, xmlNode *item, xmlNode *after) const override
-    {
-        xmlNode *list = after != nullptr ? after->parent : listOfItems(root);
-        if (list == nullptr)
-            return nullptr;
-        xmlNs *ns = declaredNamespace(list, NamespaceName::rdf, "rdf", true);
-        xmlNode *entry = xmlNewDocNode(root->doc, ns, reinterpret_cast<const xmlChar *>("li"), nullptr);
-        if (after != nullptr)
-            xmlAddNextSibling(after, entry);
+void enterInFront(xmlNode *list, std::span<xmlNode *const> items)
+{
+    xmlNode *last = nullptr;
+    for (const xmlNode *item : items) {
+        xmlNode *entry = xmlNewDocNode(list->doc, rdfNamespace(list), xmlText("li"), nullptr);
+        if (last != nullptr)
+            xmlAddNextSibling(last, entry);
         else if (list->children != nullptr)
             xmlAddPrevSibling(list->children, entry);
         else
             xmlAddChild(list, entry);
-        setRdfAttribute(entry, "resource", aboutOf(item));
-        return entry;
+        ItemWriter::setAttribute(entry, "resource", aboutOf(item), rdfNamespace(entry));
+        last = entry;
     }
+}
 
-    void removeFromList(xmlNode *root, const std::vector<xmlNode *> &dropped) const override
-    {
-        QSet<QString> gone;
-        for (const xmlNode *item : dropped)
-            gone.insert(aboutOf(item));
-        for (const xmlNode *node = elementFrom(root->children); node != nullptr; node = elementFrom(node->next))
-            if (isNamed(node, "item") && belongsTo(family(), node))
-                gone.remove(aboutOf(node));
-        xmlNode *list = gone.isEmpty() ? nullptr : existingList(root);
-        xmlNode *entry = list == nullptr ? nullptr : elementFrom(list->children);
-        while (entry != nullptr) {
-            xmlNode *next = elementFrom(entry->next);
-            if (isRdfElement(entry, "li") && gone.contains(resourceOf(entry))) {
-                xmlUnlinkNode(entry);
-                xmlFreeNode(entry);
-            }
-            entry = next;
+/// Takes those out of the list that stand in the document no longer.
+void removeFromList(xmlNode *root, std::span<xmlNode *const> items)
+{
+    QSet<QString> gone;
+    for (const xmlNode *item : items)
+        gone.insert(aboutOf(item));
+    for (const xmlNode *node = elementFrom(root->children); node != nullptr;
+         node = elementFrom<const xmlNode>(node->next))
+        if (isOwnElement(node, itemName))
+            gone.remove(aboutOf(node));
+    xmlNode *list = gone.isEmpty() ? nullptr : existingList(root);
+    xmlNode *entry = list == nullptr ? nullptr : elementFrom(list->children);
+    while (entry != nullptr) {
+        xmlNode *next = elementFrom(entry->next);
+        if (isRdfElement(entry, "li") && gone.contains(resourceOf(entry))) {
+            xmlUnlinkNode(entry);
+            xmlFreeNode(entry);
         }
+        entry = next;
     }
+}
 
-private:
-    xmlNode *child(xmlNode *parent, const char *name) const
-    {
-        for (xmlNode *node = elementFrom(parent->children); node != nullptr; node = elementFrom(node->next))
-            if (isNamed(node, name) && belongsTo(family(), node))
-                return node;
-        return nullptr;
-    }
-
-    xmlNode *existingList(xmlNode *root) const
-    {
-        xmlNode *items = child(channel(root), "items");
-        for (xmlNode *node = items == nullptr ? nullptr : elementFrom(items->children); node != nullptr;
-             node = elementFrom(node->next))
-            if (isRdfElement(node, "Seq"))
-                return node;
-        return nullptr;
-    }
-
-    /// The list, made when the channel has none.
-    xmlNode *listOfItems(xmlNode *root) const
-    {
-        if (xmlNode *list = existingList(root))
-            return list;
-        xmlNode *itsChannel = channel(root);
-        xmlNode *items = child(itsChannel, "items");
-        if (items == nullptr)
-            items = xmlNewChild(itsChannel, itsChannel->ns, reinterpret_cast<const xmlChar *>("items"), nullptr);
-        xmlNs *ns = declaredNamespace(items, NamespaceName::rdf, "rdf", true);
-        return xmlNewChild(items, ns, reinterpret_cast<const xmlChar *>("Seq"), nullptr);
-    }
-};
+/// The channel lists the addresses of its items.
+void itemsChanged(xmlNode *root, std::span<xmlNode *const> added, std::span<xmlNode *const> dropped)
+{
+    if (!added.empty())
+        enterInFront(listOfItems(root), added);
+    if (!dropped.empty())
+        removeFromList(root, dropped);
+}
 
 } // namespace
 
-const FeedFormat &rdf10Format()
-{
-    static const Rdf10Format format;
-    return format;
-}
+/// RDF Site Summary 1.0. Items stand beside the channel, which lists them by address; their order is that of the
+/// document.
+extern constexpr FeedFormat rdf10Format{
+    .version = Rdf10,
+    .isOwn = isOwn,
+    .ownNamespace = NamespaceName::rss10,
+    .channelName = channelName,
+    .itemName = itemName,
+    .recognise = recognise,
+    .channelFields = channelFields,
+    .itemFields = itemFields,
+    .write = write,
+    .completeCopy = completeCopy,
+    .itemsChanged = itemsChanged,
+};

@@ -1,74 +1,64 @@
-#include "engine/feed/ItemWriter.h"
-#include "engine/feed/RssFormat.h"
+#include "engine/feed/RssFamily.h"
 
 namespace {
 
-/// RSS 0.91, as Netscape and UserLand defined it: no element of an item but title, link, description and, by custom,
-/// comments; author and date by the Dublin Core.
-class Rss091Format final : public RssFormat
-{
-public:
-    FeedVersion version() const override { return Rss091; }
+using From::dc;
+using From::own;
+using Readings::childText;
 
-    QString channelText(ChannelField field, const ChildElements &channel, const xmlNode *) const override
-    {
-        switch (field) {
-        case ChannelField::Title:
-            return firstText(channel, {Element::Title});
-        case ChannelField::Link:
-            return firstText(channel, {Element::Link});
-        case ChannelField::Description:
-            return firstText(channel, {Element::Description});
-        case ChannelField::Language:
-            return firstText(channel, {Element::Language});
-        case ChannelField::Copyright:
-            return firstText(channel, {Element::Copyright});
-        case ChannelField::ManagingEditor:
-            return firstText(channel, {Element::ManagingEditor});
-        case ChannelField::WebMaster:
-            return firstText(channel, {Element::WebMaster});
-        case ChannelField::Ttl:
-            return firstText(channel, {Element::Ttl});
-        }
-        return {};
-    }
-
-    QString itemText(ItemField field, const ChildElements &item, const ChildElements &) const override
-    {
-        switch (field) {
-        case ItemField::Title:
-            return firstText(item, {Element::Title});
-        case ItemField::Link:
-            return firstText(item, {Element::Link});
-        case ItemField::Description:
-            return firstText(item, {Element::Description});
-        case ItemField::Author:
-            return firstText(item, {Element::DcCreator});
-        case ItemField::Comments:
-            return firstText(item, {Element::Comments});
-        case ItemField::PubDate:
-            return firstText(item, {Element::PubDate, Element::DcDate});
-        case ItemField::Category:
-            return {};
-        }
-        return {};
-    }
-
-    void write(ItemWriter &item, const ItemContent &content) const override
-    {
-        item.addElement("title", content.title);
-        item.add("link", content.link);
-        item.add("description", content.description);
-        item.addDc("creator", content.author);
-        item.add("comments", content.comments);
-        item.addRssDate(content.pubDate);
-    }
+constexpr FieldRow<ChannelField> channelFields[] = {
+    {ChannelField::Title, {own("title")}},
+    {ChannelField::Link, {own("link")}},
+    {ChannelField::Description, {own("description")}},
+    {ChannelField::Language, {own("language")}},
+    {ChannelField::Copyright, {own("copyright")}},
+    {ChannelField::ManagingEditor, {own("managingEditor")}},
+    {ChannelField::WebMaster, {own("webMaster")}},
+    {ChannelField::Ttl, {own("ttl")}},
+    {ChannelField::ImageUrl, {own("image", childText, "url")}},
+    {ChannelField::ImageTitle, {own("image", childText, "title")}},
+    {ChannelField::ImageLink, {own("image", childText, "link")}},
+    {ChannelField::ImageWidth, {own("image", childText, "width")}},
+    {ChannelField::ImageHeight, {own("image", childText, "height")}},
+    {ChannelField::ImageDescription, {own("image", childText, "description")}},
 };
+
+constexpr FieldRow<ItemField> itemFields[] = {
+    {ItemField::Title, {own("title")}},
+    {ItemField::Link, {own("link")}},
+    {ItemField::Description, {own("description")}},
+    {ItemField::Author, {dc("creator")}},
+    {ItemField::Comments, {own("comments")}},
+    {ItemField::PubDate, {own("pubDate"), dc("date")}},
+};
+
+FeedLoadResult recognise(const xmlNode *root)
+{
+    return RssFamily::recognise(root, "0.91");
+}
+
+void write(ItemWriter &item, const ItemContent &content)
+{
+    item.addElement("title", content.title);
+    item.add("link", content.link);
+    item.add("description", content.description);
+    item.addDc("creator", content.author);
+    item.add("comments", content.comments);
+    RssFamily::addDate(item, content.pubDate);
+}
 
 } // namespace
 
-const FeedFormat &rss091Format()
-{
-    static const Rss091Format format;
-    return format;
-}
+/// RSS 0.91, as Netscape and UserLand defined it: no element of an item but title, link, description and, by custom,
+/// comments; author and date by the Dublin Core.
+extern constexpr FeedFormat rss091Format{
+    .version = Rss091,
+    .isOwn = RssFamily::isOwn,
+    .channelName = "channel",
+    .itemsAreInChannel = true,
+    .itemName = "item",
+    .recognise = recognise,
+    .channelFields = channelFields,
+    .itemFields = itemFields,
+    .write = write,
+};

@@ -1,6 +1,7 @@
 #include "engine/feed/ElementText.h"
-#include "engine/feed/ItemWriter.h"
-#include "engine/feed/RssFormat.h"
+#include "engine/feed/RssFamily.h"
+
+#include <algorithm>
 
 namespace {
 
@@ -17,90 +18,84 @@ bool isAddress(const QString &text)
     return isLetter(text[0]) && std::all_of(text.begin() + 1, text.begin() + colon, mayFollow);
 }
 
-QString permanentLink(const xmlNode *guid)
+QString permanentLink(const FoundElement &guid)
 {
-    if (guid == nullptr || attributeOf(guid, "isPermaLink").compare(QLatin1String("false"), Qt::CaseInsensitive) == 0)
+    if (attributeOf(guid.element, "isPermaLink").compare(QLatin1String("false"), Qt::CaseInsensitive) == 0)
         return {};
-    const QString text = textOf(guid);
+    const QString text = textOf(guid.element);
     return isAddress(text) ? text : QString();
 }
 
-/// RSS 2.0: adds authors and guids to 0.92, and lets the Dublin Core stand in for everything.
-class Rss20Format final : public RssFormat
-{
-public:
-    FeedVersion version() const override { return Rss20; }
+using From::dc;
+using From::own;
+using Readings::attribute;
+using Readings::childText;
+using Readings::joinedTexts;
 
-    QString channelText(ChannelField field, const ChildElements &channel, const xmlNode *) const override
-    {
-        switch (field) {
-        case ChannelField::Title:
-            return firstText(channel, {Element::Title, Element::DcTitle});
-        case ChannelField::Link:
-            return firstText(channel, {Element::Link});
-        case ChannelField::Description:
-            return firstText(channel, {Element::Description, Element::DcDescription});
-        case ChannelField::Language:
-            return firstText(channel, {Element::Language, Element::DcLanguage});
-        case ChannelField::Copyright:
-            return firstText(channel, {Element::Copyright, Element::DcRights});
-        case ChannelField::ManagingEditor:
-            return firstText(channel, {Element::ManagingEditor, Element::DcCreator});
-        case ChannelField::WebMaster:
-            return firstText(channel, {Element::WebMaster, Element::DcPublisher});
-        case ChannelField::Ttl:
-            return firstText(channel, {Element::Ttl});
-        }
-        return {};
-    }
-
-    QString itemText(ItemField field, const ChildElements &item, const ChildElements &) const override
-    {
-        switch (field) {
-        case ItemField::Title:
-            return firstText(item, {Element::Title, Element::DcTitle});
-        case ItemField::Link: {
-            const QString link = firstText(item, {Element::Link});
-            return link.isEmpty() ? permanentLink(item.first(Element::Guid)) : link;
-        }
-        case ItemField::Description:
-            return firstText(item, {Element::ContentEncoded, Element::Description, Element::DcDescription});
-        case ItemField::Author:
-            return firstText(item, {Element::Author, Element::DcCreator});
-        case ItemField::Comments:
-            return firstText(item, {Element::Comments});
-        case ItemField::PubDate:
-            return firstText(item, {Element::PubDate, Element::DcDate});
-        case ItemField::Category:
-            return categories(item);
-        }
-        return {};
-    }
-
-    std::optional<ItemSource> source(const ChildElements &item) const override { return sourceElement(item); }
-    std::optional<ItemEnclosure> enclosure(const ChildElements &item) const override { return enclosureElement(item); }
-
-    void write(ItemWriter &item, const ItemContent &content) const override
-    {
-        item.addElement("title", content.title);
-        item.add("link", content.link);
-        item.add("description", content.description);
-        item.add("category", content.category);
-        // The format's own element is for mail addresses.
-        if (content.author.contains(u'@'))
-            item.add("author", content.author);
-        else
-            item.addDc("creator", content.author);
-        item.add("comments", content.comments);
-        item.addRssDate(content.pubDate);
-        writeSharedElements(item, content);
-    }
+constexpr FieldRow<ChannelField> channelFields[] = {
+    {ChannelField::Title, {own("title"), dc("title")}},
+    {ChannelField::Link, {own("link")}},
+    {ChannelField::Description, {own("description"), dc("description")}},
+    {ChannelField::Language, {own("language"), dc("language")}},
+    {ChannelField::Copyright, {own("copyright"), dc("rights")}},
+    {ChannelField::ManagingEditor, {own("managingEditor"), dc("creator")}},
+    {ChannelField::WebMaster, {own("webMaster"), dc("publisher")}},
+    {ChannelField::Ttl, {own("ttl")}},
+    {ChannelField::ImageUrl, {own("image", childText, "url")}},
+    {ChannelField::ImageTitle, {own("image", childText, "title")}},
+    {ChannelField::ImageLink, {own("image", childText, "link")}},
+    {ChannelField::ImageWidth, {own("image", childText, "width")}},
+    {ChannelField::ImageHeight, {own("image", childText, "height")}},
+    {ChannelField::ImageDescription, {own("image", childText, "description")}},
 };
+
+constexpr FieldRow<ItemField> itemFields[] = {
+    {ItemField::Title, {own("title"), dc("title")}},
+    {ItemField::Link, {own("link"), own("guid", permanentLink)}},
+    {ItemField::Description, {From::contentEncoded(), own("description"), dc("description")}},
+    {ItemField::Category, {own("category", joinedTexts), dc("subject", joinedTexts)}},
+    {ItemField::Author, {own("author"), dc("creator")}},
+    {ItemField::Comments, {own("comments")}},
+    {ItemField::PubDate, {own("pubDate"), dc("date")}},
+    {ItemField::SourceName, {own("source")}},
+    {ItemField::SourceUrl, {own("source", attribute, "url")}},
+    {ItemField::EnclosureUrl, {own("enclosure", attribute, "url")}},
+    {ItemField::EnclosureType, {own("enclosure", attribute, "type")}},
+    {ItemField::EnclosureLength, {own("enclosure", attribute, "length")}},
+};
+
+FeedLoadResult recognise(const xmlNode *root)
+{
+    return RssFamily::recognise(root, "2.0");
+}
+
+void write(ItemWriter &item, const ItemContent &content)
+{
+    item.addElement("title", content.title);
+    item.add("link", content.link);
+    item.add("description", content.description);
+    item.add("category", content.category);
+    // The format's own element is for mail addresses.
+    if (content.author.contains(u'@'))
+        item.add("author", content.author);
+    else
+        item.addDc("creator", content.author);
+    item.add("comments", content.comments);
+    RssFamily::addDate(item, content.pubDate);
+    RssFamily::addSourceAndEnclosure(item, content);
+}
 
 } // namespace
 
-const FeedFormat &rss20Format()
-{
-    static const Rss20Format format;
-    return format;
-}
+/// RSS 2.0: adds authors and guids to 0.92, and lets the Dublin Core stand in for everything.
+extern constexpr FeedFormat rss20Format{
+    .version = Rss20,
+    .isOwn = RssFamily::isOwn,
+    .channelName = "channel",
+    .itemsAreInChannel = true,
+    .itemName = "item",
+    .recognise = recognise,
+    .channelFields = channelFields,
+    .itemFields = itemFields,
+    .write = write,
+};

@@ -1,0 +1,37 @@
+#include "engine/feed/FeedFormats.h"
+
+#include <QByteArray>
+
+// One format a file: its name here, and it is read.
+extern const FeedFormat rss091Format, rss092Format, rss20Format, rdf10Format, atom03Format;
+
+static const std::vector<FormatReader> &readers()
+{
+    static const std::vector<FormatReader> all{FormatReader(rss091Format), FormatReader(rss092Format),
+                                               FormatReader(rss20Format), FormatReader(rdf10Format),
+                                               FormatReader(atom03Format)};
+    return all;
+}
+
+static bool isWebPage(const xmlDoc *document, const xmlNode *root)
+{
+    const auto isHtml = [](const xmlChar *name) { return xmlStrcasecmp(name, xmlText("html")) == 0; };
+    return nameOf(root->ns) == NamespaceName::xhtml || isHtml(root->name) ||
+           (document->intSubset != nullptr && isHtml(document->intSubset->name));
+}
+
+Recognised recognise(const xmlDoc *document)
+{
+    const xmlNode *root = xmlDocGetRootElement(document);
+    if (isWebPage(document, root))
+        return {LoadNotAFeed};
+    FeedLoadResult known = LoadUnknownFormat;
+    for (const FormatReader &reader : readers()) {
+        const FeedLoadResult result = reader.format().recognise(root);
+        if (result == LoadOk)
+            return {LoadOk, &reader};
+        if (known == LoadUnknownFormat)
+            known = result;
+    }
+    return {known};
+}
