@@ -24,7 +24,7 @@ const QByteArray stores[] = {
     "<?xml version='1.0' encoding='ISO-8859-1'?><rss version='0.92' xmlns='http://backend.userland.com/rss092' "
     "xmlns:dc='urn:x'><channel/></rss>",
     "<rss version='2.0' xmlns:dc='http://purl.org/dc/elements/1.1/' "
-    "xmlns:content='http://purl.org/rss/1.0/modules/content/' xmlns:a='urn:a'><channel/></rss>",
+    "xmlns:content='http://purl.org/rss/1.0/modules/content/' xmlns:a='urn:a?b&amp;c'><channel/></rss>",
     "<r:RDF xmlns:r='http://www.w3.org/1999/02/22-rdf-syntax-ns#' xmlns='http://purl.org/rss/1.0/'><channel/></r:RDF>",
     "<feed version='0.3' xmlns='http://purl.org/atom/ns#'/>"};
 
