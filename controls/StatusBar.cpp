@@ -70,11 +70,6 @@ void StatusBar::setPanelText(const QString &key, const QString &text)
     label->updateTip();
 }
 
-QString StatusBar::panelText(const QString &key) const
-{
-    return entry(key).label->text();
-}
-
 QRect StatusBar::panelRect(const QString &key) const
 {
     return entry(key).label->geometry();

@@ -28,7 +28,6 @@ public:
     /// The text of a panel: plain, on one line, cut with an ellipsis where it doesn't fit (the whole text is in its tip
     /// then). A key that there isn't throws RunTimeError::elementNotFound().
     void setPanelText(const QString &key, const QString &text);
-    QString panelText(const QString &key) const;
 
     /// Where a panel stands in the status bar, in pixels; for a control that lies over it (make that a child of the
     /// status bar).

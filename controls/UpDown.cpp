@@ -38,7 +38,6 @@ void UpDown::setValue(int value)
     m_value = std::clamp(value, m_min, m_max);
     if (m_buddy)
         m_buddy->setText(QString::number(m_value));
-    Q_EMIT valueChanged(m_value);
 }
 
 void UpDown::stepBy(int steps)

@@ -28,9 +28,6 @@ public:
 
     QSize sizeHint() const override;
 
-Q_SIGNALS:
-    void valueChanged(int value);
-
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;

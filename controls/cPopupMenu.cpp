@@ -117,12 +117,6 @@ QString cPopupMenu::ItemKey(int index) const
     return entry ? entry->item.key : QString();
 }
 
-QString cPopupMenu::Caption(int index) const
-{
-    const Entry *entry = entryAt(index);
-    return entry ? entry->item.caption : QString();
-}
-
 qint32 cPopupMenu::ItemData(int index) const
 {
     const Entry *entry = entryAt(index);
@@ -146,12 +140,6 @@ void cPopupMenu::setChecked(int index, bool checked)
     if (checked)
         entry.action->setCheckable(true);
     entry.action->setChecked(checked);
-}
-
-bool cPopupMenu::Enabled(int index) const
-{
-    const Entry *entry = entryAt(index);
-    return entry && entry->item.enabled;
 }
 
 void cPopupMenu::setEnabled(int index, bool enabled)

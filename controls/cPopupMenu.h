@@ -52,16 +52,13 @@ public:
     /// Of an index that there isn't: "", 0 and false; setting does nothing then. A check mark is set by the program
     /// alone, a choice doesn't toggle it.
     QString ItemKey(int index) const;
-    QString Caption(int index) const;
     qint32 ItemData(int index) const;
     bool Checked(int index) const;
     void setChecked(int index, bool checked);
-    bool Enabled(int index) const;
     void setEnabled(int index, bool enabled);
 
     /// Office XP drawing of this menu and its submenus, or the standard one. Takes effect at once.
     void setOfficeXpStyle(bool officeXpStyle);
-    bool officeXpStyle() const { return m_officeXpStyle; }
 
     /// Shows the menu at a point of the screen and returns when it is closed. A click is reported by Click().
     void ShowPopupMenu(const QPoint &globalPosition);

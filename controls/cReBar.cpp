@@ -1,15 +1,143 @@
 #include "controls/cReBar.h"
 
-#include "controls/cReBarPrivate.h"
+#include "controls/BandLayout.h"
+#include "controls/BandMoves.h"
+#include "controls/ReBarBand.h"
+#include "controls/ReBarMeasures.h"
+#include "controls/Twips.h"
+#include "controls/cToolbar.h"
 
 #include <QContextMenuEvent>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QStyleOption>
 
+#include <algorithm>
+#include <functional>
 #include <set>
 
 using namespace ReBarMeasures;
+
+struct cReBar::Private
+{
+    explicit Private(cReBar *rebar) : q(rebar) {}
+
+    cReBar *q;
+    std::vector<ReBarBand> bands; ///< in order of adding
+    BandLayout::Rows rows;
+    int height = 0;
+    bool layingOut = false;
+
+    int dragged = -1; ///< number of the band that the mouse holds
+    int grip = 0;     ///< where in the band
+
+    ReBarBand &band(int number) { return bands[static_cast<std::size_t>(number)]; }
+    bool has(int number) const { return number >= 0 && number < static_cast<int>(bands.size()); }
+
+    void layOut()
+    {
+        if (layingOut)
+            return;
+        layingOut = true;
+        std::vector<BandLayout::Wish> wishes;
+        for (const ReBarBand &band : bands)
+            wishes.push_back({band.width, band.minWidth(), std::max(band.minHeight, band.childHeight())});
+        const std::vector<QRect> places = BandLayout::place(rows, wishes, q->width(), rowGap, columnGap);
+        int bottom = 0;
+        for (std::size_t i = 0; i < bands.size(); ++i) {
+            bands[i].rect = places[i];
+            bottom = std::max(bottom, places[i].top() + places[i].height());
+            bands[i].placeChild();
+        }
+        layingOut = false;
+        q->update();
+        if (q->height() != bottom)
+            q->resize(q->width(), bottom);
+        if (height == bottom)
+            return;
+        height = bottom;
+        q->updateGeometry();
+        Q_EMIT q->HeightChanged(height);
+    }
+
+    /// The band whose gripper is at `position` and that may be moved; -1 for none.
+    int movableAt(const QPoint &position) const
+    {
+        for (std::size_t i = 0; i < bands.size(); ++i) {
+            if (bands[i].headContains(position))
+                return bands[i].fixed ? -1 : static_cast<int>(i);
+        }
+        return -1;
+    }
+
+    /// From now on the bands want the widths that they have.
+    void keepWidths()
+    {
+        for (ReBarBand &band : bands)
+            band.width = band.rect.width();
+    }
+
+    BandMoves moves()
+    {
+        std::vector<BandMoves::Band> facts;
+        for (const ReBarBand &band : bands)
+            facts.push_back({band.rect, band.rect.width(), band.minWidth(), band.fullWidth(), band.fixed});
+        return {rows, std::move(facts)};
+    }
+
+    template <class Change>
+    void move(Change change)
+    {
+        BandMoves moved = moves();
+        change(moved);
+        for (std::size_t i = 0; i < bands.size(); ++i)
+            bands[i].width = moved.bands()[i].width;
+        layOut();
+    }
+
+    /// The moves of a band as a menu, for who doesn't drag.
+    void showMoves(int number, const QPoint &globalPosition)
+    {
+        auto *menu = new QMenu(q);
+        menu->setAttribute(Qt::WA_DeleteOnClose);
+        const auto add = [&](const QString &text, bool possible, auto go) {
+            QAction *action = menu->addAction(text);
+            action->setEnabled(possible);
+            connect(action, &QAction::triggered, q, [this, number, go] {
+                if (has(number))
+                    move([number, go](BandMoves &moved) { go(moved, number); });
+            });
+        };
+        const auto above = [this](BandMoves &moved, int own) { moved.goUp(own, q->width() * 2 / 3); };
+        const auto below = [this](BandMoves &moved, int own) { moved.goDown(own, q->width() * 2 / 3); };
+        const BandMoves now = moves();
+        add(QStringLiteral("Déplacer vers la &gauche"), now.canGoLeft(number), std::mem_fn(&BandMoves::goLeft));
+        add(QStringLiteral("Déplacer vers la &droite"), now.canGoRight(number), std::mem_fn(&BandMoves::goRight));
+        add(QStringLiteral("Ligne du &haut"), now.canGoUp(number), above);
+        add(QStringLiteral("Ligne du &bas"), now.canGoDown(number), below);
+        menu->popup(globalPosition);
+    }
+
+    void pushChevron(int number)
+    {
+        const QRectF rect = band(number).chevron->geometry();
+        const double perX = Twips::perPixelX(q);
+        const double perY = Twips::perPixelY(q);
+        Q_EMIT q->ChevronPushed(number + 1, rect.left() * perX, rect.top() * perY, rect.right() * perX,
+                                rect.bottom() * perY);
+    }
+
+    /// The rebar is drawn as its toolbars are.
+    QStyle *drawingStyle() const
+    {
+        for (const ReBarBand &band : bands) {
+            if (qobject_cast<const cToolbar *>(band.child))
+                return band.child->style();
+        }
+        return q->style();
+    }
+};
 
 cReBar::cReBar(QWidget *parent) : QWidget(parent), d(new Private(this))
 {
@@ -21,19 +149,17 @@ cReBar::cReBar(QWidget *parent) : QWidget(parent), d(new Private(this))
 cReBar::~cReBar()
 {
     blockSignals(true);
-    for (const Private::Band &band : d->bands) {
+    for (const ReBarBand &band : d->bands) {
         // Where the owner goes too, the child ends with the rebar.
-        if (band.child && band.owner) {
-            band.child->hide();
-            band.child->setParent(band.owner);
-        }
+        if (band.child && band.owner)
+            band.letChildGo();
     }
 }
 
 void cReBar::AddBand(QWidget *child, const QString &caption, bool newRow, bool fixedSize, const QString &name)
 {
     const auto number = static_cast<int>(d->bands.size());
-    Private::Band band;
+    ReBarBand band;
     band.child = child;
     band.owner = child->parentWidget();
     band.caption = caption;
@@ -52,9 +178,9 @@ void cReBar::AddBand(QWidget *child, const QString &caption, bool newRow, bool f
     child->show();
     if (const auto *toolbar = qobject_cast<const cToolbar *>(child))
         connect(toolbar, &cToolbar::overflowChanged, this, &cReBar::RebarSize);
-    Private::dressChevron(band);
+    band.dressChevron();
+    band.width = band.fullWidth() + columnGap;
     d->bands.push_back(band);
-    d->bands.back().width = d->headWidth(band) + d->idealChildWidth(band) + columnGap;
     if (newRow || d->rows.empty())
         d->rows.emplace_back();
     d->rows.back().push_back(number);
@@ -75,9 +201,9 @@ void cReBar::setBandMinimumSize(int number, int width, int height)
 {
     if (!d->has(number))
         return;
-    Private::Band &band = d->band(number);
+    ReBarBand &band = d->band(number);
     if (width >= 0)
-        band.minChildWidth = width;
+        band.minimumChildWidth = width;
     band.minHeight = std::max(0, height);
     d->layOut();
 }
@@ -95,14 +221,13 @@ void cReBar::RebarSize()
 void cReBar::RemoveAllBands()
 {
     d->dragged = -1;
-    for (const Private::Band &band : d->bands) {
+    for (const ReBarBand &band : d->bands) {
         delete band.chevron;
         if (!band.child)
             continue;
         band.child->removeEventFilter(this);
         band.child->disconnect(this);
-        band.child->hide();
-        band.child->setParent(band.owner);
+        band.letChildGo();
     }
     d->bands.clear();
     d->rows.clear();
@@ -114,8 +239,8 @@ QString cReBar::saveLayout() const
     std::vector<BandLayout::Band> bands;
     for (const std::vector<int> &row : d->rows) {
         for (const int number : row) {
-            const Private::Band &band = d->band(number);
-            bands.push_back({number + 1, band.data, band.rect, d->minChildWidth(band), d->idealChildWidth(band),
+            const ReBarBand &band = d->band(number);
+            bands.push_back({number + 1, band.data, band.rect, band.minChildWidth(), band.idealChildWidth(),
                              band.chevron->isVisibleTo(this), band.caption, band.fixed});
         }
     }
@@ -130,7 +255,7 @@ bool cReBar::restoreLayout(const QString &layout)
     std::vector<int> numbers; // of our bands, in the order of the text
     for (const BandLayout::Band &band : *kept) {
         const auto found = std::find_if(d->bands.begin(), d->bands.end(),
-                                        [&band](const Private::Band &own) { return own.data == band.data; });
+                                        [&band](const ReBarBand &own) { return own.data == band.data; });
         if (found == d->bands.end())
             return false;
         numbers.push_back(static_cast<int>(found - d->bands.begin()));
@@ -145,9 +270,9 @@ bool cReBar::restoreLayout(const QString &layout)
     }
     for (std::size_t i = 0; i < numbers.size(); ++i) {
         const BandLayout::Band &from = (*kept)[i];
-        Private::Band &band = d->band(numbers[i]);
+        ReBarBand &band = d->band(numbers[i]);
         band.width = from.rect.width();
-        band.minChildWidth = from.minWidth;
+        band.minimumChildWidth = from.minWidth;
         band.caption = from.text;
         band.fixed = from.fixed;
     }
@@ -170,9 +295,9 @@ bool cReBar::event(QEvent *event)
 bool cReBar::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::StyleChange && qobject_cast<cToolbar *>(watched)) {
-        for (const Private::Band &band : d->bands) {
+        for (const ReBarBand &band : d->bands) {
             if (band.child == watched)
-                Private::dressChevron(band);
+                band.dressChevron();
         }
         update();
     }
@@ -185,7 +310,7 @@ void cReBar::paintEvent(QPaintEvent *)
     QStyle *style = d->drawingStyle();
     const QColor line = palette().color(QPalette::Mid);
     int rowBottom = -1;
-    for (const Private::Band &band : d->bands) {
+    for (const ReBarBand &band : d->bands) {
         QStyleOption option;
         option.initFrom(this);
         option.state |= QStyle::State_Horizontal;
@@ -215,8 +340,8 @@ void cReBar::resizeEvent(QResizeEvent *)
 void cReBar::mousePressEvent(QMouseEvent *event)
 {
     const QPoint position = event->position().toPoint();
-    const int number = event->button() == Qt::LeftButton ? d->gripperAt(position) : -1;
-    if (number >= 0 && !d->band(number).fixed) {
+    const int number = event->button() == Qt::LeftButton ? d->movableAt(position) : -1;
+    if (number >= 0) {
         d->dragged = number;
         d->grip = position.x() - d->band(number).rect.left();
     }
@@ -226,11 +351,10 @@ void cReBar::mouseMoveEvent(QMouseEvent *event)
 {
     const QPoint position = event->position().toPoint();
     if (d->dragged >= 0) {
-        d->drag(position);
+        d->move([this, &position](BandMoves &moves) { moves.drag(d->dragged, d->grip, position, d->height); });
         return;
     }
-    const int number = d->gripperAt(position);
-    if (number >= 0 && !d->band(number).fixed)
+    if (d->movableAt(position) >= 0)
         setCursor(Qt::SizeAllCursor);
     else
         unsetCursor();
@@ -244,18 +368,18 @@ void cReBar::mouseReleaseEvent(QMouseEvent *)
 void cReBar::mouseDoubleClickEvent(QMouseEvent *event)
 {
     // A double click on a gripper gives the band the width that shows all of its child.
-    const int number = d->gripperAt(event->position().toPoint());
-    if (number < 0 || d->band(number).fixed)
+    const int number = d->movableAt(event->position().toPoint());
+    if (number < 0)
         return;
     d->keepWidths();
-    Private::Band &band = d->band(number);
-    band.width = d->headWidth(band) + d->idealChildWidth(band) + columnGap;
+    ReBarBand &band = d->band(number);
+    band.width = band.fullWidth() + columnGap;
     d->layOut();
 }
 
 void cReBar::contextMenuEvent(QContextMenuEvent *event)
 {
-    const int number = d->gripperAt(event->pos());
-    if (number >= 0 && !d->band(number).fixed)
+    const int number = d->movableAt(event->pos());
+    if (number >= 0)
         d->showMoves(number, event->globalPos());
 }

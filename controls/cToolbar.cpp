@@ -3,6 +3,7 @@
 #include "controls/ImageList.h"
 #include "controls/OfficeXpStyle.h"
 #include "controls/ToolbarButton.h"
+#include "controls/ToolbarRow.h"
 #include "controls/cPopupMenu.h"
 
 #include <QKeyEvent>
@@ -16,8 +17,6 @@
 #include <algorithm>
 
 namespace {
-
-constexpr int separatorWidth = 8;
 
 class SeparatorLine final : public QWidget
 {
@@ -39,22 +38,10 @@ protected:
 
 struct cToolbar::Private
 {
-    struct Entry
-    {
-        QString key;
-        QString tip;
-        int image = -1;
-        ToolbarButton *button = nullptr; ///< null for a separator
-        QWidget *separator = nullptr;
-        bool shown = true; ///< it fits into the present width
-
-        QWidget *widget() const { return button ? static_cast<QWidget *>(button) : separator; }
-    };
-
     explicit Private(cToolbar *toolbar) : q(toolbar) {}
 
     cToolbar *q;
-    std::vector<Entry> entries;
+    ToolbarRow row;
     QMenuBar *menuBar = nullptr;
     QPointer<QMenu> overflow;
     QPoint overflowPlace;
@@ -68,62 +55,14 @@ struct cToolbar::Private
 
     QStyle *widgetStyle() const { return drawStyle == DrawStyle::OfficeXp ? OfficeXpStyle::shared() : nullptr; }
 
-    const Entry *entryAt(int index) const
+    void dress()
     {
-        return index >= 0 && index < static_cast<int>(entries.size()) ? &entries[static_cast<std::size_t>(index)]
-                                                                      : nullptr;
-    }
-
-    int indexOf(const QString &key) const
-    {
-        for (std::size_t i = 0; i < entries.size(); ++i) {
-            if (entries[i].button && entries[i].key == key)
-                return static_cast<int>(i);
-        }
-        return -1;
-    }
-
-    void dress(const Entry &entry) const
-    {
-        if (!entry.button)
-            return;
-        entry.button->setIcon(images ? images->icon(entry.image) : QIcon());
-        if (images)
-            entry.button->setIconSize(QSize(images->size(), images->size()));
-        const bool text = captions || !images || entry.image < 0;
-        entry.button->setToolButtonStyle(!text             ? Qt::ToolButtonIconOnly
-                                         : entry.image < 0 ? Qt::ToolButtonTextOnly
-                                                           : Qt::ToolButtonTextUnderIcon);
-    }
-
-    void dressAll()
-    {
-        for (const Entry &entry : entries)
-            dress(entry);
+        row.dress(images, captions);
         changed();
     }
 
-    int widthOf(const Entry &entry) const { return entry.button ? entry.button->sizeHint().width() : separatorWidth; }
-
-    int idealWidth() const
-    {
-        if (menuBar)
-            return menuBar->sizeHint().width();
-        int width = 0;
-        for (const Entry &entry : entries)
-            width += widthOf(entry);
-        return width;
-    }
-
-    int idealHeight() const
-    {
-        if (menuBar)
-            return menuBar->sizeHint().height();
-        int height = 0;
-        for (const Entry &entry : entries)
-            height = std::max(height, entry.button ? entry.button->sizeHint().height() : 0);
-        return height;
-    }
+    int idealWidth() const { return menuBar ? menuBar->sizeHint().width() : row.idealWidth(); }
+    int idealHeight() const { return menuBar ? menuBar->sizeHint().height() : row.idealHeight(); }
 
     void changed()
     {
@@ -134,10 +73,7 @@ struct cToolbar::Private
     void layOut()
     {
         const bool before = overflowing;
-        if (menuBar)
-            layOutMenuBar();
-        else
-            layOutButtons();
+        overflowing = menuBar ? layOutMenuBar() : row.layOut(q->size());
         const int ideal = idealWidth();
         if (before != overflowing || ideal != lastIdealWidth) {
             lastIdealWidth = ideal;
@@ -145,87 +81,25 @@ struct cToolbar::Private
         }
     }
 
-    void layOutButtons()
-    {
-        int x = 0;
-        overflowing = false;
-        for (Entry &entry : entries) {
-            const int width = widthOf(entry);
-            // Behind the first one that doesn't fit nothing is shown, so that the overflow menu is the row's end.
-            overflowing = overflowing || x + width > q->width();
-            entry.shown = !overflowing;
-            const int height = entry.button ? std::min(entry.button->sizeHint().height(), q->height()) : q->height();
-            entry.widget()->setGeometry(x, (q->height() - height) / 2, width, height);
-            entry.widget()->setVisible(entry.shown);
-            x += width;
-        }
-        // A separator that has nothing behind it any more would only be a stray line.
-        for (std::size_t i = entries.size(); overflowing && i-- > 0;) {
-            if (!entries[i].shown)
-                continue;
-            if (entries[i].button)
-                break;
-            entries[i].separator->hide();
-        }
-        updateTabStop();
-    }
-
-    /// The bar keeps the width that shows all its entries, and is cut off behind the last one that fits.
-    void layOutMenuBar()
+    /// The bar keeps the width that shows all its entries, and is cut off behind the last one that fits. True when it
+    /// is cut.
+    bool layOutMenuBar()
     {
         const QSize size = menuBar->sizeHint();
         menuBar->setGeometry(0, (q->height() - size.height()) / 2, size.width(), size.height());
         shownMenuWidth = 0;
-        overflowing = false;
+        bool cut = false;
         for (QAction *action : menuBar->actions()) {
             const int end = menuBar->actionGeometry(action).right() + 1;
-            overflowing = overflowing || end > q->width();
-            if (!overflowing)
+            cut = cut || end > q->width();
+            if (!cut)
                 shownMenuWidth = end;
         }
-        if (overflowing)
+        if (cut)
             menuBar->setMask(QRect(0, 0, std::max(1, shownMenuWidth), size.height()));
         else
             menuBar->clearMask();
-    }
-
-    bool canHaveFocus(const Entry &entry) const { return entry.button && entry.shown && entry.button->isEnabled(); }
-
-    /// One button of the row is a stop of the Tab key: the one that had the focus last, or the first one that can have
-    /// it.
-    void updateTabStop(const QToolButton *wanted = nullptr)
-    {
-        const Entry *stop = nullptr;
-        for (const Entry &entry : entries) {
-            if (!canHaveFocus(entry))
-                continue;
-            const bool holder = wanted ? entry.button == wanted : entry.button->focusPolicy() == Qt::TabFocus;
-            if (!stop || holder)
-                stop = &entry;
-            if (holder)
-                break;
-        }
-        for (const Entry &entry : entries) {
-            if (entry.button)
-                entry.button->setFocusPolicy(&entry == stop ? Qt::TabFocus : Qt::NoFocus);
-        }
-    }
-
-    /// Moves the focus from `button` over the next ones; beyond the end it begins at the other end.
-    void moveFocus(const QToolButton *button, int direction)
-    {
-        const auto count = static_cast<int>(entries.size());
-        int from = 0;
-        while (from < count && entries[static_cast<std::size_t>(from)].button != button)
-            ++from;
-        for (int step = 1; step < count; ++step) {
-            const int at = ((from + direction * step) % count + count) % count;
-            const Entry &entry = entries[static_cast<std::size_t>(at)];
-            if (canHaveFocus(entry)) {
-                entry.button->setFocus(Qt::TabFocusReason);
-                return;
-            }
-        }
+        return cut;
     }
 };
 
@@ -239,7 +113,7 @@ cToolbar::~cToolbar() = default;
 void cToolbar::setImageList(const ImageList *images)
 {
     d->images = images;
-    d->dressAll();
+    d->dress();
 }
 
 void cToolbar::setDrawStyle(DrawStyle style)
@@ -247,8 +121,7 @@ void cToolbar::setDrawStyle(DrawStyle style)
     d->drawStyle = style;
     QStyle *widgetStyle = d->widgetStyle();
     setStyle(widgetStyle);
-    for (const Private::Entry &entry : d->entries)
-        entry.widget()->setStyle(widgetStyle);
+    d->row.setStyle(widgetStyle);
     if (d->menuBar)
         d->menuBar->setStyle(widgetStyle);
     if (d->overflow)
@@ -264,13 +137,13 @@ DrawStyle cToolbar::drawStyle() const
 void cToolbar::setCaptionsVisible(bool visible)
 {
     d->captions = visible;
-    d->dressAll();
+    d->dress();
 }
 
 void cToolbar::AddButton(const QString &tip, int image, const QString &caption, ButtonStyle style, const QString &key)
 {
-    const auto index = static_cast<int>(d->entries.size());
-    Private::Entry entry;
+    const auto index = static_cast<int>(d->row.entries().size());
+    ToolbarRow::Entry entry;
     entry.key = key;
     entry.tip = tip;
     entry.image = image;
@@ -291,52 +164,49 @@ void cToolbar::AddButton(const QString &tip, int image, const QString &caption, 
         entry.button->installEventFilter(this);
         connect(entry.button, &QToolButton::clicked, this, [this, index] { Q_EMIT ButtonClick(index); });
     }
-    d->entries.push_back(entry);
-    d->dress(entry);
-    d->changed();
+    d->row.add(entry);
+    d->dress();
 }
 
 int cToolbar::buttonCount() const
 {
-    return d->menuBar ? static_cast<int>(d->menuBar->actions().size()) : static_cast<int>(d->entries.size());
+    return d->menuBar ? static_cast<int>(d->menuBar->actions().size()) : static_cast<int>(d->row.entries().size());
 }
 
 void cToolbar::setButtonEnabled(int index, bool enabled)
 {
-    const Private::Entry *entry = d->entryAt(index);
+    const ToolbarRow::Entry *entry = d->row.at(index);
     if (!entry || !entry->button || entry->button->isEnabled() == enabled)
         return;
     entry->button->setEnabled(enabled);
-    d->updateTabStop();
+    d->row.updateTabStop();
 }
 
 void cToolbar::setButtonEnabled(const QString &key, bool enabled)
 {
-    setButtonEnabled(d->indexOf(key), enabled);
+    setButtonEnabled(d->row.indexOf(key), enabled);
 }
 
 bool cToolbar::isButtonEnabled(int index) const
 {
-    const Private::Entry *entry = d->entryAt(index);
+    const ToolbarRow::Entry *entry = d->row.at(index);
     return entry && entry->button && entry->button->isEnabled();
 }
 
 bool cToolbar::isButtonEnabled(const QString &key) const
 {
-    return isButtonEnabled(d->indexOf(key));
+    return isButtonEnabled(d->row.indexOf(key));
 }
 
 QToolButton *cToolbar::button(int index) const
 {
-    const Private::Entry *entry = d->entryAt(index);
+    const ToolbarRow::Entry *entry = d->row.at(index);
     return entry ? entry->button : nullptr;
 }
 
 void cToolbar::CreateFromMenu(cPopupMenu *menu)
 {
-    for (const Private::Entry &entry : d->entries)
-        delete entry.widget();
-    d->entries.clear();
+    d->row.clear();
     delete d->menuBar;
     d->menuBar = new QMenuBar(this);
     d->menuBar->setNativeMenuBar(false); // it is a band of the window
@@ -356,7 +226,7 @@ void cToolbar::CreateFromMenu(cPopupMenu *menu)
 
 QPoint cToolbar::dropDownPosition(int index) const
 {
-    const Private::Entry *entry = d->entryAt(index);
+    const ToolbarRow::Entry *entry = d->row.at(index);
     if (entry && entry->button && entry->shown)
         return entry->button->mapToGlobal(QPoint(0, entry->button->height()));
     return d->overflowPlace; // the arrow was chosen in the overflow menu
@@ -376,8 +246,8 @@ QMenu *cToolbar::ShowOverflow(const QPoint &globalPosition)
                 d->overflow->addAction(action);
         }
     }
-    for (std::size_t i = 0; i < d->entries.size(); ++i) {
-        const Private::Entry &entry = d->entries[i];
+    for (std::size_t i = 0; i < d->row.entries().size(); ++i) {
+        const ToolbarRow::Entry &entry = d->row.entries()[i];
         if (entry.shown)
             continue;
         if (!entry.button) {
@@ -395,11 +265,6 @@ QMenu *cToolbar::ShowOverflow(const QPoint &globalPosition)
     }
     d->overflow->popup(globalPosition);
     return d->overflow;
-}
-
-bool cToolbar::hasOverflow() const
-{
-    return d->overflowing;
 }
 
 int cToolbar::idealWidth() const
@@ -450,11 +315,11 @@ bool cToolbar::eventFilter(QObject *watched, QEvent *event)
     }
     const auto *button = qobject_cast<QToolButton *>(watched);
     if (button && event->type() == QEvent::FocusIn)
-        d->updateTabStop(button);
+        d->row.updateTabStop(button);
     if (button && event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent *>(event)->key();
         if (key == Qt::Key_Left || key == Qt::Key_Right) {
-            d->moveFocus(button, key == Qt::Key_Right ? 1 : -1);
+            d->row.moveFocus(button, key == Qt::Key_Right ? 1 : -1);
             return true;
         }
     }

@@ -56,9 +56,6 @@ public:
     /// when all fit. A choice acts as the button; of a button with an arrow it acts as the arrow.
     QMenu *ShowOverflow(const QPoint &globalPosition);
 
-    /// True when a button doesn't fit into the present width.
-    bool hasOverflow() const;
-
     /// Width that shows all buttons, in pixels.
     int idealWidth() const;
 
@@ -77,7 +74,7 @@ public:
 Q_SIGNALS:
     void ButtonClick(int index);
     void DropDownPress(int index);
-    void overflowChanged(); ///< hasOverflow() or idealWidth() may have changed
+    void overflowChanged(); ///< whether all fit, or idealWidth(), may have changed
 
 protected:
     void resizeEvent(QResizeEvent *event) override;

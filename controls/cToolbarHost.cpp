@@ -5,7 +5,6 @@
 
 #include <QEvent>
 #include <QMenu>
-#include <QPainter>
 #include <QToolButton>
 
 #include <algorithm>
@@ -48,13 +47,6 @@ void cToolbarHost::Capture(cToolbar *toolbar)
     layOut();
 }
 
-void cToolbarHost::setBorder(bool border)
-{
-    m_border = border;
-    layOut();
-    update();
-}
-
 void cToolbarHost::setHostHeight(int height)
 {
     setFixedHeight(std::max(0, height));
@@ -62,8 +54,7 @@ void cToolbarHost::setHostHeight(int height)
 
 QSize cToolbarHost::sizeHint() const
 {
-    const int frame = m_border ? 2 : 0;
-    return (m_toolbar ? m_toolbar->sizeHint() : QSize(0, 24)) + QSize(frame, frame);
+    return m_toolbar ? m_toolbar->sizeHint() : QSize(0, 24);
 }
 
 bool cToolbarHost::eventFilter(QObject *watched, QEvent *event)
@@ -71,15 +62,6 @@ bool cToolbarHost::eventFilter(QObject *watched, QEvent *event)
     if (watched == m_toolbar && event->type() == QEvent::StyleChange)
         dressChevron();
     return QWidget::eventFilter(watched, event);
-}
-
-void cToolbarHost::paintEvent(QPaintEvent *)
-{
-    if (!m_border)
-        return;
-    QPainter painter(this);
-    painter.setPen(palette().color(QPalette::Mid));
-    painter.drawRect(rect().adjusted(0, 0, -1, -1));
 }
 
 void cToolbarHost::resizeEvent(QResizeEvent *)
@@ -94,8 +76,7 @@ void cToolbarHost::dressChevron()
 
 void cToolbarHost::layOut()
 {
-    const int frame = m_border ? 1 : 0;
-    QRect inner = rect().adjusted(frame, frame, -frame, -frame);
+    QRect inner = rect();
     const bool overflow = m_toolbar && m_toolbar->idealWidth() > inner.width();
     m_chevron->setVisible(overflow);
     if (overflow) {

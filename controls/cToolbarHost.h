@@ -21,10 +21,6 @@ public:
 
     cToolbar *toolbar() const { return m_toolbar; }
 
-    /// A thin line around the toolbar, or none (as at first).
-    void setBorder(bool border);
-    bool border() const { return m_border; }
-
     /// Height of the host in pixels; it is kept whatever the toolbar asks for.
     void setHostHeight(int height);
 
@@ -32,7 +28,6 @@ public:
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
-    void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 
 private:
@@ -41,5 +36,4 @@ private:
 
     QPointer<cToolbar> m_toolbar;
     QToolButton *m_chevron;
-    bool m_border = false;
 };

@@ -17,8 +17,8 @@ QString fromBytes(const QByteArray &bytes);
 bool holds(const QString &text);
 
 /// `WidenBytes`: the bytes of `text` as it lies in memory, two for each UTF-16 code unit, low byte first, each turned
-/// into one character of the code page. "é" becomes "é" and a zero character. Lists show texts without this, pages and
-/// mails with it; the difference is wanted.
+/// into one character of the code page. "é" becomes "é" and a zero character. Pages and mails take their texts through
+/// this, the page being a file of single bytes whose zeros the pane drops; lists show them as they are.
 QString widenBytes(const QString &text);
 
 } // namespace AnsiText

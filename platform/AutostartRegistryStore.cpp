@@ -114,7 +114,7 @@ qint32 AutostartRegistryStore::openKey(qint32 root, const QString &section, qint
         return m_rest.openKey(root, section, access, key);
     if (!QDir(m_directory).exists())
         return RegistryResult::NotFound;
-    key = {root, section, access};
+    key = {root, section};
     return RegistryResult::Success;
 }
 
@@ -124,7 +124,7 @@ qint32 AutostartRegistryStore::createKey(qint32 root, const QString &section, qi
         return m_rest.createKey(root, section, access, key);
     if (!QDir().mkpath(m_directory))
         return RegistryResult::AccessDenied;
-    key = {root, section, access};
+    key = {root, section};
     return RegistryResult::Success;
 }
 

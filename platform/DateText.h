@@ -6,7 +6,8 @@
 /// The system's text form of dates: the short date of the system locale with four digits of year, a blank, and hours,
 /// minutes and seconds ("01/07/2004 14:00:00"). French (France) where the locale is C or POSIX.
 ///
-/// A file that carries such a text to a system with another date order is misread there; that is wanted.
+/// A file that carries such a text to a system with another date order is misread there: catalogues have always
+/// carried their dates so, and nothing in them tells the order.
 namespace DateText {
 
 /// `when` (local time) as text.

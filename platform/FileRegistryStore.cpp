@@ -101,7 +101,7 @@ qint32 FileRegistryStore::save(const QJsonObject &sections) const
     return RegistryResult::Success;
 }
 
-qint32 FileRegistryStore::openKey(qint32 root, const QString &section, qint32 access, RegistryKey &key)
+qint32 FileRegistryStore::openKey(qint32 root, const QString &section, qint32, RegistryKey &key)
 {
     if (rootName(root).isEmpty())
         return RegistryResult::InvalidHandle;
@@ -111,11 +111,11 @@ qint32 FileRegistryStore::openKey(qint32 root, const QString &section, qint32 ac
     const QString path = sectionPath(root, section);
     if (path != rootName(root) && !sections.contains(storedName(sections, path)))
         return RegistryResult::NotFound;
-    key = {root, section, access};
+    key = {root, section};
     return RegistryResult::Success;
 }
 
-qint32 FileRegistryStore::createKey(qint32 root, const QString &section, qint32 access, RegistryKey &key)
+qint32 FileRegistryStore::createKey(qint32 root, const QString &section, qint32, RegistryKey &key)
 {
     if (rootName(root).isEmpty())
         return RegistryResult::InvalidHandle;
@@ -134,7 +134,7 @@ qint32 FileRegistryStore::createKey(qint32 root, const QString &section, qint32 
         if (const qint32 result = save(sections); result != RegistryResult::Success)
             return result;
     }
-    key = {root, section, access};
+    key = {root, section};
     return RegistryResult::Success;
 }
 
@@ -160,7 +160,8 @@ qint32 FileRegistryStore::queryValue(const RegistryKey &key, const QString &name
 qint32 FileRegistryStore::setValue(const RegistryKey &key, const QString &name, qint32 type, const QByteArray &data)
 {
     RegistryKey made;
-    if (const qint32 result = createKey(key.root, key.section, key.access, made); result != RegistryResult::Success)
+    if (const qint32 result = createKey(key.root, key.section, RegistryAccess::All, made);
+        result != RegistryResult::Success)
         return result;
     QJsonObject sections;
     if (const qint32 result = load(sections); result != RegistryResult::Success)

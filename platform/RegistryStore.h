@@ -29,7 +29,6 @@ inline constexpr qint32 AccessDenied = 5;
 inline constexpr qint32 InvalidHandle = 6; ///< no such root key
 inline constexpr qint32 InvalidData = 13;
 inline constexpr qint32 BadNetworkPath = 53;
-inline constexpr qint32 InvalidParameter = 87;
 inline constexpr qint32 MoreData = 234;
 inline constexpr qint32 DatabaseBroken = 1009; ///< the store can't be read; it isn't written either then
 inline constexpr qint32 WriteFault = 1012;
@@ -47,7 +46,6 @@ struct RegistryKey
 {
     qint32 root = 0;
     QString section;
-    qint32 access = 0;
 };
 
 /// The registry, a tree of sections with named values, as the system's calls show it. Section and value names are told

@@ -19,16 +19,6 @@ RunTimeError RunTimeError::overflow()
     return {6, QStringLiteral("Dépassement de capacité")};
 }
 
-RunTimeError RunTimeError::subscript()
-{
-    return {9, QStringLiteral("L'indice n'appartient pas à la sélection")};
-}
-
-RunTimeError RunTimeError::divisionByZero()
-{
-    return {11, QStringLiteral("Division par zéro")};
-}
-
 RunTimeError RunTimeError::typeMismatch()
 {
     return {13, QStringLiteral("Incompatibilité de type")};

@@ -7,8 +7,16 @@
 /// A run-time error: the one exception type of the program.
 ///
 /// It is thrown where an operation of the system would stop the program (a conversion that fails, a node that is
-/// missing, a file that can't be replaced), travels through every room untouched, and is caught in one place, the
-/// application's `notify`, which shows the system's message and ends the process with nothing further saved.
+/// missing, a file that can't be replaced) and travels through every room to the application's `notify` (ErrorTrap),
+/// which shows the system's message and ends the process with nothing further saved. The entry (basMain) does the same
+/// for what is thrown before and after the loop.
+///
+/// A few have an answer of their own, and go no further:
+/// - `SettingsFile::loadSettings`: the box that the settings can't be read, and the program doesn't start;
+/// - `RunAtStartup`: a step that fails is passed over, and the next one is taken;
+/// - `clsDES`, the operations on files: false, and the file stays as it was;
+/// - `FileRegistryStore` and `AutostartRegistryStore`: a file that can't be written is a result of the call.
+/// `cRegistry::EnumerateSections` raises what it meets anew, under a number of its own.
 class RunTimeError final : public std::exception
 {
 public:
@@ -25,8 +33,6 @@ public:
 
     static RunTimeError invalidCall();      ///< 5: an argument that has no meaning, such as a negative position.
     static RunTimeError overflow();         ///< 6: a number that its type can't hold.
-    static RunTimeError subscript();        ///< 9: an index outside an array.
-    static RunTimeError divisionByZero();   ///< 11.
     static RunTimeError typeMismatch();     ///< 13: a text that is no number or no date.
     static RunTimeError fileNotFound();     ///< 53.
     static RunTimeError deviceError();      ///< 57: reading or writing failed.

@@ -114,11 +114,6 @@ QString BrowserPane::LocationURL() const
     return d->engine ? d->engine->location() : QString();
 }
 
-bool BrowserPane::isAlive() const
-{
-    return d->engine != nullptr;
-}
-
 bool BrowserPane::isOnScreen() const
 {
     return isVisible() && !window()->isMinimized();

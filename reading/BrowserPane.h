@@ -44,9 +44,6 @@ public:
     /// first page.
     QString LocationURL() const;
 
-    /// True once the browser engine runs.
-    bool isAlive() const;
-
 Q_SIGNALS:
     void StatusTextChange(const QString &text);
 

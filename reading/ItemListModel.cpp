@@ -114,12 +114,6 @@ qint16 ItemListModel::key(int row) const
     return isRow(row) ? m_rows[static_cast<std::size_t>(row)].key : qint16(-1);
 }
 
-int ItemListModel::rowOfKey(qint16 key) const
-{
-    const auto found = std::find_if(m_rows.begin(), m_rows.end(), [key](const Row &row) { return row.key == key; });
-    return found == m_rows.end() ? -1 : static_cast<int>(found - m_rows.begin());
-}
-
 void ItemListModel::setRead(int row, bool read)
 {
     if (!isRow(row))

@@ -32,11 +32,9 @@ public:
     /// The row's key: the item's index in the document; -1 for a row outside.
     qint16 key(int row) const;
 
-    /// The row of the item with that key; -1 when there is none.
-    int rowOfKey(qint16 key) const;
-
     /// The look of a row: read is shown by the icon of the read column and by a font that isn't bold. The text of that
-    /// column ("r", "u"), by which it is sorted, stays that of the last fill; that is wanted.
+    /// column ("r", "u"), by which it is sorted, stays that of the last fill, so that no row moves away from who has
+    /// just read it.
     void setRead(int row, bool read);
     bool isShownRead(int row) const;
 

@@ -14,7 +14,7 @@ constexpr QLatin1String lineBreak("\r\n");
 constexpr QLatin1String headLine("<head><link rel=\"stylesheet\" href=\"style.css\" type=\"text/css\" /></head>");
 
 /// Pixels of a channel's picture: the size that stands in for a missing one, and the largest that is written. Each side
-/// is cut on its own, so that a tall picture is squeezed; that is wanted.
+/// is cut on its own: the head of the page has room for so much, and a tall picture is squeezed into it.
 constexpr qint16 defaultImageWidth = 88;
 constexpr qint16 defaultImageHeight = 31;
 constexpr qint16 maxImageWidth = 144;

@@ -7,7 +7,7 @@
 #include <QString>
 
 /// Writes the page of a channel or of an item into tmp.htm, as single-byte text of the system's code page, and the text
-/// of an item for mail. No field is escaped for HTML: markup in a description acts as markup, which is wanted.
+/// of an item for mail. No field is escaped for HTML: feeds send their descriptions as markup, and it acts as such.
 class PageWriter
 {
 public:

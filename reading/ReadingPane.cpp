@@ -58,7 +58,7 @@ void ReadingPane::ShowItemPage(qint16 index)
                                     QString::number(index));
     }
     m_window.enableBrowserButton(QStringLiteral("browser_attachment"), hasAttachment);
-    // Never disabled here: the button stays on for an item without comments. That is wanted.
+    // Only the next filling of the list disables the button: it stays on for an item without comments.
     if (!feed.ItemComments(index).isEmpty())
         m_window.enableBrowserButton(QStringLiteral("browser_comments"), true);
 

@@ -134,7 +134,7 @@ void cRegistry::setValue(const QVariant &value)
         break;
     case RegistryType::Number:
     case RegistryType::BigEndianNumber:
-        // Both types are written as the first, without a swap of the bytes. That is wanted.
+        // Both types are written as the first, without a swap of the bytes, and are read back so.
         if (value.typeId() == QMetaType::Int || value.typeId() == QMetaType::Short) {
             QByteArray bytes(sizeof(qint32), '\0');
             qToLittleEndian(value.value<qint32>(), bytes.data());
@@ -275,7 +275,7 @@ QString cRegistry::place() const
     return QString::number(ClassKey) + u"',Section: '" + SectionKey;
 }
 
-/// The text tells the value kept from the write before, not the one that failed. That is wanted.
+/// The text tells the value kept from the write before: the one that failed has never become a value of the registry.
 void cRegistry::throwWriteError(qint32 number) const
 {
     throw RunTimeError(number, u"Failed to set registry value Key: '"_qs + place() + u"',Key: '" + ValueKey +

@@ -46,8 +46,9 @@ public:
 
     /// Writes the value as ValueType says. Types 1 and 2: as text; one with two "%" at least one character apart is
     /// always written as type 2. Type 3: a QByteArray. Types 4 and 5: a qint16 or qint32, written as type 4; anything
-    /// else writes nothing. Any other type writes nothing. A write that fails goes unnoticed, which is wanted; throws
-    /// only when the section can't be made or opened, or type 3 gets no QByteArray.
+    /// else writes nothing. Any other type writes nothing. A write that fails goes unnoticed, so that a start
+    /// goes on without its entry in the desktop; throws only when the section can't be made or opened, or type 3 gets
+    /// no QByteArray.
     void setValue(const QVariant &value);
 
     /// Sets the five properties, then reads.

@@ -28,7 +28,8 @@ public:
     void EncryptByte(QByteArray &byteArray, const QString &key = QString());
 
     /// Replaces the cipher text by its bytes. A wrong key or a broken cipher text is never reported: the array is then
-    /// left deciphered as it stands, with its head of 12 bytes. That silence is wanted. A cipher text of no bytes at
+    /// left deciphered as it stands, with its head of 12 bytes, so that a catalogue or settings with a
+    /// password of another key still open. A cipher text of no bytes at
     /// all is left so too.
     void DecryptByte(QByteArray &byteArray, const QString &key = QString());
 

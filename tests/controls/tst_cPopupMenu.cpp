@@ -53,7 +53,7 @@ private Q_SLOTS:
         });
         menu.action(0)->trigger();
         QCOMPARE(menu.Count(), 1);
-        QCOMPARE(menu.Caption(0), QStringLiteral("neu"));
+        QCOMPARE(menu.action(0)->text(), QStringLiteral("neu"));
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QCOMPARE(menu.menu()->actions().size(), 1);
     }

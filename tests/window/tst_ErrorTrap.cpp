@@ -33,7 +33,7 @@ private Q_SLOTS:
         auto *trap = qobject_cast<ErrorTrap *>(QCoreApplication::instance());
         FakeMessages messages;
         int ends = 0;
-        messages.onShow = [&](const Message &) { trap->fail(RunTimeError::subscript()); };
+        messages.onShow = [&](const Message &) { trap->fail(RunTimeError::objectNotSet()); };
         trap->setMessages(&messages);
         trap->setFreeze({});
         trap->setEnd([&](int) { ++ends; });

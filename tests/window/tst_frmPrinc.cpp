@@ -8,6 +8,7 @@
 #include "window/SplitBar.h"
 
 #include <QClipboard>
+#include <QLabel>
 #include <QMenu>
 #include <QProgressBar>
 #include <QTimer>
@@ -240,7 +241,7 @@ private Q_SLOTS:
         QCOMPARE(m_fixture->list()->items().rowCount(), 5);
         QCOMPARE(titleOf(0), QStringLiteral("new0"));
         QCOMPARE(titleOf(m_fixture->list()->selectedRow()), QStringLiteral("f2-1"));
-        QCOMPARE(m_fixture->control<StatusBar>("stabPrinc")->panelText(QStringLiteral("state")),
+        QCOMPARE(m_fixture->control<StatusBar>("stabPrinc")->findChild<QLabel *>(QStringLiteral("state"))->text(),
                  QStringLiteral("Mise à jour de Monde terminée (2 nouveaux messages)"));
         QVERIFY(PrincFixture::popup());
         QCOMPARE(PrincFixture::popup()->caption(),
@@ -416,7 +417,7 @@ private Q_SLOTS:
             settings.rebarLayout.replace(QLatin1String("MinWidth=\"94\""), QLatin1String("MinWidth=\"0\""));
         };
         m_fixture->start();
-        QVERIFY(m_fixture->toolbar()->hasOverflow());
+        QVERIFY(m_fixture->toolbar()->idealWidth() > m_fixture->toolbar()->width());
         for (auto *button :
              m_fixture->control<cReBar>("cReBar1")->findChildren<QToolButton *>(QString(), Qt::FindDirectChildrenOnly))
             if (button->isVisible())
