@@ -10,12 +10,12 @@
 /// Where a text is looked for. Those made of nothing are passed over.
 struct TextSource
 {
-    enum class Of { Item, Feed };
+    enum class Of { Itself, Feed };
 
     ElementName element;       ///< without a name: the item's or the channel's element itself
     Reading reading = nullptr; ///< of the first element of that name
     const char *detail = "";   ///< what the reading is told besides
-    Of of = Of::Item;          ///< whose child the element is
+    Of of = Of::Itself;        ///< whose child the element is
 };
 
 /// The sources of a field, in order of preference: the first that isn't empty wins.

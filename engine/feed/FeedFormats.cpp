@@ -1,8 +1,6 @@
 #include "engine/feed/FeedFormats.h"
 
-#include <QByteArray>
-
-// One format a file: its name here, and it is read.
+// One format a file. What is named here is read, and nothing else knows it.
 extern const FeedFormat rss091Format, rss092Format, rss20Format, rdf10Format, atom03Format;
 
 static const std::vector<FormatReader> &readers()

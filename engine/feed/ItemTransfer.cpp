@@ -100,7 +100,7 @@ void dissolveCdata(xmlNode *top)
 xmlNode *ItemTransfer::copy(const ItemElements &original, const FormatReader &reader, xmlNode *parent,
                             const Enter &enter)
 {
-    xmlNode *result = xmlDocCopyNode(const_cast<xmlNode *>(original.item.parent()), parent->doc, 1);
+    xmlNode *result = XmlGate::copyInto(parent->doc, original.item.parent());
     if (result == nullptr)
         throw std::bad_alloc();
     ItemMarks::clear(result);

@@ -4,6 +4,7 @@
 #include "engine/feed/FeedNamespaces.h"
 
 #include <array>
+#include <cstring>
 #include <utility>
 #include <vector>
 
@@ -34,14 +35,15 @@ public:
     Number numberOf(const xmlNode *element) const;
 
     /// True when an element is one of the format's own, and of that name.
-    bool isOwn(const xmlNode *element, std::string_view name) const
+    bool isOwn(const xmlNode *element, const char *name) const
     {
-        return viewOf(element->name) == name && m_groups.front().in(nameOf(element->ns));
+        return std::strcmp(reinterpret_cast<const char *>(element->name), name) == 0 &&
+               m_groups.front().in(nameOf(element->ns));
     }
 
     /// The first child that is an own element of that name; null when there is none.
     template <class Node>
-    Node *ownChild(Node *parent, std::string_view name) const
+    Node *ownChild(Node *parent, const char *name) const
     {
         Node *child = elementFrom<Node>(parent->children);
         while (child != nullptr && !isOwn(child, name))

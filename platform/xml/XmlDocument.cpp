@@ -72,7 +72,7 @@ XmlNode XmlDocument::createElement(const QString &name)
 
 XmlNode XmlDocument::importNode(const XmlNode &node)
 {
-    xmlNode *copy = xmlDocCopyNode(static_cast<xmlNode *>(node.required()), m_tree->document.get(), 1);
+    xmlNode *copy = XmlGate::copyInto(m_tree->document.get(), static_cast<xmlNode *>(node.required()));
     if (copy == nullptr)
         throw RunTimeError::invalidCall();
     m_tree->outside.push_back(copy);

@@ -47,6 +47,11 @@ namespace XmlGate {
 /// overrides the one that the bytes declare. Throws std::bad_alloc.
 XmlDocPtr parse(const QByteArray &bytes, const XmlBounds &bounds, const char *encoding = nullptr);
 
+/// A deep copy of a node for another document, not yet placed in it; null when it can't be copied. Nodes go from one
+/// document to another by this alone, and namespaces are declared in none but by reading or by names of the program's
+/// own: what has to be escaped on writing is known from that.
+xmlNode *copyInto(xmlDoc *document, const xmlNode *node);
+
 /// The document in its own encoding, characters that it lacks as references; in UTF-8, under a declaration that says
 /// so, where its own can't hold it so that it reads back within `bounds`. Throws RunTimeError::deviceError() when it
 /// can't be written at all.

@@ -18,7 +18,6 @@ public:
 
     bool isNull() const { return m_node == nullptr; }
     explicit operator bool() const { return !isNull(); }
-    bool operator==(const XmlNode &other) const { return m_node == other.m_node; }
 
     bool isElement() const;
 

@@ -1,3 +1,4 @@
+#include "platform/xml/EscapedDeclarations.h"
 #include "platform/xml/Silence.h"
 #include "platform/xml/TreeWalk.h"
 #include "platform/xml/XmlGate.h"
@@ -21,6 +22,7 @@ struct ParserNotes
 {
     const XmlBounds &bounds;
     bool refused = false;
+    bool addressesMustBeEscaped = false;
     int parameterReferences = 0;
     qint64 parameterText = 0;
 };
@@ -67,6 +69,15 @@ xmlEntity *findParameterEntity(void *context, const xmlChar *name)
     notes.refused = true;
     xmlStopParser(parser);
     return nullptr;
+}
+
+void startElement(void *context, const xmlChar *name, const xmlChar *prefix, const xmlChar *address, int namespaces,
+                  const xmlChar **declared, int attributes, int defaulted, const xmlChar **values)
+{
+    for (int i = 0; i < namespaces; ++i) // prefix and address in turn
+        if (AddressesToEscape::isOne(declared[2 * i + 1]))
+            notesOf(static_cast<xmlParserCtxt *>(context)).addressesMustBeEscaped = true;
+    xmlSAX2StartElementNs(context, name, prefix, address, namespaces, declared, attributes, defaulted, values);
 }
 
 /// Prefixes that are declared nowhere are borne with, since documents have them. What else breaks the rules of
@@ -120,6 +131,7 @@ XmlDocPtr XmlGate::parse(const QByteArray &bytes, const XmlBounds &bounds, const
         throw std::bad_alloc();
     ParserNotes notes{bounds};
     parser->_private = &notes;
+    parser->sax->startElementNs = startElement;
     parser->sax->entityDecl = declareInternalEntity;
     parser->sax->getEntity = findEntity;
     parser->sax->getParameterEntity = findParameterEntity;
@@ -136,5 +148,7 @@ XmlDocPtr XmlGate::parse(const QByteArray &bytes, const XmlBounds &bounds, const
         xmlDocGetRootElement(document.get()) == nullptr || isTooDeep(document.get()))
         return nullptr;
     noteByteOrderMark(document.get(), bytes);
+    if (notes.addressesMustBeEscaped)
+        AddressesToEscape::note(document.get());
     return document;
 }

@@ -1,93 +1,11 @@
 #include "platform/RunTimeError.h"
+#include "platform/xml/EscapedDeclarations.h"
 #include "platform/xml/Silence.h"
-#include "platform/xml/TreeWalk.h"
 #include "platform/xml/XmlGate.h"
 
 #include <libxml/xmlsave.h>
 
-#include <cstring>
-#include <deque>
-#include <vector>
-
 namespace {
-
-bool mustBeEscaped(char c)
-{
-    return c == '&' || c == '<' || c == '\t' || c == '\n' || c == '\r';
-}
-
-QByteArray escaped(const char *text)
-{
-    QByteArray result;
-    for (; *text != 0; ++text) {
-        if (*text == '&')
-            result += "&amp;";
-        else if (*text == '<')
-            result += "&lt;";
-        else if (mustBeEscaped(*text))
-            result += "&#" + QByteArray::number(*text) + ';';
-        else
-            result += *text;
-    }
-    return result;
-}
-
-/// The library (2.9.14) writes the addresses of namespaces and the defaults of attributes as they are in memory, but
-/// for quotes. For the life of the object those that can't stand so are escaped in the tree.
-class EscapedDeclarations final
-{
-public:
-    explicit EscapedDeclarations(xmlNode *top) { escapeNamespaces(top); }
-    explicit EscapedDeclarations(xmlDoc *document)
-    {
-        if (xmlNode *root = xmlDocGetRootElement(document))
-            escapeNamespaces(root);
-        if (document->intSubset != nullptr)
-            escapeDefaults(document->intSubset);
-    }
-    EscapedDeclarations(const EscapedDeclarations &) = delete;
-    EscapedDeclarations &operator=(const EscapedDeclarations &) = delete;
-    ~EscapedDeclarations()
-    {
-        for (const Replaced &replaced : m_replaced)
-            *replaced.place = replaced.text;
-    }
-
-private:
-    struct Replaced
-    {
-        const xmlChar **place;
-        const xmlChar *text;
-    };
-
-    void escapeNamespaces(xmlNode *top)
-    {
-        for (xmlNode *node = top; node != nullptr; node = nextInTree(node, top))
-            if (node->type == XML_ELEMENT_NODE)
-                for (xmlNs *ns = node->nsDef; ns != nullptr; ns = ns->next)
-                    escape(ns->href);
-    }
-
-    void escapeDefaults(xmlDtd *type)
-    {
-        for (xmlNode *child = type->children; child != nullptr; child = child->next)
-            if (child->type == XML_ATTRIBUTE_DECL)
-                escape(reinterpret_cast<xmlAttribute *>(child)->defaultValue);
-    }
-
-    void escape(const xmlChar *&place)
-    {
-        const auto *text = reinterpret_cast<const char *>(place);
-        if (text == nullptr || std::none_of(text, text + std::strlen(text), mustBeEscaped))
-            return;
-        m_texts.push_back(escaped(text));
-        m_replaced.push_back({&place, place});
-        place = reinterpret_cast<const xmlChar *>(m_texts.back().constData());
-    }
-
-    std::deque<QByteArray> m_texts;
-    std::vector<Replaced> m_replaced;
-};
 
 int append(void *bytes, const char *data, int size)
 {
@@ -126,6 +44,14 @@ bool readsBack(xmlDoc *document, const QByteArray &written, const XmlBounds &bou
 }
 
 } // namespace
+
+xmlNode *XmlGate::copyInto(xmlDoc *document, const xmlNode *node)
+{
+    xmlNode *copy = xmlDocCopyNode(const_cast<xmlNode *>(node), document, 1);
+    if (copy != nullptr && AddressesToEscape::areIn(node->doc))
+        AddressesToEscape::note(document);
+    return copy;
+}
 
 bool XmlGate::holdsEveryCharacter(const xmlDoc *document)
 {

@@ -89,6 +89,8 @@ void tst_XmlGate::whatIsWrittenReadsBackTheSame_data()
         "xmlns:n=\"http://e.example/?a=1&amp;b=2\" n:k=\"v\"");
     row("ampersand in a default namespace", {}, "><p xmlns='http://e.example/?a&amp;b'><q/></p></item>",
         "<p xmlns=\"http://e.example/?a&amp;b\"><q/></p>");
+    row("ampersand in a namespace within an entity", "<!DOCTYPE rss [<!ENTITY e '<p xmlns=\"urn:a?b&#38;amp;c\"/>'>]>",
+        ">&e;</item>", "<p xmlns=\"urn:a?b&amp;c\"/>");
     row("quotes and angles in a namespace", {}, "xmlns:n='&lt;a b=\"c\">&apos;' n:k='v'/>",
         "xmlns:n=\"&lt;a b=&quot;c&quot;>'\"", false);
     row("a reference in a namespace", {}, "xmlns:n='urn:&amp;amp;' n:k='v'/>", "xmlns:n=\"urn:&amp;amp;\"");
