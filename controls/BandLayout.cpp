@@ -23,7 +23,6 @@ void shareOut(std::vector<int> &widths, const std::vector<int> &minima, int room
         const int total = std::accumulate(widths.begin(), widths.end(), 0);
         for (int &width : widths)
             width = static_cast<int>(static_cast<qint64>(width) * std::max(0, room) / std::max(1, total));
-        excess = 0;
     }
     widths.back() += room - std::accumulate(widths.begin(), widths.end(), 0);
 }

@@ -73,6 +73,17 @@ int stripWidth(const QStyleOptionMenuItem &item)
     return pictureSize(item) + 2 * stripPadding;
 }
 
+void drawTick(QPainter *painter, const QRectF &box, const QColor &colour)
+{
+    painter->setPen(QPen(colour, 1.8));
+    painter->setRenderHint(QPainter::Antialiasing);
+    const QPointF points[] = {{box.left(), box.center().y()},
+                              {box.left() + box.width() * 0.35, box.bottom() - 1},
+                              {box.right(), box.top() + 1}};
+    painter->drawPolyline(points, 3);
+    painter->setRenderHint(QPainter::Antialiasing, false);
+}
+
 } // namespace
 
 OfficeXpStyle::OfficeXpStyle() = default;
@@ -230,14 +241,7 @@ void OfficeXpStyle::drawMenuItem(const QStyleOptionMenuItem &item, QPainter *pai
     if (!item.icon.isNull()) {
         item.icon.paint(painter, picture, Qt::AlignCenter, enabled ? QIcon::Normal : QIcon::Disabled);
     } else if (item.checked) {
-        painter->setPen(QPen(palette.color(group, QPalette::WindowText), 1.8));
-        painter->setRenderHint(QPainter::Antialiasing);
-        const QRectF box = picture.adjusted(3, 3, -3, -3);
-        const QPointF points[] = {{box.left(), box.center().y()},
-                                  {box.left() + box.width() * 0.35, box.bottom() - 1},
-                                  {box.right(), box.top() + 1}};
-        painter->drawPolyline(points, 3);
-        painter->setRenderHint(QPainter::Antialiasing, false);
+        drawTick(painter, picture.adjusted(3, 3, -3, -3), palette.color(group, QPalette::WindowText));
     }
 
     QString text = item.text;

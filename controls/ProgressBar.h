@@ -2,7 +2,7 @@
 
 #include <QProgressBar>
 
-/// `vbalProgressBar`: a bar from 0 to 100.
+/// A bar from 0 to 100.
 class ProgressBar : public QProgressBar
 {
     Q_OBJECT

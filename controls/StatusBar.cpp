@@ -124,7 +124,7 @@ void StatusBar::layOut()
         left -= widths.back();
         glues += panel.kind == Panel::Glue;
     }
-    for (std::size_t i = 0; i < widths.size() && left > 0; ++i) {
+    for (std::size_t i = 0; i < widths.size() && left > 0 && glues > 0; ++i) {
         if (m_panels[i].kind == Panel::Glue) {
             widths[i] = left / glues--;
             left -= widths[i];

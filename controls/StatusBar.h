@@ -8,7 +8,7 @@
 class QLabel;
 class QSizeGrip;
 
-/// `vbalStatusBar`: panels in a row along the bottom of a window, addressed by key, with a grip for resizing the
+/// Panels in a row along the bottom of a window, addressed by key, with a grip for resizing the
 /// window.
 class StatusBar : public QWidget
 {

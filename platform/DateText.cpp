@@ -55,7 +55,7 @@ QString DateText::toText(const QDateTime &when)
 
 QDateTime DateText::fromText(const QString &text)
 {
-    const QDateTime when = parse(text);
+    QDateTime when = parse(text);
     if (!when.isValid())
         throw RunTimeError::typeMismatch();
     return when;

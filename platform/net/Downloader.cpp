@@ -10,8 +10,8 @@
 
 namespace {
 
-constexpr qint64 ChunkSize = 64 * 1024;
-constexpr qint64 UnreadLimit = 1024 * 1024;
+constexpr qint64 ChunkSize = 64LL * 1024;
+constexpr qint64 UnreadLimit = 1024LL * 1024;
 
 bool isHttp(const QUrl &url)
 {

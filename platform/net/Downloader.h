@@ -42,10 +42,10 @@ public:
 
     struct Limits
     {
-        int connectMs = 30000;              ///< from the start of a request until it has been sent
-        int idleMs = 30000;                 ///< between two signs of life of the server
-        int totalMs = 300000;               ///< the whole download, redirections included
-        qint64 maxBytes = 64 * 1024 * 1024; ///< size of the body after decoding
+        int connectMs = 30000;                ///< from the start of a request until it has been sent
+        int idleMs = 30000;                   ///< between two signs of life of the server
+        int totalMs = 300000;                 ///< the whole download, redirections included
+        qint64 maxBytes = 64LL * 1024 * 1024; ///< size of the body after decoding
         int maxRedirects = 10;
     };
 

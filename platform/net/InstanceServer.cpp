@@ -87,7 +87,7 @@ void InstanceServer::handleBytes(QLocalSocket *socket)
         this, [this, sender = QPointer<QLocalSocket>(socket), bytes] { deliver(sender, bytes); }, Qt::QueuedConnection);
 }
 
-void InstanceServer::deliver(QPointer<QLocalSocket> sender, const QByteArray &bytes)
+void InstanceServer::deliver(const QPointer<QLocalSocket> &sender, const QByteArray &bytes)
 {
     if (!m_server.isListening())
         return;

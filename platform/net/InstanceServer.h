@@ -44,7 +44,7 @@ Q_SIGNALS:
 private:
     void handleConnection();
     void handleBytes(QLocalSocket *socket);
-    void deliver(QPointer<QLocalSocket> sender, const QByteArray &bytes);
+    void deliver(const QPointer<QLocalSocket> &sender, const QByteArray &bytes);
 
     QString m_path;
     QLocalServer m_server;

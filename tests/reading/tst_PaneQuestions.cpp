@@ -1,0 +1,170 @@
+#include "tests/reading/PaneFixture.h"
+
+#include <QApplication>
+
+/// What a page makes the pane ask, and what may happen while a question is on show.
+class TestPaneQuestions : public QObject, private PaneFixture
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { setUp(); }
+    void cleanup() { m_server.reset(); }
+    void cleanupTestCase() { m_pane.reset(); }
+
+    void aLinkThatEndsLikeAFeedAsks_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<bool>("asks");
+        QTest::newRow("xml") << u"/a.xml"_s << true;
+        QTest::newRow("rdf") << u"/a.rdf"_s << true;
+        QTest::newRow("rss") << u"/a.rss"_s << true;
+        QTest::newRow("query behind the name") << u"/a.xml?x=1"_s << false;
+        QTest::newRow("query that ends so") << u"/a?x=.xml"_s << true;
+        QTest::newRow("capitals") << u"/a.XML"_s << false;
+    }
+
+    void aLinkThatEndsLikeAFeedAsks()
+    {
+        QFETCH(QString, path);
+        QFETCH(bool, asks);
+        m_server->setBody(path, "<html><body>dans le panneau</body></html>", "text/html");
+        QVERIFY(showsLink(m_server->url(path)));
+        QSignalSpy accepted(m_pane.get(), &BrowserPane::feedLinkAccepted);
+        clickLink();
+        QVERIFY(showsText(u"dans le panneau"_s)); // the answer No lets the navigation go on
+        QCOMPARE(m_messages.shown.size(), std::size_t(asks ? 1 : 0));
+        QVERIFY(accepted.isEmpty());
+        if (!asks)
+            return;
+        const Message &question = m_messages.shown.front();
+        QCOMPARE(question.text, u"Le fichier semble être un fichier RSS, voulez-vous tenter de l'ouvrir ?"_s);
+        QCOMPARE(question.title, u"Information"_s);
+        QCOMPARE(question.icon, Message::Icon::Information);
+        QCOMPARE(question.buttons, Message::Buttons::YesNo);
+    }
+
+    void yesToAFeedHandsItOutAlsoFromAFrameAndFromTheProgramItself()
+    {
+        m_messages.answer = Messages::Answer::Yes;
+        QVERIFY(showsLink(m_server->url(u"/a.rss"_s)));
+        QSignalSpy accepted(m_pane.get(), &BrowserPane::feedLinkAccepted);
+        clickLink();
+        QVERIFY(eventually([&] { return accepted.size() == 1; }));
+        QCOMPARE(accepted.last().first().toString(), m_server->url(u"/a.rss"_s));
+        QCOMPARE(m_server->hits(u"/a.rss"_s), 0);
+        QCOMPARE(text(), u"lien"_s);
+        m_server->setBody(u"/frames.html"_s, "<html><body>cadre<iframe src='/in.rss'></iframe></body></html>",
+                          "text/html");
+        m_pane->Navigate(m_server->url(u"/frames.html"_s));
+        QVERIFY(eventually([&] { return accepted.size() == 2; }));
+        m_pane->Navigate(m_server->url(u"/out.xml"_s));
+        QVERIFY(eventually([&] { return accepted.size() == 3; }));
+    }
+
+    void theProgramMayNavigateWhileAQuestionIsOnShow()
+    {
+        // As the delay timer, an update or a second start of the program do behind a modal box.
+        m_data.write(u"home.htm"_s, "<html><body>pendant</body></html>");
+        m_server->setBody(u"/a.xml"_s, "<html><body>feuille</body></html>", "text/html");
+        QVERIFY(showsLink(m_server->url(u"/a.xml"_s)));
+        m_messages.onShow = [this](const Message &) {
+            m_pane->Navigate(m_data.file(u"home.htm"_s));
+            m_pane->GoBack();
+            m_pane->Refresh();
+            letPass(200);
+        };
+        clickLink();
+        QVERIFY(showsText(u"pendant"_s));
+        QCOMPARE(m_messages.shown.size(), std::size_t(1));
+    }
+
+    void thePageMayLeaveOrDieWhileItsQuestionIsOnShow()
+    {
+        m_server->setBody(u"/else.html"_s, "<html><body>ailleurs</body></html>", "text/html");
+        m_server->setBody(u"/a.xml"_s, "<html><body>feuille</body></html>", "text/html");
+        m_server->setBody(u"/restless.html"_s,
+                          linkPage("/a.xml", "onclick=\"setTimeout(() => location = '/else.html', 50)\""), "text/html");
+        QVERIFY(goAndWait(m_server->url(u"/restless.html"_s)));
+        QVERIFY(showsText(u"lien"_s));
+        m_messages.onShow = [](const Message &) { letPass(300); };
+        clickLink();
+        QVERIFY(eventually([this] { return m_server->hits(u"/a.xml"_s) + m_server->hits(u"/else.html"_s) > 0; }));
+
+        QVERIFY(goAndWait(m_server->url(u"/restless.html"_s)));
+        QVERIFY(showsText(u"lien"_s));
+        m_messages.onShow = [this](const Message &) {
+            killRenderer();
+            letPass(300);
+        };
+        clickLink();
+        QVERIFY(eventually([this] { return m_messages.shown.size() == 2; }));
+        letPass(300);
+        QVERIFY(goAndWait(m_data.file(u"home.htm"_s)));
+        QVERIFY(showsText(u"Départ"_s));
+    }
+
+    void thePaneMayEndWhileAQuestionIsOnShow()
+    {
+        QVERIFY(showsLink(m_server->url(u"/a.xml"_s)));
+        m_messages.onShow = [this](const Message &) { m_pane.reset(); };
+        clickLink();
+        QVERIFY(eventually([this] { return !m_pane; }));
+        letPass(100);
+    }
+
+    void aPopUpOpensOnlyWhenTheUserAllowsIt_data()
+    {
+        QTest::addColumn<bool>("allowed");
+        QTest::newRow("no") << false;
+        QTest::newRow("yes") << true;
+    }
+
+    void aPopUpOpensOnlyWhenTheUserAllowsIt()
+    {
+        QFETCH(bool, allowed);
+        m_messages.answer = allowed ? Messages::Answer::Yes : Messages::Answer::No;
+        m_server->setBody(u"/popup.html"_s, "<html><head><title>fenetre</title></head></html>", "text/html");
+        m_server->setBody(u"/opener.html"_s, linkPage("/popup.html", "target=_blank"), "text/html");
+        const auto windows = [this] {
+            int count = 0;
+            const QWidgetList all = QApplication::topLevelWidgets();
+            for (const QWidget *widget : all)
+                count += widget != m_pane.get() && qobject_cast<const QWebEngineView *>(widget) ? 1 : 0;
+            return count;
+        };
+        QVERIFY(goAndWait(m_server->url(u"/opener.html"_s)));
+        QVERIFY(showsText(u"lien"_s));
+        clickLink();
+        QVERIFY(eventually([&] { return m_messages.shown.size() == std::size_t(1); }));
+        QCOMPARE(m_messages.shown.front().text,
+                 u"Le navigateur essaie d'ouvrir un pop-up, voulez-vous l'autoriser ?"_s);
+        if (allowed)
+            QVERIFY(eventually([&] { return m_server->hits(u"/popup.html"_s) == 1; }));
+        QCOMPARE(windows(), allowed ? 1 : 0);
+        QCOMPARE(text(), u"lien"_s);
+        m_pane.reset();
+        QCOMPARE(windows(), 0);
+    }
+
+    void aPageThatOpensPopUpsWithoutEndAsksOnce()
+    {
+        m_server->setBody(u"/flood.html"_s,
+                          "<html><body><script>for (let i = 0; i < 50; ++i) window.open('/p' + i);</script>fin"
+                          "</body></html>",
+                          "text/html");
+        QVERIFY(goAndWait(m_server->url(u"/flood.html"_s)));
+        QVERIFY(showsText(u"fin"_s));
+        QCOMPARE(m_messages.shown.size(), std::size_t(1));
+    }
+};
+
+int main(int argc, char *argv[])
+{
+    qputenv("QTWEBENGINE_CHROMIUM_FLAGS", "--disable-gpu");
+    QApplication app(argc, argv);
+    TestPaneQuestions test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_PaneQuestions.moc"
