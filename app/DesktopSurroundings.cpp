@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "app/DesktopSurroundings.h"
 
 #include "controls/SystemBrowser.h"
@@ -8,6 +10,7 @@
 #include "platform/AutostartRegistryStore.h"
 #include "platform/Build.h"
 #include "platform/FileRegistryStore.h"
+#include "platform/Literals.h"
 #include "platform/net/Downloader.h"
 #include "window/DesktopTrayShell.h"
 #include "window/InputBox.h"
@@ -24,7 +27,7 @@ namespace {
 QStringList helpFiles(const DataDirectory &directory)
 {
     const QDir program(QCoreApplication::applicationDirPath());
-    const QString name = QStringLiteral("Quillwire.qch");
+    const QString name = u"Quillwire.qch"_s;
     return {directory.file(name), program.filePath(name),
             QDir::cleanPath(program.filePath(Build::dataFolder % u'/' % name))};
 }

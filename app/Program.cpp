@@ -1,6 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "app/Program.h"
 
 #include "app/StartPlace.h"
+#include "platform/Literals.h"
 #include "platform/net/Downloader.h"
 #include "window/ProgramWindow.h"
 
@@ -8,7 +11,7 @@
 
 Program::Program(Surroundings surroundings)
     : m_surroundings(std::move(surroundings)),
-      m_settingsFile(m_surroundings.directory.file(QStringLiteral("params.xml")), m_surroundings.settingsTemplate,
+      m_settingsFile(m_surroundings.directory.file(u"params.xml"_s), m_surroundings.settingsTemplate,
                      m_surroundings.scale, m_surroundings.messages),
       m_treeState(m_tree), m_catalogue(m_surroundings.directory, m_tree, m_treeState, m_DESCrypt, m_surroundings.clock),
       m_dwlFeed(m_surroundings.makeDownloader()), m_dwlUpdate(m_surroundings.makeDownloader()),
@@ -58,7 +61,7 @@ void Program::start(ProgramWindow &window, const QList<QRect> &screens, const QS
     m_scheduler.start(m_settings.updateAtStart);
     if (m_ended)
         return;
-    if (m_settings.startMode == QStringLiteral("Minimisé"))
+    if (m_settings.startMode == u"Minimisé"_s)
         window.hideToTray();
     else
         window.present();

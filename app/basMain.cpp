@@ -1,9 +1,12 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "app/DesktopSurroundings.h"
 #include "app/Program.h"
 #include "app/SignalWatch.h"
 #include "controls/MessageBoxes.h"
 #include "platform/Build.h"
 #include "platform/Files.h"
+#include "platform/Literals.h"
 #include "platform/net/Downloader.h"
 #include "platform/net/HandOver.h"
 #include "platform/net/InstanceLock.h"
@@ -26,10 +29,10 @@ QString commandLine()
 
 void nameApplication()
 {
-    QCoreApplication::setApplicationName(QStringLiteral("quillwire"));
+    QCoreApplication::setApplicationName(u"quillwire"_s);
     QCoreApplication::setApplicationVersion(Build::version.toString());
-    QGuiApplication::setDesktopFileName(QStringLiteral("quillwire"));
-    QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/quillwire.svg")));
+    QGuiApplication::setDesktopFileName(u"quillwire"_s);
+    QGuiApplication::setWindowIcon(QIcon(u":/icons/quillwire.svg"_s));
     QGuiApplication::setQuitOnLastWindowClosed(false);
 }
 
@@ -74,8 +77,8 @@ int runFirstInstance(ErrorTrap &application, InstanceLock &lock)
         const DataDirectory directory = DataDirectory::ofProgram(QCoreApplication::applicationDirPath());
         const Program *created = nullptr;
         const Wait wait = programWait(created);
-        Program program({directory, Files::read(QStringLiteral(":/data/params.xml")).bytes,
-                         DesktopSurroundings::screenScale(), messages, Waiting::systemClock(), wait, isConnected,
+        Program program({directory, Files::read(u":/data/params.xml"_s).bytes, DesktopSurroundings::screenScale(),
+                         messages, Waiting::systemClock(), wait, isConnected,
                          [] { return std::make_unique<Downloader>(); }, runtimeDirectory(),
                          [&lock] { lock.release(); }});
         created = &program;
@@ -101,7 +104,7 @@ int main(int argc, char *argv[])
     ErrorTrap application(argc, argv);
     nameApplication();
     QTranslator french;
-    if (french.load(QStringLiteral("qtbase_fr"), QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+    if (french.load(u"qtbase_fr"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
         QCoreApplication::installTranslator(&french);
 
     InstanceLock lock;

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "bench/GeneratedFeeds.h"
 
 #include <QString> // with it come the operators of QByteArray

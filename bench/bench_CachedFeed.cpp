@@ -1,6 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "bench/GeneratedFeeds.h"
 #include "engine/feed/CachedFeed.h"
 #include "platform/Files.h"
+#include "platform/Literals.h"
 
 #include <QTemporaryDir>
 
@@ -104,7 +107,7 @@ void keepLeast(Cost &least, const Cost &cost)
 void loadAndRead(benchmark::State &state, Generator generate)
 {
     const QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("feed.xml"));
+    const QString path = folder.filePath(u"feed.xml"_s);
     Files::write(path, generate(static_cast<int>(state.range(0))));
     CachedFeed feed;
     if (feed.Load(path) != LoadOk || feed.ItemCount() != state.range(0))

@@ -1,4 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "engine/feed/CachedFeed.h"
+#include "platform/Literals.h"
 #include "reading/ItemListView.h"
 #include "tests/fixtures/TemporaryDataDirectory.h"
 
@@ -47,10 +50,10 @@ struct FilledFeed
     explicit FilledFeed(int items)
     {
         application();
-        folder.write(QStringLiteral("feed.xml"), feedText(items));
+        folder.write(u"feed.xml"_s, feedText(items));
         load();
     }
-    bool load() { return feed.Load(folder.file(QStringLiteral("feed.xml"))) == LoadOk; }
+    bool load() { return feed.Load(folder.file(u"feed.xml"_s)) == LoadOk; }
 
     TemporaryDataDirectory folder;
     CachedFeed feed;

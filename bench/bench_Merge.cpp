@@ -1,4 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "engine/ItemStore.h"
+#include "platform/Literals.h"
 #include "tests/fixtures/FeedTexts.h"
 #include "tests/fixtures/TemporaryDataDirectory.h"
 
@@ -17,10 +20,10 @@ using Seconds = std::chrono::duration<double>;
 void mergeTenThousandIntoThirtyThousand(benchmark::State &state, const QString &freshPrefix)
 {
     const TemporaryDataDirectory folder;
-    const QString storePath = folder.file(QStringLiteral("store.xml"));
-    const QString freshPath = folder.file(QStringLiteral("fresh.xml"));
-    Files::write(storePath, FeedTexts::rss(QStringLiteral("T"), FeedTexts::titles(QStringLiteral("item"), 0, 30000)));
-    Files::write(freshPath, FeedTexts::rss(QStringLiteral("T"), FeedTexts::titles(freshPrefix, 0, 10000)));
+    const QString storePath = folder.file(u"store.xml"_s);
+    const QString freshPath = folder.file(u"fresh.xml"_s);
+    Files::write(storePath, FeedTexts::rss(u"T"_s, FeedTexts::titles(u"item"_s, 0, 30000)));
+    Files::write(freshPath, FeedTexts::rss(u"T"_s, FeedTexts::titles(freshPrefix, 0, 10000)));
     CachedFeed marked; // a cache file bears the date of download of each item
     marked.Load(storePath);
     marked.Save();
@@ -37,8 +40,8 @@ void mergeTenThousandIntoThirtyThousand(benchmark::State &state, const QString &
         if (fresh.Load(freshPath) != LoadOk || store.Load(storePath) != LoadOk)
             state.SkipWithError("the files don't load");
         const auto loaded = std::chrono::steady_clock::now();
-        QString havecache = QStringLiteral("0");
-        benchmark::DoNotOptimize(ItemStore::merge(fresh, store, QStringLiteral("7"), havecache, QDate::currentDate()));
+        QString havecache = u"0"_s;
+        benchmark::DoNotOptimize(ItemStore::merge(fresh, store, u"7"_s, havecache, QDate::currentDate()));
         const auto merged = std::chrono::steady_clock::now();
         store.Save();
         const auto saved = std::chrono::steady_clock::now();
@@ -54,9 +57,9 @@ void mergeTenThousandIntoThirtyThousand(benchmark::State &state, const QString &
 
 } // namespace
 
-BENCHMARK_CAPTURE(mergeTenThousandIntoThirtyThousand, all_known, QStringLiteral("item"))
+BENCHMARK_CAPTURE(mergeTenThousandIntoThirtyThousand, all_known, u"item"_s)
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(mergeTenThousandIntoThirtyThousand, all_new, QStringLiteral("new"))
+BENCHMARK_CAPTURE(mergeTenThousandIntoThirtyThousand, all_new, u"new"_s)
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);

@@ -1,4 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "engine/ItemStore.h"
+#include "platform/Literals.h"
 #include "tests/fixtures/FeedTexts.h"
 #include "tests/fixtures/TemporaryDataDirectory.h"
 
@@ -16,14 +19,13 @@ public:
     void SetUp(const benchmark::State &state) override
     {
         const int items = static_cast<int>(state.range(0));
-        m_storeText = FeedTexts::rss(QStringLiteral("T"), FeedTexts::titles(QStringLiteral("item"), items / 10, items));
-        Files::write(m_folder.file(QStringLiteral("fresh.xml")),
-                     FeedTexts::rss(QStringLiteral("T"), FeedTexts::titles(QStringLiteral("item"), 0, items)));
+        m_storeText = FeedTexts::rss(u"T"_s, FeedTexts::titles(u"item"_s, items / 10, items));
+        Files::write(m_folder.file(u"fresh.xml"_s), FeedTexts::rss(u"T"_s, FeedTexts::titles(u"item"_s, 0, items)));
         restoreStore();
     }
 
 protected:
-    void restoreStore() const { Files::write(m_folder.file(QStringLiteral("store.xml")), m_storeText); }
+    void restoreStore() const { Files::write(m_folder.file(u"store.xml"_s), m_storeText); }
 
     void load(CachedFeed &feed, const char *name, benchmark::State &state) const
     {
@@ -61,9 +63,9 @@ BENCHMARK_DEFINE_F(UpdateParts, mergeAndSave)(benchmark::State &state)
         CachedFeed store;
         load(fresh, "fresh.xml", state);
         load(store, "store.xml", state);
-        QString havecache = QStringLiteral("0");
+        QString havecache = u"0"_s;
         state.ResumeTiming();
-        benchmark::DoNotOptimize(ItemStore::merge(fresh, store, QStringLiteral("7"), havecache, QDate::currentDate()));
+        benchmark::DoNotOptimize(ItemStore::merge(fresh, store, u"7"_s, havecache, QDate::currentDate()));
     }
 }
 

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Compares the results of the benchmark program with their limits: limits.py RESULTS.json. Exit status 1 when one is passed."""
 
 import json

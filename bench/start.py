@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Measures starts of the program on the X display at hand: time to the first window, and memory when started to the tray.
 
 usage: start.py PROGRAM EMPTY_PROGRAM PAGES

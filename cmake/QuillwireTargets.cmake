@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # What every room, program and test of the project has in common.
 
 add_library(quillwire_options INTERFACE)

@@ -1,4 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "controls/BandLayout.h"
+
+#include "platform/Literals.h"
 
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
@@ -46,28 +50,28 @@ std::optional<int> number(const QXmlStreamAttributes &attributes, const QString 
 
 std::optional<BandLayout::Band> readBand(const QXmlStreamAttributes &attributes)
 {
-    const auto left = number(attributes, QStringLiteral("left"));
-    const auto top = number(attributes, QStringLiteral("top"));
-    const auto right = number(attributes, QStringLiteral("right"));
-    const auto bottom = number(attributes, QStringLiteral("bottom"));
-    const auto minWidth = number(attributes, QStringLiteral("bandChildMinWidth"));
-    if (!left || !top || !right || !bottom || !minWidth || !attributes.hasAttribute(QStringLiteral("data")))
+    const auto left = number(attributes, u"left"_s);
+    const auto top = number(attributes, u"top"_s);
+    const auto right = number(attributes, u"right"_s);
+    const auto bottom = number(attributes, u"bottom"_s);
+    const auto minWidth = number(attributes, u"bandChildMinWidth"_s);
+    if (!left || !top || !right || !bottom || !minWidth || !attributes.hasAttribute(u"data"_s))
         return std::nullopt;
     BandLayout::Band band;
-    band.id = number(attributes, QStringLiteral("id")).value_or(0);
-    band.data = attributes.value(QStringLiteral("data")).toString();
+    band.id = number(attributes, u"id"_s).value_or(0);
+    band.data = attributes.value(u"data"_s).toString();
     band.rect = QRect(*left, *top, std::max(0, *right - *left), std::max(0, *bottom - *top));
     band.minWidth = *minWidth;
-    band.idealWidth = number(attributes, QStringLiteral("bandChildIdealWidth")).value_or(*minWidth);
-    band.chevron = attributes.value(QStringLiteral("chevron")) == u"y";
-    band.text = attributes.value(QStringLiteral("text")).toString();
-    band.fixed = attributes.value(QStringLiteral("fixedBand")) == u"y";
+    band.idealWidth = number(attributes, u"bandChildIdealWidth"_s).value_or(*minWidth);
+    band.chevron = attributes.value(u"chevron"_s) == u"y";
+    band.text = attributes.value(u"text"_s).toString();
+    band.fixed = attributes.value(u"fixedBand"_s) == u"y";
     return band;
 }
 
 QString yesNo(bool value)
 {
-    return value ? QStringLiteral("y") : QStringLiteral("n");
+    return value ? u"y"_s : u"n"_s;
 }
 
 } // namespace
@@ -104,25 +108,25 @@ QString BandLayout::toText(const std::vector<Band> &bands, int rowCount)
 {
     QString text;
     QXmlStreamWriter writer(&text);
-    writer.writeStartElement(QStringLiteral("Bands"));
-    writer.writeAttribute(QStringLiteral("count"), QString::number(bands.size()));
-    writer.writeAttribute(QStringLiteral("rowCount"), QString::number(rowCount));
+    writer.writeStartElement(u"Bands"_s);
+    writer.writeAttribute(u"count"_s, QString::number(bands.size()));
+    writer.writeAttribute(u"rowCount"_s, QString::number(rowCount));
     for (const Band &band : bands) {
         const auto write = [&writer](const QString &name, int value) {
             writer.writeAttribute(name, QString::number(value));
         };
-        writer.writeEmptyElement(QStringLiteral("Band"));
-        write(QStringLiteral("id"), band.id);
-        writer.writeAttribute(QStringLiteral("data"), band.data);
-        write(QStringLiteral("left"), band.rect.left());
-        write(QStringLiteral("top"), band.rect.top());
-        write(QStringLiteral("right"), band.rect.left() + band.rect.width());
-        write(QStringLiteral("bottom"), band.rect.top() + band.rect.height());
-        write(QStringLiteral("bandChildMinWidth"), band.minWidth);
-        write(QStringLiteral("bandChildIdealWidth"), band.idealWidth);
-        writer.writeAttribute(QStringLiteral("chevron"), yesNo(band.chevron));
-        writer.writeAttribute(QStringLiteral("text"), band.text);
-        writer.writeAttribute(QStringLiteral("fixedBand"), yesNo(band.fixed));
+        writer.writeEmptyElement(u"Band"_s);
+        write(u"id"_s, band.id);
+        writer.writeAttribute(u"data"_s, band.data);
+        write(u"left"_s, band.rect.left());
+        write(u"top"_s, band.rect.top());
+        write(u"right"_s, band.rect.left() + band.rect.width());
+        write(u"bottom"_s, band.rect.top() + band.rect.height());
+        write(u"bandChildMinWidth"_s, band.minWidth);
+        write(u"bandChildIdealWidth"_s, band.idealWidth);
+        writer.writeAttribute(u"chevron"_s, yesNo(band.chevron));
+        writer.writeAttribute(u"text"_s, band.text);
+        writer.writeAttribute(u"fixedBand"_s, yesNo(band.fixed));
     }
     writer.writeEndElement();
     return text;

@@ -1,4 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "controls/ImageList.h"
+
+#include "platform/Literals.h"
 
 #include <initializer_list>
 
@@ -39,21 +43,17 @@ const ImageList *newList(int size, int firstIndex, std::initializer_list<QString
 const ImageList *newToolbarList(int size)
 {
     return newList(size, 0,
-                   {QStringLiteral("actualiser"), QStringLiteral("supprimer"), QStringLiteral("proprietes"),
-                    QStringLiteral("ajouter"), QStringLiteral("precedent"), QStringLiteral("suivant"),
-                    QStringLiteral("arreter"), QStringLiteral("ouvrir"), QStringLiteral("commentaires"),
-                    QStringLiteral("piece-jointe"), QStringLiteral("envoyer-mail")});
+                   {u"actualiser"_s, u"supprimer"_s, u"proprietes"_s, u"ajouter"_s, u"precedent"_s, u"suivant"_s,
+                    u"arreter"_s, u"ouvrir"_s, u"commentaires"_s, u"piece-jointe"_s, u"envoyer-mail"_s});
 }
 
 } // namespace
 
 const ImageList &ImageLists::vbalImageList1()
 {
-    static const ImageList *const list =
-        newList(16, 2,
-                {QStringLiteral("folder"), QStringLiteral("feed"), QStringLiteral("feed-updating"),
-                 QStringLiteral("root"), QStringLiteral("unread"), QStringLiteral("read"),
-                 QStringLiteral("sort-descending"), QStringLiteral("sort-ascending")});
+    static const ImageList *const list = newList(16, 2,
+                                                 {u"folder"_s, u"feed"_s, u"feed-updating"_s, u"root"_s, u"unread"_s,
+                                                  u"read"_s, u"sort-descending"_s, u"sort-ascending"_s});
     return *list;
 }
 
@@ -65,9 +65,8 @@ const ImageList &ImageLists::vbalImageList2()
 
 const ImageList &ImageLists::vbalImageList3()
 {
-    static const ImageList *const list = newList(16, 0,
-                                                 {QStringLiteral("actualiser"), QStringLiteral("supprimer"),
-                                                  QStringLiteral("proprietes"), QStringLiteral("nouveau-dossier")});
+    static const ImageList *const list =
+        newList(16, 0, {u"actualiser"_s, u"supprimer"_s, u"proprietes"_s, u"nouveau-dossier"_s});
     return *list;
 }
 

@@ -1,4 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "controls/MessageBoxes.h"
+
+#include "platform/Literals.h"
 
 #include <QApplication>
 #include <QMessageBox>
@@ -34,20 +38,20 @@ Messages::Answer MessageBoxes::show(const Message &message)
     QWidget *parent = QApplication::activeModalWidget();
     QMessageBox box(parent ? parent : m_parent.data());
     box.setIcon(boxIcon(message.icon));
-    box.setWindowTitle(message.title.isEmpty() ? QStringLiteral("Quillwire") : message.title);
+    box.setWindowTitle(message.title.isEmpty() ? u"Quillwire"_s : message.title);
     box.setTextFormat(Qt::PlainText); // texts carry titles of feeds, which must not act as markup
     box.setText(message.text);
     box.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
 
     if (message.buttons == Message::Buttons::Ok) {
-        QPushButton *ok = box.addButton(QStringLiteral("OK"), QMessageBox::AcceptRole);
+        QPushButton *ok = box.addButton(u"OK"_s, QMessageBox::AcceptRole);
         box.setDefaultButton(ok);
         box.setEscapeButton(ok);
         box.exec();
         return Answer::Ok;
     }
-    QPushButton *yes = box.addButton(QStringLiteral("&Oui"), QMessageBox::YesRole);
-    QPushButton *no = box.addButton(QStringLiteral("&Non"), QMessageBox::NoRole);
+    QPushButton *yes = box.addButton(u"&Oui"_s, QMessageBox::YesRole);
+    QPushButton *no = box.addButton(u"&Non"_s, QMessageBox::NoRole);
     box.setDefaultButton(yes);
     box.setEscapeButton(no);
     box.exec();

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "controls/PictureButton.h"
 
 #include <QKeyEvent>

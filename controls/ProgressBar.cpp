@@ -1,4 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "controls/ProgressBar.h"
+
+#include "platform/Literals.h"
 
 #include <algorithm>
 
@@ -6,7 +10,7 @@ ProgressBar::ProgressBar(QWidget *parent) : QProgressBar(parent)
 {
     setRange(0, 100);
     setTextVisible(false);
-    setAccessibleName(QStringLiteral("Progression"));
+    setAccessibleName(u"Progression"_s);
 }
 
 void ProgressBar::setValue(int value)

@@ -1,5 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "controls/StatusBar.h"
 
+#include "platform/Literals.h"
 #include "platform/RunTimeError.h"
 
 #include <QEvent>
@@ -46,7 +49,7 @@ protected:
 StatusBar::StatusBar(QWidget *parent) : QWidget(parent), m_grip(new QSizeGrip(this))
 {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    setAccessibleName(QStringLiteral("Barre d'état"));
+    setAccessibleName(u"Barre d'état"_s);
 }
 
 void StatusBar::addPanel(const QString &key, int width, Panel kind)

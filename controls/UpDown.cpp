@@ -1,5 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "controls/UpDown.h"
 
+#include "platform/Literals.h"
 #include "platform/Numbers.h"
 
 #include <QKeyEvent>
@@ -23,8 +26,8 @@ QToolButton *newArrow(QWidget *parent, Qt::ArrowType arrow, const QString &name)
 } // namespace
 
 UpDown::UpDown(QLineEdit *buddy, int min, int max, int step, int value, QWidget *parent)
-    : QWidget(parent), m_buddy(buddy), m_up(newArrow(this, Qt::UpArrow, QStringLiteral("Augmenter"))),
-      m_down(newArrow(this, Qt::DownArrow, QStringLiteral("Diminuer"))), m_min(min), m_max(max), m_step(step),
+    : QWidget(parent), m_buddy(buddy), m_up(newArrow(this, Qt::UpArrow, u"Augmenter"_s)),
+      m_down(newArrow(this, Qt::DownArrow, u"Diminuer"_s)), m_min(min), m_max(max), m_step(step),
       m_value(std::clamp(value, min, max))
 {
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "controls/cReBar.h"
 
 #include "controls/BandLayout.h"
@@ -6,6 +8,7 @@
 #include "controls/ReBarMeasures.h"
 #include "controls/Twips.h"
 #include "controls/cToolbar.h"
+#include "platform/Literals.h"
 
 #include <QContextMenuEvent>
 #include <QMenu>
@@ -112,10 +115,10 @@ struct cReBar::Private
         const auto above = [this](BandMoves &moved, int own) { moved.goUp(own, q->width() * 2 / 3); };
         const auto below = [this](BandMoves &moved, int own) { moved.goDown(own, q->width() * 2 / 3); };
         const BandMoves now = moves();
-        add(QStringLiteral("Déplacer vers la &gauche"), now.canGoLeft(number), std::mem_fn(&BandMoves::goLeft));
-        add(QStringLiteral("Déplacer vers la &droite"), now.canGoRight(number), std::mem_fn(&BandMoves::goRight));
-        add(QStringLiteral("Ligne du &haut"), now.canGoUp(number), above);
-        add(QStringLiteral("Ligne du &bas"), now.canGoDown(number), below);
+        add(u"Déplacer vers la &gauche"_s, now.canGoLeft(number), std::mem_fn(&BandMoves::goLeft));
+        add(u"Déplacer vers la &droite"_s, now.canGoRight(number), std::mem_fn(&BandMoves::goRight));
+        add(u"Ligne du &haut"_s, now.canGoUp(number), above);
+        add(u"Ligne du &bas"_s, now.canGoDown(number), below);
         menu->popup(globalPosition);
     }
 
@@ -143,7 +146,7 @@ cReBar::cReBar(QWidget *parent) : QWidget(parent), d(new Private(this))
 {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setMouseTracking(true);
-    setAccessibleName(QStringLiteral("Barres d'outils"));
+    setAccessibleName(u"Barres d'outils"_s);
 }
 
 cReBar::~cReBar()
@@ -166,11 +169,11 @@ void cReBar::AddBand(QWidget *child, const QString &caption, bool newRow, bool f
     band.data = name;
     band.fixed = fixedSize;
     band.chevron = new QToolButton(this);
-    band.chevron->setText(QStringLiteral("»"));
+    band.chevron->setText(u"»"_s);
     band.chevron->setAutoRaise(true);
     band.chevron->setFocusPolicy(Qt::TabFocus);
-    band.chevron->setToolTip(QStringLiteral("Autres boutons"));
-    band.chevron->setAccessibleName(QStringLiteral("Autres boutons"));
+    band.chevron->setToolTip(u"Autres boutons"_s);
+    band.chevron->setAccessibleName(u"Autres boutons"_s);
     band.chevron->hide();
     connect(band.chevron, &QToolButton::clicked, this, [this, number] { d->pushChevron(number); });
     child->setParent(this);

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "controls/cToolbar.h"
 
 #include "controls/ImageList.h"
@@ -5,6 +7,7 @@
 #include "controls/ToolbarButton.h"
 #include "controls/ToolbarRow.h"
 #include "controls/cPopupMenu.h"
+#include "platform/Literals.h"
 
 #include <QKeyEvent>
 #include <QMenu>
@@ -158,7 +161,7 @@ void cToolbar::AddButton(const QString &tip, int image, const QString &caption, 
         entry.button->setToolTip(tip);
         entry.button->setAccessibleName(tip);
         if (style == DropDownArrow)
-            entry.button->setAccessibleDescription(QStringLiteral("La flèche du bas ouvre le menu"));
+            entry.button->setAccessibleDescription(u"La flèche du bas ouvre le menu"_s);
         entry.button->setFocusPolicy(Qt::NoFocus);
         entry.button->setStyle(d->widgetStyle());
         entry.button->installEventFilter(this);
@@ -211,7 +214,7 @@ void cToolbar::CreateFromMenu(cPopupMenu *menu)
     d->menuBar = new QMenuBar(this);
     d->menuBar->setNativeMenuBar(false); // it is a band of the window
     d->menuBar->setStyle(d->widgetStyle());
-    d->menuBar->setAccessibleName(QStringLiteral("Barre de menus"));
+    d->menuBar->setAccessibleName(u"Barre de menus"_s);
     d->menuBar->addActions(menu->topLevelActions());
     d->menuBar->installEventFilter(this);
     d->menuBar->show();

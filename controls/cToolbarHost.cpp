@@ -1,7 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "controls/cToolbarHost.h"
 
 #include "controls/OfficeXpStyle.h"
 #include "controls/cToolbar.h"
+#include "platform/Literals.h"
 
 #include <QEvent>
 #include <QMenu>
@@ -15,11 +18,11 @@ constexpr int chevronWidth = 16;
 
 cToolbarHost::cToolbarHost(QWidget *parent) : QWidget(parent), m_chevron(new QToolButton(this))
 {
-    m_chevron->setText(QStringLiteral("»"));
+    m_chevron->setText(u"»"_s);
     m_chevron->setAutoRaise(true);
     m_chevron->setFocusPolicy(Qt::TabFocus);
-    m_chevron->setToolTip(QStringLiteral("Autres boutons"));
-    m_chevron->setAccessibleName(QStringLiteral("Autres boutons"));
+    m_chevron->setToolTip(u"Autres boutons"_s);
+    m_chevron->setAccessibleName(u"Autres boutons"_s);
     m_chevron->hide();
     connect(m_chevron, &QToolButton::clicked, this, [this] {
         if (m_toolbar)

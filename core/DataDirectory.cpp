@@ -1,6 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "core/DataDirectory.h"
 
 #include "platform/Files.h"
+#include "platform/Literals.h"
 #include "platform/RunTimeError.h"
 
 #include <QDir>
@@ -31,9 +34,9 @@ QString chosenPath(const QString &programDirectory)
     const QString named = qEnvironmentVariable("QUILLWIRE_DATA");
     if (!named.isEmpty())
         return QDir(named).absolutePath();
-    if (Files::exists(QDir(programDirectory).filePath(QStringLiteral("feeds.xml"))))
+    if (Files::exists(QDir(programDirectory).filePath(u"feeds.xml"_s)))
         return QDir(programDirectory).absolutePath();
-    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/quillwire");
+    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/quillwire"_s;
 }
 
 } // namespace
@@ -44,11 +47,11 @@ DataDirectory DataDirectory::ofProgram(const QString &programDirectory)
 {
     const DataDirectory chosen(chosenPath(programDirectory));
     makeDirectory(chosen.path());
-    makeDirectory(chosen.file(QStringLiteral("feeds")));
+    makeDirectory(chosen.file(u"feeds"_s));
     for (const char *name : {"feeds.xml", "home.htm", "style.css", "slien.gif"}) {
         const QString target = chosen.file(QString::fromLatin1(name));
         if (!isTaken(target))
-            Files::copy(QStringLiteral(":/data/") + QString::fromLatin1(name), target);
+            Files::copy(u":/data/"_s + QString::fromLatin1(name), target);
     }
     return chosen;
 }
@@ -60,5 +63,5 @@ QString DataDirectory::file(const QString &name) const
 
 QString DataDirectory::cacheFile(const QString &feedKey) const
 {
-    return m_path + QStringLiteral("/feeds/") + feedKey + QStringLiteral(".xml");
+    return m_path + u"/feeds/"_s + feedKey + u".xml"_s;
 }

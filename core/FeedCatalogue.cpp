@@ -1,7 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "core/FeedCatalogue.h"
 
 #include "core/FeedTreeState.h"
 #include "platform/Files.h"
+#include "platform/Literals.h"
 #include "platform/Numbers.h"
 #include "platform/RunTimeError.h"
 #include "platform/xml/XmlDocument.h"
@@ -14,22 +17,22 @@ namespace {
 
 QString rootKey()
 {
-    return QStringLiteral("root");
+    return u"root"_s;
 }
 
 QString fileName()
 {
-    return QStringLiteral("feeds.xml");
+    return u"feeds.xml"_s;
 }
 
 XmlNode favorisOf(const XmlDocument &document)
 {
-    return document.selectSingleNode(QStringLiteral("favoris"));
+    return document.selectSingleNode(u"favoris"_s);
 }
 
 QString keyOf(const XmlNode &element)
 {
-    return element.requiredAttribute(QStringLiteral("key"));
+    return element.requiredAttribute(u"key"_s);
 }
 
 /// The element of a folder's node; that of the root is `favoris`.
@@ -66,7 +69,7 @@ void FeedCatalogue::loadCatalogue()
 {
     const XmlDocument document = loadFile();
     if (const XmlNode favoris = favorisOf(document)) {
-        const FeedNodePtr root = m_tree.addRoot(rootKey(), QStringLiteral("Favoris"), NodeImage::Root);
+        const FeedNodePtr root = m_tree.addRoot(rootKey(), u"Favoris"_s, NodeImage::Root);
         walkLoad(favoris, root);
         nextFreeKey();
     }
@@ -91,32 +94,30 @@ void FeedCatalogue::walkLoad(const XmlNode &element, const FeedNodePtr &parent)
 void FeedCatalogue::loadFolder(const XmlNode &element, const FeedNodePtr &parent)
 {
     const QString key = keyOf(element);
-    const FeedNodePtr folder =
-        m_tree.addChild(parent, key, element.requiredAttribute(QStringLiteral("name")), NodeImage::Folder);
+    const FeedNodePtr folder = m_tree.addChild(parent, key, element.requiredAttribute(u"name"_s), NodeImage::Folder);
     takeKey(key);
     walkLoad(element, folder);
-    if (element.attribute(QStringLiteral("visible")) == QStringLiteral("0"))
+    if (element.attribute(u"visible"_s) == u"0"_s)
         m_treeState.setExpanded(folder, false);
 }
 
 void FeedCatalogue::loadFeed(const XmlNode &element, const FeedNodePtr &parent)
 {
     const QString key = keyOf(element);
-    const FeedNodePtr feed =
-        m_tree.addChild(parent, key, element.requiredAttribute(QStringLiteral("name")), NodeImage::Feed);
-    feed->tag = element.requiredAttribute(QStringLiteral("url"));
+    const FeedNodePtr feed = m_tree.addChild(parent, key, element.requiredAttribute(u"name"_s), NodeImage::Feed);
+    feed->tag = element.requiredAttribute(u"url"_s);
     m_treeState.bringIntoView(feed);
     takeKey(key);
 
-    tables.updatettl.Add(key, element.attribute(QStringLiteral("ttl")).value_or(QStringLiteral("60")));
-    tables.updatecache.Add(key, element.attribute(QStringLiteral("cache")).value_or(QStringLiteral("-7")));
-    const std::optional<QString> lastUpdate = element.attribute(QStringLiteral("lastupdate"));
+    tables.updatettl.Add(key, element.attribute(u"ttl"_s).value_or(u"60"_s));
+    tables.updatecache.Add(key, element.attribute(u"cache"_s).value_or(u"-7"_s));
+    const std::optional<QString> lastUpdate = element.attribute(u"lastupdate"_s);
     tables.updatedate.Add(key, lastUpdate ? UpdateDate(*lastUpdate) : UpdateDate(m_clock()));
-    tables.havecache.Add(key, QStringLiteral("0"));
+    tables.havecache.Add(key, u"0"_s);
     tables.nodeByKey.Add(key, feed);
 
-    const std::optional<QString> username = element.attribute(QStringLiteral("username"));
-    const std::optional<QString> password = element.attribute(QStringLiteral("password"));
+    const std::optional<QString> username = element.attribute(u"username"_s);
+    const std::optional<QString> password = element.attribute(u"password"_s);
     if (username && password) {
         tables.usernames.Add(key, *username);
         tables.passwords.Add(key, *password);
@@ -162,18 +163,18 @@ void FeedCatalogue::addFeed(const NewFeed &feed)
     m_treeState.setExpanded(parent, true);
     node->tag = feed.address;
 
-    const QString ttl = feed.ttl.isEmpty() ? QStringLiteral("60") : feed.ttl;
-    const QString cache = QStringLiteral("-7");
+    const QString ttl = feed.ttl.isEmpty() ? u"60"_s : feed.ttl;
+    const QString cache = u"-7"_s;
     XmlDocument document = loadFile();
-    XmlNode element = document.createElement(QStringLiteral("feed"));
-    element.setAttribute(QStringLiteral("name"), feed.title);
-    element.setAttribute(QStringLiteral("url"), feed.address);
-    element.setAttribute(QStringLiteral("key"), key);
-    element.setAttribute(QStringLiteral("ttl"), ttl);
-    element.setAttribute(QStringLiteral("cache"), cache);
+    XmlNode element = document.createElement(u"feed"_s);
+    element.setAttribute(u"name"_s, feed.title);
+    element.setAttribute(u"url"_s, feed.address);
+    element.setAttribute(u"key"_s, key);
+    element.setAttribute(u"ttl"_s, ttl);
+    element.setAttribute(u"cache"_s, cache);
     if (!feed.password.isEmpty() && !feed.username.isEmpty()) {
-        element.setAttribute(QStringLiteral("username"), feed.username);
-        element.setAttribute(QStringLiteral("password"), m_cipher.EncryptString(feed.password, cipherKey(key), true));
+        element.setAttribute(u"username"_s, feed.username);
+        element.setAttribute(u"password"_s, m_cipher.EncryptString(feed.password, cipherKey(key), true));
     }
     folderElement(parent, favorisOf(document)).appendChild(element);
     document.save(m_directory.file(fileName()));
@@ -181,10 +182,10 @@ void FeedCatalogue::addFeed(const NewFeed &feed)
     tables.updatettl.Add(key, ttl);
     tables.updatecache.Add(key, cache);
     tables.updatedate.Add(key, UpdateDate(m_clock()));
-    tables.havecache.Add(key, QStringLiteral("0"));
+    tables.havecache.Add(key, u"0"_s);
     tables.nodeByKey.Add(key, node);
 
-    Files::copy(m_directory.file(QStringLiteral("tmp.xml")), m_directory.cacheFile(key));
+    Files::copy(m_directory.file(u"tmp.xml"_s), m_directory.cacheFile(key));
     takeKey(key);
     nextFreeKey();
 }
@@ -221,10 +222,10 @@ void FeedCatalogue::createFolder(const FeedNodePtr &node, const QString &name)
     m_treeState.setExpanded(parent, true);
 
     XmlDocument document = loadFile();
-    XmlNode element = document.createElement(QStringLiteral("dir"));
-    element.setAttribute(QStringLiteral("name"), name);
-    element.setAttribute(QStringLiteral("key"), key);
-    element.setAttribute(QStringLiteral("visible"), QStringLiteral("1"));
+    XmlNode element = document.createElement(u"dir"_s);
+    element.setAttribute(u"name"_s, name);
+    element.setAttribute(u"key"_s, key);
+    element.setAttribute(u"visible"_s, u"1"_s);
     folderElement(parent, favorisOf(document)).appendChild(element);
     document.save(m_directory.file(fileName()));
 
@@ -282,9 +283,8 @@ void FeedCatalogue::walkSave(const XmlNode &element)
             const FeedNodePtr folder = m_tree.find(keyOf(child));
             if (!folder)
                 throw RunTimeError::objectNotSet();
-            child.requiredAttribute(QStringLiteral("visible"));
-            child.setAttribute(QStringLiteral("visible"),
-                               m_treeState.isExpanded(folder) ? QStringLiteral("1") : QStringLiteral("0"));
+            child.requiredAttribute(u"visible"_s);
+            child.setAttribute(u"visible"_s, m_treeState.isExpanded(folder) ? u"1"_s : u"0"_s);
             walkSave(child);
         } else if (name == u"feed") {
             saveFeed(child);
@@ -295,27 +295,27 @@ void FeedCatalogue::walkSave(const XmlNode &element)
 void FeedCatalogue::saveFeed(XmlNode element) const
 {
     const QString key = keyOf(element);
-    element.setAttribute(QStringLiteral("ttl"), tables.updatettl.Item(key));
-    element.setAttribute(QStringLiteral("cache"), tables.updatecache.Item(key));
-    element.setAttribute(QStringLiteral("lastupdate"), tables.updatedate.Item(key).text());
+    element.setAttribute(u"ttl"_s, tables.updatettl.Item(key));
+    element.setAttribute(u"cache"_s, tables.updatecache.Item(key));
+    element.setAttribute(u"lastupdate"_s, tables.updatedate.Item(key).text());
     if (!tables.usernames.Exists(key))
         return;
     // These two aren't made here: a feed that has credentials in the tables has to bear them.
-    element.requiredAttribute(QStringLiteral("username"));
-    element.setAttribute(QStringLiteral("username"), tables.usernames.Item(key));
-    element.requiredAttribute(QStringLiteral("password"));
-    element.setAttribute(QStringLiteral("password"), tables.passwords.Item(key));
+    element.requiredAttribute(u"username"_s);
+    element.setAttribute(u"username"_s, tables.usernames.Item(key));
+    element.requiredAttribute(u"password"_s);
+    element.setAttribute(u"password"_s, tables.passwords.Item(key));
 }
 
 QString FeedCatalogue::cipherKey(const QString &feedKey)
 {
-    return QStringLiteral("%%K9:Tm41") + feedKey;
+    return u"%%K9:Tm41"_s + feedKey;
 }
 
 XmlNode FeedCatalogue::findCatalogueNode(const QString &key, const XmlNode &start)
 {
     for (const XmlNode &child : start.childNodes()) {
-        if (child.attribute(QStringLiteral("key")) == key)
+        if (child.attribute(u"key"_s) == key)
             return child;
         if (child.isElement() && child.nodeName() == u"dir")
             if (const XmlNode found = findCatalogueNode(key, child))

@@ -1,13 +1,16 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "core/RunAtStartup.h"
 
 #include "platform/AutostartRegistryStore.h"
+#include "platform/Literals.h"
 #include "platform/RegistryStore.h"
 #include "platform/RunTimeError.h"
 #include "support/cRegistry.h"
 
 namespace {
 
-const QString Absent = QStringLiteral("?");
+const QString Absent = u"?"_s;
 
 /// Runs one step; its error is passed over on purpose, and the next step goes on.
 template <class Step>
@@ -41,7 +44,7 @@ void setRunAtStartup(int state, RegistryStore &store, const QString &programDire
 {
     const bool ended = programDirectory.endsWith(u'/') || programDirectory.endsWith(u'\\');
     // No quotes around a directory with blanks: the entry is found again by comparing this very text.
-    const QString path = programDirectory + (ended ? u""_qs : u"/"_qs) + baseName;
+    const QString path = programDirectory + (ended ? u""_s : u"/"_s) + baseName;
     cRegistry registry(store);
     goToRunEntry(registry, baseName);
     if (state != 0)

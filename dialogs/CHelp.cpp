@@ -1,4 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "dialogs/CHelp.h"
+
+#include "platform/Literals.h"
 
 namespace {
 
@@ -31,6 +35,6 @@ void CHelp::ShowIndex(const QString &NewFile, const QString &WindowPane)
 void CHelp::ShowSearch(const QString &NewFile, const QString &WindowPane)
 {
     HelpQuery query;
-    query.text = QStringLiteral("TEST");
+    query.text = u"TEST"_s;
     m_system.htmlHelp(helpPath(NewFile, WindowPane), HelpCommand::Search, query);
 }

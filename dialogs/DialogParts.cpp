@@ -1,4 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "dialogs/DialogParts.h"
+
+#include "platform/Literals.h"
 
 #include <QBoxLayout>
 #include <QDialog>
@@ -34,7 +38,7 @@ QLineEdit *DialogParts::passwordBox(const QString &name)
 {
     QLineEdit *const box = lineEdit(name);
     box->setEchoMode(QLineEdit::Password);
-    box->setStyleSheet(QStringLiteral("lineedit-password-character: 42"));
+    box->setStyleSheet(u"lineedit-password-character: 42"_s);
     return box;
 }
 

@@ -1,4 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "dialogs/FileDialogs.h"
+
+#include "platform/Literals.h"
 
 #include <QFileDialog>
 
@@ -9,10 +13,10 @@ QString ask(QFileDialog &dialog, const QString &filter, const QString &accept)
     if (!filter.isEmpty())
         dialog.setNameFilter(filter);
     dialog.setLabelText(QFileDialog::Accept, accept);
-    dialog.setLabelText(QFileDialog::Reject, QStringLiteral("Annuler"));
-    dialog.setLabelText(QFileDialog::LookIn, QStringLiteral("Dossier :"));
-    dialog.setLabelText(QFileDialog::FileName, QStringLiteral("Nom du fichier :"));
-    dialog.setLabelText(QFileDialog::FileType, QStringLiteral("Type :"));
+    dialog.setLabelText(QFileDialog::Reject, u"Annuler"_s);
+    dialog.setLabelText(QFileDialog::LookIn, u"Dossier :"_s);
+    dialog.setLabelText(QFileDialog::FileName, u"Nom du fichier :"_s);
+    dialog.setLabelText(QFileDialog::FileType, u"Type :"_s);
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
         return {};
     return dialog.selectedFiles().constFirst();
@@ -24,7 +28,7 @@ QString FileDialogs::askOpenFile(QWidget *parent, const QString &title, const QS
 {
     QFileDialog dialog(parent, title);
     dialog.setFileMode(QFileDialog::ExistingFile);
-    return ask(dialog, filter, QStringLiteral("Ouvrir"));
+    return ask(dialog, filter, u"Ouvrir"_s);
 }
 
 QString FileDialogs::askSaveFile(QWidget *parent, const QString &title, const QString &filter)
@@ -32,5 +36,5 @@ QString FileDialogs::askSaveFile(QWidget *parent, const QString &title, const QS
     QFileDialog dialog(parent, title);
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setFileMode(QFileDialog::AnyFile);
-    return ask(dialog, filter, QStringLiteral("Enregistrer"));
+    return ask(dialog, filter, u"Enregistrer"_s);
 }

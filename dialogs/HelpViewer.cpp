@@ -1,7 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "dialogs/HelpViewer.h"
 
 #include "dialogs/DialogParts.h"
 #include "dialogs/HelpBrowser.h"
+#include "platform/Literals.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -46,10 +49,10 @@ HelpViewer::HelpViewer(QStringList candidates, QString cacheFolder, std::functio
     : QMainWindow(parent), m_candidates(std::move(candidates)), m_cacheFolder(std::move(cacheFolder)),
       m_openExternal(std::move(openExternal))
 {
-    setWindowTitle(QStringLiteral("Aide de Quillwire"));
-    m_page = named(new HelpBrowser, QStringLiteral("page"));
-    m_page->setAccessibleName(QStringLiteral("Page de l'aide"));
-    m_tabs = named(new QTabWidget, QStringLiteral("tabs"));
+    setWindowTitle(u"Aide de Quillwire"_s);
+    m_page = named(new HelpBrowser, u"page"_s);
+    m_page->setAccessibleName(u"Page de l'aide"_s);
+    m_tabs = named(new QTabWidget, u"tabs"_s);
     auto *splitter = new QSplitter;
     splitter->addWidget(m_tabs);
     splitter->addWidget(m_page);
@@ -71,24 +74,21 @@ HelpViewer::~HelpViewer()
 
 QString HelpViewer::defaultCacheFolder()
 {
-    return QStandardPaths::writableLocation(QStandardPaths::CacheLocation) + QStringLiteral("/help");
+    return QStandardPaths::writableLocation(QStandardPaths::CacheLocation) + u"/help"_s;
 }
 
 void HelpViewer::buildToolBar()
 {
-    QToolBar *const bar = addToolBar(QStringLiteral("Navigation"));
+    QToolBar *const bar = addToolBar(u"Navigation"_s);
     bar->setMovable(false);
     bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    const auto icon = [](const char *name) {
-        return QIcon(QStringLiteral(":/icons/") + QLatin1String(name) + QStringLiteral(".svg"));
-    };
-    QAction *const back =
-        bar->addAction(icon("precedent"), QStringLiteral("Précédent"), m_page, &HelpBrowser::backward);
-    QAction *const forward = bar->addAction(icon("suivant"), QStringLiteral("Suivant"), m_page, &HelpBrowser::forward);
-    QAction *const home = bar->addAction(QStringLiteral("Accueil"), this, &HelpViewer::showHome);
-    back->setObjectName(QStringLiteral("back"));
-    forward->setObjectName(QStringLiteral("forward"));
-    home->setObjectName(QStringLiteral("home"));
+    const auto icon = [](const char *name) { return QIcon(u":/icons/"_s + QLatin1String(name) + u".svg"_s); };
+    QAction *const back = bar->addAction(icon("precedent"), u"Précédent"_s, m_page, &HelpBrowser::backward);
+    QAction *const forward = bar->addAction(icon("suivant"), u"Suivant"_s, m_page, &HelpBrowser::forward);
+    QAction *const home = bar->addAction(u"Accueil"_s, this, &HelpViewer::showHome);
+    back->setObjectName(u"back"_s);
+    forward->setObjectName(u"forward"_s);
+    home->setObjectName(u"home"_s);
     back->setShortcut(QKeySequence::Back);
     forward->setShortcut(QKeySequence::Forward);
     home->setShortcut(Qt::ALT | Qt::Key_Home);
@@ -101,10 +101,10 @@ void HelpViewer::buildToolBar()
 void HelpViewer::buildPanes()
 {
     QHelpContentWidget *const contents = m_engine->contentWidget();
-    contents->setAccessibleName(QStringLiteral("Sommaire"));
-    m_tabs->addTab(named(contents, QStringLiteral("contents")), QStringLiteral("Sommaire"));
-    m_tabs->addTab(buildIndexPane(), QStringLiteral("Index"));
-    m_tabs->addTab(buildSearchPane(), QStringLiteral("Rechercher"));
+    contents->setAccessibleName(u"Sommaire"_s);
+    m_tabs->addTab(named(contents, u"contents"_s), u"Sommaire"_s);
+    m_tabs->addTab(buildIndexPane(), u"Index"_s);
+    m_tabs->addTab(buildSearchPane(), u"Rechercher"_s);
     connect(contents, &QHelpContentWidget::linkActivated, this, &HelpViewer::showUrl);
     connect(contents, &QHelpContentWidget::clicked, this, [this, contents](const QModelIndex &index) {
         if (const QHelpContentItem *const item = m_engine->contentModel()->contentItemAt(index))
@@ -118,12 +118,12 @@ void HelpViewer::buildPanes()
 QWidget *HelpViewer::buildIndexPane()
 {
     auto *pane = new QWidget;
-    auto *filter = named(new QLineEdit, QStringLiteral("filter"));
-    filter->setPlaceholderText(QStringLiteral("Mot cherché"));
-    filter->setAccessibleName(QStringLiteral("Mot cherché"));
+    auto *filter = named(new QLineEdit, u"filter"_s);
+    filter->setPlaceholderText(u"Mot cherché"_s);
+    filter->setAccessibleName(u"Mot cherché"_s);
     filter->setClearButtonEnabled(true);
-    QHelpIndexWidget *const index = named(m_engine->indexWidget(), QStringLiteral("index"));
-    index->setAccessibleName(QStringLiteral("Index"));
+    QHelpIndexWidget *const index = named(m_engine->indexWidget(), u"index"_s);
+    index->setAccessibleName(u"Index"_s);
     auto *column = new QVBoxLayout(pane);
     column->addWidget(filter);
     column->addWidget(index);
@@ -142,13 +142,13 @@ QWidget *HelpViewer::buildIndexPane()
 QWidget *HelpViewer::buildSearchPane()
 {
     auto *pane = new QWidget;
-    m_query = named(new QLineEdit, QStringLiteral("query"));
-    m_query->setAccessibleName(QStringLiteral("Texte à rechercher"));
-    auto *start = DialogParts::button(QStringLiteral("search"), QStringLiteral("Rechercher"));
-    m_state = named(new QLabel, QStringLiteral("state"));
+    m_query = named(new QLineEdit, u"query"_s);
+    m_query->setAccessibleName(u"Texte à rechercher"_s);
+    auto *start = DialogParts::button(u"search"_s, u"Rechercher"_s);
+    m_state = named(new QLabel, u"state"_s);
     m_state->setWordWrap(true);
-    m_results = named(new QListWidget, QStringLiteral("results"));
-    m_results->setAccessibleName(QStringLiteral("Pages trouvées"));
+    m_results = named(new QListWidget, u"results"_s);
+    m_results->setAccessibleName(u"Pages trouvées"_s);
     auto *column = new QVBoxLayout(pane);
     auto *row = new QHBoxLayout;
     row->addWidget(m_query);
@@ -179,7 +179,7 @@ bool HelpViewer::openHelpFile(const QString &path)
     if (helpFile.isEmpty() || QHelpEngineCore::namespaceName(helpFile).isEmpty())
         return false;
 
-    const QString collection = QStringLiteral("/Quillwire.qhc");
+    const QString collection = u"/Quillwire.qhc"_s;
     if (QDir().mkpath(m_cacheFolder)) {
         if (openCollection(m_cacheFolder + collection, helpFile))
             return true;
@@ -257,13 +257,12 @@ void HelpViewer::htmlHelp(const QString &path, HelpCommand command, const HelpDa
 
 void HelpViewer::showProblem(const QString &path)
 {
-    m_page->setPlainText(QStringLiteral("Le fichier d'aide ") + fileOfPath(path) +
-                         QStringLiteral(" est introuvable ou illisible."));
+    m_page->setPlainText(u"Le fichier d'aide "_s + fileOfPath(path) + u" est introuvable ou illisible."_s);
 }
 
 void HelpViewer::showTopic(qint32 number)
 {
-    const QList<QHelpLink> pages = m_engine->documentsForIdentifier(QStringLiteral("topic-") + QString::number(number));
+    const QList<QHelpLink> pages = m_engine->documentsForIdentifier(u"topic-"_s + QString::number(number));
     if (pages.isEmpty())
         showHome();
     else
@@ -273,7 +272,7 @@ void HelpViewer::showTopic(qint32 number)
 void HelpViewer::showHome()
 {
     if (m_engine)
-        showUrl(QUrl(QStringLiteral("qthelp://") + m_namespace + QStringLiteral("/doc/index.html")));
+        showUrl(QUrl(u"qthelp://"_s + m_namespace + u"/doc/index.html"_s));
 }
 
 void HelpViewer::showUrl(const QUrl &url)
@@ -287,7 +286,7 @@ void HelpViewer::startSearch()
     const QString text = m_query->text().trimmed();
     if (text.isEmpty())
         return;
-    m_state->setText(QStringLiteral("Recherche en cours..."));
+    m_state->setText(u"Recherche en cours..."_s);
     if (m_searchable)
         m_engine->searchEngine()->search(text);
     else
@@ -302,14 +301,14 @@ void HelpViewer::handleSearchFinished()
         auto *item = new QListWidgetItem(result.title(), m_results);
         item->setData(urlRole, result.url());
     }
-    m_state->setText(found.isEmpty() ? QStringLiteral("Aucune page trouvée")
-                                     : QStringLiteral("Pages trouvées : ") + QString::number(found.size()));
+    m_state->setText(found.isEmpty() ? u"Aucune page trouvée"_s
+                                     : u"Pages trouvées : "_s + QString::number(found.size()));
 }
 
 void HelpViewer::handleAnchor(const QUrl &url)
 {
     const QUrl target = m_page->source().resolved(url);
-    if (target.scheme() == QStringLiteral("qthelp"))
+    if (target.scheme() == u"qthelp"_s)
         showUrl(target);
     else
         m_openExternal(target.toString());

@@ -1,7 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "dialogs/ImportList.h"
 
 #include "dialogs/DialogParts.h"
 #include "exchange/OpmlDocument.h"
+#include "platform/Literals.h"
 #include "platform/Numbers.h"
 
 #include <QCheckBox>
@@ -40,7 +43,7 @@ ImportList::ImportList(const QString &caption, const OpmlDocument &document)
     : QGroupBox(caption), m_opmlDocument(document)
 {
     buildTree();
-    m_chkCkeckAll = named(new QCheckBox(QStringLiteral("&Tout cocher")), QStringLiteral("chkCkeckAll"));
+    m_chkCkeckAll = named(new QCheckBox(u"&Tout cocher"_s), u"chkCkeckAll"_s);
     connect(m_chkCkeckAll, &QCheckBox::toggled, this, &ImportList::handleCheckAll);
 
     auto *grid = new QGridLayout(this);
@@ -53,8 +56,8 @@ ImportList::ImportList(const QString &caption, const OpmlDocument &document)
 
 void ImportList::buildTree()
 {
-    m_tvwListeFlux = named(new QTreeWidget, QStringLiteral("tvwListeFlux"));
-    m_tvwListeFlux->setAccessibleName(QStringLiteral("Flux à importer"));
+    m_tvwListeFlux = named(new QTreeWidget, u"tvwListeFlux"_s);
+    m_tvwListeFlux->setAccessibleName(u"Flux à importer"_s);
     m_tvwListeFlux->setHeaderHidden(true);
     m_tvwListeFlux->setRootIsDecorated(false);
     m_tvwListeFlux->setUniformRowHeights(true);
@@ -72,18 +75,18 @@ void ImportList::buildTree()
 
 QWidget *ImportList::buildDetails()
 {
-    auto *picDetails = named(new QWidget, QStringLiteral("picDetails"));
-    m_txtTitre = lineEdit(QStringLiteral("txtTitre"));
+    auto *picDetails = named(new QWidget, u"picDetails"_s);
+    m_txtTitre = lineEdit(u"txtTitre"_s);
     m_txtTitre->setReadOnly(true);
     m_txtTitre->setFocusPolicy(Qt::ClickFocus);
-    m_txtDescription = textBox(QStringLiteral("txtDescription"));
+    m_txtDescription = textBox(u"txtDescription"_s);
     m_txtDescription->setReadOnly(true);
     m_txtDescription->setFocusPolicy(Qt::ClickFocus);
     auto *details = new QVBoxLayout(picDetails);
     details->setContentsMargins(0, 0, 0, 0);
-    details->addWidget(label(QStringLiteral("Titre :"), m_txtTitre));
+    details->addWidget(label(u"Titre :"_s, m_txtTitre));
     details->addWidget(m_txtTitre);
-    details->addWidget(label(QStringLiteral("Description :"), m_txtDescription));
+    details->addWidget(label(u"Description :"_s, m_txtDescription));
     details->addWidget(m_txtDescription, 1);
     return picDetails;
 }

@@ -1,4 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #pragma once
+
+#include "platform/Literals.h"
 
 #include <QString>
 
@@ -8,7 +12,7 @@ namespace MakerSite {
 /// The site's root, with a slash at its end.
 inline QString root()
 {
-    return QStringLiteral("http://tovik.example/");
+    return u"http://tovik.example/"_s;
 }
 
 /// The address of a page; `path` has no leading slash: "prog/Quillwire/".

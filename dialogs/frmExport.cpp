@@ -1,7 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "dialogs/frmExport.h"
 
 #include "dialogs/DialogParts.h"
 #include "exchange/OpmlWriter.h"
+#include "platform/Literals.h"
 
 #include <QCheckBox>
 #include <QGridLayout>
@@ -26,27 +29,22 @@ QString currentUserName()
 } // namespace
 
 frmExport::frmExport(QWidget *owner, QString catalogue, AskFile askPath)
-    : DialogBase(QStringLiteral("Exporter mes flux RSS"), owner), m_catalogue(std::move(catalogue)),
-      m_askPath(std::move(askPath)), m_txtTitre(DialogParts::lineEdit(QStringLiteral("txtTitre"))),
-      m_txtNom(DialogParts::lineEdit(QStringLiteral("txtNom"))),
-      m_txtEmail(DialogParts::lineEdit(QStringLiteral("txtEmail"))),
-      m_chkStructure(DialogParts::named(new QCheckBox(QStringLiteral("Exporter avec l'arborescence")),
-                                        QStringLiteral("chkStructure")))
+    : DialogBase(u"Exporter mes flux RSS"_s, owner), m_catalogue(std::move(catalogue)), m_askPath(std::move(askPath)),
+      m_txtTitre(DialogParts::lineEdit(u"txtTitre"_s)), m_txtNom(DialogParts::lineEdit(u"txtNom"_s)),
+      m_txtEmail(DialogParts::lineEdit(u"txtEmail"_s)),
+      m_chkStructure(DialogParts::named(new QCheckBox(u"Exporter avec l'arborescence"_s), u"chkStructure"_s))
 {
     if (!m_askPath)
         m_askPath = [this] {
-            return FileDialogs::askSaveFile(this, QStringLiteral("Choisir le fichier OPML"),
-                                            QStringLiteral("Fichiers OPML (*.opml)"));
+            return FileDialogs::askSaveFile(this, u"Choisir le fichier OPML"_s, u"Fichiers OPML (*.opml)"_s);
         };
 
-    auto *frame =
-        DialogParts::named(new QGroupBox(QStringLiteral("Paramètres de la liste de flux")), QStringLiteral("Frame1"));
+    auto *frame = DialogParts::named(new QGroupBox(u"Paramètres de la liste de flux"_s), u"Frame1"_s);
     auto *grid = new QGridLayout(frame);
-    DialogParts::addRow(*grid, QStringLiteral("Titre :"), m_txtTitre);
-    DialogParts::addRow(*grid, QStringLiteral("Nom :"), m_txtNom);
-    DialogParts::addRow(*grid, QStringLiteral("E-Mail :"), m_txtEmail);
-    grid->addWidget(new QLabel(QStringLiteral("(Les paramètres d'exportation sont optionnels)")), grid->rowCount(), 0,
-                    1, 2);
+    DialogParts::addRow(*grid, u"Titre :"_s, m_txtTitre);
+    DialogParts::addRow(*grid, u"Nom :"_s, m_txtNom);
+    DialogParts::addRow(*grid, u"E-Mail :"_s, m_txtEmail);
+    grid->addWidget(new QLabel(u"(Les paramètres d'exportation sont optionnels)"_s), grid->rowCount(), 0, 1, 2);
     m_txtNom->setText(currentUserName());
 
     auto *content = new QWidget;
@@ -55,8 +53,8 @@ frmExport::frmExport(QWidget *owner, QString catalogue, AskFile askPath)
     column->addWidget(frame);
     column->addWidget(m_chkStructure);
 
-    auto *cmdExporter = DialogParts::button(QStringLiteral("cmdExporter"), QStringLiteral("Exporter"));
-    auto *cmdAnnuler = DialogParts::button(QStringLiteral("cmdAnnuler"), QStringLiteral("Annuler"));
+    auto *cmdExporter = DialogParts::button(u"cmdExporter"_s, u"Exporter"_s);
+    auto *cmdAnnuler = DialogParts::button(u"cmdAnnuler"_s, u"Annuler"_s);
     DialogParts::layOut(*this, content, DialogParts::buttonRow({cmdExporter, cmdAnnuler}));
     layout()->setSizeConstraint(QLayout::SetFixedSize);
     cmdExporter->setDefault(true);

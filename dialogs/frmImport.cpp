@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "dialogs/frmImport.h"
 
 #include "controls/PictureButton.h"
@@ -6,6 +8,7 @@
 #include "dialogs/ImportList.h"
 #include "exchange/ImportRun.h"
 #include "exchange/OpmlDownload.h"
+#include "platform/Literals.h"
 #include "platform/Messages.h"
 #include "platform/Numbers.h"
 
@@ -25,26 +28,23 @@ namespace {
 
 QGroupBox *page(int index, const QString &caption)
 {
-    return named(new QGroupBox(caption), arrayName(QStringLiteral("fraWizard"), index));
+    return named(new QGroupBox(caption), arrayName(u"fraWizard"_s, index));
 }
 
 } // namespace
 
 frmImport::frmImport(QWidget *owner, Messages &messages, OpmlDownload &download, ImportRun &run, AskFile askPath)
-    : DialogBase(QStringLiteral("Importer des flux RSS"), owner), m_messages(messages), m_download(download),
-      m_run(run), m_askPath(std::move(askPath))
+    : DialogBase(u"Importer des flux RSS"_s, owner), m_messages(messages), m_download(download), m_run(run),
+      m_askPath(std::move(askPath))
 {
     if (!m_askPath)
-        m_askPath = [this] {
-            return FileDialogs::askOpenFile(this, QStringLiteral("Ouvrir"), QStringLiteral("Fichier OPML (*.opml)"));
-        };
+        m_askPath = [this] { return FileDialogs::askOpenFile(this, u"Ouvrir"_s, u"Fichier OPML (*.opml)"_s); };
     // No close box: the wizard is left through its buttons.
     setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint);
 
     auto *content = new QWidget;
     m_pages = new QStackedLayout(content);
-    m_list = named(new ImportList(QStringLiteral("Sélectionner les flux à importer"), m_opmlDocument),
-                   arrayName(QStringLiteral("fraWizard"), 3));
+    m_list = named(new ImportList(u"Sélectionner les flux à importer"_s, m_opmlDocument), arrayName(u"fraWizard"_s, 3));
     m_pages->addWidget(buildSourcePage());
     m_pages->addWidget(buildFilePage());
     m_pages->addWidget(buildWebPage());
@@ -67,7 +67,7 @@ void frmImport::connectImport()
     connect(&m_download, &OpmlDownload::fetched, this, &frmImport::handleFetched);
     connect(&m_download, &OpmlDownload::failed, this, &frmImport::handleDownloadFailed);
     connect(&m_run, &ImportRun::began, this, [this](const QString &name) {
-        m_lblTitre->setText(QStringLiteral("Téléchargement de ") + name.left(ImportList::maxShownName));
+        m_lblTitre->setText(u"Téléchargement de "_s + name.left(ImportList::maxShownName));
     });
     connect(&m_run, &ImportRun::passed, this, &frmImport::handlePassed);
     connect(&m_run, &ImportRun::ended, this, [this] { done(Accepted); });
@@ -75,13 +75,13 @@ void frmImport::connectImport()
 
 QWidget *frmImport::buildSourcePage()
 {
-    auto *frame = page(0, QStringLiteral("Sélectionner une source"));
-    m_optFromFile = named(new QRadioButton(QStringLiteral("À partir d'un fichier")), QStringLiteral("optSource_0"));
-    auto *fromWeb = named(new QRadioButton(QStringLiteral("À partir d'un site web")), QStringLiteral("optSource_1"));
+    auto *frame = page(0, u"Sélectionner une source"_s);
+    m_optFromFile = named(new QRadioButton(u"À partir d'un fichier"_s), u"optSource_0"_s);
+    auto *fromWeb = named(new QRadioButton(u"À partir d'un site web"_s), u"optSource_1"_s);
     m_optFromFile->setChecked(true);
     auto *picture = new QLabel;
     const int side = fontMetrics().height() * 4;
-    picture->setPixmap(QIcon(QStringLiteral(":/icons/wizard.svg")).pixmap(QSize(side, side), devicePixelRatio()));
+    picture->setPixmap(QIcon(u":/icons/wizard.svg"_s).pixmap(QSize(side, side), devicePixelRatio()));
 
     auto *grid = new QGridLayout(frame);
     grid->setHorizontalSpacing(2 * edge);
@@ -95,12 +95,11 @@ QWidget *frmImport::buildSourcePage()
 
 QWidget *frmImport::buildFilePage()
 {
-    auto *frame = page(1, QStringLiteral("À partir d'un fichier"));
-    m_txtOPMLPath = lineEdit(QStringLiteral("txtOPMLPath"));
-    auto *image = named(new PictureButton(QStringLiteral("ouvrir-fichier"), QStringLiteral("Choisir le fichier OPML")),
-                        QStringLiteral("Image1"));
+    auto *frame = page(1, u"À partir d'un fichier"_s);
+    m_txtOPMLPath = lineEdit(u"txtOPMLPath"_s);
+    auto *image = named(new PictureButton(u"ouvrir-fichier"_s, u"Choisir le fichier OPML"_s), u"Image1"_s);
     auto *grid = new QGridLayout(frame);
-    addRow(*grid, QStringLiteral("Chemin :"), m_txtOPMLPath);
+    addRow(*grid, u"Chemin :"_s, m_txtOPMLPath);
     grid->addWidget(image, grid->rowCount() - 1, 2);
     grid->setRowStretch(grid->rowCount(), 1);
     connect(image, &PictureButton::clicked, this, [this] {
@@ -112,25 +111,25 @@ QWidget *frmImport::buildFilePage()
 
 QWidget *frmImport::buildWebPage()
 {
-    auto *frame = page(2, QStringLiteral("À partir d'un site web"));
-    m_txtURL = lineEdit(QStringLiteral("txtURL"));
-    m_txtURL->setText(QStringLiteral("http://"));
+    auto *frame = page(2, u"À partir d'un site web"_s);
+    m_txtURL = lineEdit(u"txtURL"_s);
+    m_txtURL->setText(u"http://"_s);
     auto *grid = new QGridLayout(frame);
-    addRow(*grid, QStringLiteral("Adresse :"), m_txtURL);
+    addRow(*grid, u"Adresse :"_s, m_txtURL);
     grid->setRowStretch(grid->rowCount(), 1);
     return frame;
 }
 
 QWidget *frmImport::buildRunPanel()
 {
-    auto *panel = named(new QGroupBox(QStringLiteral("Importation en cours")), QStringLiteral("fraImportation"));
-    m_lblTitre = named(new QLabel(QStringLiteral("Téléchargement de ")), QStringLiteral("lblTitre"));
+    auto *panel = named(new QGroupBox(u"Importation en cours"_s), u"fraImportation"_s);
+    m_lblTitre = named(new QLabel(u"Téléchargement de "_s), u"lblTitre"_s);
     m_lblTitre->setTextFormat(Qt::PlainText); // names come from the OPML file
     m_lblTitre->setWordWrap(true);
     m_lblTitre->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred); // no name widens the window
-    m_vbalProgressBar1 = named(new ProgressBar, QStringLiteral("vbalProgressBar1"));
-    m_vbalProgressBar1->setAccessibleName(QStringLiteral("Importation en cours"));
-    m_cmdCanceller = button(QStringLiteral("cmdCanceller"), QStringLiteral("Annuler"));
+    m_vbalProgressBar1 = named(new ProgressBar, u"vbalProgressBar1"_s);
+    m_vbalProgressBar1->setAccessibleName(u"Importation en cours"_s);
+    m_cmdCanceller = button(u"cmdCanceller"_s, u"Annuler"_s);
     auto *column = new QVBoxLayout(panel);
     column->addWidget(m_lblTitre);
     column->addWidget(m_vbalProgressBar1);
@@ -142,10 +141,10 @@ QWidget *frmImport::buildRunPanel()
 
 QLayout *frmImport::buildButtons()
 {
-    m_cmdPrecedent = button(QStringLiteral("cmdPrecedent"), QStringLiteral("&Précédent"));
-    m_cmdSuivant = button(QStringLiteral("cmdSuivant"), QStringLiteral("&Suivant"));
-    m_cmdTerminer = button(QStringLiteral("cmdTerminer"), QStringLiteral("Terminer"));
-    m_cmdAnnuler = button(QStringLiteral("cmdAnnuler"), QStringLiteral("&Annuler"));
+    m_cmdPrecedent = button(u"cmdPrecedent"_s, u"&Précédent"_s);
+    m_cmdSuivant = button(u"cmdSuivant"_s, u"&Suivant"_s);
+    m_cmdTerminer = button(u"cmdTerminer"_s, u"Terminer"_s);
+    m_cmdAnnuler = button(u"cmdAnnuler"_s, u"&Annuler"_s);
     m_cmdSuivant->setDefault(true);
     // "Terminer" takes the place of "Suivant"; hidden buttons keep theirs.
     auto *grid = new QGridLayout;
@@ -215,8 +214,8 @@ void frmImport::handleBack()
 void frmImport::takeOpmlFile(const QString &path)
 {
     if (!m_opmlDocument.load(path)) {
-        m_messages.show({QStringLiteral("Le fichier ") + path + QStringLiteral(" est incorrect"),
-                         QStringLiteral("Avertissement"), Message::Icon::Exclamation});
+        m_messages.show(
+            {u"Le fichier "_s + path + u" est incorrect"_s, u"Avertissement"_s, Message::Icon::Exclamation});
         showPage(m_previousPage);
         return;
     }
@@ -237,8 +236,8 @@ void frmImport::handleDownloadFailed(qint32 status)
     if (m_run.hasBegun())
         return;
     if (status == 404)
-        m_messages.show({QStringLiteral("Le fichier n'a pas été trouvé sur le serveur"), QStringLiteral("Erreur 404"),
-                         Message::Icon::Exclamation});
+        m_messages.show(
+            {u"Le fichier n'a pas été trouvé sur le serveur"_s, u"Erreur 404"_s, Message::Icon::Exclamation});
     else
         m_messages.show({QString::number(status), QString()});
 }

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "dialogs/frmOptions.h"
 
 #include "controls/PictureButton.h"
@@ -5,6 +7,7 @@
 #include "controls/UpDown.h"
 #include "core/AppSettings.h"
 #include "dialogs/DialogParts.h"
+#include "platform/Literals.h"
 #include "platform/Numbers.h"
 #include "platform/RunTimeError.h"
 
@@ -30,19 +33,19 @@ QCheckBox *checkBox(const QString &name, const QString &caption)
 } // namespace
 
 frmOptions::frmOptions(QWidget *owner, AppSettings &settings, RunAtStartup runAtStartup, AskFile askSound)
-    : DialogBase(QStringLiteral("Options"), owner), m_settings(settings), m_runAtStartup(std::move(runAtStartup)),
+    : DialogBase(u"Options"_s, owner), m_settings(settings), m_runAtStartup(std::move(runAtStartup)),
       m_askSound(std::move(askSound))
 {
     if (!m_askSound)
-        m_askSound = [this] { return FileDialogs::askOpenFile(this, QStringLiteral("Ouvrir"), QString()); };
+        m_askSound = [this] { return FileDialogs::askOpenFile(this, u"Ouvrir"_s, QString()); };
 
-    m_tstrOpt = named(new TabControl, QStringLiteral("tstrOpt"));
-    m_tstrOpt->addTab(QStringLiteral("general"), QStringLiteral("Général"), buildGeneralPage());
-    m_tstrOpt->addTab(QStringLiteral("flux"), QStringLiteral("Flux"), buildFluxPage());
-    m_tstrOpt->addTab(QStringLiteral("mail"), QStringLiteral("Mails"), buildMailsPage());
+    m_tstrOpt = named(new TabControl, u"tstrOpt"_s);
+    m_tstrOpt->addTab(u"general"_s, u"Général"_s, buildGeneralPage());
+    m_tstrOpt->addTab(u"flux"_s, u"Flux"_s, buildFluxPage());
+    m_tstrOpt->addTab(u"mail"_s, u"Mails"_s, buildMailsPage());
 
-    m_cmdAppliquer = button(QStringLiteral("cmdAppliquer"), QStringLiteral("Appliquer"));
-    auto *cmdFermer = button(QStringLiteral("cmdFermer"), QStringLiteral("&Fermer"));
+    m_cmdAppliquer = button(u"cmdAppliquer"_s, u"Appliquer"_s);
+    auto *cmdFermer = button(u"cmdFermer"_s, u"&Fermer"_s);
     layOut(*this, m_tstrOpt, buttonRow({m_cmdAppliquer, cmdFermer}));
     m_cmdAppliquer->setDefault(true);
     connect(m_cmdAppliquer, &QPushButton::clicked, this, &frmOptions::handleApply);
@@ -54,11 +57,11 @@ frmOptions::frmOptions(QWidget *owner, AppSettings &settings, RunAtStartup runAt
 
 QWidget *frmOptions::buildGeneralPage()
 {
-    auto *page = named(new QWidget, QStringLiteral("picGeneral"));
-    m_chkDemWin = checkBox(QStringLiteral("chkDemWin"), QStringLiteral("Lancer Quillwire au démarrage de Windows"));
-    m_cmbMode = named(new QComboBox, QStringLiteral("cmbMode"));
-    m_cmbMode->addItems({QStringLiteral("Plein écran"), QStringLiteral("Minimisé")});
-    m_lblMode = named(label(QStringLiteral("En mode"), m_cmbMode), QStringLiteral("lblMode"));
+    auto *page = named(new QWidget, u"picGeneral"_s);
+    m_chkDemWin = checkBox(u"chkDemWin"_s, u"Lancer Quillwire au démarrage de Windows"_s);
+    m_cmbMode = named(new QComboBox, u"cmbMode"_s);
+    m_cmbMode->addItems({u"Plein écran"_s, u"Minimisé"_s});
+    m_lblMode = named(label(u"En mode"_s, m_cmbMode), u"lblMode"_s);
     auto *grid = new QGridLayout(page);
     grid->addWidget(m_chkDemWin, 0, 0, 1, 3);
     grid->addWidget(m_lblMode, 1, 0);
@@ -70,25 +73,22 @@ QWidget *frmOptions::buildGeneralPage()
 
 QWidget *frmOptions::buildFluxPage()
 {
-    auto *page = named(new QWidget, QStringLiteral("picFlux"));
-    m_chkAutoUpdate = checkBox(QStringLiteral("chkAutoUpdate"),
-                               QStringLiteral("Mettre à jour les flux automatiquement au démarrage"));
-    m_chkNotify = checkBox(QStringLiteral("chkNotify"), QStringLiteral("Notifier de l'arrivée de nouveau messages"));
-    m_txtSon = lineEdit(QStringLiteral("txtSon"));
-    auto *image =
-        named(new PictureButton(QStringLiteral("ouvrir-fichier"), QStringLiteral("Choisir un fichier de son")),
-              QStringLiteral("Image1"));
-    m_txtRead = numberBox(QStringLiteral("txtRead"));
-    auto *arrows = named(new UpDown(m_txtRead, 0, 3600, 1, 60), QStringLiteral("UpDown1"));
-    m_chkNoRead = checkBox(QStringLiteral("chkNoRead"), QStringLiteral("Jamais"));
+    auto *page = named(new QWidget, u"picFlux"_s);
+    m_chkAutoUpdate = checkBox(u"chkAutoUpdate"_s, u"Mettre à jour les flux automatiquement au démarrage"_s);
+    m_chkNotify = checkBox(u"chkNotify"_s, u"Notifier de l'arrivée de nouveau messages"_s);
+    m_txtSon = lineEdit(u"txtSon"_s);
+    auto *image = named(new PictureButton(u"ouvrir-fichier"_s, u"Choisir un fichier de son"_s), u"Image1"_s);
+    m_txtRead = numberBox(u"txtRead"_s);
+    auto *arrows = named(new UpDown(m_txtRead, 0, 3600, 1, 60), u"UpDown1"_s);
+    m_chkNoRead = checkBox(u"chkNoRead"_s, u"Jamais"_s);
 
     auto *sound = new QHBoxLayout;
-    sound->addWidget(label(QStringLiteral("Son :"), m_txtSon));
+    sound->addWidget(label(u"Son :"_s, m_txtSon));
     sound->addWidget(m_txtSon, 1);
     sound->addWidget(image);
     auto *read = new QHBoxLayout;
     read->setSpacing(0);
-    read->addWidget(label(QStringLiteral("Marquer les messages comme lus après (secondes)"), m_txtRead));
+    read->addWidget(label(u"Marquer les messages comme lus après (secondes)"_s, m_txtRead));
     read->addSpacing(edge);
     read->addWidget(m_txtRead);
     read->addWidget(arrows);
@@ -110,12 +110,12 @@ QWidget *frmOptions::buildFluxPage()
 
 QWidget *frmOptions::buildMailsPage()
 {
-    auto *page = named(new QWidget, QStringLiteral("picMails"));
+    auto *page = named(new QWidget, u"picMails"_s);
     auto *grid = new QGridLayout(page);
-    addRow(*grid, QStringLiteral("Serveur SMTP :"), m_txtSMTPServer = lineEdit(QStringLiteral("txtSMTPServer")));
-    addRow(*grid, QStringLiteral("Port :"), m_txtSMTPPort = lineEdit(QStringLiteral("txtSMTPPort")));
-    addRow(*grid, QStringLiteral("Email de l'expéditeur :"), m_txtFromMail = lineEdit(QStringLiteral("txtFromMail")));
-    addRow(*grid, QStringLiteral("Nom de l'expéditeur :"), m_txtFromName = lineEdit(QStringLiteral("txtFromName")));
+    addRow(*grid, u"Serveur SMTP :"_s, m_txtSMTPServer = lineEdit(u"txtSMTPServer"_s));
+    addRow(*grid, u"Port :"_s, m_txtSMTPPort = lineEdit(u"txtSMTPPort"_s));
+    addRow(*grid, u"Email de l'expéditeur :"_s, m_txtFromMail = lineEdit(u"txtFromMail"_s));
+    addRow(*grid, u"Nom de l'expéditeur :"_s, m_txtFromName = lineEdit(u"txtFromName"_s));
     grid->setRowStretch(grid->rowCount(), 1);
     return page;
 }
@@ -194,17 +194,17 @@ void frmOptions::handleReadLeft()
     }
     const qint16 seconds = Numbers::toInt16(m_txtRead->text());
     if (seconds < 0)
-        m_txtRead->setText(QStringLiteral("0"));
+        m_txtRead->setText(u"0"_s);
     else if (seconds > 3600)
-        m_txtRead->setText(QStringLiteral("3600"));
+        m_txtRead->setText(u"3600"_s);
 }
 
 void frmOptions::handlePortLeft()
 {
     if (!Numbers::isNumeric(m_txtSMTPPort->text()))
-        m_txtSMTPPort->setText(QStringLiteral("25"));
+        m_txtSMTPPort->setText(u"25"_s);
     else if (Numbers::toInt16(m_txtSMTPPort->text()) < 0)
-        m_txtSMTPPort->setText(QStringLiteral("0"));
+        m_txtSMTPPort->setText(u"0"_s);
 }
 
 void frmOptions::handleApply()

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "dialogs/frmProprietes.h"
 
 #include "controls/TabControl.h"
@@ -6,6 +8,7 @@
 #include "core/FeedTables.h"
 #include "dialogs/DialogParts.h"
 #include "engine/feed/CachedFeed.h"
+#include "platform/Literals.h"
 #include "platform/Numbers.h"
 #include "platform/RunTimeError.h"
 #include "support/clsDES.h"
@@ -56,15 +59,15 @@ QString versionName(FeedVersion version)
 {
     switch (version) {
     case Rss091:
-        return QStringLiteral("RSS 0.91");
+        return u"RSS 0.91"_s;
     case Rss092:
-        return QStringLiteral("RSS 0.92");
+        return u"RSS 0.92"_s;
     case Rdf10:
-        return QStringLiteral("RDF 1.0");
+        return u"RDF 1.0"_s;
     case Rss20:
-        return QStringLiteral("RSS 2.0");
+        return u"RSS 2.0"_s;
     case Atom03:
-        return QStringLiteral("Atom 0.3");
+        return u"Atom 0.3"_s;
     }
     return {};
 }
@@ -73,33 +76,32 @@ QString extensionNames(const CachedFeed &feed)
 {
     QString names;
     if (feed.HasContent())
-        names += QStringLiteral("content\n");
+        names += u"content\n"_s;
     if (feed.HasWfw())
-        names += QStringLiteral("wfw\n");
+        names += u"wfw\n"_s;
     if (feed.HasDc())
-        names += QStringLiteral("dc\n");
+        names += u"dc\n"_s;
     if (feed.HasItunes())
-        names += QStringLiteral("itunes\n");
+        names += u"itunes\n"_s;
     return names;
 }
 
 } // namespace
 
-frmProprietes::frmProprietes(QWidget *owner, Port port)
-    : DialogBase(QStringLiteral("Propriétés"), owner), m_port(std::move(port))
+frmProprietes::frmProprietes(QWidget *owner, Port port) : DialogBase(u"Propriétés"_s, owner), m_port(std::move(port))
 {
-    m_tstrProp = named(new TabControl, QStringLiteral("tstrProp"));
-    m_tstrProp->addTab(QStringLiteral("general"), QStringLiteral("Général"), buildGeneralPage());
-    m_tstrProp->addTab(QStringLiteral("infos"), QStringLiteral("Informations sur le canal"), buildInfosPage());
-    m_tstrProp->addTab(QStringLiteral("synchronisation"), QStringLiteral("Synchronisation"), buildSynchroPage());
-    m_tstrProp->addTab(QStringLiteral("advanced"), QStringLiteral("Avancé"), buildAdvancedPage());
+    m_tstrProp = named(new TabControl, u"tstrProp"_s);
+    m_tstrProp->addTab(u"general"_s, u"Général"_s, buildGeneralPage());
+    m_tstrProp->addTab(u"infos"_s, u"Informations sur le canal"_s, buildInfosPage());
+    m_tstrProp->addTab(u"synchronisation"_s, u"Synchronisation"_s, buildSynchroPage());
+    m_tstrProp->addTab(u"advanced"_s, u"Avancé"_s, buildAdvancedPage());
     m_picAuthentication = buildAuthenticationPage();
     m_picAuthentication->setParent(this);
     m_picAuthentication->hide();
     m_tstrProp->setUsesScrollButtons(false);
 
-    m_cmdAppliquer = button(QStringLiteral("cmdAppliquer"), QStringLiteral("Appliquer"));
-    auto *cmdFermer = button(QStringLiteral("cmdFermer"), QStringLiteral("&Fermer"));
+    m_cmdAppliquer = button(u"cmdAppliquer"_s, u"Appliquer"_s);
+    auto *cmdFermer = button(u"cmdFermer"_s, u"&Fermer"_s);
     layOut(*this, m_tstrProp, buttonRow({m_cmdAppliquer, cmdFermer}));
     cmdFermer->setDefault(true);
     m_cmdAppliquer->setEnabled(false);
@@ -114,42 +116,41 @@ frmProprietes::frmProprietes(QWidget *owner, Port port)
 
 QWidget *frmProprietes::buildGeneralPage()
 {
-    auto *page = named(new QWidget, QStringLiteral("picGeneral"));
+    auto *page = named(new QWidget, u"picGeneral"_s);
     auto *grid = new QGridLayout(page);
-    addRow(*grid, QStringLiteral("Titre du canal :"), m_txtTitle = readOnlyLine(QStringLiteral("txtTitle")));
-    addRow(*grid, QStringLiteral("URL du canal :"), m_txtURL = readOnlyLine(QStringLiteral("txtURL")));
-    addRow(*grid, QStringLiteral("Site web :"), m_txtSite = readOnlyLine(QStringLiteral("txtSite")));
-    m_txtDescription = textBox(QStringLiteral("txtDescription"));
+    addRow(*grid, u"Titre du canal :"_s, m_txtTitle = readOnlyLine(u"txtTitle"_s));
+    addRow(*grid, u"URL du canal :"_s, m_txtURL = readOnlyLine(u"txtURL"_s));
+    addRow(*grid, u"Site web :"_s, m_txtSite = readOnlyLine(u"txtSite"_s));
+    m_txtDescription = textBox(u"txtDescription"_s);
     m_txtDescription->setReadOnly(true);
-    addRow(*grid, QStringLiteral("Description :"), m_txtDescription);
+    addRow(*grid, u"Description :"_s, m_txtDescription);
     return page;
 }
 
 QWidget *frmProprietes::buildInfosPage()
 {
-    auto *page = named(new QWidget, QStringLiteral("picInfos"));
+    auto *page = named(new QWidget, u"picInfos"_s);
     auto *grid = new QGridLayout(page);
-    addRow(*grid, QStringLiteral("Version :"), m_txtVersion = readOnlyLine(QStringLiteral("txtVersion")));
-    addRow(*grid, QStringLiteral("Langue :"), m_txtLangue = readOnlyLine(QStringLiteral("txtLangue")));
-    addRow(*grid, QStringLiteral("Editeur :"), m_txtEditeur = readOnlyLine(QStringLiteral("txtEditeur")));
-    addRow(*grid, QStringLiteral("Webmaster :"), m_txtWebmaster = readOnlyLine(QStringLiteral("txtWebmaster")));
-    addRow(*grid, QStringLiteral("Copyright :"), m_txtCopyright = readOnlyLine(QStringLiteral("txtCopyright")));
+    addRow(*grid, u"Version :"_s, m_txtVersion = readOnlyLine(u"txtVersion"_s));
+    addRow(*grid, u"Langue :"_s, m_txtLangue = readOnlyLine(u"txtLangue"_s));
+    addRow(*grid, u"Editeur :"_s, m_txtEditeur = readOnlyLine(u"txtEditeur"_s));
+    addRow(*grid, u"Webmaster :"_s, m_txtWebmaster = readOnlyLine(u"txtWebmaster"_s));
+    addRow(*grid, u"Copyright :"_s, m_txtCopyright = readOnlyLine(u"txtCopyright"_s));
     grid->setRowStretch(grid->rowCount(), 1);
     return page;
 }
 
 QWidget *frmProprietes::buildSynchroPage()
 {
-    auto *page = named(new QWidget, QStringLiteral("picSynchro"));
+    auto *page = named(new QWidget, u"picSynchro"_s);
     auto *grid = new QGridLayout(page);
-    m_txtMaj = numberBox(QStringLiteral("txtMaj"));
-    auto *upDown1 = named(new UpDown(m_txtMaj, 1, 60, 1, 5), QStringLiteral("UpDown1"));
-    addNumberRow(*grid, QStringLiteral("Mise à jour toutes les (min) :"), m_txtMaj, upDown1);
-    m_txtCache = numberBox(QStringLiteral("txtCache"));
-    m_upDown2 = named(new UpDown(m_txtCache, 1, 60, 1, 5), QStringLiteral("UpDown2"));
-    m_lblCache = named(addNumberRow(*grid, QStringLiteral("Garder en cache pour (jour) :"), m_txtCache, m_upDown2),
-                       QStringLiteral("lblCache"));
-    m_chkNoDel = named(new QCheckBox(QStringLiteral("Ne jamais effacer")), QStringLiteral("chkNoDel"));
+    m_txtMaj = numberBox(u"txtMaj"_s);
+    auto *upDown1 = named(new UpDown(m_txtMaj, 1, 60, 1, 5), u"UpDown1"_s);
+    addNumberRow(*grid, u"Mise à jour toutes les (min) :"_s, m_txtMaj, upDown1);
+    m_txtCache = numberBox(u"txtCache"_s);
+    m_upDown2 = named(new UpDown(m_txtCache, 1, 60, 1, 5), u"UpDown2"_s);
+    m_lblCache = named(addNumberRow(*grid, u"Garder en cache pour (jour) :"_s, m_txtCache, m_upDown2), u"lblCache"_s);
+    m_chkNoDel = named(new QCheckBox(u"Ne jamais effacer"_s), u"chkNoDel"_s);
     grid->addWidget(m_chkNoDel, grid->rowCount(), 1);
     grid->setRowStretch(grid->rowCount(), 1);
     return page;
@@ -157,27 +158,27 @@ QWidget *frmProprietes::buildSynchroPage()
 
 QWidget *frmProprietes::buildAdvancedPage()
 {
-    auto *page = named(new QWidget, QStringLiteral("picAdvanced"));
+    auto *page = named(new QWidget, u"picAdvanced"_s);
     auto *grid = new QGridLayout(page);
-    m_txtExtensions = textBox(QStringLiteral("txtExtensions"));
+    m_txtExtensions = textBox(u"txtExtensions"_s);
     m_txtExtensions->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
-    addRow(*grid, QStringLiteral("Extensions :"), m_txtExtensions);
+    addRow(*grid, u"Extensions :"_s, m_txtExtensions);
     return page;
 }
 
 QWidget *frmProprietes::buildAuthenticationPage()
 {
-    auto *page = named(new QWidget, QStringLiteral("picAuthentication"));
+    auto *page = named(new QWidget, u"picAuthentication"_s);
     auto *grid = new QGridLayout(page);
-    addRow(*grid, QStringLiteral("Nom d'utilisateur :"), m_txtUsername = lineEdit(QStringLiteral("txtUsername")));
-    addRow(*grid, QStringLiteral("Mot de passe :"), m_txtPassword = passwordBox(QStringLiteral("txtPassword")));
+    addRow(*grid, u"Nom d'utilisateur :"_s, m_txtUsername = lineEdit(u"txtUsername"_s));
+    addRow(*grid, u"Mot de passe :"_s, m_txtPassword = passwordBox(u"txtPassword"_s));
     grid->setRowStretch(grid->rowCount(), 1);
     return page;
 }
 
 void frmProprietes::addAuthentication()
 {
-    m_tstrProp->addTab(QStringLiteral("authentication"), QStringLiteral("Authentification"), m_picAuthentication);
+    m_tstrProp->addTab(u"authentication"_s, u"Authentification"_s, m_picAuthentication);
     setTabOrder(m_txtExtensions, m_txtUsername);
     setTabOrder(m_txtUsername, m_txtPassword);
 }
@@ -264,7 +265,7 @@ void frmProprietes::handleApply()
     replace(tables.updatecache, m_chkNoDel->isChecked()
                                     ? QString::number(Numbers::toDouble(m_txtCache->text()) * -1, 'g', 15)
                                     : m_txtCache->text());
-    replace(tables.havecache, QStringLiteral("0"));
+    replace(tables.havecache, u"0"_s);
     if (tables.usernames.Exists(key))
         replace(tables.usernames, m_txtUsername->text());
     if (tables.passwords.Exists(key))

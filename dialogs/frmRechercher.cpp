@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "dialogs/frmRechercher.h"
 
 #include "controls/TabControl.h"
@@ -5,6 +7,7 @@
 #include "controls/UpDown.h"
 #include "dialogs/DialogParts.h"
 #include "exchange/SearchAddress.h"
+#include "platform/Literals.h"
 
 #include <QButtonGroup>
 #include <QComboBox>
@@ -30,25 +33,24 @@ struct Choice
 
 const std::array<Choice, 3> &kinds()
 {
-    static const std::array<Choice, 3> table{{{QStringLiteral("Flux RSS et blogs"), QStringLiteral("a")},
-                                              {QStringLiteral("Flux RSS"), QStringLiteral("n")},
-                                              {QStringLiteral("Blogs"), QStringLiteral("w")}}};
+    static const std::array<Choice, 3> table{
+        {{u"Flux RSS et blogs"_s, u"a"_s}, {u"Flux RSS"_s, u"n"_s}, {u"Blogs"_s, u"w"_s}}};
     return table;
 }
 
 const std::array<Choice, 11> &languages()
 {
-    static const std::array<Choice, 11> table{{{QStringLiteral("Toutes les langues"), QString()},
-                                               {QStringLiteral("English"), QStringLiteral("en")},
-                                               {QStringLiteral("Français"), QStringLiteral("fr")},
-                                               {QStringLiteral("Deutsch"), QStringLiteral("de")},
-                                               {QStringLiteral("Nederlands"), QStringLiteral("nl")},
-                                               {QStringLiteral("Svenska"), QStringLiteral("sv")},
-                                               {QStringLiteral("Español"), QStringLiteral("es")},
-                                               {QStringLiteral("Suomi"), QStringLiteral("fi")},
-                                               {QStringLiteral("Norsk"), QStringLiteral("no")},
-                                               {QStringLiteral("Português"), QStringLiteral("pt")},
-                                               {QStringLiteral("Italiano"), QStringLiteral("it")}}};
+    static const std::array<Choice, 11> table{{{u"Toutes les langues"_s, QString()},
+                                               {u"English"_s, u"en"_s},
+                                               {u"Français"_s, u"fr"_s},
+                                               {u"Deutsch"_s, u"de"_s},
+                                               {u"Nederlands"_s, u"nl"_s},
+                                               {u"Svenska"_s, u"sv"_s},
+                                               {u"Español"_s, u"es"_s},
+                                               {u"Suomi"_s, u"fi"_s},
+                                               {u"Norsk"_s, u"no"_s},
+                                               {u"Português"_s, u"pt"_s},
+                                               {u"Italiano"_s, u"it"_s}}};
     return table;
 }
 
@@ -77,16 +79,16 @@ void addOptions(QGridLayout &grid, int row, std::array<QRadioButton *, Count> &o
 
 void addResultCount(QGridLayout &grid, QLineEdit *&box, int index)
 {
-    box = numberBox(arrayName(QStringLiteral("txtNbResult"), index));
-    box->setText(QStringLiteral("15"));
-    auto *arrows = named(new UpDown(box, 15, 100, 1, 15), arrayName(QStringLiteral("UpDown1"), index));
+    box = numberBox(arrayName(u"txtNbResult"_s, index));
+    box->setText(u"15"_s);
+    auto *arrows = named(new UpDown(box, 15, 100, 1, 15), arrayName(u"UpDown1"_s, index));
     auto *pair = new QHBoxLayout;
     pair->setSpacing(0);
     pair->addWidget(box);
     pair->addWidget(arrows);
     pair->addStretch();
     const int row = grid.rowCount();
-    grid.addWidget(label(QStringLiteral("Nombre de résultats à afficher :"), box), row, 0);
+    grid.addWidget(label(u"Nombre de résultats à afficher :"_s, box), row, 0);
     grid.addLayout(pair, row, 1);
 }
 
@@ -98,7 +100,7 @@ QWidget *searchPage(const QString &name, QLineEdit *words, QGroupBox *options)
     const int margin = static_cast<int>(std::lround(100.0 / Twips::perPixelX(page)));
     column->setContentsMargins(margin, margin, margin, margin);
     auto *row = new QHBoxLayout;
-    row->addWidget(label(QStringLiteral("Rechercher :"), words));
+    row->addWidget(label(u"Rechercher :"_s, words));
     row->addWidget(words, 1);
     column->addLayout(row);
     column->addWidget(options);
@@ -109,16 +111,16 @@ QWidget *searchPage(const QString &name, QLineEdit *words, QGroupBox *options)
 } // namespace
 
 frmRechercher::frmRechercher(QWidget *owner, Port port, const SearchEndpoints &endpoints, int tab)
-    : DialogBase(QStringLiteral("Rechercher"), owner), m_port(std::move(port)), m_endpoints(endpoints)
+    : DialogBase(u"Rechercher"_s, owner), m_port(std::move(port)), m_endpoints(endpoints)
 {
-    m_tstrPrinc = named(new TabControl, QStringLiteral("tstrPrinc"));
-    m_tstrPrinc->addTab(QStringLiteral("feedster"), QStringLiteral("Feedster"), buildFeedsterPage());
+    m_tstrPrinc = named(new TabControl, u"tstrPrinc"_s);
+    m_tstrPrinc->addTab(u"feedster"_s, u"Feedster"_s, buildFeedsterPage());
     // This key is another service's; nothing reads it.
-    m_tstrPrinc->addTab(QStringLiteral("syndic8"), QStringLiteral("DayPop"), buildDayPopPage());
-    m_tstrPrinc->addTab(QStringLiteral("web"), QStringLiteral("Via le web"), buildWebPage());
+    m_tstrPrinc->addTab(u"syndic8"_s, u"DayPop"_s, buildDayPopPage());
+    m_tstrPrinc->addTab(u"web"_s, u"Via le web"_s, buildWebPage());
 
-    auto *cmdRechercher = button(QStringLiteral("cmdRechercher"), QStringLiteral("&Rechercher"));
-    auto *cmdAnnuler = button(QStringLiteral("cmdAnnuler"), QStringLiteral("&Annuler"));
+    auto *cmdRechercher = button(u"cmdRechercher"_s, u"&Rechercher"_s);
+    auto *cmdAnnuler = button(u"cmdAnnuler"_s, u"&Annuler"_s);
     layOut(*this, m_tstrPrinc, buttonRow({cmdRechercher, cmdAnnuler}));
     cmdRechercher->setDefault(true);
     connect(m_tstrPrinc, &TabControl::TabClick, this, &frmRechercher::changePics);
@@ -131,49 +133,45 @@ frmRechercher::frmRechercher(QWidget *owner, Port port, const SearchEndpoints &e
 
 QWidget *frmRechercher::buildFeedsterPage()
 {
-    auto *options = named(new QGroupBox(QStringLiteral("Options")), QStringLiteral("fraOptionsFeedster"));
+    auto *options = named(new QGroupBox(u"Options"_s), u"fraOptionsFeedster"_s);
     auto *grid = new QGridLayout(options);
-    addOptions(*grid, 0, m_optTri, QStringLiteral("optTri"), {QStringLiteral("Date"), QStringLiteral("Pertinence")});
-    grid->addWidget(label(QStringLiteral("Trier par :"), m_optTri[0]), 0, 0);
+    addOptions(*grid, 0, m_optTri, u"optTri"_s, {u"Date"_s, u"Pertinence"_s});
+    grid->addWidget(label(u"Trier par :"_s, m_optTri[0]), 0, 0);
     // Spelled as users know it.
-    addOptions(*grid, 2, m_optCategory, QStringLiteral("optCategory"),
-               {QStringLiteral("Partourt"), QStringLiteral("Sur les blogs seulement")});
+    addOptions(*grid, 2, m_optCategory, u"optCategory"_s, {u"Partourt"_s, u"Sur les blogs seulement"_s});
     addResultCount(*grid, m_txtNbResult[0], 0);
-    m_txtRecherche[0] = lineEdit(QStringLiteral("txtRecherche_0"));
-    return searchPage(QStringLiteral("picFeedster"), m_txtRecherche[0], options);
+    m_txtRecherche[0] = lineEdit(u"txtRecherche_0"_s);
+    return searchPage(u"picFeedster"_s, m_txtRecherche[0], options);
 }
 
 QWidget *frmRechercher::buildDayPopPage()
 {
-    auto *options = named(new QGroupBox(QStringLiteral("Options")), QStringLiteral("fraOptionsSyndic8"));
+    auto *options = named(new QGroupBox(u"Options"_s), u"fraOptionsSyndic8"_s);
     auto *grid = new QGridLayout(options);
     std::array<QRadioButton *, 2> optTriDayPop{}; // shown, never read
-    addOptions(*grid, 0, optTriDayPop, QStringLiteral("optTriDayPop"),
-               {QStringLiteral("Date"), QStringLiteral("Pertinence")});
-    grid->addWidget(label(QStringLiteral("Trier par :"), optTriDayPop[0]), 0, 0);
-    addOptions(*grid, 2, m_optSearchText, QStringLiteral("optSearchText"),
-               {QStringLiteral("le texte complet"), QStringLiteral("les titres seulement")});
-    grid->addWidget(label(QStringLiteral("Rechercher :"), m_optSearchText[0]), 2, 0);
-    m_cboWhere = comboBox(QStringLiteral("cboWhere"), kinds());
-    addRow(*grid, QStringLiteral("Rechercher dans :"), m_cboWhere);
-    m_cboLangue = comboBox(QStringLiteral("cboLangue"), languages());
-    addRow(*grid, QStringLiteral("Langue :"), m_cboLangue);
+    addOptions(*grid, 0, optTriDayPop, u"optTriDayPop"_s, {u"Date"_s, u"Pertinence"_s});
+    grid->addWidget(label(u"Trier par :"_s, optTriDayPop[0]), 0, 0);
+    addOptions(*grid, 2, m_optSearchText, u"optSearchText"_s, {u"le texte complet"_s, u"les titres seulement"_s});
+    grid->addWidget(label(u"Rechercher :"_s, m_optSearchText[0]), 2, 0);
+    m_cboWhere = comboBox(u"cboWhere"_s, kinds());
+    addRow(*grid, u"Rechercher dans :"_s, m_cboWhere);
+    m_cboLangue = comboBox(u"cboLangue"_s, languages());
+    addRow(*grid, u"Langue :"_s, m_cboLangue);
     addResultCount(*grid, m_txtNbResult[1], 1);
-    m_txtRecherche[1] = lineEdit(QStringLiteral("txtRecherche_1"));
-    return searchPage(QStringLiteral("picDayPop"), m_txtRecherche[1], options);
+    m_txtRecherche[1] = lineEdit(u"txtRecherche_1"_s);
+    return searchPage(u"picDayPop"_s, m_txtRecherche[1], options);
 }
 
 QWidget *frmRechercher::buildWebPage()
 {
-    auto *page = named(new QWidget, QStringLiteral("picWeb"));
+    auto *page = named(new QWidget, u"picWeb"_s);
     auto *column = new QVBoxLayout(page);
-    const std::array<QString, 3> services{QStringLiteral("Syndic8"), QStringLiteral("Newsisfree"),
-                                          QStringLiteral("BlogStreet")};
+    const std::array<QString, 3> services{u"Syndic8"_s, u"Newsisfree"_s, u"BlogStreet"_s};
     const int height = fontMetrics().height() * 3 / 2;
     for (std::size_t i = 0; i < services.size(); ++i) {
         // The picture, 120 by 24, is the choice's only caption.
-        auto *option = named(new QRadioButton, arrayName(QStringLiteral("optWebSearch"), static_cast<int>(i)));
-        option->setIcon(QIcon(QStringLiteral(":/icons/") + services[i].toLower() + QStringLiteral(".svg")));
+        auto *option = named(new QRadioButton, arrayName(u"optWebSearch"_s, static_cast<int>(i)));
+        option->setIcon(QIcon(u":/icons/"_s + services[i].toLower() + u".svg"_s));
         option->setIconSize(QSize(height * 5, height));
         option->setAccessibleName(services[i]);
         option->setToolTip(services[i]);
@@ -181,8 +179,8 @@ QWidget *frmRechercher::buildWebPage()
         m_optWebSearch[i] = option;
     }
     m_optWebSearch[0]->setChecked(true);
-    m_txtRecherche[2] = lineEdit(QStringLiteral("txtRecherche_2"));
-    m_txtRecherche[2]->setAccessibleName(QStringLiteral("Rechercher"));
+    m_txtRecherche[2] = lineEdit(u"txtRecherche_2"_s);
+    m_txtRecherche[2]->setAccessibleName(u"Rechercher"_s);
     column->addWidget(m_txtRecherche[2]);
     column->addStretch();
     return page;

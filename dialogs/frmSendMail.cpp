@@ -1,7 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "dialogs/frmSendMail.h"
 
 #include "core/AppSettings.h"
 #include "dialogs/DialogParts.h"
+#include "platform/Literals.h"
 #include "platform/MailSender.h"
 #include "platform/Messages.h"
 
@@ -15,14 +18,14 @@
 
 frmSendMail::frmSendMail(QWidget *owner, const AppSettings &settings, Messages &messages, const QString &body,
                          Wait wait, MakeMail makeMail)
-    : DialogBase(QStringLiteral("Envoyer une news par mail"), owner), m_settings(settings), m_messages(messages),
+    : DialogBase(u"Envoyer une news par mail"_s, owner), m_settings(settings), m_messages(messages),
       m_wait(std::move(wait)), m_makeMail(std::move(makeMail))
 {
-    m_txtDestMail = DialogParts::lineEdit(QStringLiteral("txtDestMail"));
-    m_txtDestName = DialogParts::lineEdit(QStringLiteral("txtDestName"));
-    m_txtSujet = DialogParts::lineEdit(QStringLiteral("txtSujet"));
-    m_txtContent = DialogParts::textBox(QStringLiteral("txtContent"));
-    QFont typewriter(QStringLiteral("Courier New"), font().pointSize());
+    m_txtDestMail = DialogParts::lineEdit(u"txtDestMail"_s);
+    m_txtDestName = DialogParts::lineEdit(u"txtDestName"_s);
+    m_txtSujet = DialogParts::lineEdit(u"txtSujet"_s);
+    m_txtContent = DialogParts::textBox(u"txtContent"_s);
+    QFont typewriter(u"Courier New"_s, font().pointSize());
     typewriter.setStyleHint(QFont::Monospace);
     m_txtContent->setFont(typewriter);
     m_txtContent->setMinimumSize(QFontMetrics(typewriter).averageCharWidth() * 64, fontMetrics().lineSpacing() * 12);
@@ -32,16 +35,16 @@ frmSendMail::frmSendMail(QWidget *owner, const AppSettings &settings, Messages &
     auto *content = new QWidget;
     auto *grid = new QGridLayout(content);
     grid->setContentsMargins(0, 0, 0, 0);
-    DialogParts::addRow(*grid, QStringLiteral("Email :"), m_txtDestMail);
-    DialogParts::addRow(*grid, QStringLiteral("Nom (optionnel) :"), m_txtDestName);
-    DialogParts::addRow(*grid, QStringLiteral("Sujet :"), m_txtSujet);
-    DialogParts::addRow(*grid, QStringLiteral("Message :"), m_txtContent);
+    DialogParts::addRow(*grid, u"Email :"_s, m_txtDestMail);
+    DialogParts::addRow(*grid, u"Nom (optionnel) :"_s, m_txtDestName);
+    DialogParts::addRow(*grid, u"Sujet :"_s, m_txtSujet);
+    DialogParts::addRow(*grid, u"Message :"_s, m_txtContent);
     grid->setRowStretch(grid->rowCount() - 1, 1);
 
-    m_lblEtat = DialogParts::named(new QLabel, QStringLiteral("lblEtat"));
+    m_lblEtat = DialogParts::named(new QLabel, u"lblEtat"_s);
     m_lblEtat->setTextFormat(Qt::PlainText);
-    m_cmdEnvoyer = DialogParts::button(QStringLiteral("cmdEnvoyer"), QStringLiteral("&Envoyer"));
-    m_cmdAnnuler = DialogParts::button(QStringLiteral("cmdAnnuler"), QStringLiteral("&Annuler"));
+    m_cmdEnvoyer = DialogParts::button(u"cmdEnvoyer"_s, u"&Envoyer"_s);
+    m_cmdAnnuler = DialogParts::button(u"cmdAnnuler"_s, u"&Annuler"_s);
     // No button is the default one: Enter in a box sends nothing.
     m_cmdEnvoyer->setAutoDefault(false);
     m_cmdAnnuler->setAutoDefault(false);
@@ -62,12 +65,11 @@ frmSendMail::~frmSendMail() = default;
 void frmSendMail::handleSend()
 {
     if (m_txtDestMail->text().isEmpty()) {
-        m_messages.show({QStringLiteral("Veuillez spécifier l'email du destinataire"), QStringLiteral("Attention"),
-                         Message::Icon::Exclamation});
+        m_messages.show({u"Veuillez spécifier l'email du destinataire"_s, u"Attention"_s, Message::Icon::Exclamation});
         return;
     }
     m_cmdEnvoyer->setEnabled(false);
-    m_lblEtat->setText(QStringLiteral("Connexion au serveur"));
+    m_lblEtat->setText(u"Connexion au serveur"_s);
 
     // What the user types or clicks meanwhile waits until the attempt is over; the window is repainted.
     m_poSendMail = m_makeMail([] { QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents); });
@@ -89,7 +91,7 @@ void frmSendMail::handleSend()
 
 void frmSendMail::poSendMail_SendSuccesful()
 {
-    m_lblEtat->setText(QStringLiteral("Envoi réussi"));
+    m_lblEtat->setText(u"Envoi réussi"_s);
     m_cmdAnnuler->setEnabled(false);
     QCoreApplication::processEvents();
     m_wait(1000); // so that the words can be read
@@ -98,8 +100,8 @@ void frmSendMail::poSendMail_SendSuccesful()
 
 void frmSendMail::poSendMail_SendFailed(const QString &Explanation)
 {
-    m_messages.show({QStringLiteral("Une erreur est survenue pendant l'envoi du mail :\n\n") + Explanation,
-                     QStringLiteral("Erreur"), Message::Icon::Critical});
+    m_messages.show({u"Une erreur est survenue pendant l'envoi du mail :\n\n"_s + Explanation, u"Erreur"_s,
+                     Message::Icon::Critical});
     m_lblEtat->clear();
     m_cmdEnvoyer->setEnabled(true);
 }
@@ -107,11 +109,11 @@ void frmSendMail::poSendMail_SendFailed(const QString &Explanation)
 void frmSendMail::showConnectionState(bool connected)
 {
     if (connected) {
-        m_lblEtat->setText(QStringLiteral("Envoi du message en cours ..."));
+        m_lblEtat->setText(u"Envoi du message en cours ..."_s);
         return;
     }
-    m_messages.show({QStringLiteral("L'envoi du message a échoué, la connexion avec le serveur est impossible !"),
-                     QStringLiteral("Connexion impossible"), Message::Icon::Exclamation});
+    m_messages.show({u"L'envoi du message a échoué, la connexion avec le serveur est impossible !"_s,
+                     u"Connexion impossible"_s, Message::Icon::Exclamation});
     m_lblEtat->clear();
     m_cmdEnvoyer->setEnabled(true);
 }

@@ -1,6 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "engine/Dates.h"
 
 #include "engine/InternetDate.h"
+#include "platform/Literals.h"
 #include "platform/Numbers.h"
 #include "platform/RunTimeError.h"
 
@@ -124,7 +127,7 @@ QDateTime Dates::ParseIsoDate(const QString &text) const
         join(wholeNumber(cut(text, 1, 4)), wholeNumber(cut(text, 6, 2)), wholeNumber(cut(text, 9, 2)),
              wholeNumber(cut(text, 12, 2)), wholeNumber(cut(text, 15, 2)), wholeNumber(cut(text, 18, 2)));
     QString zone = cut(text, 20, text.size()).toString();
-    zone.replace(u'Z', QLatin1String("+00:00"), Qt::CaseInsensitive);
+    zone.replace(u'Z', "+00:00"_L1, Qt::CaseInsensitive);
     const bool positive = zone.startsWith(u'+');
     // A missing zone fails at the position of its hours, not at its minutes.
     const qint16 minutes = zone.isEmpty() ? qint16(0) : wholeNumber(QStringView(zone).last(qMin(zone.size(), 2)));
@@ -137,11 +140,11 @@ QDateTime Dates::ParseIsoDate(const QString &text) const
 QDateTime Dates::ParseInternetDate(const QString &dateText) const
 {
     QString text = dateText;
-    text.replace(QLatin1String("GMT"), QLatin1String("+0000"));
+    text.replace("GMT"_L1, "+0000"_L1);
     if (trimmedOfSpaces(text).size() == 25) // a full date with seconds and no zone
-        text += QLatin1String(" +0000");
+        text += " +0000"_L1;
     if (!text.contains(u','))
-        text.prepend(QLatin1String("Thu, "));
+        text.prepend("Thu, "_L1);
     const InternetDate record = InternetDate::read(text); // zeroes when it can't be read
     const QDateTime date = join(record.year, record.month, record.day, record.hour, record.minute, record.second);
 

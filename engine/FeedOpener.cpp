@@ -1,7 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "engine/FeedOpener.h"
 
 #include "engine/CurrentFeed.h"
 #include "platform/Files.h"
+#include "platform/Literals.h"
 #include "platform/RunTimeError.h"
 #include "platform/net/Downloader.h"
 
@@ -14,7 +17,7 @@ constexpr QLatin1String http("http://");
 
 bool isFeedAddress(const QString &text)
 {
-    return text.startsWith(http) || text.startsWith(QLatin1String("feed:"));
+    return text.startsWith(http) || text.startsWith("feed:"_L1);
 }
 
 /// The text without "feed:" (any first 5 characters) and the slashes behind it.
@@ -23,7 +26,7 @@ QString withoutScheme(const QString &text)
     if (text.startsWith(http))
         return text;
     const QString rest = text.mid(5);
-    return rest.startsWith(QLatin1String("//")) ? rest.mid(2) : rest;
+    return rest.startsWith("//"_L1) ? rest.mid(2) : rest;
 }
 
 } // namespace
@@ -67,7 +70,7 @@ void FeedOpener::openLocalFile(const QString &path)
         refuse(Reason::NoSuchFile);
         return;
     }
-    const QString copy = m_directory.file(QStringLiteral("tmp.xml"));
+    const QString copy = m_directory.file(u"tmp.xml"_s);
     Files::copy(path, copy);
     if (m_current.document->Load(copy) == LoadOk)
         Q_EMIT opened(Source::LocalFile);
@@ -89,14 +92,14 @@ QString FeedOpener::addressToFetch(const QString &text)
     const QString address = withoutScheme(text);
     if (address.startsWith(http))
         return address;
-    return address.contains(QLatin1String("//")) ? QString() : QString(http + address);
+    return address.contains("//"_L1) ? QString() : QString(http + address);
 }
 
 void FeedOpener::LoadFile(const QString &text)
 {
     m_current.addressFeedShown = false;
     Q_EMIT fetchBegan();
-    const QString destination = m_directory.file(QStringLiteral("tmp.xml"));
+    const QString destination = m_directory.file(u"tmp.xml"_s);
     if (Files::exists(destination))
         Files::remove(destination);
     const QString url = addressToFetch(text);
@@ -138,7 +141,7 @@ void FeedOpener::openDownloaded()
 {
     if (!m_current.addressFeedUnsaved)
         m_current.document->Save();
-    switch (m_current.document->Load(m_directory.file(QStringLiteral("tmp.xml")))) {
+    switch (m_current.document->Load(m_directory.file(u"tmp.xml"_s))) {
     case LoadOk:
         m_current.addressFeedShown = true;
         m_current.addressFeedUnsaved = true;

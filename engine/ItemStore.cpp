@@ -1,6 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "engine/ItemStore.h"
 
 #include "platform/DateText.h"
+#include "platform/Literals.h"
 #include "platform/Numbers.h"
 
 #include <QHash>
@@ -97,7 +100,7 @@ qint16 ItemStore::merge(const CachedFeed &fresh, CachedFeed &store, const QStrin
     const qint16 count = addNewItems(fresh, store, titles);
     if (havecache == u"0") {
         markAgedItems(store, Numbers::toInt16(updatecache), today);
-        havecache = QStringLiteral("1");
+        havecache = u"1"_s;
     }
     clearTombstones(store, titles);
     store.Save();

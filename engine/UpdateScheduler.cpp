@@ -1,8 +1,11 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "engine/UpdateScheduler.h"
 
 #include "core/FeedCatalogue.h"
 #include "core/FeedTreeState.h"
 #include "engine/ItemStore.h"
+#include "platform/Literals.h"
 #include "platform/Numbers.h"
 #include "platform/RunTimeError.h"
 #include "platform/net/Downloader.h"
@@ -139,8 +142,8 @@ void UpdateScheduler::updateFeed(const FeedNodePtr &node)
     Q_EMIT fetchBegan();
 
     QString url = m_updatingNode->tag;
-    if (url.startsWith(QLatin1String("feed://")))
-        url = QStringLiteral("http://") + url.mid(7);
+    if (url.startsWith("feed://"_L1))
+        url = u"http://"_s + url.mid(7);
     QString username;
     QString password;
     if (m_surroundings.tables.usernames.Exists(key)) {
@@ -148,8 +151,7 @@ void UpdateScheduler::updateFeed(const FeedNodePtr &node)
         QString enciphered = m_surroundings.tables.passwords.Item(key);
         password = m_surroundings.cipher.DecryptString(enciphered, FeedCatalogue::cipherKey(key), true);
     }
-    m_surroundings.dwlUpdate.Download(url, 0, m_surroundings.directory.file(QStringLiteral("tmpupd.xml")), username,
-                                      password);
+    m_surroundings.dwlUpdate.Download(url, 0, m_surroundings.directory.file(u"tmpupd.xml"_s), username, password);
 }
 
 bool UpdateScheduler::isOnShow(const QString &key) const
@@ -172,7 +174,7 @@ void UpdateScheduler::handleDownloadComplete(qint32 status)
     // One moment for all items of the update: asking the clock for each costs about as much as copying the item.
     const Clock now = [moment = m_surroundings.clock()] { return moment; };
     CachedFeed fresh(now);
-    if (status != 200 || fresh.Load(m_surroundings.directory.file(QStringLiteral("tmpupd.xml"))) != LoadOk) {
+    if (status != 200 || fresh.Load(m_surroundings.directory.file(u"tmpupd.xml"_s)) != LoadOk) {
         endUpdate(0);
         return;
     }

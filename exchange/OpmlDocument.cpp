@@ -1,5 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "exchange/OpmlDocument.h"
 
+#include "platform/Literals.h"
 #include "platform/RunTimeError.h"
 #include "platform/xml/XmlDocument.h"
 
@@ -7,9 +10,7 @@ namespace {
 
 std::vector<XmlNode> outlinesOf(const XmlDocument &document)
 {
-    return document.selectSingleNode(QStringLiteral("opml"))
-        .selectSingleNode(QStringLiteral("body"))
-        .selectNodes(QStringLiteral("outline"));
+    return document.selectSingleNode(u"opml"_s).selectSingleNode(u"body"_s).selectNodes(u"outline"_s);
 }
 
 } // namespace
@@ -30,13 +31,13 @@ bool OpmlDocument::loadXml(const QByteArray &bytes)
 
 OpmlDocument::List OpmlDocument::list() const
 {
-    const XmlNode opml = m_document->selectSingleNode(QStringLiteral("opml"));
+    const XmlNode opml = m_document->selectSingleNode(u"opml"_s);
     List list;
-    list.title = opml.selectSingleNode(QStringLiteral("head")).selectSingleNode(QStringLiteral("title")).text();
+    list.title = opml.selectSingleNode(u"head"_s).selectSingleNode(u"title"_s).text();
     int position = 0;
     for (const XmlNode &outline : outlinesOf(*m_document)) {
-        if (const auto address = outline.attribute(QStringLiteral("xmlUrl")))
-            list.feeds.push_back({position, outline.requiredAttribute(QStringLiteral("text")), *address});
+        if (const auto address = outline.attribute(u"xmlUrl"_s))
+            list.feeds.push_back({position, outline.requiredAttribute(u"text"_s), *address});
         ++position;
     }
     return list;
@@ -47,7 +48,5 @@ QString OpmlDocument::description(int position) const
     const std::vector<XmlNode> outlines = outlinesOf(*m_document);
     if (position < 0 || static_cast<std::size_t>(position) >= outlines.size())
         throw RunTimeError::objectNotSet();
-    return outlines[static_cast<std::size_t>(position)]
-        .attribute(QStringLiteral("description"))
-        .value_or(QStringLiteral("/"));
+    return outlines[static_cast<std::size_t>(position)].attribute(u"description"_s).value_or(u"/"_s);
 }

@@ -1,7 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "exchange/OpmlWriter.h"
 
 #include "platform/AnsiText.h"
 #include "platform/Files.h"
+#include "platform/Literals.h"
 #include "platform/RunTimeError.h"
 #include "platform/xml/XmlDocument.h"
 
@@ -10,7 +13,7 @@ namespace {
 void writeLine(QString &stream, const QString &line)
 {
     stream += line;
-    stream += QStringLiteral("\r\n");
+    stream += u"\r\n"_s;
 }
 
 // Nothing is escaped in any line: names and addresses reach other programs letter for letter as the catalogue holds
@@ -19,17 +22,15 @@ void exportNode(const XmlNode &node, bool structured, QString &stream)
 {
     for (const XmlNode &child : node.childNodes()) {
         const QString kind = child.nodeName();
-        if (kind == QStringLiteral("dir")) {
+        if (kind == u"dir"_s) {
             if (structured)
-                writeLine(stream, QStringLiteral("<outline text=\"") + child.requiredAttribute(QStringLiteral("name")) +
-                                      QStringLiteral("\" >"));
+                writeLine(stream, u"<outline text=\""_s + child.requiredAttribute(u"name"_s) + u"\" >"_s);
             exportNode(child, structured, stream);
             if (structured)
-                writeLine(stream, QStringLiteral("</outline>"));
-        } else if (kind == QStringLiteral("feed")) {
-            writeLine(stream, QStringLiteral("<outline text=\"") + child.requiredAttribute(QStringLiteral("name")) +
-                                  QStringLiteral("\" xmlUrl=\"") + child.requiredAttribute(QStringLiteral("url")) +
-                                  QStringLiteral("\" />"));
+                writeLine(stream, u"</outline>"_s);
+        } else if (kind == u"feed"_s) {
+            writeLine(stream, u"<outline text=\""_s + child.requiredAttribute(u"name"_s) + u"\" xmlUrl=\""_s +
+                                  child.requiredAttribute(u"url"_s) + u"\" />"_s);
         }
     }
 }
@@ -44,17 +45,17 @@ bool writeOpml(const OpmlExport &what, const QString &path)
 
     QString stream;
     // Declared so whatever the code page of the system is.
-    writeLine(stream, QStringLiteral("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>"));
-    writeLine(stream, QStringLiteral("<opml version=\"1.1\">"));
-    writeLine(stream, QStringLiteral("<head>"));
-    writeLine(stream, QStringLiteral("<title>") + what.title + QStringLiteral("</title>"));
-    writeLine(stream, QStringLiteral("<ownerName>") + what.ownerName + QStringLiteral("</ownerName>"));
-    writeLine(stream, QStringLiteral("<ownerEmail>") + what.ownerEmail + QStringLiteral("</ownerEmail>"));
-    writeLine(stream, QStringLiteral("</head>"));
-    writeLine(stream, QStringLiteral("<body>"));
-    exportNode(catalogue.selectSingleNode(QStringLiteral("favoris")), what.structured, stream);
-    writeLine(stream, QStringLiteral("</body>"));
-    writeLine(stream, QStringLiteral("</opml>"));
+    writeLine(stream, u"<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>"_s);
+    writeLine(stream, u"<opml version=\"1.1\">"_s);
+    writeLine(stream, u"<head>"_s);
+    writeLine(stream, u"<title>"_s + what.title + u"</title>"_s);
+    writeLine(stream, u"<ownerName>"_s + what.ownerName + u"</ownerName>"_s);
+    writeLine(stream, u"<ownerEmail>"_s + what.ownerEmail + u"</ownerEmail>"_s);
+    writeLine(stream, u"</head>"_s);
+    writeLine(stream, u"<body>"_s);
+    exportNode(catalogue.selectSingleNode(u"favoris"_s), what.structured, stream);
+    writeLine(stream, u"</body>"_s);
+    writeLine(stream, u"</opml>"_s);
 
     if (!AnsiText::holds(stream))
         throw RunTimeError::invalidCall();

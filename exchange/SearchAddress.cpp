@@ -1,4 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "exchange/SearchAddress.h"
+
+#include "platform/Literals.h"
 
 namespace {
 
@@ -11,30 +15,29 @@ QString withoutBlanks(QString address)
 
 QString SearchAddress::feedster(const SearchEndpoints &endpoints, const FeedsterQuery &query)
 {
-    return withoutBlanks(endpoints.feedster + QStringLiteral("search.php?hl=en&ie=UTF-8&q=") + query.words +
-                         (query.byDate ? QStringLiteral("&sort=date") : QStringLiteral("&sort=relevance")) +
-                         (query.blogsOnly ? QStringLiteral("&category=blog") : QString()) +
-                         QStringLiteral("&content=full&type=rss&limit=") + query.count);
+    return withoutBlanks(endpoints.feedster + u"search.php?hl=en&ie=UTF-8&q="_s + query.words +
+                         (query.byDate ? u"&sort=date"_s : u"&sort=relevance"_s) +
+                         (query.blogsOnly ? u"&category=blog"_s : QString()) + u"&content=full&type=rss&limit="_s +
+                         query.count);
 }
 
 QString SearchAddress::dayPop(const SearchEndpoints &endpoints, const DayPopQuery &query)
 {
-    return withoutBlanks(endpoints.dayPop + QStringLiteral("search?q=") + query.words +
-                         (query.byDate ? QStringLiteral("&sort=date") : QString()) +
-                         (query.titlesOnly ? QStringLiteral("&ts=true") : QString()) + QStringLiteral("&t=") +
-                         query.kind + (query.language.isEmpty() ? QString() : QStringLiteral("&ln=") + query.language) +
-                         QStringLiteral("&o=rss&c=") + query.count);
+    return withoutBlanks(endpoints.dayPop + u"search?q="_s + query.words +
+                         (query.byDate ? u"&sort=date"_s : QString()) + (query.titlesOnly ? u"&ts=true"_s : QString()) +
+                         u"&t="_s + query.kind + (query.language.isEmpty() ? QString() : u"&ln="_s + query.language) +
+                         u"&o=rss&c="_s + query.count);
 }
 
 QString SearchAddress::web(const SearchEndpoints &endpoints, WebService service, const QString &words)
 {
     switch (service) {
     case WebService::Syndic8:
-        return withoutBlanks(endpoints.syndic8 + QStringLiteral("feedlist.php?ShowStatus=all&ShowMatch=") + words);
+        return withoutBlanks(endpoints.syndic8 + u"feedlist.php?ShowStatus=all&ShowMatch="_s + words);
     case WebService::Newsisfree:
-        return withoutBlanks(endpoints.newsisfree + QStringLiteral("siets/?type=search&search=Search&query=") + words);
+        return withoutBlanks(endpoints.newsisfree + u"siets/?type=search&search=Search&query="_s + words);
     case WebService::BlogStreet:
         break;
     }
-    return withoutBlanks(endpoints.blogStreet + QStringLiteral("bin/rsssearch.cgi?x=0&y=0&period=0&q=") + words);
+    return withoutBlanks(endpoints.blogStreet + u"bin/rsssearch.cgi?x=0&y=0&period=0&q="_s + words);
 }

@@ -1,6 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "exchange/SearchEndpoints.h"
 
 #include "platform/Files.h"
+#include "platform/Literals.h"
 
 #include <QHash>
 
@@ -31,10 +34,9 @@ SearchEndpoints SearchEndpoints::configured(const QString &iniPath)
         if (address.isEmpty())
             address = values.value(name);
         if (address.isEmpty())
-            address = QStringLiteral("http://") + name + QStringLiteral(".example/");
+            address = u"http://"_s + name + u".example/"_s;
         return address.endsWith(QLatin1Char('/')) ? address : address + QLatin1Char('/');
     };
-    return {endpoint(QStringLiteral("feedster")), endpoint(QStringLiteral("daypop")),
-            endpoint(QStringLiteral("syndic8")), endpoint(QStringLiteral("newsisfree")),
-            endpoint(QStringLiteral("blogstreet"))};
+    return {endpoint(u"feedster"_s), endpoint(u"daypop"_s), endpoint(u"syndic8"_s), endpoint(u"newsisfree"_s),
+            endpoint(u"blogstreet"_s)};
 }

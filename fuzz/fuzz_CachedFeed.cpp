@@ -1,6 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "engine/feed/CachedFeed.h"
 #include "platform/DateText.h"
 #include "platform/Files.h"
+#include "platform/Literals.h"
 
 #include <QTemporaryDir>
 
@@ -30,7 +33,7 @@ const QByteArray stores[] = {
 
 QString write(const QString &name, const QByteArray &bytes)
 {
-    static const QTemporaryDir folder(QStringLiteral("/dev/shm/quillwire-XXXXXX"));
+    static const QTemporaryDir folder(u"/dev/shm/quillwire-XXXXXX"_s);
     const QString path = folder.filePath(name);
     Files::write(path, bytes);
     return path;
@@ -93,14 +96,14 @@ void requireTheSameAfterSaving(CachedFeed &feed, const QString &path)
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
 {
     const Clock clock = [] { return QDateTime(QDate(2004, 7, 1), QTime(12, 0)); };
-    const QString path = write(QStringLiteral("feed.xml"),
-                               QByteArray(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size)));
+    const QString path =
+        write(u"feed.xml"_s, QByteArray(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size)));
     CachedFeed feed(clock);
     if (feed.Load(path) != LoadOk)
         return 0;
     readEveryField(feed);
     for (const QByteArray &bytes : stores) {
-        const QString storePath = write(QStringLiteral("store.xml"), bytes);
+        const QString storePath = write(u"store.xml"_s, bytes);
         CachedFeed store(clock);
         require(store.Load(storePath) == LoadOk);
         const qint16 count = std::min<qint16>(feed.ItemCount(), 20);

@@ -1,6 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "core/FeedCatalogue.h"
 #include "core/FeedTreeState.h"
 #include "platform/Files.h"
+#include "platform/Literals.h"
 #include "platform/RunTimeError.h"
 #include "support/clsDES.h"
 
@@ -28,12 +31,12 @@ QStringList keysBelow(const FeedNodePtr &node)
 /// end, and loads again with the same nodes.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
 {
-    static const QTemporaryDir folder(QStringLiteral("/dev/shm/quillwire-XXXXXX"));
+    static const QTemporaryDir folder(u"/dev/shm/quillwire-XXXXXX"_s);
     static clsDES cipher;
     const DataDirectory directory(folder.path());
-    QDir(folder.path()).mkpath(QStringLiteral("feeds"));
-    Files::write(directory.file(QStringLiteral("tmp.xml")), "<rss/>");
-    Files::write(directory.file(QStringLiteral("feeds.xml")),
+    QDir(folder.path()).mkpath(u"feeds"_s);
+    Files::write(directory.file(u"tmp.xml"_s), "<rss/>");
+    Files::write(directory.file(u"feeds.xml"_s),
                  QByteArray(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size)));
     const Clock clock = [] { return QDateTime(QDate(2004, 7, 1), QTime(12, 0)); };
     FeedTree tree;
@@ -41,8 +44,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
     FeedCatalogue catalogue(directory, tree, state, cipher, clock);
     try {
         catalogue.loadCatalogue();
-        catalogue.createFolder(tree.root(), QStringLiteral("Folder"));
-        catalogue.addFeed({QStringLiteral("Feed"), {}, QStringLiteral("http://example.org/"), {}, {}});
+        catalogue.createFolder(tree.root(), u"Folder"_s);
+        catalogue.addFeed({u"Feed"_s, {}, u"http://example.org/"_s, {}, {}});
         catalogue.saveCatalogueState();
     } catch (const RunTimeError &) {
         return 0;

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "exchange/OpmlDocument.h"
 #include "platform/RunTimeError.h"
 

@@ -1,5 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "core/SettingsFile.h"
 #include "platform/Files.h"
+#include "platform/Literals.h"
 #include "platform/Messages.h"
 #include "platform/RunTimeError.h"
 
@@ -21,8 +24,8 @@ public:
 /// Any bytes as params.xml: they load or end in the failure box; what loads and can be saved loads again.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
 {
-    static const QTemporaryDir folder(QStringLiteral("/dev/shm/quillwire-XXXXXX"));
-    const QString path = folder.filePath(QStringLiteral("params.xml"));
+    static const QTemporaryDir folder(u"/dev/shm/quillwire-XXXXXX"_s);
+    const QString path = folder.filePath(u"params.xml"_s);
     Files::write(path, QByteArray(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size)));
     SilentMessages messages;
     const SettingsFile file(path, {}, {}, messages);

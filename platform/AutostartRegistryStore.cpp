@@ -1,8 +1,11 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "platform/AutostartRegistryStore.h"
 
 #include "platform/DesktopEntry.h"
 #include "platform/EnvironmentText.h"
 #include "platform/Files.h"
+#include "platform/Literals.h"
 #include "platform/RunTimeError.h"
 
 #include <QDir>
@@ -15,8 +18,8 @@
 
 namespace {
 
-const QString Prefix = QStringLiteral("quillwire-run-");
-const QString Suffix = QStringLiteral(".desktop");
+const QString Prefix = u"quillwire-run-"_s;
+const QString Suffix = u".desktop"_s;
 
 constexpr char TypeField[] = "X-Quillwire-Type";
 constexpr char DataField[] = "X-Quillwire-Data";
@@ -85,7 +88,7 @@ QString execOf(const StoredValue &value)
 
 QString AutostartRegistryStore::runSection()
 {
-    return u"Software\\Microsoft\\Windows\\CurrentVersion\\Run"_qs;
+    return u"Software\\Microsoft\\Windows\\CurrentVersion\\Run"_s;
 }
 
 QString AutostartRegistryStore::defaultDirectory()
@@ -145,7 +148,7 @@ qint32 AutostartRegistryStore::setValue(const RegistryKey &key, const QString &n
 {
     if (!isRunSection(key.root, key.section))
         return m_rest.setValue(key, name, type, data);
-    QString entry = u"[Desktop Entry]\nType=Application\nVersion=1.5\nName="_qs + DesktopEntry::stringValue(name) +
+    QString entry = u"[Desktop Entry]\nType=Application\nVersion=1.5\nName="_s + DesktopEntry::stringValue(name) +
                     u"\nTerminal=false\n";
     if (const QString exec = execOf({type, data}); !exec.isEmpty())
         entry += u"Exec=" + exec + u'\n';

@@ -1,5 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "platform/DateText.h"
 
+#include "platform/Literals.h"
 #include "platform/RunTimeError.h"
 
 #include <QLocale>
@@ -16,14 +19,14 @@ QLocale dateLocale()
 QString shortDateFormat(const QLocale &locale)
 {
     QString format = locale.dateFormat(QLocale::ShortFormat);
-    if (!format.contains(QLatin1String("yyyy")))
-        format.replace(QLatin1String("yy"), QLatin1String("yyyy"));
+    if (!format.contains("yyyy"_L1))
+        format.replace("yy"_L1, "yyyy"_L1);
     return format;
 }
 
 QString timeFormat()
 {
-    return QStringLiteral("HH:mm:ss");
+    return u"HH:mm:ss"_s;
 }
 
 QDateTime parse(const QString &text)

@@ -1,4 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "platform/DesktopEntry.h"
+
+#include "platform/Literals.h"
 
 namespace {
 
@@ -24,7 +28,7 @@ QString DesktopEntry::execLine(const QString &program, const QStringList &argume
     // Launchers look for the program before they undo a doubled percent sign, and the format bars "=" from its name:
     // such a program is started through the shell.
     const bool needsShell = program.contains(u'%') || program.contains(u'=');
-    QString line = (needsShell ? uR"(sh -c "exec \"\$0\" \"\$@\"" )"_qs : QString()) + quotedArgument(program);
+    QString line = (needsShell ? uR"(sh -c "exec \"\$0\" \"\$@\"" )"_s : QString()) + quotedArgument(program);
     for (const QString &argument : arguments)
         line += u' ' + quotedArgument(argument);
     // The escapes of the type string come on top of the quotes, so that a backslash ends up as four.
@@ -50,7 +54,7 @@ QString DesktopEntry::stringValue(const QString &text)
             break;
         case u' ':
             // A leading blank would be taken for layout.
-            value += value.isEmpty() ? u"\\s"_qs : u" "_qs;
+            value += value.isEmpty() ? u"\\s"_s : u" "_s;
             break;
         default:
             value += character;

@@ -1,6 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "platform/FileRegistryStore.h"
 
 #include "platform/Files.h"
+#include "platform/Literals.h"
 #include "platform/RunTimeError.h"
 
 #include <QDir>
@@ -17,18 +20,18 @@
 
 namespace {
 
-const QString TypeName = QStringLiteral("type");
-const QString DataName = QStringLiteral("data");
+const QString TypeName = u"type"_s;
+const QString DataName = u"data"_s;
 
 QString rootName(qint32 root)
 {
     switch (root) {
     case RegistryRoot::ClassesRoot:
-        return u"HKEY_CLASSES_ROOT"_qs;
+        return u"HKEY_CLASSES_ROOT"_s;
     case RegistryRoot::CurrentUser:
-        return u"HKEY_CURRENT_USER"_qs;
+        return u"HKEY_CURRENT_USER"_s;
     case RegistryRoot::LocalMachine:
-        return u"HKEY_LOCAL_MACHINE"_qs;
+        return u"HKEY_LOCAL_MACHINE"_s;
     default:
         return {};
     }

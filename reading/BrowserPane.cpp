@@ -1,5 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "reading/BrowserPane.h"
 
+#include "platform/Literals.h"
 #include "reading/WebModule.h"
 
 #include <QFileDialog>
@@ -31,8 +34,7 @@ void BrowserPane::Private::start(BrowserPane &pane)
         content = engine->widget();
     } else {
         failed = true;
-        auto *label =
-            new QLabel(QStringLiteral("Le moteur d'affichage des pages ne peut pas être chargé :\n") + error, &pane);
+        auto *label = new QLabel(u"Le moteur d'affichage des pages ne peut pas être chargé :\n"_s + error, &pane);
         label->setTextFormat(Qt::PlainText);
         label->setAlignment(Qt::AlignCenter);
         label->setWordWrap(true);
@@ -59,7 +61,7 @@ WebPane::Events BrowserPane::Private::eventsOf(BrowserPane &pane) const
 BrowserPane::BrowserPane(DataDirectory directory, Messages &messages, QWidget *parent)
     : QWidget(parent), d(new Private{std::move(directory), messages})
 {
-    setAccessibleName(QStringLiteral("Page"));
+    setAccessibleName(u"Page"_s);
     setFocusPolicy(Qt::StrongFocus);
     auto *room = new QVBoxLayout(this);
     room->setContentsMargins(0, 0, 0, 0);
@@ -131,5 +133,5 @@ void BrowserPane::showEvent(QShowEvent *event)
 
 QString BrowserPane::askDownloadPath(const QString &proposed)
 {
-    return QFileDialog::getSaveFileName(this, QStringLiteral("Enregistrer sous"), proposed);
+    return QFileDialog::getSaveFileName(this, u"Enregistrer sous"_s, proposed);
 }

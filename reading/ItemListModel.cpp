@@ -1,7 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "reading/ItemListModel.h"
 
 #include "controls/ImageList.h"
 #include "platform/DateText.h"
+#include "platform/Literals.h"
 
 #include <QCollator>
 #include <QGuiApplication>
@@ -22,7 +25,7 @@ constexpr qint64 noDate = std::numeric_limits<qint64>::min();
 QFont listFont(bool bold)
 {
     QFont font;
-    font.setFamilies({QStringLiteral("MS Sans Serif"), QGuiApplication::font().family()});
+    font.setFamilies({u"MS Sans Serif"_s, QGuiApplication::font().family()});
     font.setPointSize(fontSize);
     font.setBold(bold);
     return font;
@@ -211,7 +214,7 @@ QString ItemListModel::text(const Row &row, ItemColumn column) const
     case ItemColumn::Title:
         return row.title;
     case ItemColumn::Read:
-        return row.readAtFill ? QStringLiteral("r") : QStringLiteral("u");
+        return row.readAtFill ? u"r"_s : u"u"_s;
     case ItemColumn::PubDate:
         return DateText::toText(row.published);
     case ItemColumn::DownloadDate:
@@ -241,7 +244,7 @@ QVariant ItemListModel::data(const QModelIndex &index, int role) const
         return {};
     case Qt::AccessibleTextRole:
         if (column == ItemColumn::Read)
-            return row.read ? QStringLiteral("Lu") : QStringLiteral("Non lu");
+            return row.read ? u"Lu"_s : u"Non lu"_s;
         return {};
     default:
         return {};
@@ -250,12 +253,8 @@ QVariant ItemListModel::data(const QModelIndex &index, int role) const
 
 QVariant ItemListModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
-    static const std::array<QString, itemColumnCount> captions = {QStringLiteral("Titre"),
-                                                                  QString(),
-                                                                  QStringLiteral("Date de publication"),
-                                                                  QStringLiteral("Date de téléchargement"),
-                                                                  QStringLiteral("Auteur"),
-                                                                  QStringLiteral("Catégorie")};
+    static const std::array<QString, itemColumnCount> captions = {
+        u"Titre"_s, QString(), u"Date de publication"_s, u"Date de téléchargement"_s, u"Auteur"_s, u"Catégorie"_s};
     if (orientation != Qt::Horizontal || section < 0 || section >= itemColumnCount)
         return {};
     const auto place = static_cast<std::size_t>(section);
@@ -265,7 +264,7 @@ QVariant ItemListModel::headerData(int section, Qt::Orientation orientation, int
     case Qt::DecorationRole:
         return m_headerIcons[place].isNull() ? QVariant() : QVariant(m_headerIcons[place]);
     case Qt::AccessibleTextRole:
-        return captions[place].isEmpty() ? QStringLiteral("Lu/Non-Lu") : captions[place];
+        return captions[place].isEmpty() ? u"Lu/Non-Lu"_s : captions[place];
     default:
         return {};
     }

@@ -1,6 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "reading/ItemListView.h"
 
 #include "controls/ImageList.h"
+#include "platform/Literals.h"
 #include "reading/ItemDelegate.h"
 
 #include <QContextMenuEvent>
@@ -25,7 +28,7 @@ ItemListView::ItemListView(Dates dates, ScreenScale scale, QWidget *parent)
 {
     setModel(&m_items);
     setItemDelegate(new ItemDelegate(this));
-    setAccessibleName(QStringLiteral("Messages du flux"));
+    setAccessibleName(u"Messages du flux"_s);
     setRootIsDecorated(false);
     setItemsExpandable(false);
     setUniformRowHeights(true);

@@ -1,8 +1,11 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "reading/PageWriter.h"
 
 #include "platform/AnsiText.h"
 #include "platform/DateText.h"
 #include "platform/Files.h"
+#include "platform/Literals.h"
 #include "platform/Numbers.h"
 #include "reading/Integers.h"
 
@@ -63,7 +66,7 @@ PageWriter::PageWriter(DataDirectory directory, const CurrentFeed &current, Date
 
 QString PageWriter::pagePath() const
 {
-    return m_directory.file(QStringLiteral("tmp.htm"));
+    return m_directory.file(u"tmp.htm"_s);
 }
 
 void PageWriter::writeChannelPage() const
@@ -132,7 +135,7 @@ QString PageWriter::FormatSize(qint32 &bytes)
     bytes = nextUnit(bytes);
     if (bytes < unitStep)
         return QString::number(bytes) % u" Mo";
-    return QStringLiteral("> 1 Go");
+    return u"> 1 Go"_s;
 }
 
 QString PageWriter::UrlFileName(const QString &url)

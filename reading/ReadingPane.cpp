@@ -1,5 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "reading/ReadingPane.h"
 
+#include "platform/Literals.h"
 #include "reading/BrowserPane.h"
 #include "reading/Integers.h"
 #include "reading/ItemListView.h"
@@ -20,7 +23,7 @@ ReadingPane::ReadingPane(const PageWriter &pages, CurrentFeed &current, const Ap
     m_timRead.setInterval(designInterval);
     connect(&m_timRead, &QTimer::timeout, this, &ReadingPane::handleReadDelayOver);
     connect(&lvwItems, &ItemListView::clickedWithSelection, this,
-            [this] { m_window.enableBrowserButton(QStringLiteral("send_mail"), true); });
+            [this] { m_window.enableBrowserButton(u"send_mail"_s, true); });
     connect(&lvwItems, &ItemListView::rowClicked, this, &ReadingPane::handleRowClicked);
     connect(&lvwItems, &ItemListView::rightClickedWithoutSelection, this, [this] { m_window.showColumnMenu(); });
     connect(&lvwItems, &ItemListView::deletePressed, this, &ReadingPane::handleDeleteKey);
@@ -31,8 +34,8 @@ ReadingPane::ReadingPane(const PageWriter &pages, CurrentFeed &current, const Ap
 void ReadingPane::FillItemList()
 {
     m_lvwItems.items().clear();
-    m_window.enableBrowserButton(QStringLiteral("browser_attachment"), false);
-    m_window.enableBrowserButton(QStringLiteral("browser_comments"), false);
+    m_window.enableBrowserButton(u"browser_attachment"_s, false);
+    m_window.enableBrowserButton(u"browser_comments"_s, false);
     if (!m_window.updateRunning())
         ShowChannelPage();
     m_lvwItems.items().fill(*m_current.document);
@@ -57,10 +60,10 @@ void ReadingPane::ShowItemPage(qint16 index)
         m_window.setAttachmentEntry(PageWriter::UrlFileName(enclosure.Url) % u" (" % size % u")",
                                     QString::number(index));
     }
-    m_window.enableBrowserButton(QStringLiteral("browser_attachment"), hasAttachment);
+    m_window.enableBrowserButton(u"browser_attachment"_s, hasAttachment);
     // Only the next filling of the list disables the button: it stays on for an item without comments.
     if (!feed.ItemComments(index).isEmpty())
-        m_window.enableBrowserButton(QStringLiteral("browser_comments"), true);
+        m_window.enableBrowserButton(u"browser_comments"_s, true);
 
     // A timer that runs is left alone by an item that is read already; it then marks the row selected when it fires.
     if (feed.IsItemRead(index))

@@ -1,6 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "reading/WebModule.h"
 
 #include "platform/Build.h"
+#include "platform/Literals.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -36,7 +39,7 @@ WebPaneMaker WebModule::load(QString &error)
     if (!named.isEmpty())
         folders.prepend(named);
     for (const QString &folder : std::as_const(folders)) {
-        const QString path = QDir(folder).filePath(QStringLiteral("quillwire_web.so"));
+        const QString path = QDir(folder).filePath(u"quillwire_web.so"_s);
         if (!QFile::exists(path))
             continue;
         shareGraphicsContext();
@@ -46,6 +49,6 @@ WebPaneMaker WebModule::load(QString &error)
         error = module.errorString();
     }
     if (error.isEmpty())
-        error = QStringLiteral("quillwire_web.so");
+        error = u"quillwire_web.so"_s;
     return nullptr;
 }

@@ -1,6 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "support/cRegistry.h"
 
 #include "platform/EnvironmentText.h"
+#include "platform/Literals.h"
 #include "platform/RunTimeError.h"
 
 #include <QMetaType>
@@ -54,14 +57,14 @@ bool cRegistry::CreateKey()
 {
     RegistryKey key;
     if (m_store.createKey(ClassKey, SectionKey, RegistryAccess::All, key) != RegistryResult::Success)
-        throw RunTimeError(RegistryFailure, u"Failed to create registry Key: '"_qs + SectionKey);
+        throw RunTimeError(RegistryFailure, u"Failed to create registry Key: '"_s + SectionKey);
     return true;
 }
 
 bool cRegistry::DeleteKey()
 {
     if (m_store.deleteKey(ClassKey, SectionKey) != RegistryResult::Success)
-        throw RunTimeError(RegistryFailure, u"Failed to delete registry Key: '"_qs + place());
+        throw RunTimeError(RegistryFailure, u"Failed to delete registry Key: '"_s + place());
     return true;
 }
 
@@ -69,9 +72,9 @@ bool cRegistry::DeleteValue()
 {
     RegistryKey key;
     if (m_store.openKey(ClassKey, SectionKey, RegistryAccess::All, key) != RegistryResult::Success)
-        throw RunTimeError(RegistryFailure, u"Failed to open key '"_qs + place() + u"' for delete access");
+        throw RunTimeError(RegistryFailure, u"Failed to open key '"_s + place() + u"' for delete access");
     if (m_store.deleteValue(key, ValueKey) != RegistryResult::Success) {
-        throw RunTimeError(RegistryFailure, u"Failed to delete registry Key: '"_qs + place() + u"',Key: '" + ValueKey);
+        throw RunTimeError(RegistryFailure, u"Failed to delete registry Key: '"_s + place() + u"',Key: '" + ValueKey);
     }
     return true;
 }
@@ -220,13 +223,13 @@ void cRegistry::CreateEXEAssociation(const QString &exePath, const QString &clas
 
     createClassKey(u'.' + association, className);
     createClassKey(className, classDescription);
-    writeVerb(u"open"_qs, openMenuText, u"&Open"_qs, u" \"%1\""_qs);
+    writeVerb(u"open"_s, openMenuText, u"&Open"_s, u" \"%1\""_s);
     if (supportPrint)
-        writeVerb(u"print"_qs, printMenuText, u"&Print"_qs, u" /p \"%1\""_qs);
+        writeVerb(u"print"_s, printMenuText, u"&Print"_s, u" /p \"%1\""_s);
     if (supportInstall)
-        writeVerb(u"add"_qs, installMenuText, u"&Install "_qs + association, u" /a \"%1\""_qs);
+        writeVerb(u"add"_s, installMenuText, u"&Install "_s + association, u" /a \"%1\""_s);
     if (supportNew)
-        writeVerb(u"new"_qs, newMenuText, u"&New"_qs, u" /n \"%1\""_qs);
+        writeVerb(u"new"_s, newMenuText, u"&New"_s, u" /n \"%1\""_s);
     if (defaultIconIndex > -1)
         createClassKey(className + u"\\DefaultIcon", path + u',' + QString::number(defaultIconIndex));
 }
@@ -236,13 +239,13 @@ void cRegistry::CreateAdditionalEXEAssociations(const QString &className, const 
     if (items.size() % 3 != 0) {
         throw RunTimeError(
             InvalidParameters,
-            u"Invalid parameter list passed to CreateAdditionalEXEAssociations - expected Name/Text/Command"_qs);
+            u"Invalid parameter list passed to CreateAdditionalEXEAssociations - expected Name/Text/Command"_s);
     }
     ClassKey = RegistryRoot::ClassesRoot;
     SectionKey = className;
     if (!KeyExists()) {
         throw RunTimeError(ClassNotDefined,
-                           u"Error - attempt to create additional associations before class defined."_qs);
+                           u"Error - attempt to create additional associations before class defined."_s);
     }
     for (qsizetype i = 0; i < items.size(); i += 3) {
         const QString section = className + u"\\shell\\" + items[i];
@@ -278,6 +281,6 @@ QString cRegistry::place() const
 /// The text tells the value kept from the write before: the one that failed has never become a value of the registry.
 void cRegistry::throwWriteError(qint32 number) const
 {
-    throw RunTimeError(number, u"Failed to set registry value Key: '"_qs + place() + u"',Key: '" + ValueKey +
+    throw RunTimeError(number, u"Failed to set registry value Key: '"_s + place() + u"',Key: '" + ValueKey +
                                    u"' to value: '" + m_lastValue.toString() + u"'");
 }

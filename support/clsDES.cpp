@@ -1,7 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "support/clsDES.h"
 
 #include "platform/AnsiText.h"
 #include "platform/Files.h"
+#include "platform/Literals.h"
 #include "platform/Numbers.h"
 #include "platform/RunTimeError.h"
 #include "support/DesTables.h"
@@ -303,7 +306,7 @@ QByteArray clsDES::DecodeArray64(const QString &input)
             m_reverse64[static_cast<quint8>(Alphabet[value])] = value;
     }
     QString text = input;
-    text.remove(u"\r\n"_qs).remove(u'=');
+    text.remove(u"\r\n"_s).remove(u'=');
 
     QByteArray bytes;
     bytes.reserve(text.size() * 3 / 4);

@@ -1,22 +1,25 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "window/AddressBand.h"
 
 #include "controls/PictureButton.h"
+#include "platform/Literals.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
 
 AddressBand::AddressBand(QWidget *parent)
     : QWidget(parent), m_txtURL(new AddressBox(this)),
-      m_Image1(new PictureButton(QStringLiteral("ouvrir-fichier"), QStringLiteral("Ouvrir un fichier RSS"), this))
+      m_Image1(new PictureButton(u"ouvrir-fichier"_s, u"Ouvrir un fichier RSS"_s, this))
 {
-    setObjectName(QStringLiteral("fraToolbar"));
-    auto *label = new QLabel(QStringLiteral("URL :"), this);
-    label->setObjectName(QStringLiteral("Label1"));
+    setObjectName(u"fraToolbar"_s);
+    auto *label = new QLabel(u"URL :"_s, this);
+    label->setObjectName(u"Label1"_s);
     label->setBuddy(m_txtURL);
-    m_txtURL->setObjectName(QStringLiteral("txtURL"));
-    m_txtURL->setAccessibleName(QStringLiteral("Adresse du flux"));
+    m_txtURL->setObjectName(u"txtURL"_s);
+    m_txtURL->setAccessibleName(u"Adresse du flux"_s);
     m_txtURL->setMinimumWidth(80);
-    m_Image1->setObjectName(QStringLiteral("Image1"));
+    m_Image1->setObjectName(u"Image1"_s);
 
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(4, 1, 4, 1);

@@ -1,10 +1,14 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "window/AddressBox.h"
+
+#include "platform/Literals.h"
 
 #include <QClipboard>
 #include <QFocusEvent>
 #include <QGuiApplication>
 
-AddressBox::AddressBox(QWidget *parent) : QLineEdit(QStringLiteral("http://"), parent)
+AddressBox::AddressBox(QWidget *parent) : QLineEdit(u"http://"_s, parent)
 {
     setMaxLength(65535);
 }
@@ -17,7 +21,7 @@ void AddressBox::focusInEvent(QFocusEvent *event)
     QClipboard *clipboard = QGuiApplication::clipboard();
     if (!hadItBefore) {
         const QString copied = clipboard->text();
-        if (copied.startsWith(QLatin1String("http://"))) {
+        if (copied.startsWith("http://"_L1)) {
             setText(copied);
             clipboard->setText(QString());
         }

@@ -1,8 +1,11 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "window/BrowserToolbar.h"
 
 #include "controls/cPopupMenu.h"
 #include "controls/cToolbar.h"
 #include "engine/CurrentFeed.h"
+#include "platform/Literals.h"
 #include "platform/Numbers.h"
 #include "reading/BrowserPane.h"
 #include "reading/ReadingPane.h"
@@ -35,7 +38,7 @@ constexpr Button buttons[] = {
     {u"Pièce jointe", u"Pièce jointe", u"browser_attachment", 9, cToolbar::DropDownArrow, false},
 };
 
-const QString stopKey = QStringLiteral("browser_arreter");
+const QString stopKey = u"browser_arreter"_s;
 
 } // namespace
 
@@ -97,8 +100,7 @@ void BrowserToolbar::handleButton(int index)
 void BrowserToolbar::showComments(const QString &url)
 {
     // A feed names this address: it leads to the web, or to nothing.
-    if (url.startsWith(QLatin1String("http://"), Qt::CaseInsensitive) ||
-        url.startsWith(QLatin1String("https://"), Qt::CaseInsensitive))
+    if (url.startsWith("http://"_L1, Qt::CaseInsensitive) || url.startsWith("https://"_L1, Qt::CaseInsensitive))
         m_parts.browser.Navigate(url);
 }
 
@@ -119,7 +121,7 @@ void BrowserToolbar::handleCommandState(int command, bool enable)
     constexpr int forward = 1;
     constexpr int back = 2;
     if (command == forward)
-        m_parts.tlbBrowser.setButtonEnabled(QStringLiteral("browser_suivant"), enable);
+        m_parts.tlbBrowser.setButtonEnabled(u"browser_suivant"_s, enable);
     else if (command == back)
-        m_parts.tlbBrowser.setButtonEnabled(QStringLiteral("browser_precedent"), enable);
+        m_parts.tlbBrowser.setButtonEnabled(u"browser_precedent"_s, enable);
 }

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "window/Dialogs.h"
 
 #include "core/FeedCatalogue.h"
@@ -13,6 +15,7 @@
 #include "engine/CurrentFeed.h"
 #include "exchange/OpmlDownload.h"
 #include "exchange/SearchEndpoints.h"
+#include "platform/Literals.h"
 #include "platform/net/Downloader.h"
 #include "platform/net/SmtpMail.h"
 #include "window/FeedOpening.h"
@@ -51,27 +54,26 @@ void Dialogs::showSearchDialog(int tab)
     const frmRechercher::Port port{[this](const QString &url) { m_parts.reading.navigate(url); },
                                    [this](const QString &text) { m_parts.opening.setAddressText(text); },
                                    credentialsSetter(), loader()};
-    frmRechercher(&m_parts.form, port, SearchEndpoints::configured(file(QStringLiteral("search-endpoints.ini"))), tab)
-        .exec();
+    frmRechercher(&m_parts.form, port, SearchEndpoints::configured(file(u"search-endpoints.ini"_s)), tab).exec();
 }
 
 void Dialogs::showImport()
 {
-    OpmlDownload download(m_outside.makeDownloader(), file(QStringLiteral("tmp.opml")));
-    ImportRun run(m_outside.makeDownloader(), file(QStringLiteral("tmp.xml")), m_outside.wait, m_parts.AddFeed);
+    OpmlDownload download(m_outside.makeDownloader(), file(u"tmp.opml"_s));
+    ImportRun run(m_outside.makeDownloader(), file(u"tmp.xml"_s), m_outside.wait, m_parts.AddFeed);
     frmImport(&m_parts.form, m_parts.messages, download, run).exec();
 }
 
 void Dialogs::showExport()
 {
-    frmExport(&m_parts.form, file(QStringLiteral("feeds.xml"))).exec();
+    frmExport(&m_parts.form, file(u"feeds.xml"_s)).exec();
 }
 
 void Dialogs::showHelp()
 {
     if (!m_help)
         m_help = m_outside.makeHelp();
-    CHelp(*m_help).Show(file(QStringLiteral("Quillwire.chm")), QStringLiteral("W1"));
+    CHelp(*m_help).Show(file(u"Quillwire.chm"_s), u"W1"_s);
 }
 
 void Dialogs::showAbout()

@@ -1,7 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "window/FeedOpening.h"
 
 #include "controls/ProgressBar.h"
 #include "controls/cToolbar.h"
+#include "platform/Literals.h"
 #include "platform/Messages.h"
 #include "reading/BrowserPane.h"
 #include "reading/ItemListView.h"
@@ -14,7 +17,7 @@ namespace {
 
 QString warningTitle()
 {
-    return QStringLiteral("Avertissement");
+    return u"Avertissement"_s;
 }
 
 Message warning(const QString &text, const QString &title)
@@ -26,28 +29,26 @@ Message boxFor(const FeedOpener::Refusal &refusal)
 {
     switch (refusal.reason) {
     case FeedOpener::Reason::NoSuchFile:
-        return warning(QStringLiteral("Le fichier que vous tentez d'ouvrir n'existe pas"), warningTitle());
+        return warning(u"Le fichier que vous tentez d'ouvrir n'existe pas"_s, warningTitle());
     case FeedOpener::Reason::SchemeNotFetched:
-        return warning(QStringLiteral("Impossible d'ouvrir le flux spécifié :\n\n") + refusal.address,
-                       QStringLiteral("Erreur"));
+        return warning(u"Impossible d'ouvrir le flux spécifié :\n\n"_s + refusal.address, u"Erreur"_s);
     case FeedOpener::Reason::HostNotFound:
-        return warning(QStringLiteral("L'hôte sur lequel se trouve le fichier n'a pas été trouvé sur le serveur"),
-                       QStringLiteral("Erreur"));
+        return warning(u"L'hôte sur lequel se trouve le fichier n'a pas été trouvé sur le serveur"_s, u"Erreur"_s);
     case FeedOpener::Reason::NotFoundOnServer:
-        return warning(QStringLiteral("Le fichier n'a pas été trouvé sur le serveur"), QStringLiteral("Erreur 404"));
+        return warning(u"Le fichier n'a pas été trouvé sur le serveur"_s, u"Erreur 404"_s);
     case FeedOpener::Reason::UnexpectedStatus:
-        return {QStringLiteral("Cas non géré actuellement : ") + QString::number(refusal.status), QString(),
-                Message::Icon::None, Message::Buttons::Ok};
+        return {u"Cas non géré actuellement : "_s + QString::number(refusal.status), QString(), Message::Icon::None,
+                Message::Buttons::Ok};
     case FeedOpener::Reason::NothingDownloaded:
-        return warning(QStringLiteral("Impossible de trouver le fichier"), warningTitle());
+        return warning(u"Impossible de trouver le fichier"_s, warningTitle());
     case FeedOpener::Reason::UnsupportedVersion:
-        return warning(QStringLiteral("La version du fichier RSS n'est pas supportée"), warningTitle());
+        return warning(u"La version du fichier RSS n'est pas supportée"_s, warningTitle());
     case FeedOpener::Reason::UnknownFormat:
-        return warning(QStringLiteral("Format du fichier RSS inconnu"), warningTitle());
+        return warning(u"Format du fichier RSS inconnu"_s, warningTitle());
     case FeedOpener::Reason::UnreadableFeed:
         break;
     }
-    return warning(QStringLiteral("Erreur lors du chargement du canal RSS"), warningTitle());
+    return warning(u"Erreur lors du chargement du canal RSS"_s, warningTitle());
 }
 
 } // namespace
@@ -91,7 +92,7 @@ void FeedOpening::setAddressText(const QString &text)
 
 void FeedOpening::openEntered()
 {
-    m_parts.frame.tlbBrowser->setButtonEnabled(QStringLiteral("send_mail"), false);
+    m_parts.frame.tlbBrowser->setButtonEnabled(u"send_mail"_s, false);
     m_parts.opener.openEntered(addressText());
 }
 
@@ -135,8 +136,8 @@ void FeedOpening::handleRefused(const FeedOpener::Refusal &refusal)
 
 void FeedOpening::handlePageOffered()
 {
-    const Message question{QStringLiteral("La ressource spécifiée n'est pas un fichier RSS valide, voulez-vous "
-                                          "essayer d'ouvrir le fichier dans le navigateur ?"),
+    const Message question{u"La ressource spécifiée n'est pas un fichier RSS valide, voulez-vous "
+                           "essayer d'ouvrir le fichier dans le navigateur ?"_s,
                            warningTitle(), Message::Icon::Exclamation, Message::Buttons::YesNo};
     if (m_parts.messages.show(question) == Messages::Answer::Yes)
         m_parts.frame.WebBrowser1->Navigate(addressText());

@@ -1,6 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "window/FeedTreeView.h"
 
 #include "controls/ImageList.h"
+#include "platform/Literals.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
@@ -12,7 +15,7 @@
 
 namespace {
 
-const QString nodeMimeType = QStringLiteral("application/x-quillwire-node");
+const QString nodeMimeType = u"application/x-quillwire-node"_s;
 
 class NodeDelegate final : public QStyledItemDelegate
 {
@@ -55,7 +58,7 @@ FeedTreeView::FeedTreeView(FeedTree &tree, FeedTreeState &state, const ImageList
     viewport()->setAcceptDrops(true);
     setAutoScroll(true);
     setTextElideMode(Qt::ElideRight);
-    setAccessibleName(QStringLiteral("Favoris"));
+    setAccessibleName(u"Favoris"_s);
 
     connect(&state, &FeedTreeState::expansionChanged, this,
             [this](const FeedNodePtr &node, bool expanded) { setExpanded(m_tree.indexOf(node), expanded); });

@@ -1,4 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "window/InputBox.h"
+
+#include "platform/Literals.h"
 
 #include <QInputDialog>
 
@@ -7,7 +11,7 @@ QString inputBox(QWidget *parent, const QString &prompt, const QString &title)
     QInputDialog dialog(parent);
     dialog.setWindowTitle(title);
     dialog.setLabelText(prompt);
-    dialog.setOkButtonText(QStringLiteral("OK"));
-    dialog.setCancelButtonText(QStringLiteral("Annuler"));
+    dialog.setOkButtonText(u"OK"_s);
+    dialog.setCancelButtonText(u"Annuler"_s);
     return dialog.exec() == QDialog::Accepted ? dialog.textValue() : QString();
 }

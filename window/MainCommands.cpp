@@ -1,9 +1,12 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "window/MainCommands.h"
 
 #include "controls/cToolbar.h"
 #include "core/FeedTreeState.h"
 #include "dialogs/MakerSite.h"
 #include "engine/UpdateScheduler.h"
+#include "platform/Literals.h"
 #include "reading/ReadingPane.h"
 #include "window/Dialogs.h"
 #include "window/MainFrame.h"
@@ -39,8 +42,8 @@ void MainCommands::addWindowCommands()
         add(key, [this, key] { m_parts.frame.setToolbarSize(QString::fromUtf16(key)); });
     add(u"mnuMajAll", [this] { m_parts.scheduler.updateAllFeeds(); });
     add(u"mnuWebAccueil", site(QString()));
-    add(u"mnuWebInfos", site(QStringLiteral("prog/Quillwire/")));
-    add(u"mnuWebFAQ", site(QStringLiteral("prog/Quillwire/faq.php")));
+    add(u"mnuWebInfos", site(u"prog/Quillwire/"_s));
+    add(u"mnuWebFAQ", site(u"prog/Quillwire/faq.php"_s));
 }
 
 void MainCommands::addDialogCommands()

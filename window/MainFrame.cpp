@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "window/MainFrame.h"
 
 #include "controls/ImageList.h"
@@ -5,6 +7,7 @@
 #include "controls/StatusBar.h"
 #include "controls/cToolbar.h"
 #include "controls/cToolbarHost.h"
+#include "platform/Literals.h"
 #include "platform/Messages.h"
 #include "platform/Numbers.h"
 #include "reading/BrowserPane.h"
@@ -63,20 +66,18 @@ void MainFrame::nameControls()
         if (!accessibleName.isEmpty())
             control->setAccessibleName(accessibleName);
     };
-    name(tbrMenu, QStringLiteral("tbrMenu"), QStringLiteral("Barre de menus"));
-    name(cToolbar1, QStringLiteral("cToolbar1"), QStringLiteral("Barre d'outils"));
-    name(cToolbar2, QStringLiteral("cToolbar2"));
-    name(tvwFavoris, QStringLiteral("tvwFavoris"));
-    name(picHorizontalSplit, QStringLiteral("picHorizontalSplit"),
-         QStringLiteral("Séparation entre les favoris et les messages"));
-    name(lvwItems, QStringLiteral("lvwItems"));
-    name(picVerticalSplit, QStringLiteral("picVerticalSplit"),
-         QStringLiteral("Séparation entre les messages et la page"));
-    name(cToolbarHost1, QStringLiteral("cToolbarHost1"));
-    name(tlbBrowser, QStringLiteral("tlbBrowser"), QStringLiteral("Barre d'outils de la page"));
-    name(WebBrowser1, QStringLiteral("WebBrowser1"));
-    name(stabPrinc, QStringLiteral("stabPrinc"));
-    name(prbChargement, QStringLiteral("prbChargement"), QStringLiteral("Chargement"));
+    name(tbrMenu, u"tbrMenu"_s, u"Barre de menus"_s);
+    name(cToolbar1, u"cToolbar1"_s, u"Barre d'outils"_s);
+    name(cToolbar2, u"cToolbar2"_s);
+    name(tvwFavoris, u"tvwFavoris"_s);
+    name(picHorizontalSplit, u"picHorizontalSplit"_s, u"Séparation entre les favoris et les messages"_s);
+    name(lvwItems, u"lvwItems"_s);
+    name(picVerticalSplit, u"picVerticalSplit"_s, u"Séparation entre les messages et la page"_s);
+    name(cToolbarHost1, u"cToolbarHost1"_s);
+    name(tlbBrowser, u"tlbBrowser"_s, u"Barre d'outils de la page"_s);
+    name(WebBrowser1, u"WebBrowser1"_s);
+    name(stabPrinc, u"stabPrinc"_s);
+    name(prbChargement, u"prbChargement"_s, u"Chargement"_s);
 }
 
 void MainFrame::build()
@@ -173,12 +174,12 @@ void MainFrame::setStyle(const QString &key)
 {
     const cToolbar::ControlsVersion version = cToolbar1->commonControlsVersion();
     if (version.major == 4 && version.minor < 71) {
-        m_parts.messages.show({QStringLiteral("Impossible de changer le style"), QStringLiteral("Information"),
-                               Message::Icon::Information, Message::Buttons::Ok});
+        m_parts.messages.show(
+            {u"Impossible de changer le style"_s, u"Information"_s, Message::Icon::Information, Message::Buttons::Ok});
         return;
     }
-    const QString office = QStringLiteral("mnuOffice");
-    const QString standard = QStringLiteral("mnuStandard");
+    const QString office = u"mnuOffice"_s;
+    const QString standard = u"mnuStandard"_s;
     const bool officeStyle = key == office;
     for (cToolbar *toolbar : m_parts.form.findChildren<cToolbar *>())
         ToolbarLook::applyStyle(*toolbar, officeStyle);
@@ -192,8 +193,8 @@ void MainFrame::setStyle(const QString &key)
 
 void MainFrame::setToolbarSize(const QString &key)
 {
-    const QString big = QStringLiteral("mnuTBGrande");
-    const QString small = QStringLiteral("mnuTBPetite");
+    const QString big = u"mnuTBGrande"_s;
+    const QString small = u"mnuTBPetite"_s;
     const bool smallToolbars = key == small;
     menus.checkOneOf(smallToolbars ? small : big, smallToolbars ? big : small);
     m_parts.settings.smallToolbars = smallToolbars;

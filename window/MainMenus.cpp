@@ -1,6 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "window/MainMenus.h"
 
 #include "controls/ImageList.h"
+#include "platform/Literals.h"
 
 #include <span>
 #include <vector>
@@ -116,10 +119,10 @@ MainMenus::MainMenus(QWidget *form, QWidget *tree, const AppSettings &settings)
     fill(mnuPopUpListView, listMenu);
     fill(mnuTreeView, treeMenu);
     fillColumnMenu(mnuPopUpListViewHeader, settings);
-    const QString standard = QStringLiteral("mnuStandard");
-    const QString office = QStringLiteral("mnuOffice");
-    const QString big = QStringLiteral("mnuTBGrande");
-    const QString small = QStringLiteral("mnuTBPetite");
+    const QString standard = u"mnuStandard"_s;
+    const QString office = u"mnuOffice"_s;
+    const QString big = u"mnuTBGrande"_s;
+    const QString small = u"mnuTBPetite"_s;
     settings.officeStyle ? checkOneOf(office, standard) : checkOneOf(standard, office);
     settings.smallToolbars ? checkOneOf(small, big) : checkOneOf(big, small);
 }

@@ -1,7 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "window/MainToolbar.h"
 
 #include "controls/ImageList.h"
 #include "controls/cToolbar.h"
+#include "platform/Literals.h"
 
 void ToolbarLook::applySize(cToolbar &toolbar, bool small)
 {
@@ -23,8 +26,8 @@ void MainToolbar::build(cToolbar &cToolbar1, const AppSettings &settings)
         cToolbar1.AddButton(text, index, text, cToolbar::AutoSize, key);
         cToolbar1.setButtonEnabled(index, false);
     };
-    add(QStringLiteral("Actualiser"), QStringLiteral("actualiser"));
-    add(QStringLiteral("Supprimer"), QStringLiteral("supprimer"));
-    add(QStringLiteral("Propriétés"), QStringLiteral("proprietes"));
-    add(QStringLiteral("Ajouter"), QStringLiteral("ajouter"));
+    add(u"Actualiser"_s, u"actualiser"_s);
+    add(u"Supprimer"_s, u"supprimer"_s);
+    add(u"Propriétés"_s, u"proprietes"_s);
+    add(u"Ajouter"_s, u"ajouter"_s);
 }

@@ -1,15 +1,18 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "window/RebarBands.h"
 
 #include "controls/Twips.h"
 #include "controls/cReBar.h"
 #include "controls/cToolbar.h"
+#include "platform/Literals.h"
 
 #include <cmath>
 
 namespace {
-const QString menuBand = QStringLiteral("MenuBar");
-const QString toolBand = QStringLiteral("ToolBar");
-const QString styleBand = QStringLiteral("StyleBar");
+const QString menuBand = u"MenuBar"_s;
+const QString toolBand = u"ToolBar"_s;
+const QString styleBand = u"StyleBar"_s;
 constexpr int toolBandNumber = 1;
 constexpr int menuBandHeight = 24;
 constexpr int toolBandHeight = 40;
@@ -24,7 +27,7 @@ void RebarBands::newRebar(bool withMinimumHeights)
         delete m_cReBar1;
     }
     m_cReBar1 = new cReBar(m_parts.form);
-    m_cReBar1->setObjectName(QStringLiteral("cReBar1"));
+    m_cReBar1->setObjectName(u"cReBar1"_s);
     const auto add = [&](QWidget *child, bool newRow, const QString &name, int minimumHeight) {
         m_cReBar1->AddBand(child, QString(), newRow, false, name);
         if (withMinimumHeights && minimumHeight > 0)

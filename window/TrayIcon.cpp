@@ -1,15 +1,18 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "window/TrayIcon.h"
 
 #include "platform/Build.h"
+#include "platform/Literals.h"
 #include "window/frmSysTray.h"
 
 TrayIcon::TrayIcon(const std::function<std::unique_ptr<TrayShell>()> &makeShell, const QIcon &icon, QObject *parent)
-    : QObject(parent), m_frmSysTray(std::make_unique<frmSysTray>(makeShell(), icon, QStringLiteral("Quillwire")))
+    : QObject(parent), m_frmSysTray(std::make_unique<frmSysTray>(makeShell(), icon, u"Quillwire"_s))
 {
-    m_frmSysTray->AddMenuItem(QStringLiteral("&Ouvrir"), QStringLiteral("ouvrir"), true);
-    m_frmSysTray->AddMenuItem(QStringLiteral("-"), QString(), false);
-    m_frmSysTray->AddMenuItem(QStringLiteral("&Quitter"), QStringLiteral("quitter"), false);
-    m_frmSysTray->setToolTip(QStringLiteral("Quillwire ") + Build::shortVersion);
+    m_frmSysTray->AddMenuItem(u"&Ouvrir"_s, u"ouvrir"_s, true);
+    m_frmSysTray->AddMenuItem(u"-"_s, QString(), false);
+    m_frmSysTray->AddMenuItem(u"&Quitter"_s, u"quitter"_s, false);
+    m_frmSysTray->setToolTip(u"Quillwire "_s + Build::shortVersion);
     m_frmSysTray->setIconHandle(m_frmSysTray->handleOf(icon));
     connect(m_frmSysTray.get(), &frmSysTray::SysTrayDoubleClick, this, &TrayIcon::doubleClicked);
     connect(m_frmSysTray.get(), &frmSysTray::SysTrayMouseDown, this, [this](int button) {
@@ -29,8 +32,8 @@ bool TrayIcon::isAvailable() const
 
 void TrayIcon::handleMenu(const QString &key)
 {
-    if (key == QLatin1String("ouvrir"))
+    if (key == "ouvrir"_L1)
         Q_EMIT openAsked();
-    else if (key == QLatin1String("quitter"))
+    else if (key == "quitter"_L1)
         Q_EMIT quitAsked();
 }

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "window/TrayShell.h"
 
 QString TrayRecord::textOf(const QString &field)

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "window/TreeCommands.h"
 
 #include "controls/cToolbar.h"
@@ -5,6 +7,7 @@
 #include "core/FeedTreeState.h"
 #include "engine/CurrentFeed.h"
 #include "engine/FeedOpener.h"
+#include "platform/Literals.h"
 #include "platform/Messages.h"
 #include "reading/BrowserPane.h"
 #include "reading/ItemListView.h"
@@ -33,7 +36,7 @@ void TreeCommands::enableButtons(const FeedNodePtr &node)
 
 void TreeCommands::disableSendMail()
 {
-    m_parts.frame.tlbBrowser->setButtonEnabled(QStringLiteral("send_mail"), false);
+    m_parts.frame.tlbBrowser->setButtonEnabled(u"send_mail"_s, false);
 }
 
 void TreeCommands::openByUser(const FeedNodePtr &node)
@@ -63,9 +66,9 @@ void TreeCommands::handleNodeRightClick(const FeedNodePtr &node, const QPoint &g
     const auto enable = [this](const QString &key, bool enabled) {
         m_parts.frame.menus.mnuTreeView.setEnabled(m_parts.frame.menus.mnuTreeView.IndexForKey(key), enabled);
     };
-    enable(QStringLiteral("mnuRafraichir"), feed);
-    enable(QStringLiteral("mnuSupprimer"), feed || node->image() == NodeImage::Folder);
-    enable(QStringLiteral("mnuProprietes"), feed);
+    enable(u"mnuRafraichir"_s, feed);
+    enable(u"mnuSupprimer"_s, feed || node->image() == NodeImage::Folder);
+    enable(u"mnuProprietes"_s, feed);
     const FeedNodePtr selected = m_parts.treeState.selected();
     if (!selected || selected->key() != node->key()) {
         openByUser(node);
@@ -89,9 +92,9 @@ void TreeCommands::handleDrop(const FeedNodePtr &target, bool insertAbove)
 void TreeCommands::deleteSelectedNode(const FeedNodePtr &node)
 {
     if (node->image() == NodeImage::Folder) {
-        const Messages::Answer answer = m_parts.messages.show(
-            {QStringLiteral("Êtes-vous sur de vouloir supprimer ce dossier et tout son contenu ?"),
-             QStringLiteral("Supprimer dossier"), Message::Icon::Information, Message::Buttons::YesNo});
+        const Messages::Answer answer =
+            m_parts.messages.show({u"Êtes-vous sur de vouloir supprimer ce dossier et tout son contenu ?"_s,
+                                   u"Supprimer dossier"_s, Message::Icon::Information, Message::Buttons::YesNo});
         if (answer != Messages::Answer::Yes)
             return;
         m_parts.catalogue.deleteCatalogueFolder(node);
@@ -106,8 +109,7 @@ void TreeCommands::deleteSelectedNode(const FeedNodePtr &node)
 
 void TreeCommands::createFolder(const FeedNodePtr &node)
 {
-    const QString name =
-        m_parts.inputBox(QStringLiteral("Entrez un nom pour le nouveau dossier"), QStringLiteral("Nouveau dossier"));
+    const QString name = m_parts.inputBox(u"Entrez un nom pour le nouveau dossier"_s, u"Nouveau dossier"_s);
     if (!name.isEmpty())
         m_parts.catalogue.createFolder(node, name);
 }

@@ -1,8 +1,11 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "window/UpdateDisplay.h"
 
 #include "controls/ProgressBar.h"
 #include "controls/cToolbar.h"
 #include "engine/UpdateScheduler.h"
+#include "platform/Literals.h"
 #include "reading/ItemListView.h"
 #include "reading/ReadingPane.h"
 #include "window/MainFrame.h"
@@ -39,7 +42,7 @@ void UpdateDisplay::enableUpdateButton(bool enabled)
 void UpdateDisplay::handleBegan(const FeedNodePtr &node)
 {
     enableUpdateButton(false);
-    m_parts.frame.setStatusText(QStringLiteral("Mise à jour de ") + node->text());
+    m_parts.frame.setStatusText(u"Mise à jour de "_s + node->text());
 }
 
 void UpdateDisplay::handleNewItems(const QString &title, qint16 count)
@@ -64,6 +67,6 @@ void UpdateDisplay::handleEnded(const FeedNodePtr &node, qint16 newItems)
 {
     if (!m_parts.scheduler.updateAllRunning())
         enableUpdateButton(true);
-    m_parts.frame.setStatusText(QStringLiteral("Mise à jour de ") + node->text() + QStringLiteral(" terminée (") +
-                                QString::number(newItems) + QStringLiteral(" nouveaux messages)"));
+    m_parts.frame.setStatusText(u"Mise à jour de "_s + node->text() + u" terminée ("_s + QString::number(newItems) +
+                                u" nouveaux messages)"_s);
 }

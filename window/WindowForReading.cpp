@@ -1,7 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "window/WindowForReading.h"
 
 #include "controls/cPopupMenu.h"
 #include "controls/cToolbar.h"
+#include "platform/Literals.h"
 #include "reading/ItemListView.h"
 #include "window/MainMenus.h"
 
@@ -18,7 +21,7 @@ void WindowForReading::setAttachmentEntry(const QString &caption, const QString 
     menu.Clear();
     cPopupMenu::Item item;
     // The name comes from a feed: it makes neither a shortcut nor a mnemonic.
-    item.caption = QString(caption).replace(u'\t', u' ').replace(QLatin1String("&"), QLatin1String("&&"));
+    item.caption = QString(caption).replace(u'\t', u' ').replace("&"_L1, "&&"_L1);
     item.key = key;
     menu.AddItem(item);
 }
@@ -36,8 +39,8 @@ QPoint WindowForReading::menuPlace() const
 void WindowForReading::showItemMenu(bool canMarkRead, bool canMarkUnread)
 {
     cPopupMenu &menu = m_parts.menus.mnuPopUpListView;
-    menu.setEnabled(menu.IndexForKey(QStringLiteral("mnuPopLvwMarkAsRead")), canMarkRead);
-    menu.setEnabled(menu.IndexForKey(QStringLiteral("mnuPopLvwMarkAsUnread")), canMarkUnread);
+    menu.setEnabled(menu.IndexForKey(u"mnuPopLvwMarkAsRead"_s), canMarkRead);
+    menu.setEnabled(menu.IndexForKey(u"mnuPopLvwMarkAsUnread"_s), canMarkUnread);
     menu.ShowPopupMenu(menuPlace());
 }
 

@@ -1,7 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "window/frmPrinc.h"
 
 #include "engine/AddFeed.h"
 #include "engine/CurrentFeed.h"
+#include "platform/Literals.h"
 
 #include <QCloseEvent>
 
@@ -15,8 +18,8 @@ frmPrinc::frmPrinc(const LongLived &longLived, Desktop desktop, Dialogs::Outside
       m_updateDisplay({*this, m_longLived.scheduler, m_longLived.settings, m_frame, m_reading.pane()}),
       m_treeCommands(treeCommandParts())
 {
-    setWindowTitle(QStringLiteral("Quillwire"));
-    setWindowIcon(QIcon(QStringLiteral(":/icons/quillwire.svg")));
+    setWindowTitle(u"Quillwire"_s);
+    setWindowIcon(QIcon(u":/icons/quillwire.svg"_s));
 }
 
 frmPrinc::~frmPrinc() = default;
@@ -35,9 +38,9 @@ Dialogs::Parts frmPrinc::dialogParts()
 FeedOpening::Parts frmPrinc::openingParts()
 {
     const auto askFeedFile = [this] {
-        return m_desktop.askFeedFile(this, QStringLiteral("Ouvrir un fichier RSS"),
-                                     QStringLiteral("Fichiers XML (*.xml);;Fichiers RSS (*.rss);;"
-                                                    "Fichiers RDF (*.rdf);;Tous les fichiers (*)"));
+        return m_desktop.askFeedFile(this, u"Ouvrir un fichier RSS"_s,
+                                     u"Fichiers XML (*.xml);;Fichiers RSS (*.rss);;"
+                                     "Fichiers RDF (*.rdf);;Tous les fichiers (*)"_s);
     };
     return {
         m_longLived.opener, m_frame, m_reading.pane(), m_desktop.messages, [this] { m_dialogs.showAuthentication(); },
@@ -62,7 +65,7 @@ TreeCommands::Parts frmPrinc::treeCommandParts()
 
 QString frmPrinc::homePage() const
 {
-    return m_longLived.directory.file(QStringLiteral("home.htm"));
+    return m_longLived.directory.file(u"home.htm"_s);
 }
 
 // --- The start
@@ -199,5 +202,5 @@ void frmPrinc::AddFeed(const std::shared_ptr<CachedFeed> &document, const QStrin
 void frmPrinc::openInSystemBrowser(const QString &url)
 {
     if (!m_desktop.openInSystemBrowser(url))
-        m_frame.setStatusText(QStringLiteral("Impossible d'ouvrir : ") + url);
+        m_frame.setStatusText(u"Impossible d'ouvrir : "_s + url);
 }

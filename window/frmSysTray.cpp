@@ -1,5 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "window/frmSysTray.h"
 
+#include "platform/Literals.h"
 #include "platform/Numbers.h"
 #include "platform/RunTimeError.h"
 
@@ -47,8 +50,8 @@ frmSysTray::frmSysTray(std::unique_ptr<TrayShell> shell, const QIcon &icon, cons
     m_isUnicodeShell = isNt;
     m_hasBalloons = isNt ? major >= 5 : major == 4 && minor == 90;
 
-    m_mnuPopup.setTitle(QStringLiteral("&Popup"));
-    m_mnuPopup.setAccessibleName(QStringLiteral("Menu de l'icône"));
+    m_mnuPopup.setTitle(u"&Popup"_s);
+    m_mnuPopup.setAccessibleName(u"Menu de l'icône"_s);
     loadElement(); // element 0 is there from the beginning, empty and unseen
 
     TrayRecord &record = liveRecord();

@@ -1,6 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "window/frmUpdate.h"
 
 #include "controls/Twips.h"
+#include "platform/Literals.h"
 
 #include <QLabel>
 #include <QPainter>
@@ -38,7 +41,7 @@ protected:
     {
         QPainter painter(this);
         painter.setPen(textColour);
-        QStringList paragraphs = text().split(QStringLiteral("\r\n"));
+        QStringList paragraphs = text().split(u"\r\n"_s);
         const int lineHeight = fontMetrics().lineSpacing();
         // What the window leaves uncovered, which is less than the label itself.
         const int room = std::min(width(), parentWidget()->width() - 2 * x());
@@ -83,10 +86,10 @@ private:
 frmUpdate::frmUpdate(FindWorkArea findWorkArea, const AppSettings &settings, std::unique_ptr<SoundPlayer> player)
     : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus),
       m_findWorkArea(std::move(findWorkArea)), m_settings(settings), m_player(std::move(player)),
-      m_titleBar(new QLabel(QStringLiteral("Informations"), this)), lblInfos(new InfoLabel(this))
+      m_titleBar(new QLabel(u"Informations"_s, this)), lblInfos(new InfoLabel(this))
 {
     // The title bar is the window's own: a frame of the desktop would add to the sizes, which count the whole window.
-    setWindowTitle(QStringLiteral("Informations"));
+    setWindowTitle(u"Informations"_s);
     setAttribute(Qt::WA_ShowWithoutActivating);
     setAttribute(Qt::WA_QuitOnClose, false);
     QPalette colours;
@@ -95,14 +98,14 @@ frmUpdate::frmUpdate(FindWorkArea findWorkArea, const AppSettings &settings, std
                      textColour); // the yellow stays on a dark desktop, so the text is dark always
     colours.setColor(QPalette::ButtonText, textColour);
     setPalette(colours);
-    lblInfos->setObjectName(QStringLiteral("lblInfos"));
+    lblInfos->setObjectName(u"lblInfos"_s);
     m_titleBar->setIndent(6);
 
     auto *close = new QToolButton(this);
-    close->setText(QStringLiteral("×"));
+    close->setText(u"×"_s);
     close->setAutoRaise(true);
     close->setFocusPolicy(Qt::NoFocus);
-    close->setAccessibleName(QStringLiteral("Fermer"));
+    close->setAccessibleName(u"Fermer"_s);
     connect(close, &QToolButton::clicked, this, &QWidget::close);
     m_closeButton = close;
 
@@ -126,8 +129,8 @@ frmUpdate::FindWorkArea frmUpdate::workAreaOf(QWidget *window)
 
 void frmUpdate::addMessageToQueue(const QString &title, qint16 count)
 {
-    const QString message = QStringLiteral("Mise à jour du flux\r\n") + title + QStringLiteral("\r\n\r\n") +
-                            QString::number(count) + QStringLiteral(" nouveaux messages");
+    const QString message =
+        u"Mise à jour du flux\r\n"_s + title + u"\r\n\r\n"_s + QString::number(count) + u" nouveaux messages"_s;
     if (popupRunning) {
         if (lastQueued == std::numeric_limits<qint16>::max())
             throw RunTimeError::overflow();

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 // The floor of the start-up measurement: a program of the same libraries that shows a window with a QWebEngineView and
 // nothing else.
 

@@ -1,5 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "engine/feed/ElementText.h"
 #include "engine/feed/FormatReader.h"
+#include "platform/Literals.h"
 
 namespace {
 
@@ -22,7 +25,7 @@ FeedLoadResult recognise(const xmlNode *root)
         return LoadUnknownFormat;
     const QString version = attributeOf(root, "version");
     const std::string_view name = nameOf(root->ns);
-    if (isOwn(name) && version == QLatin1String("0.3"))
+    if (isOwn(name) && version == "0.3"_L1)
         return LoadOk;
     const bool isDraft = name.empty() && !version.isEmpty(); // the first drafts had no namespace, but a version
     return isSomeAtom(name) || isDraft ? LoadBadVersionOther : LoadUnknownFormat;
@@ -58,9 +61,9 @@ QString pageLink(const FoundElement &links)
     for (const xmlNode *link = links.element; link != nullptr; link = links.vocabulary.nextAlike(link)) {
         const QString relation = attributeOf(link, "rel");
         const QString address = attributeOf(link, "href");
-        if (address.isEmpty() || (!relation.isEmpty() && relation != QLatin1String("alternate")))
+        if (address.isEmpty() || (!relation.isEmpty() && relation != "alternate"_L1))
             continue;
-        if (mediaType(link) == QLatin1String("text/html"))
+        if (mediaType(link) == "text/html"_L1)
             return address;
         if (first.isEmpty())
             first = address;
@@ -72,7 +75,7 @@ QString pageLink(const FoundElement &links)
 QString enclosure(const FoundElement &links)
 {
     for (const xmlNode *link = links.element; link != nullptr; link = links.vocabulary.nextAlike(link))
-        if (attributeOf(link, "rel") == QLatin1String("enclosure") && !attributeOf(link, "href").isEmpty())
+        if (attributeOf(link, "rel") == "enclosure"_L1 && !attributeOf(link, "href").isEmpty())
             return attributeOf(link, links.detail);
     return {};
 }
@@ -114,14 +117,14 @@ void write(ItemWriter &item, const ItemContent &content)
 {
     item.addElement("title", content.title);
     if (!content.link.isEmpty())
-        addLink(item, "alternate", content.link, QStringLiteral("text/html"));
+        addLink(item, "alternate", content.link, u"text/html"_s);
     if (!content.author.isEmpty())
         ItemWriter::addInto(item.addElement("author"), "name", content.author);
     item.add("issued", content.pubDate);
     item.addDc("subject", content.category);
     if (xmlNode *text = item.add("content", content.description)) {
-        ItemWriter::setAttribute(text, "type", QStringLiteral("text/html"));
-        ItemWriter::setAttribute(text, "mode", QStringLiteral("escaped"));
+        ItemWriter::setAttribute(text, "type", u"text/html"_s);
+        ItemWriter::setAttribute(text, "mode", u"escaped"_s);
     }
     if (content.enclosure) {
         xmlNode *link = addLink(item, "enclosure", content.enclosure->Url, content.enclosure->Extra);

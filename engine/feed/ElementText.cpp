@@ -1,6 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "engine/feed/ElementText.h"
 
 #include "engine/feed/Elements.h"
+#include "platform/Literals.h"
 #include "platform/xml/XmlCharacters.h"
 
 #include <array>
@@ -191,7 +194,7 @@ QString atomTextOf(const xmlNode *element)
 {
     if (element == nullptr)
         return {};
-    if (attributeOf(element, "mode") != QLatin1String("base64"))
+    if (attributeOf(element, "mode") != "base64"_L1)
         return textOf(element);
     return trimmedText(withoutWhatXmlCannotHold(QString::fromUtf8(QByteArray::fromBase64(content(element)))));
 }

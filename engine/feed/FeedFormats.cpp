@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "engine/feed/FeedFormats.h"
 
 // One format a file. What is named here is read, and nothing else knows it.

@@ -1,8 +1,11 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "engine/feed/ItemMarks.h"
 
 #include "engine/feed/ElementText.h"
 #include "engine/feed/Elements.h"
 #include "engine/feed/NamespaceScope.h"
+#include "platform/Literals.h"
 
 namespace {
 
@@ -19,7 +22,7 @@ void set(xmlNode *item, const char *name, const QString &value)
 
 bool isSet(const xmlNode *item, const char *name)
 {
-    return attributeOf(item, name, marks) == QLatin1String("1");
+    return attributeOf(item, name, marks) == "1"_L1;
 }
 
 } // namespace
@@ -49,12 +52,12 @@ QDateTime ItemMarks::downloadDate(const QString &mark)
 void ItemMarks::setRead(xmlNode *item, bool read)
 {
     if (read != isRead(item))
-        set(item, readName, read ? QStringLiteral("1") : QStringLiteral("0"));
+        set(item, readName, read ? u"1"_s : u"0"_s);
 }
 
 void ItemMarks::setDeleted(xmlNode *item)
 {
-    set(item, deletedName, QStringLiteral("1"));
+    set(item, deletedName, u"1"_s);
 }
 
 void ItemMarks::setDownloadMark(xmlNode *item, const QString &mark)

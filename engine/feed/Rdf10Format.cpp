@@ -1,6 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "engine/feed/ElementText.h"
 #include "engine/feed/FormatReader.h"
 #include "engine/feed/NamespaceScope.h"
+#include "platform/Literals.h"
 
 #include <QCryptographicHash>
 #include <QSet>
@@ -100,7 +103,7 @@ QString nameFor(const ItemContent &content)
     if (!content.link.isEmpty())
         return content.link;
     const QByteArray text = (content.title + u'\n' + content.description).toUtf8();
-    return QLatin1String("urn:quillwire:item:") +
+    return "urn:quillwire:item:"_L1 +
            QString::fromLatin1(QCryptographicHash::hash(text, QCryptographicHash::Sha1).toHex());
 }
 

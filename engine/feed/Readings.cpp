@@ -1,6 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "engine/feed/Readings.h"
 
 #include "engine/feed/ElementText.h"
+#include "platform/Literals.h"
 
 QString Readings::text(const FoundElement &found)
 {
@@ -15,7 +18,7 @@ QString Readings::joinedTexts(const FoundElement &found)
         if (text.isEmpty())
             continue;
         if (!joined.isEmpty())
-            joined += QLatin1String(", ");
+            joined += ", "_L1;
         joined += text;
     }
     return joined;

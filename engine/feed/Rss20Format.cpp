@@ -1,5 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "engine/feed/ElementText.h"
 #include "engine/feed/RssFamily.h"
+#include "platform/Literals.h"
 
 #include <algorithm>
 
@@ -8,7 +11,7 @@ namespace {
 /// True for "scheme://something". A guid such as "tag:example.org,2004:1" is absolute, but no address to go to.
 bool isAddress(const QString &text)
 {
-    const qsizetype colon = text.indexOf(QLatin1String("://"));
+    const qsizetype colon = text.indexOf("://"_L1);
     if (colon <= 0 || colon + 3 >= text.size())
         return false;
     const auto isLetter = [](QChar c) { return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z'); };
@@ -20,7 +23,7 @@ bool isAddress(const QString &text)
 
 QString permanentLink(const FoundElement &guid)
 {
-    if (attributeOf(guid.element, "isPermaLink").compare(QLatin1String("false"), Qt::CaseInsensitive) == 0)
+    if (attributeOf(guid.element, "isPermaLink").compare("false"_L1, Qt::CaseInsensitive) == 0)
         return {};
     const QString text = textOf(guid.element);
     return isAddress(text) ? text : QString();

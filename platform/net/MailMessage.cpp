@@ -1,4 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "platform/net/MailMessage.h"
+
+#include "platform/Literals.h"
 
 #include <QStringList>
 #include <QUrl>
@@ -67,7 +71,7 @@ QByteArray addressHeader(const QByteArray &name, const QString &displayName, con
         return name + envelope;
     const QByteArray target = "\r\n <" + envelope + ">";
     const bool plain = isPlain(text);
-    const QString quoted = u'"' + text.replace(u'\\', u"\\\\"_qs).replace(u'"', u"\\\""_qs) + u'"';
+    const QString quoted = u'"' + text.replace(u'\\', u"\\\\"_s).replace(u'"', u"\\\""_s) + u'"';
     if (plain && name.size() + quoted.size() <= LineLimit)
         return name + quoted.toLatin1() + target;
     return name + encodedWords(inOneLine(displayName)) + target;
@@ -100,7 +104,7 @@ QByteArray quotedPrintable(const QByteArray &line)
 QByteArray body(QString text)
 {
     text.remove(QChar(u'\0'));
-    text.replace(u"\r\n"_qs, u"\n"_qs).replace(u'\r', u'\n');
+    text.replace(u"\r\n"_s, u"\n"_s).replace(u'\r', u'\n');
     QByteArray lines;
     const QList<QByteArray> list = text.toUtf8().split('\n');
     for (const QByteArray &line : list)

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #pragma once
 
 /// True when a network connection exists: an interface other than the loopback is up and has an address that reaches

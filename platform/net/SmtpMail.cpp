@@ -1,4 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "platform/net/SmtpMail.h"
+
+#include "platform/Literals.h"
 
 #include <QElapsedTimer>
 #include <QHostAddress>
@@ -162,7 +166,7 @@ SmtpMail::SmtpMail(std::function<void()> keepAlive, QObject *parent)
 void SmtpMail::Send()
 {
     if (m_sending) {
-        Q_EMIT SendFailed(u"Un envoi est déjà en cours."_qs);
+        Q_EMIT SendFailed(u"Un envoi est déjà en cours."_s);
         return;
     }
     const QPointer<SmtpMail> self(this);
@@ -181,13 +185,13 @@ std::optional<QString> SmtpMail::attempt()
 {
     const QByteArray sender = MailMessage::envelopeAddress(m_fields.from);
     if (sender.isEmpty())
-        return u"L'adresse de l'expéditeur est incorrecte : "_qs + m_fields.from;
+        return u"L'adresse de l'expéditeur est incorrecte : "_s + m_fields.from;
     const QByteArray recipient = MailMessage::envelopeAddress(m_fields.recipient);
     if (recipient.isEmpty())
-        return u"L'adresse du destinataire est incorrecte : "_qs + m_fields.recipient;
+        return u"L'adresse du destinataire est incorrecte : "_s + m_fields.recipient;
     const QByteArray server = serverUrl(m_host, m_port);
     if (server.isEmpty())
-        return u"Le nom du serveur SMTP est incorrect : "_qs + m_host;
+        return u"Le nom du serveur SMTP est incorrect : "_s + m_host;
 
     Transfer transfer;
     transfer.server = server;

@@ -1,5 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "platform/xml/XmlNode.h"
 
+#include "platform/Literals.h"
 #include "platform/RunTimeError.h"
 #include "platform/xml/XmlCharacters.h"
 #include "platform/xml/XmlTree.h"
@@ -99,11 +102,11 @@ QString XmlNode::nodeName() const
                    ? QString(::text(node->ns->prefix) + u':' + ::text(node->name))
                    : ::text(node->name);
     case XML_TEXT_NODE:
-        return QStringLiteral("#text");
+        return u"#text"_s;
     case XML_CDATA_SECTION_NODE:
-        return QStringLiteral("#cdata-section");
+        return u"#cdata-section"_s;
     case XML_COMMENT_NODE:
-        return QStringLiteral("#comment");
+        return u"#comment"_s;
     default:
         return node->name != nullptr ? ::text(node->name) : QString();
     }

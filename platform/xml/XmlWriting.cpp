@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "platform/RunTimeError.h"
 #include "platform/xml/EscapedDeclarations.h"
 #include "platform/xml/Silence.h"

@@ -1,4 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "reading/web/EngineView.h"
+
+#include "platform/Literals.h"
 
 #include <QAction>
 #include <QDir>
@@ -33,26 +37,26 @@ struct ActionText
 void setUpActions(QWebEnginePage &page)
 {
     const std::array<ActionText, 20> texts = {{
-        {QWebEnginePage::Back, QStringLiteral("Précédent")},
-        {QWebEnginePage::Forward, QStringLiteral("Suivant")},
-        {QWebEnginePage::Reload, QStringLiteral("Actualiser")},
-        {QWebEnginePage::Stop, QStringLiteral("Arrêter")},
-        {QWebEnginePage::Cut, QStringLiteral("Couper")},
-        {QWebEnginePage::Copy, QStringLiteral("Copier")},
-        {QWebEnginePage::Paste, QStringLiteral("Coller")},
-        {QWebEnginePage::PasteAndMatchStyle, QStringLiteral("Coller sans mise en forme")},
-        {QWebEnginePage::Undo, QStringLiteral("Annuler")},
-        {QWebEnginePage::Redo, QStringLiteral("Rétablir")},
-        {QWebEnginePage::SelectAll, QStringLiteral("Tout sélectionner")},
-        {QWebEnginePage::OpenLinkInThisWindow, QStringLiteral("Suivre le lien")},
-        {QWebEnginePage::OpenLinkInNewWindow, QStringLiteral("Ouvrir le lien dans une nouvelle fenêtre")},
-        {QWebEnginePage::CopyLinkToClipboard, QStringLiteral("Copier l'adresse du lien")},
-        {QWebEnginePage::DownloadLinkToDisk, QStringLiteral("Enregistrer la cible du lien...")},
-        {QWebEnginePage::CopyImageToClipboard, QStringLiteral("Copier l'image")},
-        {QWebEnginePage::CopyImageUrlToClipboard, QStringLiteral("Copier l'adresse de l'image")},
-        {QWebEnginePage::DownloadImageToDisk, QStringLiteral("Enregistrer l'image...")},
-        {QWebEnginePage::CopyMediaUrlToClipboard, QStringLiteral("Copier l'adresse du média")},
-        {QWebEnginePage::SavePage, QStringLiteral("Enregistrer la page...")},
+        {QWebEnginePage::Back, u"Précédent"_s},
+        {QWebEnginePage::Forward, u"Suivant"_s},
+        {QWebEnginePage::Reload, u"Actualiser"_s},
+        {QWebEnginePage::Stop, u"Arrêter"_s},
+        {QWebEnginePage::Cut, u"Couper"_s},
+        {QWebEnginePage::Copy, u"Copier"_s},
+        {QWebEnginePage::Paste, u"Coller"_s},
+        {QWebEnginePage::PasteAndMatchStyle, u"Coller sans mise en forme"_s},
+        {QWebEnginePage::Undo, u"Annuler"_s},
+        {QWebEnginePage::Redo, u"Rétablir"_s},
+        {QWebEnginePage::SelectAll, u"Tout sélectionner"_s},
+        {QWebEnginePage::OpenLinkInThisWindow, u"Suivre le lien"_s},
+        {QWebEnginePage::OpenLinkInNewWindow, u"Ouvrir le lien dans une nouvelle fenêtre"_s},
+        {QWebEnginePage::CopyLinkToClipboard, u"Copier l'adresse du lien"_s},
+        {QWebEnginePage::DownloadLinkToDisk, u"Enregistrer la cible du lien..."_s},
+        {QWebEnginePage::CopyImageToClipboard, u"Copier l'image"_s},
+        {QWebEnginePage::CopyImageUrlToClipboard, u"Copier l'adresse de l'image"_s},
+        {QWebEnginePage::DownloadImageToDisk, u"Enregistrer l'image..."_s},
+        {QWebEnginePage::CopyMediaUrlToClipboard, u"Copier l'adresse du média"_s},
+        {QWebEnginePage::SavePage, u"Enregistrer la page..."_s},
     }};
     for (const ActionText &entry : texts)
         page.action(entry.action)->setText(entry.text);
@@ -148,7 +152,7 @@ void EngineView::navigate(const QString &target)
         // The engine takes the address on show for a reload and would scroll the next item's page to where this one
         // stood. The script runs in a world of its own, out of the page's reach and free of its policy.
         if (PaneScheme::owns(url) && url == m_page->url())
-            m_page->runJavaScript(QStringLiteral("window.scrollTo(0, 0)"), QWebEngineScript::ApplicationWorld);
+            m_page->runJavaScript(u"window.scrollTo(0, 0)"_s, QWebEngineScript::ApplicationWorld);
         m_page->load(url);
     } else if (PanePage::belongsToSystem(url)) {
         m_events.systemLinkActivated(url.toString(QUrl::FullyEncoded));
@@ -230,8 +234,7 @@ void EngineView::handleDownload(QWebEngineDownloadRequest &download)
     QObject::connect(request, &QWebEngineDownloadRequest::isFinishedChanged, &m_context, [this, request, chosen] {
         const bool complete = request && request->state() == QWebEngineDownloadRequest::DownloadCompleted;
         m_events.statusText(
-            (complete ? QStringLiteral("Téléchargement terminé : %1") : QStringLiteral("Échec du téléchargement : %1"))
-                .arg(chosen.fileName()));
+            (complete ? u"Téléchargement terminé : %1"_s : u"Échec du téléchargement : %1"_s).arg(chosen.fileName()));
     });
     request->accept();
 }
@@ -247,7 +250,7 @@ void EngineView::handleRendererGone(QWebEnginePage::RenderProcessTerminationStat
         m_loading = false;
         m_events.documentComplete();
     }
-    m_events.statusText(QStringLiteral("L'affichage de la page s'est arrêté de façon inattendue"));
+    m_events.statusText(u"L'affichage de la page s'est arrêté de façon inattendue"_s);
     if (m_rendererDeaths > 2)
         return;
     QTimer::singleShot(0, m_page, [this, again = m_rendererDeaths == 1] {

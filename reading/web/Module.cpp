@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "reading/web/EngineView.h"
 
 /// The one symbol of the module. The scheme is registered here, before the engine comes to life with the first profile.

@@ -1,5 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "reading/web/PanePage.h"
 
+#include "platform/Literals.h"
 #include "platform/Messages.h"
 #include "reading/web/PaneScheme.h"
 
@@ -19,7 +22,7 @@ bool runsScripts(const QUrl &url)
 
 bool isWeb(const QUrl &url)
 {
-    return url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https");
+    return url.scheme() == "http"_L1 || url.scheme() == "https"_L1;
 }
 
 } // namespace
@@ -50,12 +53,9 @@ bool PanePage::canShow(const QUrl &url)
 
 bool PanePage::belongsToSystem(const QUrl &url)
 {
-    static const QSet<QString> schemes = {QStringLiteral("mailto"), QStringLiteral("news"), QStringLiteral("nntp"),
-                                          QStringLiteral("ftp"),    QStringLiteral("ftps"), QStringLiteral("tel"),
-                                          QStringLiteral("callto"), QStringLiteral("sip"),  QStringLiteral("sips"),
-                                          QStringLiteral("sms"),    QStringLiteral("xmpp"), QStringLiteral("irc"),
-                                          QStringLiteral("ircs"),   QStringLiteral("feed"), QStringLiteral("magnet"),
-                                          QStringLiteral("webcal"), QStringLiteral("geo")};
+    static const QSet<QString> schemes = {u"mailto"_s, u"news"_s, u"nntp"_s,   u"ftp"_s,    u"ftps"_s, u"tel"_s,
+                                          u"callto"_s, u"sip"_s,  u"sips"_s,   u"sms"_s,    u"xmpp"_s, u"irc"_s,
+                                          u"ircs"_s,   u"feed"_s, u"magnet"_s, u"webcal"_s, u"geo"_s};
     return schemes.contains(url.scheme());
 }
 
@@ -102,8 +102,8 @@ bool PanePage::mayGo(const QUrl &url, NavigationType type, bool isMainFrame)
         return !isMainFrame || byUser || !onOwnPage || m_leaving;
     }
     // What scripts make: empty frames, texts of their own. A page of the data directory has no use for them.
-    const bool madeByScript = url.scheme() == QLatin1String("about") || url.scheme() == QLatin1String("blob") ||
-                              (url.scheme() == QLatin1String("data") && !isMainFrame);
+    const bool madeByScript =
+        url.scheme() == "about"_L1 || url.scheme() == "blob"_L1 || (url.scheme() == "data"_L1 && !isMainFrame);
     return madeByScript && !(isMainFrame && onOwnPage);
 }
 
@@ -111,10 +111,10 @@ bool PanePage::isFeedForTheProgram(const QUrl &url)
 {
     const QString address = url.toString(QUrl::FullyEncoded);
     const QString ending = address.right(4);
-    if (ending != QLatin1String(".rdf") && ending != QLatin1String(".xml") && ending != QLatin1String(".rss"))
+    if (ending != ".rdf"_L1 && ending != ".xml"_L1 && ending != ".rss"_L1)
         return false;
     const QPointer<PanePage> alive = this;
-    if (!ask(QStringLiteral("Le fichier semble être un fichier RSS, voulez-vous tenter de l'ouvrir ?")) || !alive)
+    if (!ask(u"Le fichier semble être un fichier RSS, voulez-vous tenter de l'ouvrir ?"_s) || !alive)
         return false;
     QMetaObject::invokeMethod(
         this, [this, address] { Q_EMIT feedLinkAccepted(address); }, Qt::QueuedConnection);
@@ -129,7 +129,7 @@ bool PanePage::popupIsAllowed()
         return false;
     }
     const QPointer<PanePage> alive = this;
-    if (ask(QStringLiteral("Le navigateur essaie d'ouvrir un pop-up, voulez-vous l'autoriser ?")))
+    if (ask(u"Le navigateur essaie d'ouvrir un pop-up, voulez-vous l'autoriser ?"_s))
         return !alive.isNull();
     if (alive)
         m_sincePopupRefused.start();
@@ -144,7 +144,7 @@ bool PanePage::ask(const QString &question)
     m_asking = true;
     const QPointer<PanePage> alive = this;
     const Messages::Answer answer =
-        m_messages.show({question, QStringLiteral("Information"), Message::Icon::Information, Message::Buttons::YesNo});
+        m_messages.show({question, u"Information"_s, Message::Icon::Information, Message::Buttons::YesNo});
     if (alive) {
         m_asking = false;
         QMetaObject::invokeMethod(this, &PanePage::questionAnswered, Qt::QueuedConnection);

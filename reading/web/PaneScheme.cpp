@@ -1,4 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "reading/web/PaneScheme.h"
+
+#include "platform/Literals.h"
 
 #include <QBuffer>
 #include <QFileInfo>
@@ -101,7 +105,7 @@ QString PaneScheme::pathOf(const QString &file) const
 
 QUrl PaneScheme::addressOf(const QString &path) const
 {
-    const QString local = path.startsWith(QLatin1String("file:")) ? QUrl(path).toLocalFile() : path;
+    const QString local = path.startsWith("file:"_L1) ? QUrl(path).toLocalFile() : path;
     const QString wanted = QFileInfo(local).absoluteFilePath();
     for (const QLatin1String served : servedFiles) {
         if (pathOf(served) == wanted)

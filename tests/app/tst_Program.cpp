@@ -1,6 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "app/Program.h"
 #include "app/StartPlace.h"
 #include "platform/DateText.h"
+#include "platform/Literals.h"
 #include "tests/fixtures/FakeDownloader.h"
 #include "tests/fixtures/FakeMessages.h"
 #include "tests/fixtures/FeedTexts.h"
@@ -18,25 +21,25 @@ class FakeWindow final : public ProgramWindow
 public:
     explicit FakeWindow(std::function<QString()> look) : m_look(std::move(look)) {}
 
-    void place(const QRect &pixels) override { note(u"place %1x%2"_qs.arg(pixels.width()).arg(pixels.height())); }
-    void build() override { note(u"build"_qs); }
-    void showStartPage() override { note(u"start page"_qs); }
-    void showTrayIcon(bool shown) override { note(shown ? u"icon"_qs : u"no icon"_qs); }
+    void place(const QRect &pixels) override { note(u"place %1x%2"_s.arg(pixels.width()).arg(pixels.height())); }
+    void build() override { note(u"build"_s); }
+    void showStartPage() override { note(u"start page"_s); }
+    void showTrayIcon(bool shown) override { note(shown ? u"icon"_s : u"no icon"_s); }
     void openCommandLine(const QString &text) override
     {
-        note(u"open "_qs + text);
+        note(u"open "_s + text);
         if (onOpen)
             onOpen();
     }
-    void present() override { note(u"present"_qs); }
-    void hideToTray() override { note(u"hide"_qs); }
-    void comeForward() override { note(u"forward"_qs); }
-    void takeHandOver(const QString &text) override { note(u"hand-over "_qs + text); }
-    void dismissPopup() override { note(u"no popup"_qs); }
+    void present() override { note(u"present"_s); }
+    void hideToTray() override { note(u"hide"_s); }
+    void comeForward() override { note(u"forward"_s); }
+    void takeHandOver(const QString &text) override { note(u"hand-over "_s + text); }
+    void dismissPopup() override { note(u"no popup"_s); }
     QString takeBandLayout() override
     {
-        note(u"bands"_qs);
-        return u"<Bands taken=\"1\"/>"_qs;
+        note(u"bands"_s);
+        return u"<Bands taken=\"1\"/>"_s;
     }
     WindowGeometry geometryInTwips() const override { return {150, 300, 12000, 9000, {0, 15, 30, 45, 60, 75, 90}}; }
 
@@ -61,9 +64,9 @@ private Q_SLOTS:
     {
         m_program.reset();
         m_folder = std::make_unique<TemporaryDataDirectory>();
-        m_folder->write(u"feeds.xml"_qs,
+        m_folder->write(u"feeds.xml"_s,
                         "<favoris><feed name='F' url='http://127.0.0.1:9/f' key='1' ttl='60' cache='-7'/></favoris>");
-        m_folder->write(u"feeds/1.xml"_qs, FeedTexts::rss(u"F"_qs, {u"a"_qs}));
+        m_folder->write(u"feeds/1.xml"_s, FeedTexts::rss(u"F"_s, {u"a"_s}));
         m_messages = std::make_unique<FakeMessages>();
         m_releases = 0;
         m_downloaders.clear();
@@ -78,25 +81,25 @@ private Q_SLOTS:
     void theStartGoesByItsSteps()
     {
         QVERIFY(m_program->loadSettings());
-        start(u"feed:x"_qs);
-        QCOMPARE(m_window->log, (QStringList{u"place 816x604"_qs, u"build"_qs, u"start page"_qs, u"icon, feeds"_qs,
-                                             u"open feed:x, feeds"_qs, u"present, feeds, timer"_qs}));
+        start(u"feed:x"_s);
+        QCOMPARE(m_window->log, (QStringList{u"place 816x604"_s, u"build"_s, u"start page"_s, u"icon, feeds"_s,
+                                             u"open feed:x, feeds"_s, u"present, feeds, timer"_s}));
     }
 
     void theStartModeIsComparedToTheLetter_data()
     {
         QTest::addColumn<QByteArray>("mode");
         QTest::addColumn<QString>("last");
-        QTest::newRow("to the tray") << QByteArray("Minimisé") << u"hide, feeds, timer"_qs;
-        QTest::newRow("a small letter") << QByteArray("minimisé") << u"present, feeds, timer"_qs;
-        QTest::newRow("full screen") << QByteArray("Plein écran") << u"present, feeds, timer"_qs;
+        QTest::newRow("to the tray") << QByteArray("Minimisé") << u"hide, feeds, timer"_s;
+        QTest::newRow("a small letter") << QByteArray("minimisé") << u"present, feeds, timer"_s;
+        QTest::newRow("full screen") << QByteArray("Plein écran") << u"present, feeds, timer"_s;
     }
 
     void theStartModeIsComparedToTheLetter()
     {
         QFETCH(QByteArray, mode);
         QByteArray params = freshSettings();
-        m_folder->write(u"params.xml"_qs,
+        m_folder->write(u"params.xml"_s,
                         params.replace("<params>", QByteArray("<params><start mode='" + mode + "' update='0'/>")));
         QVERIFY(m_program->loadSettings());
         start();
@@ -105,12 +108,12 @@ private Q_SLOTS:
 
     void settingsThatCannotBeUsedEndTheStart()
     {
-        m_folder->write(u"params.xml"_qs, "<Quillwire/>");
+        m_folder->write(u"params.xml"_s, "<Quillwire/>");
         QVERIFY(!m_program->loadSettings());
         QCOMPARE(m_releases, 1);
         QCOMPARE(m_messages->shown.size(), std::size_t(1));
-        QVERIFY(m_messages->shown[0].text.endsWith(u"Le programme va maintenant se terminer"_qs));
-        QCOMPARE(m_folder->read(u"params.xml"_qs), QByteArray("<Quillwire/>"));
+        QVERIFY(m_messages->shown[0].text.endsWith(u"Le programme va maintenant se terminer"_s));
+        QCOMPARE(m_folder->read(u"params.xml"_s), QByteArray("<Quillwire/>"));
     }
 
     void theRoadOutGoesByItsStepsAndOnce()
@@ -118,16 +121,16 @@ private Q_SLOTS:
         QVERIFY(m_program->loadSettings());
         start();
         const LongLived objects = m_program->longLived();
-        QCOMPARE(objects.current.document->Load(m_folder->cacheFile(u"1"_qs)), LoadOk);
+        QCOMPARE(objects.current.document->Load(m_folder->cacheFile(u"1"_s)), LoadOk);
         objects.current.document->SetItemRead(0, true);
-        objects.catalogue.tables.updatettl.Replace(u"1"_qs, u"17"_qs);
+        objects.catalogue.tables.updatettl.Replace(u"1"_s, u"17"_s);
         m_window->log.clear();
         m_program->end();
         QCOMPARE(m_window->log,
-                 (QStringList{u"no popup, feeds"_qs, u"bands, feeds, marks"_qs, u"no icon, feeds, marks"_qs}));
+                 (QStringList{u"no popup, feeds"_s, u"bands, feeds, marks"_s, u"no icon, feeds, marks"_s}));
         QCOMPARE(m_releases, 1);
-        QVERIFY(m_folder->read(u"feeds.xml"_qs).contains("ttl=\"17\""));
-        const QByteArray params = m_folder->read(u"params.xml"_qs);
+        QVERIFY(m_folder->read(u"feeds.xml"_s).contains("ttl=\"17\""));
+        const QByteArray params = m_folder->read(u"params.xml"_s);
         QVERIFY(params.contains("<Bands taken=\"1\"/>") && params.contains("width=\"800\" height=\"600\""));
         m_program->end();
         QCOMPARE(m_releases, 1);
@@ -139,8 +142,8 @@ private Q_SLOTS:
     {
         QVERIFY(m_program->loadSettings());
         m_onOpen = [this] { m_program->end(); };
-        start(u"x"_qs);
-        QCOMPARE(m_window->log.back(), u"no icon, feeds"_qs);
+        start(u"x"_s);
+        QCOMPARE(m_window->log.back(), u"no icon, feeds"_s);
         QVERIFY(m_program->isEnded());
     }
 
@@ -149,15 +152,15 @@ private Q_SLOTS:
         QVERIFY(m_program->loadSettings());
         start();
         m_program->abandon();
-        m_folder->write(u"params.xml"_qs, "untouched");
+        m_folder->write(u"params.xml"_s, "untouched");
         m_program->end();
-        QCOMPARE(m_folder->read(u"params.xml"_qs), QByteArray("untouched"));
+        QCOMPARE(m_folder->read(u"params.xml"_s), QByteArray("untouched"));
         QCOMPARE(m_releases, 0);
     }
 
     void aMissingCatalogueIsARunTimeError()
     {
-        QFile::remove(m_folder->file(u"feeds.xml"_qs));
+        QFile::remove(m_folder->file(u"feeds.xml"_s));
         QVERIFY(m_program->loadSettings());
         QVERIFY_EXCEPTION_THROWN(start(), RunTimeError);
     }
@@ -185,7 +188,7 @@ private Q_SLOTS:
     }
 
 private:
-    static QByteArray freshSettings() { return Files::read(QStringLiteral(":/data/params.xml")).bytes; }
+    static QByteArray freshSettings() { return Files::read(u":/data/params.xml"_s).bytes; }
 
     void make()
     {
@@ -212,14 +215,14 @@ private:
     {
         QString seen;
         const LongLived objects = m_program->longLived();
-        if (objects.tree.find(u"1"_qs))
-            seen += u", feeds"_qs;
+        if (objects.tree.find(u"1"_s))
+            seen += u", feeds"_s;
         for (const QTimer *timer : objects.scheduler.findChildren<QTimer *>())
             if (timer->isActive())
-                seen += u", timer"_qs;
+                seen += u", timer"_s;
         CachedFeed stored;
-        if (stored.Load(m_folder->cacheFile(u"1"_qs)) == LoadOk && stored.IsItemRead(0))
-            seen += u", marks"_qs;
+        if (stored.Load(m_folder->cacheFile(u"1"_s)) == LoadOk && stored.IsItemRead(0))
+            seen += u", marks"_s;
         return seen;
     }
 

@@ -1,5 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "platform/AnsiText.h"
 #include "platform/Files.h"
+#include "platform/Literals.h"
 #include "tests/fixtures/FeedTexts.h"
 #include "tests/fixtures/LocalHttpServer.h"
 #include "tests/fixtures/TemporaryDataDirectory.h"
@@ -25,13 +28,13 @@ private:
     {
         auto process = std::make_unique<QProcess>();
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("QUILLWIRE_DATA"), m_data->directory().path());
-        environment.insert(QStringLiteral("QUILLWIRE_RUNTIME_DIR"), m_runtime->path());
-        environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_runtime->path());
-        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        environment.insert(u"QUILLWIRE_DATA"_s, m_data->directory().path());
+        environment.insert(u"QUILLWIRE_RUNTIME_DIR"_s, m_runtime->path());
+        environment.insert(u"XDG_CONFIG_HOME"_s, m_runtime->path());
+        environment.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
         process->setProcessEnvironment(environment);
         process->setProcessChannelMode(QProcess::ForwardedChannels);
-        process->start(QStringLiteral(PROGRAM), arguments);
+        process->start(QString::fromUtf8(PROGRAM), arguments);
         return process;
     }
 
@@ -39,7 +42,7 @@ private:
     std::unique_ptr<QProcess> startFirst(const QStringList &arguments = {}) const
     {
         auto process = start(arguments);
-        const QString socket = m_runtime->filePath(QStringLiteral("Quillwire3.0_APPLICATION"));
+        const QString socket = m_runtime->filePath(u"Quillwire3.0_APPLICATION"_s);
         if (!QTest::qWaitFor([&] { return QFileInfo::exists(socket); }, 20000))
             qWarning("the first instance doesn't listen");
         return process;
@@ -70,80 +73,80 @@ private Q_SLOTS:
     {
         m_data = std::make_unique<TemporaryDataDirectory>();
         m_runtime = std::make_unique<QTemporaryDir>();
-        m_data->write(QStringLiteral("feeds.xml"), "<?xml version=\"1.0\"?><favoris></favoris>");
+        m_data->write(u"feeds.xml"_s, "<?xml version=\"1.0\"?><favoris></favoris>");
     }
 
     void aTermSignalTakesTheRoadOut()
     {
         const auto first = startFirst();
-        QVERIFY(m_data->exists(QStringLiteral("params.xml"))); // made from the template by the first start
-        QVERIFY(!m_data->read(QStringLiteral("params.xml")).contains("<start"));
+        QVERIFY(m_data->exists(u"params.xml"_s)); // made from the template by the first start
+        QVERIFY(!m_data->read(u"params.xml"_s).contains("<start"));
         end(*first);
-        QVERIFY(m_data->read(QStringLiteral("params.xml")).contains("<start")); // written at the end of the run
+        QVERIFY(m_data->read(u"params.xml"_s).contains("<start")); // written at the end of the run
     }
 
     void aBrokenCatalogueEndsTheStartWithItsMessageAndSavesNothing()
     {
-        m_data->write(QStringLiteral("feeds.xml"), "<favoris><feed");
+        m_data->write(u"feeds.xml"_s, "<favoris><feed");
         const auto first = start();
-        QTRY_VERIFY_WITH_TIMEOUT(m_data->exists(QStringLiteral("params.xml")), 20000);
+        QTRY_VERIFY_WITH_TIMEOUT(m_data->exists(u"params.xml"_s), 20000);
         QTest::qWait(500); // the box stands and waits for its OK
         QCOMPARE(first->state(), QProcess::Running);
         first->terminate(); // no road out any more
         QTest::qWait(200);
-        QVERIFY(!m_data->read(QStringLiteral("params.xml")).contains("<start"));
-        QCOMPARE(m_data->read(QStringLiteral("feeds.xml")), QByteArray("<favoris><feed"));
+        QVERIFY(!m_data->read(u"params.xml"_s).contains("<start"));
+        QCOMPARE(m_data->read(u"feeds.xml"_s), QByteArray("<favoris><feed"));
         first->kill();
         QVERIFY(ended(*first));
     }
 
     void aSecondStartHandsItsTextOverUnchanged()
     {
-        const QString feed = m_data->file(QStringLiteral("œuvre 日.rss"));
-        Files::write(feed, FeedTexts::rss(QStringLiteral("Remis"), {QStringLiteral("un")}));
+        const QString feed = m_data->file(u"œuvre 日.rss"_s);
+        Files::write(feed, FeedTexts::rss(u"Remis"_s, {u"un"_s}));
         const auto first = startFirst();
-        const auto second = start({QStringLiteral("\"") + feed + QStringLiteral("\"")});
+        const auto second = start({u"\""_s + feed + u"\""_s});
         QVERIFY(ended(*second));
         QCOMPARE(second->exitCode(), 0);
         // The first instance has opened the file: its copy and the page of its channel are there.
-        QTRY_VERIFY(m_data->read(QStringLiteral("tmp.xml")).contains("Remis"));
-        QVERIFY(m_data->read(QStringLiteral("tmp.htm")).contains(onPage("Remis")));
+        QTRY_VERIFY(m_data->read(u"tmp.xml"_s).contains("Remis"));
+        QVERIFY(m_data->read(u"tmp.htm"_s).contains(onPage("Remis")));
         end(*first);
     }
 
     void anAddressGoesToTheFirstInstanceAndIsFetchedThere()
     {
-        m_server.setBody(QStringLiteral("/f.xml"), FeedTexts::rss(QStringLiteral("Loin"), {QStringLiteral("un")}));
+        m_server.setBody(u"/f.xml"_s, FeedTexts::rss(u"Loin"_s, {u"un"_s}));
         const auto first = startFirst();
-        const auto second = start({m_server.url(QStringLiteral("/f.xml"))});
+        const auto second = start({m_server.url(u"/f.xml"_s)});
         QVERIFY(ended(*second));
-        QTRY_COMPARE_WITH_TIMEOUT(m_server.hits(QStringLiteral("/f.xml")), 1, 10000);
-        QTRY_VERIFY(m_data->read(QStringLiteral("tmp.htm")).contains(onPage("Loin")));
+        QTRY_COMPARE_WITH_TIMEOUT(m_server.hits(u"/f.xml"_s), 1, 10000);
+        QTRY_VERIFY(m_data->read(u"tmp.htm"_s).contains(onPage("Loin")));
         end(*first);
     }
 
     void aSecondStartWithoutATextEndsAndChangesNothing()
     {
         const auto first = startFirst();
-        const QByteArray settings = m_data->read(QStringLiteral("params.xml"));
+        const QByteArray settings = m_data->read(u"params.xml"_s);
         const auto second = start();
         QVERIFY(ended(*second));
         QCOMPARE(second->exitCode(), 0);
         QCOMPARE(first->state(), QProcess::Running);
-        QCOMPARE(m_data->read(QStringLiteral("params.xml")), settings);
+        QCOMPARE(m_data->read(u"params.xml"_s), settings);
         end(*first);
     }
 
     void aKilledInstanceDoesNotHinderTheNextStart()
     {
         const auto first = startFirst();
-        const QByteArray before = m_data->read(QStringLiteral("feeds.xml"));
+        const QByteArray before = m_data->read(u"feeds.xml"_s);
         first->kill();
         QVERIFY(ended(*first));
-        QFile::remove(m_runtime->filePath(QStringLiteral("Quillwire3.0_APPLICATION")));
+        QFile::remove(m_runtime->filePath(u"Quillwire3.0_APPLICATION"_s));
         const auto next = startFirst();
         QCOMPARE(next->state(), QProcess::Running);
-        QCOMPARE(m_data->read(QStringLiteral("feeds.xml")), before);
+        QCOMPARE(m_data->read(u"feeds.xml"_s), before);
         end(*next);
     }
 };

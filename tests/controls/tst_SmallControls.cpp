@@ -1,9 +1,12 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "controls/DialogBase.h"
 #include "controls/MessageBoxes.h"
 #include "controls/StatusBar.h"
 #include "controls/SystemBrowser.h"
 #include "controls/TabControl.h"
 #include "controls/UpDown.h"
+#include "platform/Literals.h"
 #include "platform/RunTimeError.h"
 
 #include <QAbstractButton>
@@ -24,14 +27,14 @@ private Q_SLOTS:
         QTest::addColumn<QString>("typed");
         QTest::addColumn<int>("steps");
         QTest::addColumn<QString>("expected");
-        QTest::newRow("up") << QStringLiteral("20") << 1 << QStringLiteral("21");
-        QTest::newRow("down to the end") << QStringLiteral("15") << -1 << QStringLiteral("15");
-        QTest::newRow("several") << QStringLiteral("20") << 200 << QStringLiteral("100");
-        QTest::newRow("far outside") << QStringLiteral("99999999999999999999") << -1 << QStringLiteral("99");
-        QTest::newRow("negative") << QStringLiteral("-7") << 1 << QStringLiteral("16");
-        QTest::newRow("letters") << QStringLiteral("beaucoup") << 1 << QStringLiteral("16");
-        QTest::newRow("empty") << QString() << -1 << QStringLiteral("15");
-        QTest::newRow("fraction") << QStringLiteral("20.9") << 1 << QStringLiteral("21");
+        QTest::newRow("up") << u"20"_s << 1 << u"21"_s;
+        QTest::newRow("down to the end") << u"15"_s << -1 << u"15"_s;
+        QTest::newRow("several") << u"20"_s << 200 << u"100"_s;
+        QTest::newRow("far outside") << u"99999999999999999999"_s << -1 << u"99"_s;
+        QTest::newRow("negative") << u"-7"_s << 1 << u"16"_s;
+        QTest::newRow("letters") << u"beaucoup"_s << 1 << u"16"_s;
+        QTest::newRow("empty") << QString() << -1 << u"15"_s;
+        QTest::newRow("fraction") << u"20.9"_s << 1 << u"21"_s;
     }
 
     void spinStepsFromWhatStandsInTheBox()
@@ -48,32 +51,32 @@ private Q_SLOTS:
 
     void spinTakesKeysInTheBoxUnlessDisabled()
     {
-        QLineEdit box(QStringLiteral("30"));
+        QLineEdit box(u"30"_s);
         UpDown spin(&box, 0, 3600, 1, 60);
         QTest::keyClick(&box, Qt::Key_Up);
         QTest::keyClick(&box, Qt::Key_Up);
         QTest::keyClick(&box, Qt::Key_Down);
-        QCOMPARE(box.text(), QStringLiteral("31"));
+        QCOMPARE(box.text(), u"31"_s);
         QCOMPARE(spin.value(), 31);
         box.setEnabled(false);
         spin.stepBy(1);
         box.setEnabled(true);
         spin.setEnabled(false);
         QTest::keyClick(&box, Qt::Key_Up);
-        QCOMPARE(box.text(), QStringLiteral("31"));
+        QCOMPARE(box.text(), u"31"_s);
     }
 
     void statusPanelsShareTheWidth()
     {
         StatusBar bar;
-        const QString state = QStringLiteral("state");
-        const QString progress = QStringLiteral("progressbar");
-        const QString glue = QStringLiteral("glue");
+        const QString state = u"state"_s;
+        const QString progress = u"progressbar"_s;
+        const QString glue = u"glue"_s;
         bar.addPanel(state, 500);
         bar.addPanel(progress, 150);
         bar.addPanel(glue, 200, StatusBar::Panel::Glue);
         QVERIFY_EXCEPTION_THROWN(bar.addPanel(state, 1), RunTimeError);
-        QVERIFY_EXCEPTION_THROWN(bar.setPanelText(QStringLiteral("none"), QString()), RunTimeError);
+        QVERIFY_EXCEPTION_THROWN(bar.setPanelText(u"none"_s, QString()), RunTimeError);
         bar.show();
         bar.resize(1000, 24);
         QVERIFY(bar.panelRect(glue).width() > 300);
@@ -82,7 +85,7 @@ private Q_SLOTS:
         QCOMPARE(moved.size(), 1);
         QCOMPARE(bar.panelRect(progress).width(), 150);
         QVERIFY(bar.panelRect(state).width() < 500 && bar.panelRect(progress).right() < 620);
-        const QString markup = QStringLiteral("<b>fin</b>\nligne");
+        const QString markup = u"<b>fin</b>\nligne"_s;
         bar.setPanelText(state, markup);
         QCOMPARE(bar.findChild<QLabel *>(state)->text(), markup);
     }
@@ -91,15 +94,15 @@ private Q_SLOTS:
     {
         TabControl tabs;
         QCOMPARE(tabs.selectedTab(), 0);
-        QCOMPARE(tabs.addTab(QStringLiteral("feedster"), QStringLiteral("Feedster"), new QWidget), 1);
-        QCOMPARE(tabs.addTab(QStringLiteral("syndic8"), QStringLiteral("DayPop"), new QWidget), 2);
+        QCOMPARE(tabs.addTab(u"feedster"_s, u"Feedster"_s, new QWidget), 1);
+        QCOMPARE(tabs.addTab(u"syndic8"_s, u"DayPop"_s, new QWidget), 2);
         QSignalSpy clicks(&tabs, &TabControl::TabClick);
         for (const int tab : {2, 3, 0})
             tabs.selectTab(tab);
         QCOMPARE(tabs.selectedTab(), 2);
         QCOMPARE(clicks.size(), 1);
         QCOMPARE(clicks.at(0).at(0).toInt(), 2);
-        QCOMPARE(tabs.tabKey(2), QStringLiteral("syndic8"));
+        QCOMPARE(tabs.tabKey(2), u"syndic8"_s);
     }
 
     void onlyWebAddressesAndOwnPagesGoToTheBrowser_data()
@@ -133,7 +136,7 @@ private Q_SLOTS:
         QFETCH(QString, address);
         QFETCH(QString, opened);
         QString seen;
-        const SystemBrowser browser(QStringLiteral("/data"), [&seen](const QUrl &url) {
+        const SystemBrowser browser(u"/data"_s, [&seen](const QUrl &url) {
             seen = url.toString();
             return true;
         });
@@ -147,7 +150,7 @@ private Q_SLOTS:
         QCOMPARE(DialogBase::centredPosition(QRect(100, 50, 101, 51), QSize(200, 100)), QPoint(51, 26));
         QWidget frame;
         frame.setGeometry(-500, -500, 100, 100);
-        DialogBase dialog(QStringLiteral("Options"), &frame);
+        DialogBase dialog(u"Options"_s, &frame);
         dialog.resize(300, 200);
         dialog.centre();
         QVERIFY(frame.screen()->availableGeometry().contains(QRect(dialog.pos(), dialog.size())));
@@ -158,10 +161,10 @@ private Q_SLOTS:
         QTest::addColumn<bool>("question");
         QTest::addColumn<QString>("press"); // "" closes the box
         QTest::addColumn<int>("answer");
-        QTest::newRow("ok") << false << QStringLiteral("OK") << int(Messages::Answer::Ok);
+        QTest::newRow("ok") << false << u"OK"_s << int(Messages::Answer::Ok);
         QTest::newRow("ok closed") << false << QString() << int(Messages::Answer::Ok);
-        QTest::newRow("yes") << true << QStringLiteral("&Oui") << int(Messages::Answer::Yes);
-        QTest::newRow("no") << true << QStringLiteral("&Non") << int(Messages::Answer::No);
+        QTest::newRow("yes") << true << u"&Oui"_s << int(Messages::Answer::Yes);
+        QTest::newRow("no") << true << u"&Non"_s << int(Messages::Answer::No);
         QTest::newRow("question closed") << true << QString() << int(Messages::Answer::No);
     }
 
@@ -170,7 +173,7 @@ private Q_SLOTS:
         QFETCH(bool, question);
         QFETCH(QString, press);
         QFETCH(int, answer);
-        const QString text = QStringLiteral("<i>titre</i> & suite");
+        const QString text = u"<i>titre</i> & suite"_s;
         bool seen = false;
         QTimer::singleShot(0, this, [&] {
             auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
@@ -185,7 +188,7 @@ private Q_SLOTS:
                 QTest::keyClick(box, Qt::Key_Escape);
         });
         MessageBoxes boxes;
-        const Message message{text, QStringLiteral("Attention"), Message::Icon::Exclamation,
+        const Message message{text, u"Attention"_s, Message::Icon::Exclamation,
                               question ? Message::Buttons::YesNo : Message::Buttons::Ok};
         QCOMPARE(int(boxes.show(message)), answer);
         QVERIFY(seen);

@@ -1,5 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "controls/cPopupMenu.h"
 #include "controls/cToolbar.h"
+#include "platform/Literals.h"
 
 #include <QLineEdit>
 #include <QSignalSpy>
@@ -12,7 +15,7 @@ int add(cPopupMenu &menu, const QString &caption, int parent = -1, int icon = -1
 {
     cPopupMenu::Item item;
     item.caption = caption;
-    item.key = QStringLiteral("key of ") + caption;
+    item.key = u"key of "_s + caption;
     item.parentIndex = parent;
     item.iconIndex = icon;
     return menu.AddItem(item);
@@ -29,7 +32,7 @@ private Q_SLOTS:
     {
         QWidget owner;
         cPopupMenu menu(&owner, false);
-        const int entry = add(menu, QStringLiteral("Titre"));
+        const int entry = add(menu, u"Titre"_s);
         menu.setChecked(entry, true);
         QSignalSpy clicks(&menu, &cPopupMenu::Click);
         menu.action(entry)->trigger();
@@ -46,14 +49,14 @@ private Q_SLOTS:
     {
         QWidget owner;
         cPopupMenu menu(&owner, false);
-        add(menu, QStringLiteral("alt"));
+        add(menu, u"alt"_s);
         connect(&menu, &cPopupMenu::Click, &menu, [&menu] {
             menu.Clear();
-            add(menu, QStringLiteral("neu"));
+            add(menu, u"neu"_s);
         });
         menu.action(0)->trigger();
         QCOMPARE(menu.Count(), 1);
-        QCOMPARE(menu.action(0)->text(), QStringLiteral("neu"));
+        QCOMPARE(menu.action(0)->text(), u"neu"_s);
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QCOMPARE(menu.menu()->actions().size(), 1);
     }
@@ -65,9 +68,9 @@ private Q_SLOTS:
         QLineEdit box;
         layout.addWidget(&box);
         cPopupMenu menu(&owner, false);
-        const int file = add(menu, QStringLiteral("&Fichier"));
-        const int open = add(menu, QStringLiteral("&Importer...\tCtrl+I"), file);
-        const int odd = add(menu, QStringLiteral("photo.jpg\tno key at all"), file);
+        const int file = add(menu, u"&Fichier"_s);
+        const int open = add(menu, u"&Importer...\tCtrl+I"_s, file);
+        const int odd = add(menu, u"photo.jpg\tno key at all"_s, file);
         cToolbar bar(&owner);
         layout.addWidget(&bar);
         bar.CreateFromMenu(&menu); // the bar's way to the entry must not make the key ambiguous
@@ -79,7 +82,7 @@ private Q_SLOTS:
         QTest::keyClick(&box, Qt::Key_I, Qt::ControlModifier);
         QCOMPARE(clicks.size(), 1);
         QCOMPARE(clicks.at(0).at(0).toInt(), open);
-        QCOMPARE(menu.action(open)->text(), QStringLiteral("&Importer..."));
+        QCOMPARE(menu.action(open)->text(), u"&Importer..."_s);
         QVERIFY(menu.action(odd)->shortcut().isEmpty());
         menu.setEnabled(open, false);
         QTest::keyClick(&box, Qt::Key_I, Qt::ControlModifier);
@@ -90,11 +93,11 @@ private Q_SLOTS:
     {
         auto owner = std::make_unique<QWidget>();
         cPopupMenu menu(owner.get(), true);
-        add(menu, QStringLiteral("Ouvrir\tCtrl+O"));
+        add(menu, u"Ouvrir\tCtrl+O"_s);
         owner.reset();
         menu.setChecked(0, true);
         menu.setOfficeXpStyle(false);
-        QCOMPARE(add(menu, QStringLiteral("trop tard")), -1);
+        QCOMPARE(add(menu, u"trop tard"_s), -1);
         menu.Clear();
         QCOMPARE(menu.Count(), 0);
     }

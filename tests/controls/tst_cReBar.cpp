@@ -1,7 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "controls/BandLayout.h"
 #include "controls/Twips.h"
 #include "controls/cReBar.h"
 #include "controls/cToolbar.h"
+#include "platform/Literals.h"
 
 #include <QApplication>
 #include <QSignalSpy>
@@ -24,9 +27,9 @@ struct Fixture
     explicit Fixture(int width = 800)
     {
         window.resize(width, 300);
-        rebar.AddBand(menu, QString(), true, false, QStringLiteral("MenuBar"));
-        rebar.AddBand(tools, QString(), true, false, QStringLiteral("ToolBar"));
-        rebar.AddBand(address, QString(), false, false, QStringLiteral("StyleBar"));
+        rebar.AddBand(menu, QString(), true, false, u"MenuBar"_s);
+        rebar.AddBand(tools, QString(), true, false, u"ToolBar"_s);
+        rebar.AddBand(address, QString(), false, false, u"StyleBar"_s);
         rebar.setBandMinimumSize(0, -1, 24);
         rebar.setBandMinimumSize(1, -1, 40);
         rebar.resize(width, rebar.rebarHeight());
@@ -67,15 +70,14 @@ struct Fixture
     cReBar rebar{&window};
 };
 
-const QString kept =
-    QStringLiteral("<Bands count=\"3\" rowCount=\"2\">"
-                   "<Band id=\"1\" data=\"MenuBar\" left=\"2\" top=\"0\" right=\"808\" bottom=\"21\" "
-                   "bandChildMinWidth=\"193\" bandChildIdealWidth=\"193\" chevron=\"n\" text=\"\" fixedBand=\"n\"/>"
-                   "<Band id=\"2\" data=\"ToolBar\" left=\"2\" top=\"23\" right=\"202\" bottom=\"56\" "
-                   "bandChildMinWidth=\"94\" bandChildIdealWidth=\"94\" chevron=\"y\" text=\"\" fixedBand=\"n\"/>"
-                   "<Band id=\"3\" data=\"StyleBar\" left=\"206\" top=\"23\" right=\"808\" bottom=\"56\" "
-                   "bandChildMinWidth=\"313\" bandChildIdealWidth=\"313\" chevron=\"n\" text=\"\" fixedBand=\"n\"/>"
-                   "</Bands>");
+const QString kept = u"<Bands count=\"3\" rowCount=\"2\">"
+                     "<Band id=\"1\" data=\"MenuBar\" left=\"2\" top=\"0\" right=\"808\" bottom=\"21\" "
+                     "bandChildMinWidth=\"193\" bandChildIdealWidth=\"193\" chevron=\"n\" text=\"\" fixedBand=\"n\"/>"
+                     "<Band id=\"2\" data=\"ToolBar\" left=\"2\" top=\"23\" right=\"202\" bottom=\"56\" "
+                     "bandChildMinWidth=\"94\" bandChildIdealWidth=\"94\" chevron=\"y\" text=\"\" fixedBand=\"n\"/>"
+                     "<Band id=\"3\" data=\"StyleBar\" left=\"206\" top=\"23\" right=\"808\" bottom=\"56\" "
+                     "bandChildMinWidth=\"313\" bandChildIdealWidth=\"313\" chevron=\"n\" text=\"\" fixedBand=\"n\"/>"
+                     "</Bands>"_s;
 
 QString with(const QString &before, const QString &after)
 {
@@ -96,9 +98,9 @@ private Q_SLOTS:
         Fixture f;
         for (const int width : {1600, 800, 640, 200, 60, 1}) {
             f.rebar.resize(width, f.rebar.height());
-            const QRect first = f.rectOf(QStringLiteral("MenuBar"));
-            const QRect tools = f.rectOf(QStringLiteral("ToolBar"));
-            const QRect address = f.rectOf(QStringLiteral("StyleBar"));
+            const QRect first = f.rectOf(u"MenuBar"_s);
+            const QRect tools = f.rectOf(u"ToolBar"_s);
+            const QRect address = f.rectOf(u"StyleBar"_s);
             QVERIFY(tools.top() == address.top() && first.bottom() < tools.top());
             QCOMPARE(QSize(first.height(), tools.height()), QSize(24, 40));
             if (width < 60)
@@ -125,14 +127,14 @@ private Q_SLOTS:
     {
         Fixture f(806);
         QVERIFY(f.rebar.restoreLayout(kept));
-        QCOMPARE(f.rectOf(QStringLiteral("ToolBar")).width(), 200);
+        QCOMPARE(f.rectOf(u"ToolBar"_s).width(), 200);
         const QString saved = f.rebar.saveLayout();
-        QVERIFY(saved.startsWith(QStringLiteral("<Bands count=\"3\" rowCount=\"2\"><Band id=\"1\" data=\"MenuBar\" ")));
-        QVERIFY(!saved.contains(u'\n') && !saved.contains(QStringLiteral("> <")));
+        QVERIFY(saved.startsWith(u"<Bands count=\"3\" rowCount=\"2\"><Band id=\"1\" data=\"MenuBar\" "_s));
+        QVERIFY(!saved.contains(u'\n') && !saved.contains(u"> <"_s));
 
-        f.drag(f.gripperOf(QStringLiteral("StyleBar")), QPoint(300, f.rebar.height() + 20));
+        f.drag(f.gripperOf(u"StyleBar"_s), QPoint(300, f.rebar.height() + 20));
         const QString moved = f.rebar.saveLayout();
-        QVERIFY(moved.contains(QStringLiteral("rowCount=\"3\"")));
+        QVERIFY(moved.contains(u"rowCount=\"3\""_s));
         Fixture other(806);
         QVERIFY(other.rebar.restoreLayout(moved));
         QCOMPARE(other.rebar.saveLayout(), moved);
@@ -142,13 +144,13 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("text");
         QTest::newRow("empty") << QString();
-        QTest::newRow("other element") << with(QStringLiteral("<Bands "), QStringLiteral("<Bonds "));
-        QTest::newRow("unknown band") << with(QStringLiteral("StyleBar"), QStringLiteral("OtherBar"));
-        QTest::newRow("band twice") << with(QStringLiteral("StyleBar"), QStringLiteral("ToolBar"));
-        QTest::newRow("no name") << with(QStringLiteral("data=\"ToolBar\""), QString());
-        QTest::newRow("no number") << with(QStringLiteral("right=\"202\""), QStringLiteral("right=\"wide\""));
-        QTest::newRow("band missing") << with(kept.mid(kept.indexOf(u"<Band id=\"3\""), 60), QStringLiteral("<Other "));
-        QTest::newRow("something behind") << kept + QStringLiteral("<Bands/>");
+        QTest::newRow("other element") << with(u"<Bands "_s, u"<Bonds "_s);
+        QTest::newRow("unknown band") << with(u"StyleBar"_s, u"OtherBar"_s);
+        QTest::newRow("band twice") << with(u"StyleBar"_s, u"ToolBar"_s);
+        QTest::newRow("no name") << with(u"data=\"ToolBar\""_s, QString());
+        QTest::newRow("no number") << with(u"right=\"202\""_s, u"right=\"wide\""_s);
+        QTest::newRow("band missing") << with(kept.mid(kept.indexOf(u"<Band id=\"3\""), 60), u"<Other "_s);
+        QTest::newRow("something behind") << kept + u"<Bands/>"_s;
         for (qsizetype length = 1; length < kept.size(); length += 7)
             QTest::addRow("cut after %d", int(length)) << kept.left(length);
     }
@@ -165,45 +167,44 @@ private Q_SLOTS:
     void numbersOutOfRangeAreBroughtIntoIt()
     {
         Fixture f;
-        QString text = with(QStringLiteral("right=\"202\""), QStringLiteral("right=\"999999999999999999999\""));
-        text.replace(QStringLiteral("top=\"0\""), QStringLiteral("top=\"-50\""));
-        text.replace(QStringLiteral("bandChildMinWidth=\"94\""), QStringLiteral("bandChildMinWidth=\"2147483648\""));
+        QString text = with(u"right=\"202\""_s, u"right=\"999999999999999999999\""_s);
+        text.replace(u"top=\"0\""_s, u"top=\"-50\""_s);
+        text.replace(u"bandChildMinWidth=\"94\""_s, u"bandChildMinWidth=\"2147483648\""_s);
         QVERIFY(f.rebar.restoreLayout(text));
         for (const BandLayout::Band &band : f.bands())
             QVERIFY(QRect(0, 0, 801, f.rebar.height() + 1).contains(band.rect));
-        QVERIFY(f.rectOf(QStringLiteral("StyleBar")).width() > 60);
+        QVERIFY(f.rectOf(u"StyleBar"_s).width() > 60);
     }
 
     void aBandIsDraggedToAnotherRowAndBack()
     {
         Fixture f;
         const int rows = f.rebar.rebarHeight();
-        f.drag(f.gripperOf(QStringLiteral("StyleBar")), QPoint(5, f.rebar.height() + 30));
+        f.drag(f.gripperOf(u"StyleBar"_s), QPoint(5, f.rebar.height() + 30));
         QVERIFY(f.rebar.rebarHeight() > rows);
-        QCOMPARE(f.order().last(), QStringLiteral("StyleBar"));
-        f.drag(f.gripperOf(QStringLiteral("StyleBar")), QPoint(500, 10));
-        QCOMPARE(f.rectOf(QStringLiteral("StyleBar")).top(), 0);
-        QVERIFY(qAbs(f.rectOf(QStringLiteral("StyleBar")).left() - 496) <= 2);
+        QCOMPARE(f.order().last(), u"StyleBar"_s);
+        f.drag(f.gripperOf(u"StyleBar"_s), QPoint(500, 10));
+        QCOMPARE(f.rectOf(u"StyleBar"_s).top(), 0);
+        QVERIFY(qAbs(f.rectOf(u"StyleBar"_s).left() - 496) <= 2);
     }
 
     void aBandIsResizedBetweenItsNeighboursMinima()
     {
         Fixture f;
-        const QPoint gripper = f.gripperOf(QStringLiteral("StyleBar"));
+        const QPoint gripper = f.gripperOf(u"StyleBar"_s);
         f.drag(gripper, QPoint(795, gripper.y()));
-        const QRect last = f.rectOf(QStringLiteral("StyleBar"));
+        const QRect last = f.rectOf(u"StyleBar"_s);
         QVERIFY(last.width() >= 32 && last.left() + last.width() == 800);
-        f.drag(f.gripperOf(QStringLiteral("StyleBar")), QPoint(-20, gripper.y()));
-        QCOMPARE(f.order(),
-                 QStringList({QStringLiteral("MenuBar"), QStringLiteral("StyleBar"), QStringLiteral("ToolBar")}));
+        f.drag(f.gripperOf(u"StyleBar"_s), QPoint(-20, gripper.y()));
+        QCOMPARE(f.order(), QStringList({u"MenuBar"_s, u"StyleBar"_s, u"ToolBar"_s}));
     }
 
     void aFixedBandStaysWhereItIs()
     {
         QWidget window;
         cReBar rebar(&window);
-        rebar.AddBand(new Box(&window), QString(), true, true, QStringLiteral("a"));
-        rebar.AddBand(new Box(&window), QString(), true, false, QStringLiteral("b"));
+        rebar.AddBand(new Box(&window), QString(), true, true, u"a"_s);
+        rebar.AddBand(new Box(&window), QString(), true, false, u"b"_s);
         rebar.resize(400, rebar.rebarHeight());
         const QString before = rebar.saveLayout();
         QTest::mousePress(&rebar, Qt::LeftButton, {}, QPoint(1, 5));
@@ -217,21 +218,21 @@ private Q_SLOTS:
         QWidget window;
         cReBar rebar(&window);
         auto *toolbar = new cToolbar(&window);
-        for (const QString &text : {QStringLiteral("Actualiser"), QStringLiteral("Supprimer")})
+        for (const QString &text : {u"Actualiser"_s, u"Supprimer"_s})
             toolbar->AddButton(text, -1, text, cToolbar::AutoSize, text);
-        rebar.AddBand(toolbar, QString(), true, false, QStringLiteral("ToolBar"));
+        rebar.AddBand(toolbar, QString(), true, false, u"ToolBar"_s);
         rebar.resize(400, rebar.rebarHeight());
         window.resize(400, 100);
         window.show();
-        QVERIFY(rebar.saveLayout().contains(QStringLiteral("chevron=\"n\"")));
+        QVERIFY(rebar.saveLayout().contains(u"chevron=\"n\""_s));
         rebar.resize(toolbar->idealWidth() - 10, rebar.rebarHeight());
-        QVERIFY(rebar.saveLayout().contains(QStringLiteral("chevron=\"y\"")));
+        QVERIFY(rebar.saveLayout().contains(u"chevron=\"y\""_s));
 
         QSignalSpy pushed(&rebar, &cReBar::ChevronPushed);
         auto *chevron = rebar.findChild<QToolButton *>(QString(), Qt::FindDirectChildrenOnly);
         QTest::mouseClick(chevron, Qt::LeftButton);
         QCOMPARE(pushed.size(), 1);
-        QCOMPARE(rebar.BandData(pushed.at(0).at(0).toInt()), QStringLiteral("ToolBar"));
+        QCOMPARE(rebar.BandData(pushed.at(0).at(0).toInt()), u"ToolBar"_s);
         const double perPixel = Twips::perPixelX(&rebar);
         QCOMPARE(pushed.at(0).at(1).toDouble() / perPixel, double(chevron->x()));
         QCOMPARE(pushed.at(0).at(3).toDouble() / perPixel, double(chevron->x() + chevron->width()));

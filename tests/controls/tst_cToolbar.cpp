@@ -1,7 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "controls/ImageList.h"
 #include "controls/cPopupMenu.h"
 #include "controls/cToolbar.h"
 #include "controls/cToolbarHost.h"
+#include "platform/Literals.h"
 
 #include <QMenu>
 #include <QMenuBar>
@@ -15,15 +18,11 @@ namespace {
 void fill(cToolbar &toolbar)
 {
     toolbar.setImageList(&ImageLists::vbalImageList4());
-    toolbar.AddButton(QStringLiteral("Précédent"), 4, QStringLiteral("Précédent"), cToolbar::AutoSize,
-                      QStringLiteral("precedent"));
-    toolbar.AddButton(QStringLiteral("Suivant"), 5, QStringLiteral("Suivant"), cToolbar::AutoSize,
-                      QStringLiteral("suivant"));
+    toolbar.AddButton(u"Précédent"_s, 4, u"Précédent"_s, cToolbar::AutoSize, u"precedent"_s);
+    toolbar.AddButton(u"Suivant"_s, 5, u"Suivant"_s, cToolbar::AutoSize, u"suivant"_s);
     toolbar.AddButton(QString(), -1, QString(), cToolbar::Separator, QString());
-    toolbar.AddButton(QStringLiteral("Envoyer la new par mail"), 10, QStringLiteral("Envoyer"), cToolbar::AutoSize,
-                      QStringLiteral("send_mail"));
-    toolbar.AddButton(QStringLiteral("Pièce jointe"), 9, QStringLiteral("Pièce jointe"), cToolbar::DropDownArrow,
-                      QStringLiteral("browser_attachment"));
+    toolbar.AddButton(u"Envoyer la new par mail"_s, 10, u"Envoyer"_s, cToolbar::AutoSize, u"send_mail"_s);
+    toolbar.AddButton(u"Pièce jointe"_s, 9, u"Pièce jointe"_s, cToolbar::DropDownArrow, u"browser_attachment"_s);
 }
 
 QAction *actionWithText(const QMenu *menu, const QString &text)
@@ -77,12 +76,12 @@ private Q_SLOTS:
         const QPoint place(40, 50);
         const QMenu *menu = toolbar.ShowOverflow(place);
         QVERIFY(menu);
-        QVERIFY(!actionWithText(menu, QStringLiteral("Précédent")));
-        QVERIFY(!actionWithText(menu, QStringLiteral("Envoyer la new par mail"))->isEnabled());
+        QVERIFY(!actionWithText(menu, u"Précédent"_s));
+        QVERIFY(!actionWithText(menu, u"Envoyer la new par mail"_s)->isEnabled());
         QSignalSpy clicks(&toolbar, &cToolbar::ButtonClick);
         QSignalSpy drops(&toolbar, &cToolbar::DropDownPress);
-        actionWithText(menu, QStringLiteral("Suivant"))->trigger();
-        actionWithText(menu, QStringLiteral("Pièce jointe"))->trigger();
+        actionWithText(menu, u"Suivant"_s)->trigger();
+        actionWithText(menu, u"Pièce jointe"_s)->trigger();
         QCOMPARE(clicks.size(), 1);
         QCOMPARE(clicks.at(0).at(0).toInt(), 1);
         QCOMPARE(drops.size(), 1);
@@ -114,12 +113,11 @@ private Q_SLOTS:
     {
         QWidget window;
         cPopupMenu menu(&window, false);
-        for (const QString &caption :
-             {QStringLiteral("&Fichier"), QStringLiteral("&Affichage"), QStringLiteral("&Aide")}) {
+        for (const QString &caption : {u"&Fichier"_s, u"&Affichage"_s, u"&Aide"_s}) {
             cPopupMenu::Item top;
             top.caption = caption;
             cPopupMenu::Item entry;
-            entry.caption = QStringLiteral("&Entrée");
+            entry.caption = u"&Entrée"_s;
             entry.parentIndex = menu.AddItem(top);
             menu.AddItem(entry);
         }

@@ -1,5 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "core/DataDirectory.h"
 #include "platform/Files.h"
+#include "platform/Literals.h"
 #include "platform/RunTimeError.h"
 
 #include <QDir>
@@ -15,54 +18,54 @@ private Q_SLOTS:
     void init()
     {
         m_folder = std::make_unique<QTemporaryDir>();
-        qputenv("XDG_DATA_HOME", m_folder->filePath(u"home/share"_qs).toUtf8());
+        qputenv("XDG_DATA_HOME", m_folder->filePath(u"home/share"_s).toUtf8());
         qunsetenv("QUILLWIRE_DATA");
     }
 
     void theFirstStartFillsTheUsersFolder()
     {
         const DataDirectory chosen = DataDirectory::ofProgram(m_folder->path());
-        QCOMPARE(chosen.path(), m_folder->filePath(u"home/share/quillwire"_qs));
-        QVERIFY(QDir(chosen.file(u"feeds"_qs)).exists());
+        QCOMPARE(chosen.path(), m_folder->filePath(u"home/share/quillwire"_s));
+        QVERIFY(QDir(chosen.file(u"feeds"_s)).exists());
         for (const char *name : {"feeds.xml", "home.htm", "style.css", "slien.gif"}) {
-            const QByteArray carried = Files::read(u":/data/"_qs + QLatin1String(name)).bytes;
+            const QByteArray carried = Files::read(u":/data/"_s + QLatin1String(name)).bytes;
             QVERIFY2(!carried.isEmpty(), name);
             QCOMPARE(Files::read(chosen.file(QLatin1String(name))).bytes, carried);
         }
-        QVERIFY(!Files::exists(chosen.file(u"params.xml"_qs)));
-        QCOMPARE(chosen.cacheFile(u"12"_qs), QString(chosen.path() + u"/feeds/12.xml"_qs));
+        QVERIFY(!Files::exists(chosen.file(u"params.xml"_s)));
+        QCOMPARE(chosen.cacheFile(u"12"_s), QString(chosen.path() + u"/feeds/12.xml"_s));
     }
 
     void aFolderWithACatalogueIsPortable()
     {
-        Files::write(m_folder->filePath(u"feeds.xml"_qs), "<favoris");
+        Files::write(m_folder->filePath(u"feeds.xml"_s), "<favoris");
         const DataDirectory chosen = DataDirectory::ofProgram(m_folder->path());
         QCOMPARE(chosen.path(), m_folder->path());
-        QCOMPARE(Files::read(chosen.file(u"feeds.xml"_qs)).bytes, QByteArray("<favoris")); // even a broken one
-        QVERIFY(Files::exists(chosen.file(u"home.htm"_qs)));
+        QCOMPARE(Files::read(chosen.file(u"feeds.xml"_s)).bytes, QByteArray("<favoris")); // even a broken one
+        QVERIFY(Files::exists(chosen.file(u"home.htm"_s)));
     }
 
     void theVariableWinsAndNothingThatIsThereIsTouched()
     {
-        Files::write(m_folder->filePath(u"feeds.xml"_qs), "<favoris/>");
-        const QString named = m_folder->filePath(u"a/b"_qs);
+        Files::write(m_folder->filePath(u"feeds.xml"_s), "<favoris/>");
+        const QString named = m_folder->filePath(u"a/b"_s);
         QDir().mkpath(named);
-        Files::write(named + u"/style.css"_qs, "mine");
+        Files::write(named + u"/style.css"_s, "mine");
         // A link to a disk that is away at present: an empty catalogue in its place would take the user's from him.
-        QFile::link(u"/nowhere/feeds.xml"_qs, named + u"/feeds.xml"_qs);
+        QFile::link(u"/nowhere/feeds.xml"_s, named + u"/feeds.xml"_s);
         qputenv("QUILLWIRE_DATA", named.toUtf8());
         const DataDirectory chosen = DataDirectory::ofProgram(m_folder->path());
         QCOMPARE(chosen.path(), named);
-        QCOMPARE(Files::read(chosen.file(u"style.css"_qs)).bytes, QByteArray("mine"));
-        QVERIFY(!Files::exists(chosen.file(u"feeds.xml"_qs)));
-        QVERIFY(Files::exists(chosen.file(u"slien.gif"_qs)));
+        QCOMPARE(Files::read(chosen.file(u"style.css"_s)).bytes, QByteArray("mine"));
+        QVERIFY(!Files::exists(chosen.file(u"feeds.xml"_s)));
+        QVERIFY(Files::exists(chosen.file(u"slien.gif"_s)));
     }
 
     void aPlaceThatCannotBeMadeRaisesAnError()
     {
-        const QString file = m_folder->filePath(u"file"_qs);
+        const QString file = m_folder->filePath(u"file"_s);
         Files::write(file, "x");
-        for (const QString &place : {file, QString(file + u"/below"_qs)}) {
+        for (const QString &place : {file, QString(file + u"/below"_s)}) {
             qputenv("QUILLWIRE_DATA", place.toUtf8());
             QVERIFY_EXCEPTION_THROWN(DataDirectory::ofProgram(m_folder->path()), RunTimeError);
         }

@@ -1,5 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "core/FeedCatalogue.h"
 #include "core/FeedTreeState.h"
+#include "platform/Literals.h"
 #include "platform/RunTimeError.h"
 #include "support/clsDES.h"
 #include "tests/fixtures/TemporaryDataDirectory.h"
@@ -46,14 +49,14 @@ private Q_SLOTS:
               "username='u' password='p' lastupdate='30/06/2004 12:00:00'/></dir><feed name='B' url='b' key='7' "
               "username='u'/><other key='x'/><dir name='folded' key='4' visible='0'><feed name='' url='' key='5'/>"
               "</dir><dir name='empty' key='6' visible='1'/>");
-        QCOMPARE(shape(), u"3(1) 7 4(5) 6"_qs);
-        QCOMPARE(m_tree->root()->text(), u"Favoris"_qs);
+        QCOMPARE(shape(), u"3(1) 7 4(5) 6"_s);
+        QCOMPARE(m_tree->root()->text(), u"Favoris"_s);
         QVERIFY(m_state->isExpanded(node(3)) && !m_state->isExpanded(node(4)));
         QVERIFY(!m_state->isExpanded(node(6))); // only feeds open what is above them
         const FeedTables &tables = m_catalogue->tables;
-        QCOMPARE(tables.updatettl.Item(key(1)), u"15"_qs);
-        QCOMPARE(tables.updatettl.Item(key(7)), u"60"_qs);
-        QCOMPARE(tables.updatecache.Item(key(7)), u"-7"_qs);
+        QCOMPARE(tables.updatettl.Item(key(1)), u"15"_s);
+        QCOMPARE(tables.updatettl.Item(key(7)), u"60"_s);
+        QCOMPARE(tables.updatecache.Item(key(7)), u"-7"_s);
         QCOMPARE(tables.updatedate.Item(key(1)).date(), QDateTime(QDate(2004, 6, 30), QTime(12, 0)));
         QCOMPARE(tables.updatedate.Item(key(7)).date(), m_now);
         QCOMPARE(tables.usernames.Keys(), QStringList{key(1)}); // one of the two alone is no credentials
@@ -64,14 +67,14 @@ private Q_SLOTS:
         start("<dir name='' visible='1' key='5'/><dir name='' visible='1' key='1'/>");
         for (const int number : {2, 3, 4, 6}) {
             QCOMPARE(m_catalogue->nextKey(), qint16(number));
-            m_catalogue->createFolder(m_tree->root(), u"new"_qs);
+            m_catalogue->createFolder(m_tree->root(), u"new"_s);
         }
         start("<dir name='' visible='1' key='-4'/><dir name='' visible='1' key='1'/>");
         QCOMPARE(m_catalogue->nextKey(), qint16(0));
         // The two zeros of a file with a key 0 stop the count at 1, taken or not; the next addition then fails.
         start("<dir name='' visible='1' key='0'/><dir name='' visible='1' key='1'/>");
         QCOMPARE(m_catalogue->nextKey(), qint16(1));
-        QCOMPARE(errorOf([this] { addFeed(u"A"_qs); }), RunTimeError::keyNotUnique().number());
+        QCOMPARE(errorOf([this] { addFeed(u"A"_s); }), RunTimeError::keyNotUnique().number());
     }
 
     void aBrokenCatalogueRaisesItsError_data()
@@ -102,27 +105,27 @@ private Q_SLOTS:
         QFETCH(QByteArray, content);
         QFETCH(int, error);
         if (!content.isEmpty())
-            m_folder->write(u"feeds.xml"_qs, content);
+            m_folder->write(u"feeds.xml"_s, content);
         QCOMPARE(errorOf([this] { restart(); }), error);
-        QCOMPARE(m_folder->read(u"feeds.xml"_qs), content);
+        QCOMPARE(m_folder->read(u"feeds.xml"_s), content);
     }
 
     void theSelectionDecidesWhereAFeedGoes()
     {
         start("<dir name='D' key='1' visible='0'><feed name='A' url='' key='2'/></dir><feed name='B' url='' key='3'/>");
-        addFeed(u"none"_qs); // 4
+        addFeed(u"none"_s); // 4
         m_state->select(m_tree->root());
-        addFeed(u"root"_qs); // 5
+        addFeed(u"root"_s); // 5
         m_state->select(node(1));
-        addFeed(u"folder"_qs); // 6
+        addFeed(u"folder"_s); // 6
         m_state->select(node(2));
-        addFeed(u"feed"_qs); // 7
-        QCOMPARE(shape(), u"1(2 6 7) 3 4 5"_qs);
+        addFeed(u"feed"_s); // 7
+        QCOMPARE(shape(), u"1(2 6 7) 3 4 5"_s);
         QVERIFY(m_state->isExpanded(node(1)));
         const QString before = shape();
         m_tree->setImages(node(3), NodeImage::FeedUpdating, NodeImage::FeedUpdating);
         m_state->select(node(3));
-        QCOMPARE(errorOf([this] { addFeed(u"updating"_qs); }), RunTimeError::objectNotSet().number());
+        QCOMPARE(errorOf([this] { addFeed(u"updating"_s); }), RunTimeError::objectNotSet().number());
         QCOMPARE(shape(), before);
         restart();
         QCOMPARE(shape(), before);
@@ -131,17 +134,17 @@ private Q_SLOTS:
     void aNewFeedEntersFileTablesAndCache()
     {
         start({});
-        m_folder->write(u"tmp.xml"_qs, "<rss/>");
-        m_catalogue->addFeed({u"L'été <1>"_qs, u"20"_qs, u"http://a/?b&c"_qs, {}, {}});
+        m_folder->write(u"tmp.xml"_s, "<rss/>");
+        m_catalogue->addFeed({u"L'été <1>"_s, u"20"_s, u"http://a/?b&c"_s, {}, {}});
         QCOMPARE(inner(), QByteArray("<feed name=\"L'été &lt;1&gt;\" url=\"http://a/?b&amp;c\" key=\"1\" ttl=\"20\" "
                                      "cache=\"-7\"/>"));
-        QCOMPARE(m_catalogue->tables.updatettl.Item(key(1)), u"20"_qs);
+        QCOMPARE(m_catalogue->tables.updatettl.Item(key(1)), u"20"_s);
         QCOMPARE(m_catalogue->tables.updatedate.Item(key(1)).date(), m_now);
         QCOMPARE(m_catalogue->tables.nodeByKey.Item(key(1)), node(1));
-        QCOMPARE(m_folder->read(u"feeds/1.xml"_qs), QByteArray("<rss/>"));
+        QCOMPARE(m_folder->read(u"feeds/1.xml"_s), QByteArray("<rss/>"));
         // Without its document the addition fails at the copy only.
-        const auto add = [this] { m_catalogue->addFeed({u"A"_qs, {}, {}, {}, {}}); };
-        QFile::remove(m_folder->file(u"tmp.xml"_qs));
+        const auto add = [this] { m_catalogue->addFeed({u"A"_s, {}, {}, {}, {}}); };
+        QFile::remove(m_folder->file(u"tmp.xml"_s));
         QCOMPARE(errorOf(add), RunTimeError::fileNotFound().number());
         QVERIFY(inner().contains("key=\"2\"") && node(2));
     }
@@ -149,50 +152,50 @@ private Q_SLOTS:
     void credentialsAreStoredOnlyTogetherAndEnterTheTablesAtTheNextStart()
     {
         start({});
-        m_folder->write(u"tmp.xml"_qs, "<rss/>");
-        const QString user = u"user"_qs;
-        const QString password = u"pässword"_qs;
-        m_catalogue->addFeed({u"A"_qs, {}, u"a"_qs, user, password});
-        m_catalogue->addFeed({u"B"_qs, {}, u"b"_qs, user, {}});
-        m_catalogue->addFeed({u"C"_qs, {}, u"c"_qs, {}, password});
+        m_folder->write(u"tmp.xml"_s, "<rss/>");
+        const QString user = u"user"_s;
+        const QString password = u"pässword"_s;
+        m_catalogue->addFeed({u"A"_s, {}, u"a"_s, user, password});
+        m_catalogue->addFeed({u"B"_s, {}, u"b"_s, user, {}});
+        m_catalogue->addFeed({u"C"_s, {}, u"c"_s, {}, password});
         QCOMPARE(m_catalogue->tables.usernames.Count(), 0);
         QCOMPARE(inner().count("username="), 1);
         QVERIFY(!inner().contains("ssword\""));
         restart();
         QCOMPARE(m_catalogue->tables.usernames.Keys(), QStringList{key(1)});
         QString enciphered = m_catalogue->tables.passwords.Item(key(1));
-        QCOMPARE(m_cipher.DecryptString(enciphered, u"%%K9:Tm411"_qs, true), password);
+        QCOMPARE(m_cipher.DecryptString(enciphered, u"%%K9:Tm411"_s, true), password);
     }
 
     void foldersAreCreatedBesideFeedsAndBelowTheRest()
     {
         start("<dir name='D' key='1' visible='1'><feed name='A' url='' key='2'/></dir><feed name='B' url='' key='3'/>");
-        m_catalogue->createFolder(node(2), u"beside"_qs);     // 4
-        m_catalogue->createFolder(node(1), u"below"_qs);      // 5
-        m_catalogue->createFolder(m_tree->root(), u"top"_qs); // 6
-        m_catalogue->createFolder(m_tree->root(), {});        // nothing, and no key is used
-        QCOMPARE(shape(), u"1(2 4 5) 3 6"_qs);
+        m_catalogue->createFolder(node(2), u"beside"_s);     // 4
+        m_catalogue->createFolder(node(1), u"below"_s);      // 5
+        m_catalogue->createFolder(m_tree->root(), u"top"_s); // 6
+        m_catalogue->createFolder(m_tree->root(), {});       // nothing, and no key is used
+        QCOMPARE(shape(), u"1(2 4 5) 3 6"_s);
         QVERIFY(inner().endsWith("<dir name=\"top\" key=\"6\" visible=\"1\"/>"));
         m_tree->setImages(node(3), NodeImage::FeedUpdating, NodeImage::FeedUpdating);
-        m_catalogue->createFolder(node(3), u"odd"_qs); // below the feed in flight, in tree and file
-        QCOMPARE(shape(), u"1(2 4 5) 3(7) 6"_qs);
+        m_catalogue->createFolder(node(3), u"odd"_s); // below the feed in flight, in tree and file
+        QCOMPARE(shape(), u"1(2 4 5) 3(7) 6"_s);
         QVERIFY(inner().contains("key=\"3\"><dir name=\"odd\" key=\"7\" visible=\"1\"/></feed>"));
         restart();
-        QCOMPARE(shape(), u"1(2 4 5) 3 6"_qs); // the load doesn't enter feeds
+        QCOMPARE(shape(), u"1(2 4 5) 3 6"_s); // the load doesn't enter feeds
     }
 
     void aDeletedFeedLosesItsElementAndThenItsCacheFile()
     {
         start("<feed name='A' url='' key='1'/><feed name='B' url='' key='2'/>");
-        m_folder->write(u"feeds/1.xml"_qs, "x");
+        m_folder->write(u"feeds/1.xml"_s, "x");
         m_catalogue->deleteCatalogueFeed(key(1));
         m_tree->remove(node(1));
-        QVERIFY(!m_folder->exists(u"feeds/1.xml"_qs));
+        QVERIFY(!m_folder->exists(u"feeds/1.xml"_s));
         QVERIFY(m_catalogue->tables.updatettl.Exists(key(1))); // the tables lose nothing in a run
         QCOMPARE(m_catalogue->nextKey(), qint16(3));           // and no key is given out twice in a run
         QCOMPARE(errorOf([this] { m_catalogue->deleteCatalogueFeed(key(1)); }), RunTimeError::objectNotSet().number());
         QCOMPARE(errorOf([this] { m_catalogue->deleteCatalogueFeed(key(2)); }), RunTimeError::fileNotFound().number());
-        QVERIFY(m_folder->read(u"feeds.xml"_qs).contains("<favoris/>")); // the file had been saved by then
+        QVERIFY(m_folder->read(u"feeds.xml"_s).contains("<favoris/>")); // the file had been saved by then
         restart();
         QCOMPARE(m_catalogue->nextKey(), qint16(1));
     }
@@ -203,12 +206,12 @@ private Q_SLOTS:
             "<dir name='D' key='1' visible='1'><feed name='A' url='' key='2'/><dir name='E' key='3' visible='1'><feed "
             "name='B' url='' key='4'/></dir><feed name='C' url='' key='5'/></dir><feed name='F' url='' key='6'/>");
         for (const int number : {2, 4, 5, 6})
-            m_folder->write(u"feeds/%1.xml"_qs.arg(number), "x");
+            m_folder->write(u"feeds/%1.xml"_s.arg(number), "x");
         m_tree->setImages(node(5), NodeImage::FeedUpdating, NodeImage::FeedUpdating);
         m_catalogue->deleteCatalogueFolder(node(1));
         QCOMPARE(inner(), QByteArray("<feed name=\"F\" url=\"\" key=\"6\"/>"));
-        QVERIFY(!m_folder->exists(u"feeds/2.xml"_qs) && !m_folder->exists(u"feeds/4.xml"_qs));
-        QVERIFY(m_folder->exists(u"feeds/5.xml"_qs) && m_folder->exists(u"feeds/6.xml"_qs));
+        QVERIFY(!m_folder->exists(u"feeds/2.xml"_s) && !m_folder->exists(u"feeds/4.xml"_s));
+        QVERIFY(m_folder->exists(u"feeds/5.xml"_s) && m_folder->exists(u"feeds/6.xml"_s));
         QVERIFY(node(1)); // the caller deletes the nodes
     }
 
@@ -224,12 +227,12 @@ private Q_SLOTS:
             restart();
             return QString(inTree + u" | " + shape());
         };
-        QCOMPARE(moved(4, 3, true), u"1(2 4 3) | 1(2 4 3)"_qs);
+        QCOMPARE(moved(4, 3, true), u"1(2 4 3) | 1(2 4 3)"_s);
         QVERIFY(inner().contains("extra=\"kept\""));
-        QCOMPARE(moved(4, 3, false), u"1(2 3 4) | 1(2 4 3)"_qs); // the file always takes the place before
-        QCOMPARE(moved(4, 1, true), u"1(2 3 4) | 1(2 3 4)"_qs);
-        QCOMPARE(moved(2, 0, true), u"1(3) 4 2 | 1(3) 4 2"_qs);
-        QCOMPARE(moved(2, -3, true), u"1(3) 4 2 | 1(3) 4 2"_qs); // a feed in flight counts as the root
+        QCOMPARE(moved(4, 3, false), u"1(2 3 4) | 1(2 4 3)"_s); // the file always takes the place before
+        QCOMPARE(moved(4, 1, true), u"1(2 3 4) | 1(2 3 4)"_s);
+        QCOMPARE(moved(2, 0, true), u"1(3) 4 2 | 1(3) 4 2"_s);
+        QCOMPARE(moved(2, -3, true), u"1(3) 4 2 | 1(3) 4 2"_s); // a feed in flight counts as the root
     }
 
     void someMovesAreIgnoredAndSomeFail()
@@ -240,15 +243,15 @@ private Q_SLOTS:
         m_catalogue->moveFeed(node(1), m_tree->root(), true);
         m_catalogue->moveFeed(node(2), nullptr, true);
         m_catalogue->moveFeed(nullptr, node(2), true);
-        QCOMPARE(shape(), u"1(2) 3"_qs);
+        QCOMPARE(shape(), u"1(2) 3"_s);
         QCOMPARE(errorOf([this] { m_catalogue->moveFeed(node(2), node(3), true); }),
                  RunTimeError::objectNotSet().number());
-        QCOMPARE(shape(), u"1 2 3"_qs); // the tree was changed by then, the file wasn't
+        QCOMPARE(shape(), u"1 2 3"_s); // the tree was changed by then, the file wasn't
         QCOMPARE(inner(), before);
 
         start("<dir name='D' key='1' visible='1'><feed name='A' url='' key='2'/></dir>");
         m_tree->setImages(node(2), NodeImage::FeedUpdating, NodeImage::FeedUpdating);
-        m_catalogue->createFolder(node(2), u"inside"_qs);
+        m_catalogue->createFolder(node(2), u"inside"_s);
         m_tree->setImages(node(2), NodeImage::Feed, NodeImage::Feed);
         const QByteArray nested = inner();
         QCOMPARE(errorOf([this] { m_catalogue->moveFeed(node(2), node(3), true); }),
@@ -263,8 +266,8 @@ private Q_SLOTS:
               "<feed name='B' url='b' key='3' username='alone' x='y'/>"
               "<other key='9'/>");
         m_state->setExpanded(node(1), false);
-        m_catalogue->tables.updatettl.Replace(key(2), u"5"_qs);
-        m_catalogue->tables.passwords.Replace(key(2), u"q"_qs);
+        m_catalogue->tables.updatettl.Replace(key(2), u"5"_s);
+        m_catalogue->tables.passwords.Replace(key(2), u"q"_s);
         m_now = m_now.addDays(1);
         m_catalogue->tables.updatedate.Replace(key(3), UpdateDate(m_now));
         m_catalogue->saveCatalogueState();
@@ -273,9 +276,9 @@ private Q_SLOTS:
                             "username=\"u\" password=\"q\" lastupdate=\"30/06/2004 12:00:00\" ttl=\"5\" "
                             "cache=\"-7\"/></dir><feed name=\"B\" url=\"b\" key=\"3\" username=\"alone\" x=\"y\" "
                             "ttl=\"60\" cache=\"-7\" lastupdate=\"02/07/2004 14:00:00\"/><other key=\"9\"/>"));
-        m_folder->write(u"feeds.xml"_qs, "<favoris>");
+        m_folder->write(u"feeds.xml"_s, "<favoris>");
         m_catalogue->saveCatalogueState();
-        QCOMPARE(m_folder->read(u"feeds.xml"_qs), QByteArray("<favoris>")); // left alone without a word
+        QCOMPARE(m_folder->read(u"feeds.xml"_s), QByteArray("<favoris>")); // left alone without a word
     }
 
     void aStateThatDoesNotFitTheFileRaisesAnError()
@@ -284,9 +287,9 @@ private Q_SLOTS:
         const QByteArray folder = "<dir name='D' key='2' visible='1'/>";
         const auto saveOver = [&](const QByteArray &content) {
             start(feed + folder);
-            m_folder->write(u"feeds.xml"_qs, "<favoris>" + content + "</favoris>");
+            m_folder->write(u"feeds.xml"_s, "<favoris>" + content + "</favoris>");
             const int error = errorOf([this] { m_catalogue->saveCatalogueState(); });
-            return m_folder->read(u"feeds.xml"_qs) == "<favoris>" + content + "</favoris>" ? error : -1;
+            return m_folder->read(u"feeds.xml"_s) == "<favoris>" + content + "</favoris>" ? error : -1;
         };
         const int notSet = RunTimeError::objectNotSet().number();
         QCOMPARE(saveOver("<feed name='A' url='' key='1' username='u'/>" + folder), notSet);
@@ -302,8 +305,8 @@ private Q_SLOTS:
         for (int i = 1; i <= 200; ++i)
             feeds += "<feed name='Feed' url='http://example.org/' key='" + QByteArray::number(i) + "'/>";
         start(feeds);
-        m_folder->write(u"tmp.xml"_qs, "<rss/>");
-        const QByteArray before = m_folder->read(u"feeds.xml"_qs);
+        m_folder->write(u"tmp.xml"_s, "<rss/>");
+        const QByteArray before = m_folder->read(u"feeds.xml"_s);
         const pid_t child = fork();
         if (child == 0) {
             signal(SIGXFSZ, SIG_IGN);
@@ -311,7 +314,7 @@ private Q_SLOTS:
             setrlimit(RLIMIT_FSIZE, &limit);
             const bool raised = errorOf([this] { m_catalogue->saveCatalogueState(); }) != 0 &&
                                 errorOf([this] {
-                                    m_catalogue->addFeed({u"A"_qs, {}, {}, {}, {}});
+                                    m_catalogue->addFeed({u"A"_s, {}, {}, {}, {}});
                                 }) != 0 &&
                                 errorOf([this] { m_catalogue->deleteCatalogueFeed(key(1)); }) != 0;
             _exit(raised ? 0 : 1);
@@ -319,7 +322,7 @@ private Q_SLOTS:
         int status = -1;
         waitpid(child, &status, 0);
         QCOMPARE(status, 0);
-        QCOMPARE(m_folder->read(u"feeds.xml"_qs), before);
+        QCOMPARE(m_folder->read(u"feeds.xml"_s), before);
     }
 
     /// Deeper than what a reader of XML takes: refused, not crashed on.
@@ -336,7 +339,7 @@ private:
     /// Writes `inner` as the content of the catalogue and starts afresh from it.
     void start(const QByteArray &inner)
     {
-        m_folder->write(u"feeds.xml"_qs, "<?xml version=\"1.0\"?>\n<favoris>" + inner + "</favoris>\n");
+        m_folder->write(u"feeds.xml"_s, "<?xml version=\"1.0\"?>\n<favoris>" + inner + "</favoris>\n");
         restart();
     }
     void restart()
@@ -349,7 +352,7 @@ private:
     }
     QByteArray inner() const
     {
-        QByteArray text = m_folder->read(u"feeds.xml"_qs);
+        QByteArray text = m_folder->read(u"feeds.xml"_s);
         const auto from = text.indexOf("<favoris>") + 9;
         return text.mid(from, text.indexOf("</favoris>") - from);
     }
@@ -364,8 +367,8 @@ private:
     FeedNodePtr node(int number) const { return m_tree->find(key(number)); }
     void addFeed(const QString &title, const QString &ttl = {})
     {
-        m_folder->write(u"tmp.xml"_qs, title.toUtf8());
-        m_catalogue->addFeed({title, ttl, u"http://example.org/"_qs + title, {}, {}});
+        m_folder->write(u"tmp.xml"_s, title.toUtf8());
+        m_catalogue->addFeed({title, ttl, u"http://example.org/"_s + title, {}, {}});
     }
 
     std::unique_ptr<TemporaryDataDirectory> m_folder;

@@ -1,4 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "core/FeedTreeState.h"
+#include "platform/Literals.h"
 #include "platform/RunTimeError.h"
 
 #include <QAbstractItemModelTester>
@@ -18,12 +21,12 @@ private Q_SLOTS:
         m_state = std::make_unique<FeedTreeState>(*m_tree);
         new QAbstractItemModelTester(m_tree.get(), QAbstractItemModelTester::FailureReportingMode::QtTest,
                                      m_tree.get());
-        m_root = m_tree->addRoot(u"root"_qs, u"Favoris"_qs, NodeImage::Root);
-        m_folder = m_tree->addChild(m_root, u"1"_qs, u"Folder"_qs, NodeImage::Folder);
-        m_tree->addChild(m_folder, u"2"_qs, u"Two"_qs, NodeImage::Feed);
-        m_inner = m_tree->addChild(m_folder, u"3"_qs, u"Inner"_qs, NodeImage::Folder);
-        m_tree->addChild(m_inner, u"4"_qs, u"Four"_qs, NodeImage::Feed);
-        m_tree->addChild(m_root, u"5"_qs, u"Five"_qs, NodeImage::Feed);
+        m_root = m_tree->addRoot(u"root"_s, u"Favoris"_s, NodeImage::Root);
+        m_folder = m_tree->addChild(m_root, u"1"_s, u"Folder"_s, NodeImage::Folder);
+        m_tree->addChild(m_folder, u"2"_s, u"Two"_s, NodeImage::Feed);
+        m_inner = m_tree->addChild(m_folder, u"3"_s, u"Inner"_s, NodeImage::Folder);
+        m_tree->addChild(m_inner, u"4"_s, u"Four"_s, NodeImage::Feed);
+        m_tree->addChild(m_root, u"5"_s, u"Five"_s, NodeImage::Feed);
     }
 
     void cleanup()
@@ -37,20 +40,20 @@ private Q_SLOTS:
 
     void nodesStandWhereTheyWereAdded()
     {
-        QCOMPARE(shape(), u"root(1(2 3(4)) 5)"_qs);
-        m_tree->addBeside(m_tree->find(u"3"_qs), true, u"6"_qs, {}, NodeImage::Feed);
-        m_tree->addBeside(m_tree->find(u"3"_qs), false, u"7"_qs, {}, NodeImage::Feed);
-        QCOMPARE(shape(), u"root(1(2 6 3(4) 7) 5)"_qs);
-        QVERIFY_EXCEPTION_THROWN(m_tree->addChild(nullptr, u"8"_qs, {}, NodeImage::Feed), RunTimeError);
-        QVERIFY_EXCEPTION_THROWN(m_tree->addChild(m_root, u"4"_qs, {}, NodeImage::Feed), RunTimeError); // a key twice
-        QVERIFY_EXCEPTION_THROWN(m_tree->addBeside(m_root, true, u"8"_qs, {}, NodeImage::Feed), RunTimeError);
+        QCOMPARE(shape(), u"root(1(2 3(4)) 5)"_s);
+        m_tree->addBeside(m_tree->find(u"3"_s), true, u"6"_s, {}, NodeImage::Feed);
+        m_tree->addBeside(m_tree->find(u"3"_s), false, u"7"_s, {}, NodeImage::Feed);
+        QCOMPARE(shape(), u"root(1(2 6 3(4) 7) 5)"_s);
+        QVERIFY_EXCEPTION_THROWN(m_tree->addChild(nullptr, u"8"_s, {}, NodeImage::Feed), RunTimeError);
+        QVERIFY_EXCEPTION_THROWN(m_tree->addChild(m_root, u"4"_s, {}, NodeImage::Feed), RunTimeError); // a key twice
+        QVERIFY_EXCEPTION_THROWN(m_tree->addBeside(m_root, true, u"8"_s, {}, NodeImage::Feed), RunTimeError);
     }
 
     void whatIsRemovedIsGoneWithAllBelowIt()
     {
-        const FeedNodePtr four = m_tree->find(u"4"_qs);
+        const FeedNodePtr four = m_tree->find(u"4"_s);
         m_tree->remove(m_root->children().front());
-        QCOMPARE(shape(), u"root(5)"_qs);
+        QCOMPARE(shape(), u"root(5)"_s);
         for (const FeedNodePtr &node : {m_folder, m_inner, four}) {
             QCOMPARE(node->image(), NodeImage::Gone);
             QVERIFY(!node->parent());
@@ -58,13 +61,13 @@ private Q_SLOTS:
             QVERIFY(!m_tree->find(node->key()));
             QVERIFY(!m_tree->indexOf(node).isValid());
         }
-        QCOMPARE(four->text(), u"Four"_qs); // still readable
+        QCOMPARE(four->text(), u"Four"_s); // still readable
         m_tree->setImages(four, NodeImage::Feed, NodeImage::Feed);
         m_tree->remove(four);
         m_tree->remove(nullptr);
         QCOMPARE(four->image(), NodeImage::Gone);
-        QVERIFY_EXCEPTION_THROWN(m_tree->addChild(m_inner, u"9"_qs, {}, NodeImage::Feed), RunTimeError);
-        m_tree->addChild(m_root, u"4"_qs, {}, NodeImage::Feed); // the key is free again
+        QVERIFY_EXCEPTION_THROWN(m_tree->addChild(m_inner, u"9"_s, {}, NodeImage::Feed), RunTimeError);
+        m_tree->addChild(m_root, u"4"_s, {}, NodeImage::Feed); // the key is free again
         m_tree->remove(m_root);
         QVERIFY(!m_tree->root());
         QCOMPARE(m_tree->rowCount(), 0);
@@ -73,8 +76,8 @@ private Q_SLOTS:
     void aRemovalTakesTheSelectionWithIt()
     {
         QSignalSpy spy(m_state.get(), &FeedTreeState::selectionChanged);
-        m_state->select(m_tree->find(u"4"_qs));
-        m_tree->remove(m_tree->find(u"5"_qs));
+        m_state->select(m_tree->find(u"4"_s));
+        m_tree->remove(m_tree->find(u"5"_s));
         QVERIFY(m_state->selected());
         m_tree->remove(m_folder);
         QVERIFY(!m_state->selected());
@@ -92,16 +95,16 @@ private Q_SLOTS:
             QStringList back;
             for (FeedNodePtr node = m_tree->find(keys.back()); node; node = m_state->previous(node))
                 back.prepend(node->key());
-            return keys == back ? keys.join(u' ') : u"the two ways differ"_qs;
+            return keys == back ? keys.join(u' ') : u"the two ways differ"_s;
         };
-        QCOMPARE(rows(), u"root"_qs);
+        QCOMPARE(rows(), u"root"_s);
         m_state->setExpanded(m_root, true);
-        QCOMPARE(rows(), u"root 1 5"_qs);
+        QCOMPARE(rows(), u"root 1 5"_s);
         m_state->setExpanded(m_inner, true);
-        QCOMPARE(rows(), u"root 1 5"_qs);
+        QCOMPARE(rows(), u"root 1 5"_s);
         m_state->setExpanded(m_folder, true);
-        QCOMPARE(rows(), u"root 1 2 3 4 5"_qs);
-        const FeedNodePtr five = m_tree->find(u"5"_qs);
+        QCOMPARE(rows(), u"root 1 2 3 4 5"_s);
+        const FeedNodePtr five = m_tree->find(u"5"_s);
         m_tree->remove(five);
         QVERIFY(!m_state->next(five) && !m_state->previous(five) && !m_state->next(nullptr));
     }

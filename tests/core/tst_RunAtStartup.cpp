@@ -1,8 +1,11 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "core/RunAtStartup.h"
 
 #include "platform/AutostartRegistryStore.h"
 #include "platform/FileRegistryStore.h"
 #include "platform/Files.h"
+#include "platform/Literals.h"
 #include "support/cRegistry.h"
 
 #include <QDir>
@@ -21,50 +24,50 @@ private Q_SLOTS:
     void init()
     {
         m_directory = std::make_unique<QTemporaryDir>();
-        m_file = std::make_unique<FileRegistryStore>(m_directory->filePath(u"registry.json"_qs));
+        m_file = std::make_unique<FileRegistryStore>(m_directory->filePath(u"registry.json"_s));
         m_store = std::make_unique<AutostartRegistryStore>(*m_file, autostart());
     }
 
     void entryComesAndGoes()
     {
-        QCOMPARE(isRunAtStartup(*m_store, u"quillwire"_qs), 0);
-        setRunAtStartup(0, *m_store, u"/opt"_qs, u"quillwire"_qs);
+        QCOMPARE(isRunAtStartup(*m_store, u"quillwire"_s), 0);
+        setRunAtStartup(0, *m_store, u"/opt"_s, u"quillwire"_s);
         QVERIFY(QDir(m_directory->path()).isEmpty()); // asking writes nothing
-        setRunAtStartup(2, *m_store, u"/opt/quill wire"_qs, u"quillwire"_qs);
-        QCOMPARE(isRunAtStartup(*m_store, u"quillwire"_qs), 2);
+        setRunAtStartup(2, *m_store, u"/opt/quill wire"_s, u"quillwire"_s);
+        QCOMPARE(isRunAtStartup(*m_store, u"quillwire"_s), 2);
         QCOMPARE(storedPath(), u"/opt/quill wire/quillwire");
-        setRunAtStartup(1, *m_store, u"/opt/"_qs, u"quillwire"_qs);
+        setRunAtStartup(1, *m_store, u"/opt/"_s, u"quillwire"_s);
         QCOMPARE(storedPath(), u"/opt/quillwire");
-        setRunAtStartup(0, *m_store, u"/opt"_qs, u"quillwire"_qs);
+        setRunAtStartup(0, *m_store, u"/opt"_s, u"quillwire"_s);
         QVERIFY(QDir(autostart()).isEmpty());
     }
 
     void aQuestionMarkCountsAsAbsent()
     {
         cRegistry registry(*m_store);
-        registry.setValueEx(RegistryRoot::CurrentUser, AutostartRegistryStore::runSection(), u"quillwire"_qs, 1, {},
-                            u"?"_qs);
+        registry.setValueEx(RegistryRoot::CurrentUser, AutostartRegistryStore::runSection(), u"quillwire"_s, 1, {},
+                            u"?"_s);
         QCOMPARE(storedPath(), u"?");
-        QCOMPARE(isRunAtStartup(*m_store, u"quillwire"_qs), 0);
+        QCOMPARE(isRunAtStartup(*m_store, u"quillwire"_s), 0);
     }
 
     void aStoreThatRefusesIsIgnored()
     {
-        Files::write(m_directory->filePath(u"autostart"_qs), "a file where the folder should be");
-        setRunAtStartup(2, *m_store, u"/opt"_qs, u"quillwire"_qs);
-        QCOMPARE(isRunAtStartup(*m_store, u"quillwire"_qs), 0);
-        setRunAtStartup(0, *m_store, u"/opt"_qs, u"quillwire"_qs);
+        Files::write(m_directory->filePath(u"autostart"_s), "a file where the folder should be");
+        setRunAtStartup(2, *m_store, u"/opt"_s, u"quillwire"_s);
+        QCOMPARE(isRunAtStartup(*m_store, u"quillwire"_s), 0);
+        setRunAtStartup(0, *m_store, u"/opt"_s, u"quillwire"_s);
     }
 
     void theEntryStartsTheProgramWhateverItsDirectory_data()
     {
         QTest::addColumn<QString>("name");
-        QTest::newRow("plain") << u"plain"_qs;
-        QTest::newRow("blanks") << u"with two blanks"_qs;
-        QTest::newRow("what a shell would take apart") << u"a$HOME `b` \"c\" 'd' \\e;f&g"_qs;
-        QTest::newRow("percent signs") << u"50% of%f 100%"_qs;
-        QTest::newRow("an equals sign") << u"a=b"_qs;
-        QTest::newRow("accents") << u"été и"_qs;
+        QTest::newRow("plain") << u"plain"_s;
+        QTest::newRow("blanks") << u"with two blanks"_s;
+        QTest::newRow("what a shell would take apart") << u"a$HOME `b` \"c\" 'd' \\e;f&g"_s;
+        QTest::newRow("percent signs") << u"50% of%f 100%"_s;
+        QTest::newRow("an equals sign") << u"a=b"_s;
+        QTest::newRow("accents") << u"été и"_s;
     }
 
     void theEntryStartsTheProgramWhateverItsDirectory()
@@ -73,10 +76,10 @@ private Q_SLOTS:
         const QString directory = m_directory->filePath(name);
         QVERIFY(QDir().mkpath(directory));
         const QString program = directory + u"/quillwire";
-        const QString proof = m_directory->filePath(u"proof"_qs);
+        const QString proof = m_directory->filePath(u"proof"_s);
         Files::write(program, "#!/bin/sh\necho \"$#\" > '" + proof.toUtf8() + "'\n");
         QVERIFY(QFile::setPermissions(program, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
-        setRunAtStartup(2, *m_store, directory, u"quillwire"_qs);
+        setRunAtStartup(2, *m_store, directory, u"quillwire"_s);
 
         // A reader of its own for the rules of the Desktop Entry Specification: the escapes of a string, then the
         // quotes.
@@ -92,29 +95,29 @@ private Q_SLOTS:
                                   "assert not re.search('%', argument.replace('%%', ''))\n"
                                   "sys.stdout.buffer.write(argument.replace('%%', '%').encode())\n";
         QProcess reader;
-        reader.start(u"python3"_qs,
-                     {u"-c"_qs, QString::fromUtf8(script), autostart(u"quillwire-run-quillwire.desktop"_qs)});
+        reader.start(u"python3"_s,
+                     {u"-c"_s, QString::fromUtf8(script), autostart(u"quillwire-run-quillwire.desktop"_s)});
         QVERIFY(reader.waitForFinished());
         QCOMPARE(reader.readAllStandardError(), QByteArray());
         QCOMPARE(QString::fromUtf8(reader.readAllStandardOutput()), program);
         QCOMPARE(storedPath(), program);
 
-        const QString launcher = QStandardPaths::findExecutable(u"gio"_qs);
+        const QString launcher = QStandardPaths::findExecutable(u"gio"_s);
         if (launcher.isEmpty())
             return;
-        QCOMPARE(QProcess::execute(launcher, {u"launch"_qs, autostart(u"quillwire-run-quillwire.desktop"_qs)}), 0);
+        QCOMPARE(QProcess::execute(launcher, {u"launch"_s, autostart(u"quillwire-run-quillwire.desktop"_s)}), 0);
         QTRY_COMPARE(Files::read(proof).bytes, QByteArray("0\n"));
     }
 
     void anEntrySwitchedOffByTheSessionIsAbsent()
     {
-        const QString path = autostart(u"quillwire-run-quillwire.desktop"_qs);
+        const QString path = autostart(u"quillwire-run-quillwire.desktop"_s);
         for (const QByteArray &mark : {QByteArray("Hidden=true\n"), QByteArray("X-GNOME-Autostart-enabled=false\n")}) {
-            setRunAtStartup(2, *m_store, u"/opt"_qs, u"quillwire"_qs);
+            setRunAtStartup(2, *m_store, u"/opt"_s, u"quillwire"_s);
             Files::write(path, Files::read(path).bytes + mark);
-            QCOMPARE(isRunAtStartup(*m_store, u"quillwire"_qs), 0);
-            setRunAtStartup(2, *m_store, u"/opt"_qs, u"quillwire"_qs);
-            QCOMPARE(isRunAtStartup(*m_store, u"quillwire"_qs), 2);
+            QCOMPARE(isRunAtStartup(*m_store, u"quillwire"_s), 0);
+            setRunAtStartup(2, *m_store, u"/opt"_s, u"quillwire"_s);
+            QCOMPARE(isRunAtStartup(*m_store, u"quillwire"_s), 2);
         }
     }
 
@@ -122,11 +125,11 @@ private Q_SLOTS:
     {
         QVERIFY(QDir().mkpath(autostart()));
         const QByteArray foreign = "[Desktop Entry]\nType=Application\nName=quillwire\nExec=other\n";
-        for (const QString &file : {u"quillwire.desktop"_qs, u"quillwire-run-strange.desktop"_qs}) {
+        for (const QString &file : {u"quillwire.desktop"_s, u"quillwire-run-strange.desktop"_s}) {
             Files::write(autostart(file), foreign);
-            for (const QString &name : {u"quillwire"_qs, u"strange"_qs}) {
+            for (const QString &name : {u"quillwire"_s, u"strange"_s}) {
                 QCOMPARE(isRunAtStartup(*m_store, name), 0);
-                setRunAtStartup(0, *m_store, u"/opt"_qs, name);
+                setRunAtStartup(0, *m_store, u"/opt"_s, name);
             }
             QCOMPARE(Files::read(autostart(file)).bytes, foreign);
         }
@@ -135,17 +138,17 @@ private Q_SLOTS:
     void otherSectionsGoToTheOtherStore()
     {
         cRegistry registry(*m_store);
-        registry.setValueEx(RegistryRoot::CurrentUser, u"Software\\Other"_qs, u"a/b"_qs, 1, {}, u"1"_qs);
-        registry.setValueEx(RegistryRoot::CurrentUser, u"software\\microsoft\\windows\\currentversion\\run"_qs,
-                            u"a/b é"_qs, 1, {}, u"\"/bin/x y\" -a"_qs);
-        QVERIFY(!QFileInfo::exists(autostart(u"a"_qs)));
+        registry.setValueEx(RegistryRoot::CurrentUser, u"Software\\Other"_s, u"a/b"_s, 1, {}, u"1"_s);
+        registry.setValueEx(RegistryRoot::CurrentUser, u"software\\microsoft\\windows\\currentversion\\run"_s,
+                            u"a/b é"_s, 1, {}, u"\"/bin/x y\" -a"_s);
+        QVERIFY(!QFileInfo::exists(autostart(u"a"_s)));
         QStringList names;
         qint32 count = 0;
         QVERIFY(registry.EnumerateValues(names, count));
-        QCOMPARE(names, QStringList{u"a/b é"_qs});
+        QCOMPARE(names, QStringList{u"a/b é"_s});
         const QByteArray entry = Files::read(autostart(QDir(autostart()).entryList(QDir::Files).value(0))).bytes;
         QVERIFY2(entry.contains("\nExec=\"/bin/x y\" \"-a\"\n"), entry.constData());
-        registry.ValueKey = u"A/B É"_qs;
+        registry.ValueKey = u"A/B É"_s;
         QVERIFY(registry.DeleteValue());
         QVERIFY(QDir(autostart()).isEmpty());
     }
@@ -155,10 +158,10 @@ private:
     {
         cRegistry registry(*m_store);
         return registry
-            .ValueEx(RegistryRoot::CurrentUser, AutostartRegistryStore::runSection(), u"quillwire"_qs, 1, u"absent"_qs)
+            .ValueEx(RegistryRoot::CurrentUser, AutostartRegistryStore::runSection(), u"quillwire"_s, 1, u"absent"_s)
             .toString();
     }
-    QString autostart(const QString &name = QString()) const { return m_directory->filePath(u"autostart/"_qs + name); }
+    QString autostart(const QString &name = QString()) const { return m_directory->filePath(u"autostart/"_s + name); }
 
     std::unique_ptr<QTemporaryDir> m_directory;
     std::unique_ptr<FileRegistryStore> m_file;

@@ -1,4 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "core/SettingsFile.h"
+#include "platform/Literals.h"
 #include "platform/RunTimeError.h"
 #include "platform/xml/XmlDocument.h"
 #include "tests/fixtures/FakeMessages.h"
@@ -12,7 +15,7 @@ const QByteArray leastItems = "<items><read time='3000'/><new notify='true'><sou
 
 QByteArray templateBytes()
 {
-    return Files::read(u":/data/params.xml"_qs).bytes;
+    return Files::read(u":/data/params.xml"_s).bytes;
 }
 
 QByteArray params(const QByteArray &inner)
@@ -22,7 +25,7 @@ QByteArray params(const QByteArray &inner)
 
 QString failureText()
 {
-    return u"Erreur lors du chargement du fichier de configuration"_qs;
+    return u"Erreur lors du chargement du fichier de configuration"_s;
 }
 
 } // namespace
@@ -37,10 +40,10 @@ private Q_SLOTS:
         AppSettings settings;
         QVERIFY(file().loadSettings(settings));
         QVERIFY(m_messages->shown.empty());
-        QCOMPARE(m_folder->read(u"params.xml"_qs), templateBytes());
-        QCOMPARE(settings.startMode, u"Plein écran"_qs);
-        QCOMPARE(settings.smtpServer, u"localhost"_qs);
-        QCOMPARE(settings.fromMail, u"admin@localhost"_qs);
+        QCOMPARE(m_folder->read(u"params.xml"_s), templateBytes());
+        QCOMPARE(settings.startMode, u"Plein écran"_s);
+        QCOMPARE(settings.smtpServer, u"localhost"_s);
+        QCOMPARE(settings.fromMail, u"admin@localhost"_s);
         QCOMPARE(settings.windowWidth, qint16(816));
         QCOMPARE(settings.splitVertical, qint16(161 * 15));
         QVERIFY(settings.rebarLayout.startsWith(
@@ -48,8 +51,8 @@ private Q_SLOTS:
         QCOMPARE(settings.columnWidth[1], 252.0F * 15);
         file().saveSettings(settings, {}, [] {});
         const std::vector<XmlNode> children = saved({}).childNodes();
-        QCOMPARE(children.at(children.size() - 2).nodeName(), u"start"_qs);
-        QCOMPARE(children.back().nodeName(), u"mails"_qs);
+        QCOMPARE(children.at(children.size() - 2).nodeName(), u"start"_s);
+        QCOMPARE(children.back().nodeName(), u"mails"_s);
     }
 
     void whatIsMissingTakesItsDefault()
@@ -74,7 +77,7 @@ private Q_SLOTS:
                             "width='0'/><hcolumn name='Other' width='x'/><hcolumn name='Title' width='252'/></lview>" +
                             leastItems),
                      settings, 10));
-        QCOMPARE(settings.startMode, u"Minimisé"_qs); // not the mode of a missing element
+        QCOMPARE(settings.startMode, u"Minimisé"_s); // not the mode of a missing element
         QCOMPARE(settings.smtpPort, qint16(26));
         QVERIFY(settings.officeStyle && !settings.smallToolbars);
         QCOMPARE(settings.windowHeight, qint16(500));
@@ -92,7 +95,7 @@ private Q_SLOTS:
                         "width='800.5' height='801.5'/></window><lview/><items><read time='-1'/><new notify='True'>"
                         "<sound path=''/></new></items>"),
                  settings));
-        QCOMPARE(settings.startMode, u"minimisé"_qs);
+        QCOMPARE(settings.startMode, u"minimisé"_s);
         QVERIFY(!settings.updateAtStart && !settings.officeStyle && !settings.smallToolbars && !settings.notifyNew);
         QCOMPARE(settings.windowWidth, qint16(800)); // halves go to the even neighbour
         QCOMPARE(settings.windowHeight, qint16(802));
@@ -134,11 +137,11 @@ private Q_SLOTS:
         QVERIFY(!load(content, settings));
         QCOMPARE(m_messages->shown.size(), std::size_t(1));
         const Message &box = m_messages->shown.front();
-        QCOMPARE(box.text, QString(failureText() + u"\n\nLe programme va maintenant se terminer"_qs));
-        QCOMPARE(box.title, u"Erreur"_qs);
+        QCOMPARE(box.text, QString(failureText() + u"\n\nLe programme va maintenant se terminer"_s));
+        QCOMPARE(box.title, u"Erreur"_s);
         QCOMPARE(box.icon, Message::Icon::Critical);
         QCOMPARE(box.buttons, Message::Buttons::Ok);
-        QCOMPARE(m_folder->read(u"params.xml"_qs), content);
+        QCOMPARE(m_folder->read(u"params.xml"_s), content);
     }
 
     void aSaveRoundTripsAndKeepsWhatItDoesNotKnow()
@@ -149,16 +152,16 @@ private Q_SLOTS:
         content.replace("<hcolumn name=\"Date\"", "<hcolumn name=\"Extra\" width=\"7\"/><hcolumn name=\"Date\"");
         AppSettings settings;
         QVERIFY(load(content, settings));
-        settings.startMode = u"Minimisé"_qs;
+        settings.startMode = u"Minimisé"_s;
         settings.updateAtStart = true;
         settings.smtpPort = 2525;
-        settings.fromName = u"Ö \"<&>\""_qs;
+        settings.fromName = u"Ö \"<&>\""_s;
         settings.officeStyle = false;
         settings.splitHorizontal = 1001;
         settings.readDelay = -5000;
         settings.notifyNew = false;
-        settings.soundPath = u"C:\\été.wav"_qs;
-        settings.rebarLayout = u"<Bands count=\"1\"><Band id=\"1\" data=\"MenuBar\"/></Bands>"_qs;
+        settings.soundPath = u"C:\\été.wav"_s;
+        settings.rebarLayout = u"<Bands count=\"1\"><Band id=\"1\" data=\"MenuBar\"/></Bands>"_s;
         WindowGeometry geometry;
         geometry.width = 12007.5;
         geometry.left = -150;
@@ -168,16 +171,16 @@ private Q_SLOTS:
         const auto attribute = [this](const char *path, const char *name) {
             return saved(QString::fromLatin1(path)).attribute(QString::fromLatin1(name)).value();
         };
-        QCOMPARE(attribute("", "other"), u"kept"_qs);
-        QCOMPARE(attribute("/start", "z"), u"1"_qs);
-        QVERIFY(m_folder->read(u"params.xml"_qs).contains("<!-- mine --><extra/>"));
-        QCOMPARE(attribute("/window/dimension", "width"), u"800.5"_qs);
-        QCOMPARE(attribute("/window/screencoord", "x"), u"-10"_qs);
-        QCOMPARE(attribute("/window/split", "horizontal"), u"66.73333"_qs);
-        const std::vector<XmlNode> columns = saved(u"/lview"_qs).childNodes();
-        QCOMPARE(columns.at(0).attribute(u"width"_qs), u"252"_qs);
-        QCOMPARE(columns.at(1).attribute(u"width"_qs), u"7"_qs);
-        QCOMPARE(columns.at(2).attribute(u"width"_qs), u"0"_qs); // a hidden column
+        QCOMPARE(attribute("", "other"), u"kept"_s);
+        QCOMPARE(attribute("/start", "z"), u"1"_s);
+        QVERIFY(m_folder->read(u"params.xml"_s).contains("<!-- mine --><extra/>"));
+        QCOMPARE(attribute("/window/dimension", "width"), u"800.5"_s);
+        QCOMPARE(attribute("/window/screencoord", "x"), u"-10"_s);
+        QCOMPARE(attribute("/window/split", "horizontal"), u"66.73333"_s);
+        const std::vector<XmlNode> columns = saved(u"/lview"_s).childNodes();
+        QCOMPARE(columns.at(0).attribute(u"width"_s), u"252"_s);
+        QCOMPARE(columns.at(1).attribute(u"width"_s), u"7"_s);
+        QCOMPARE(columns.at(2).attribute(u"width"_s), u"0"_s); // a hidden column
 
         AppSettings again;
         QVERIFY(file().loadSettings(again));
@@ -200,9 +203,9 @@ private Q_SLOTS:
             QByteArray content = templateBytes();
             QVERIFY(content.contains(taken));
             content.replace(taken, "");
-            m_folder->write(u"params.xml"_qs, content);
+            m_folder->write(u"params.xml"_s, content);
             QVERIFY_EXCEPTION_THROWN(file().saveSettings(settings, {}, [] {}), RunTimeError);
-            QCOMPARE(m_folder->read(u"params.xml"_qs), content);
+            QCOMPARE(m_folder->read(u"params.xml"_s), content);
         }
     }
 
@@ -210,12 +213,12 @@ private Q_SLOTS:
     {
         AppSettings settings;
         QVERIFY(file().loadSettings(settings));
-        m_folder->write(u"params.xml"_qs, "<Quillwire>");
+        m_folder->write(u"params.xml"_s, "<Quillwire>");
         m_messages->onShow = [this](const Message &) {
             if (m_messages->shown.size() == 3)
-                m_folder->write(u"params.xml"_qs, templateBytes());
+                m_folder->write(u"params.xml"_s, templateBytes());
         };
-        settings.soundPath = u"new.wav"_qs;
+        settings.soundPath = u"new.wav"_s;
         int calls = 0;
         std::function<void()> saveAndClose = [&] {
             ++calls;
@@ -225,23 +228,23 @@ private Q_SLOTS:
         QCOMPARE(calls, 4);
         QCOMPARE(m_messages->shown.size(), std::size_t(3));
         QCOMPARE(m_messages->shown.back().text, failureText());
-        QCOMPARE(saved(u"/items/new/sound"_qs).attribute(u"path"_qs), u"new.wav"_qs);
+        QCOMPARE(saved(u"/items/new/sound"_s).attribute(u"path"_s), u"new.wav"_s);
     }
 
 private:
     SettingsFile file(double twips = 15) const
     {
-        return {m_folder->file(u"params.xml"_qs), templateBytes(), {twips, twips}, *m_messages};
+        return {m_folder->file(u"params.xml"_s), templateBytes(), {twips, twips}, *m_messages};
     }
     bool load(const QByteArray &content, AppSettings &settings, double twips = 15) const
     {
-        m_folder->write(u"params.xml"_qs, content);
+        m_folder->write(u"params.xml"_s, content);
         return file(twips).loadSettings(settings);
     }
     XmlNode saved(const QString &path)
     {
-        m_saved.load(m_folder->file(u"params.xml"_qs));
-        return m_saved.selectSingleNode(u"Quillwire/params"_qs + path);
+        m_saved.load(m_folder->file(u"params.xml"_s));
+        return m_saved.selectSingleNode(u"Quillwire/params"_s + path);
     }
 
     std::unique_ptr<TemporaryDataDirectory> m_folder;
@@ -258,7 +261,7 @@ private Q_SLOTS:
     void aFileThatCannotBeMadeEndsTheLoad()
     {
         AppSettings settings;
-        const SettingsFile away(m_folder->file(QStringLiteral("none/params.xml")), templateBytes(), {}, *m_messages);
+        const SettingsFile away(m_folder->file(u"none/params.xml"_s), templateBytes(), {}, *m_messages);
         QVERIFY(!away.loadSettings(settings));
         QCOMPARE(m_messages->shown.size(), std::size_t(1));
     }

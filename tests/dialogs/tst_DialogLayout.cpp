@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "core/AppSettings.h"
 #include "core/FeedTables.h"
 #include "dialogs/frmAbout.h"
@@ -11,6 +13,7 @@
 #include "engine/feed/CachedFeed.h"
 #include "exchange/ImportRun.h"
 #include "exchange/OpmlDownload.h"
+#include "platform/Literals.h"
 #include "platform/MailSender.h"
 #include "support/clsDES.h"
 #include "tests/fixtures/FakeDownloader.h"
@@ -65,7 +68,7 @@ private:
 
 void DialogLayoutTest::init()
 {
-    m_settings.startMode = QStringLiteral("Minimisé");
+    m_settings.startMode = u"Minimisé"_s;
 }
 
 void DialogLayoutTest::cleanup()
@@ -76,24 +79,23 @@ void DialogLayoutTest::cleanup()
 std::unique_ptr<QDialog> DialogLayoutTest::make(const QString &name)
 {
     QWidget *const window = &m_window;
-    if (name == QStringLiteral("frmImport"))
+    if (name == u"frmImport"_s)
         return std::make_unique<frmImport>(window, m_messages, m_download, m_run);
-    if (name == QStringLiteral("frmExport"))
+    if (name == u"frmExport"_s)
         return std::make_unique<frmExport>(window, QString());
-    if (name == QStringLiteral("frmRechercher"))
+    if (name == u"frmRechercher"_s)
         return std::make_unique<frmRechercher>(window, frmRechercher::Port(), SearchEndpoints(), 1);
-    if (name == QStringLiteral("frmProprietes")) {
+    if (name == u"frmProprietes"_s) {
         auto form = std::make_unique<frmProprietes>(
             window, frmProprietes::Port{std::make_shared<CachedFeed>(), false, {}, {}, m_tables, m_cipher});
         form->addAuthentication();
         return form;
     }
-    if (name == QStringLiteral("frmOptions"))
+    if (name == u"frmOptions"_s)
         return std::make_unique<frmOptions>(window, m_settings, frmOptions::RunAtStartup{[] { return 2; }, [](int) {}});
-    if (name == QStringLiteral("frmSendMail"))
-        return std::make_unique<frmSendMail>(window, m_settings, m_messages, QStringLiteral("x"), Wait(),
-                                             frmSendMail::MakeMail());
-    if (name == QStringLiteral("frmAuthentification"))
+    if (name == u"frmSendMail"_s)
+        return std::make_unique<frmSendMail>(window, m_settings, m_messages, u"x"_s, Wait(), frmSendMail::MakeMail());
+    if (name == u"frmAuthentification"_s)
         return std::make_unique<frmAuthentification>(window, frmAuthentification::Port());
     return std::make_unique<frmAbout>(window, frmAbout::OpenInSystemBrowser());
 }
@@ -109,7 +111,7 @@ void DialogLayoutTest::checkTexts(const QWidget &dialog) const
         const auto *const button = qobject_cast<const QAbstractButton *>(widget);
         if (button && button->text().isEmpty() && button->icon().isNull())
             continue; // an arrow
-        if (!bearsText || !widget->isVisible() || widget->objectName().startsWith(QStringLiteral("qt_")))
+        if (!bearsText || !widget->isVisible() || widget->objectName().startsWith(u"qt_"_s))
             continue;
         const auto *const label = qobject_cast<const QLabel *>(widget);
         const QSize wanted = label && label->wordWrap()
@@ -194,11 +196,11 @@ void DialogLayoutTest::buttonsKeepToTheCorner()
 
 void DialogLayoutTest::optionFramesAre200TwipsNarrowerThanTheirPage()
 {
-    const std::unique_ptr<QDialog> dialog = make(QStringLiteral("frmRechercher"));
+    const std::unique_ptr<QDialog> dialog = make(u"frmRechercher"_s);
     dialog->show();
     dialog->resize(700, 500);
     QApplication::processEvents();
-    const auto *const frame = dialog->findChild<QWidget *>(QStringLiteral("fraOptionsFeedster"));
+    const auto *const frame = dialog->findChild<QWidget *>(u"fraOptionsFeedster"_s);
     const double twips = (frame->parentWidget()->width() - frame->width()) * 1440.0 / dialog->logicalDpiX();
     QVERIFY2(std::abs(twips - 200) < 20, qPrintable(QString::number(twips)));
 }
@@ -208,7 +210,7 @@ void DialogLayoutTest::everyControlHasANameForScreenReaders()
     for (const char *const name : dialogNames) {
         const std::unique_ptr<QDialog> dialog = make(QString::fromLatin1(name));
         for (QWidget *const widget : dialog->findChildren<QWidget *>()) {
-            if (!(widget->focusPolicy() & Qt::TabFocus) || widget->objectName().startsWith(QStringLiteral("qt_")) ||
+            if (!(widget->focusPolicy() & Qt::TabFocus) || widget->objectName().startsWith(u"qt_"_s) ||
                 qobject_cast<QTabBar *>(widget) || qobject_cast<QTabWidget *>(widget) || widget->focusProxy())
                 continue;
             const QAccessibleInterface *const accessible = QAccessible::queryAccessibleInterface(widget);

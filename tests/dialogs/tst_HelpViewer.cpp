@@ -1,7 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "dialogs/CHelp.h"
 #include "dialogs/HelpBrowser.h"
 #include "dialogs/HelpViewer.h"
 #include "platform/Files.h"
+#include "platform/Literals.h"
 
 #include <QAction>
 #include <QDir>
@@ -24,7 +27,7 @@ private Q_SLOTS:
     {
         m_folder = std::make_unique<QTemporaryDir>();
         m_external.clear();
-        make({m_folder->filePath(QStringLiteral("none/Quillwire.qch")), QStringLiteral(HELP_FILE)});
+        make({m_folder->filePath(u"none/Quillwire.qch"_s), QString::fromUtf8(HELP_FILE)});
     }
 
     void cleanup() { m_viewer.reset(); }
@@ -33,11 +36,11 @@ private Q_SLOTS:
     {
         CHelp help(*m_viewer);
         help.Show(asked(), QString(), 2);
-        QCOMPARE(page(), QStringLiteral("premiers-pas.html"));
+        QCOMPARE(page(), u"premiers-pas.html"_s);
         help.Show(asked(), QString(), 32000); // a number that no page bears
-        QCOMPARE(page(), QStringLiteral("index.html"));
-        help.Show(asked(), QStringLiteral("W1"));
-        QCOMPARE(page(), QStringLiteral("index.html"));
+        QCOMPARE(page(), u"index.html"_s);
+        help.Show(asked(), u"W1"_s);
+        QCOMPARE(page(), u"index.html"_s);
         QCOMPARE(find<QTabWidget>("tabs")->currentIndex(), 0);
         QTRY_VERIFY(find<QHelpContentWidget>("contents")->model()->rowCount() > 0);
     }
@@ -47,37 +50,36 @@ private Q_SLOTS:
         CHelp(*m_viewer).ShowIndex(asked(), QString());
         QCOMPARE(find<QTabWidget>("tabs")->currentIndex(), 1);
         QTRY_VERIFY(find<QHelpIndexWidget>("index")->model()->rowCount() > 0);
-        find<QLineEdit>("filter")->setText(QStringLiteral("séparateurs"));
+        find<QLineEdit>("filter")->setText(u"séparateurs"_s);
         QTest::keyClick(find<QLineEdit>("filter"), Qt::Key_Return);
-        QTRY_COMPARE(page(), QStringLiteral("fenetre.html"));
+        QTRY_COMPARE(page(), u"fenetre.html"_s);
     }
 
     void theSearchFindsPagesByTheirText()
     {
         CHelp(*m_viewer).ShowSearch(asked(), QString());
         QCOMPARE(find<QTabWidget>("tabs")->currentIndex(), 2);
-        QCOMPARE(find<QLineEdit>("query")->text(), QStringLiteral("TEST"));
-        find<QLineEdit>("query")->setText(QStringLiteral("authentification"));
+        QCOMPARE(find<QLineEdit>("query")->text(), u"TEST"_s);
+        find<QLineEdit>("query")->setText(u"authentification"_s);
         find<QPushButton>("search")->click();
         auto *const results = find<QListWidget>("results");
         QTRY_VERIFY_WITH_TIMEOUT(results->count() > 0, 20000);
         Q_EMIT results->itemActivated(results->item(0));
-        QVERIFY(
-            find<HelpBrowser>("page")->toPlainText().contains(QStringLiteral("authentification"), Qt::CaseInsensitive));
+        QVERIFY(find<HelpBrowser>("page")->toPlainText().contains(u"authentification"_s, Qt::CaseInsensitive));
     }
 
     void linksAreFollowedBackAndForwardAndHandedOverWhenTheyLeadOut()
     {
         CHelp(*m_viewer).Show(asked(), QString(), 2);
-        Q_EMIT find<HelpBrowser>("page")->anchorClicked(QUrl(QStringLiteral("index.html")));
-        QCOMPARE(page(), QStringLiteral("index.html"));
+        Q_EMIT find<HelpBrowser>("page")->anchorClicked(QUrl(u"index.html"_s));
+        QCOMPARE(page(), u"index.html"_s);
         find<QAction>("back")->trigger();
-        QCOMPARE(page(), QStringLiteral("premiers-pas.html"));
+        QCOMPARE(page(), u"premiers-pas.html"_s);
         find<QAction>("forward")->trigger();
-        QCOMPARE(page(), QStringLiteral("index.html"));
-        Q_EMIT find<HelpBrowser>("page")->anchorClicked(QUrl(QStringLiteral("http://example.org/")));
-        QCOMPARE(m_external, QStringList{QStringLiteral("http://example.org/")});
-        QCOMPARE(page(), QStringLiteral("index.html"));
+        QCOMPARE(page(), u"index.html"_s);
+        Q_EMIT find<HelpBrowser>("page")->anchorClicked(QUrl(u"http://example.org/"_s));
+        QCOMPARE(m_external, QStringList{u"http://example.org/"_s});
+        QCOMPARE(page(), u"index.html"_s);
     }
 
     void aMissingOrBrokenFileIsTold_data()
@@ -90,29 +92,29 @@ private Q_SLOTS:
     void aMissingOrBrokenFileIsTold()
     {
         QFETCH(QByteArray, bytes);
-        const QString file = m_folder->filePath(QStringLiteral("Quillwire.qch"));
+        const QString file = m_folder->filePath(u"Quillwire.qch"_s);
         if (!bytes.isEmpty())
             Files::write(file, bytes);
         make({file});
-        CHelp(*m_viewer).Show(asked(), QStringLiteral("W1"));
+        CHelp(*m_viewer).Show(asked(), u"W1"_s);
         QVERIFY(m_viewer->isVisible());
         QCOMPARE(find<HelpBrowser>("page")->toPlainText(),
-                 QStringLiteral("Le fichier d'aide /data/Quillwire.chm est introuvable ou illisible."));
+                 u"Le fichier d'aide /data/Quillwire.chm est introuvable ou illisible."_s);
     }
 
     void theCollectionLiesInTheCacheAndIsMadeAnewWhenDamaged()
     {
-        const QString collection = m_folder->filePath(QStringLiteral("cache/Quillwire.qhc"));
-        const QDir beside(QFileInfo(QStringLiteral(HELP_FILE)).path());
+        const QString collection = m_folder->filePath(u"cache/Quillwire.qhc"_s);
+        const QDir beside(QFileInfo(QString::fromUtf8(HELP_FILE)).path());
         const QStringList before = beside.entryList(QDir::AllEntries | QDir::Hidden);
         CHelp(*m_viewer).Show(asked(), QString());
         QVERIFY(Files::exists(collection));
         QCOMPARE(beside.entryList(QDir::AllEntries | QDir::Hidden), before);
         m_viewer.reset();
         Files::write(collection, "damaged");
-        make({QStringLiteral(HELP_FILE)});
+        make({QString::fromUtf8(HELP_FILE)});
         CHelp(*m_viewer).Show(asked(), QString());
-        QCOMPARE(page(), QStringLiteral("index.html"));
+        QCOMPARE(page(), u"index.html"_s);
         QVERIFY(Files::read(collection).bytes.startsWith("SQLite"));
     }
 
@@ -125,12 +127,12 @@ private:
     void make(const QStringList &candidates)
     {
         m_viewer.reset();
-        m_viewer = std::make_unique<HelpViewer>(candidates, m_folder->filePath(QStringLiteral("cache")),
+        m_viewer = std::make_unique<HelpViewer>(candidates, m_folder->filePath(u"cache"_s),
                                                 [this](const QString &url) { m_external.append(url); });
     }
 
     QString page() const { return find<HelpBrowser>("page")->source().fileName(); }
-    QString asked() const { return QStringLiteral("/data/Quillwire.chm"); }
+    QString asked() const { return u"/data/Quillwire.chm"_s; }
 
     std::unique_ptr<QTemporaryDir> m_folder;
     QStringList m_external;

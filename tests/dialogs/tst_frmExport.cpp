@@ -1,4 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "dialogs/frmExport.h"
+#include "platform/Literals.h"
 #include "tests/fixtures/TemporaryDataDirectory.h"
 
 #include <QCheckBox>
@@ -15,22 +18,21 @@ private Q_SLOTS:
     {
         m_form.reset();
         m_data = std::make_unique<TemporaryDataDirectory>();
-        m_data->write(QStringLiteral("feeds.xml"), "<favoris><dir name=\"D\"/></favoris>");
+        m_data->write(u"feeds.xml"_s, "<favoris><dir name=\"D\"/></favoris>");
         m_answer = target();
-        m_form = std::make_unique<frmExport>(&m_window, m_data->file(QStringLiteral("feeds.xml")),
-                                             [this] { return m_answer; });
-        box("txtNom")->setText(QStringLiteral("Camille"));
+        m_form = std::make_unique<frmExport>(&m_window, m_data->file(u"feeds.xml"_s), [this] { return m_answer; });
+        box("txtNom")->setText(u"Camille"_s);
         m_form->show();
     }
 
     void theBoxesGoIntoTheFile()
     {
-        box("txtTitre")->setText(QStringLiteral("T"));
-        box("txtEmail")->setText(QStringLiteral("c@h"));
-        m_form->findChild<QCheckBox *>(QStringLiteral("chkStructure"))->setChecked(true);
+        box("txtTitre")->setText(u"T"_s);
+        box("txtEmail")->setText(u"c@h"_s);
+        m_form->findChild<QCheckBox *>(u"chkStructure"_s)->setChecked(true);
         press("cmdExporter");
         QVERIFY(!m_form->isVisible());
-        const QByteArray bytes = m_data->read(QStringLiteral("out.opml"));
+        const QByteArray bytes = m_data->read(u"out.opml"_s);
         for (const char *const line : {"<title>T<", "<ownerName>Camille<", "<ownerEmail>c@h<", "<outline text=\"D\" >"})
             QVERIFY2(bytes.contains(line), line);
     }
@@ -47,18 +49,18 @@ private Q_SLOTS:
     {
         QFETCH(bool, cancelled);
         QFETCH(QByteArray, catalogue);
-        m_data->write(QStringLiteral("feeds.xml"), catalogue);
+        m_data->write(u"feeds.xml"_s, catalogue);
         if (cancelled)
             m_answer.clear();
-        box("txtTitre")->setText(QStringLiteral("T"));
+        box("txtTitre")->setText(u"T"_s);
         press("cmdExporter");
         QVERIFY(m_form->isVisible());
-        QCOMPARE(box("txtTitre")->text(), QStringLiteral("T"));
-        QVERIFY(!m_data->exists(QStringLiteral("out.opml")));
+        QCOMPARE(box("txtTitre")->text(), u"T"_s);
+        QVERIFY(!m_data->exists(u"out.opml"_s));
     }
 
 private:
-    QString target() const { return m_data->file(QStringLiteral("out.opml")); }
+    QString target() const { return m_data->file(u"out.opml"_s); }
     QLineEdit *box(const char *name) const { return m_form->findChild<QLineEdit *>(QString::fromLatin1(name)); }
     void press(const char *name) const { m_form->findChild<QPushButton *>(QString::fromLatin1(name))->click(); }
 

@@ -1,7 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "dialogs/frmImport.h"
 #include "engine/feed/CachedFeed.h"
 #include "exchange/ImportRun.h"
 #include "exchange/OpmlDownload.h"
+#include "platform/Literals.h"
 #include "platform/RunTimeError.h"
 #include "tests/fixtures/FakeDownloader.h"
 #include "tests/fixtures/FakeMessages.h"
@@ -54,9 +57,9 @@ private Q_SLOTS:
             m_downloaders.push_back(made.get());
             return made;
         };
-        m_download = std::make_unique<OpmlDownload>(downloader(), m_data.file(QStringLiteral("tmp.opml")));
+        m_download = std::make_unique<OpmlDownload>(downloader(), m_data.file(u"tmp.opml"_s));
         m_run = std::make_unique<ImportRun>(
-            downloader(), m_data.file(QStringLiteral("tmp.xml")), [this](int) { m_onPass(++m_passes); },
+            downloader(), m_data.file(u"tmp.xml"_s), [this](int) { m_onPass(++m_passes); },
             [this](const std::shared_ptr<CachedFeed> &document, const QString &) { m_added += document->Title(); });
         m_form = std::make_unique<frmImport>(&m_window, *m_messages, *m_download, *m_run, [] { return QString(); });
         m_form->show();
@@ -66,11 +69,11 @@ private Q_SLOTS:
 
     void aFileThatDoesNotLoadIsNamedAndThePageStays()
     {
-        const QString path = m_data.file(QStringLiteral("in.opml"));
+        const QString path = m_data.file(u"in.opml"_s);
         open("Bonjour");
         QCOMPARE(m_messages->shown.size(), 1U);
-        QCOMPARE(m_messages->shown[0].text, QStringLiteral("Le fichier %1 est incorrect").arg(path));
-        QCOMPARE(m_messages->shown[0].title, QStringLiteral("Avertissement"));
+        QCOMPARE(m_messages->shown[0].text, u"Le fichier %1 est incorrect"_s.arg(path));
+        QCOMPARE(m_messages->shown[0].title, u"Avertissement"_s);
         QCOMPARE(m_messages->shown[0].icon, Message::Icon::Exclamation);
         QVERIFY(shown("fraWizard_1"));
     }
@@ -88,7 +91,7 @@ private Q_SLOTS:
         find<QRadioButton>("optSource_1")->setChecked(true);
         press("cmdSuivant");
         QVERIFY(shown("fraWizard_2"));
-        QCOMPARE(find<QLineEdit>("txtURL")->text(), QStringLiteral("http://"));
+        QCOMPARE(find<QLineEdit>("txtURL")->text(), u"http://"_s);
         QCOMPARE(list()->topLevelItemCount(), 1); // kept until a new load
     }
 
@@ -97,11 +100,10 @@ private Q_SLOTS:
         QTest::addColumn<int>("status");
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("title");
-        QTest::newRow("no list") << 200 << QString() << QStringLiteral("Avertissement");
-        QTest::newRow("absent") << 404 << QStringLiteral("Le fichier n'a pas été trouvé sur le serveur")
-                                << QStringLiteral("Erreur 404");
-        QTest::newRow("unknown host") << 3 << QStringLiteral("3") << QString();
-        QTest::newRow("server's trouble") << 500 << QStringLiteral("500") << QString();
+        QTest::newRow("no list") << 200 << QString() << u"Avertissement"_s;
+        QTest::newRow("absent") << 404 << u"Le fichier n'a pas été trouvé sur le serveur"_s << u"Erreur 404"_s;
+        QTest::newRow("unknown host") << 3 << u"3"_s << QString();
+        QTest::newRow("server's trouble") << 500 << u"500"_s << QString();
     }
 
     void webFailuresAreTold()
@@ -114,7 +116,7 @@ private Q_SLOTS:
         press("cmdSuivant");
         m_downloaders[0]->finish(status, "no XML");
         if (status == 200) // the temporary file is named, not the address
-            text = QStringLiteral("Le fichier %1 est incorrect").arg(m_data.file(QStringLiteral("tmp.opml")));
+            text = u"Le fichier %1 est incorrect"_s.arg(m_data.file(u"tmp.opml"_s));
         QCOMPARE(m_messages->shown.size(), 1U);
         QCOMPARE(m_messages->shown[0].text, text);
         QCOMPARE(m_messages->shown[0].title, title);
@@ -146,9 +148,9 @@ private Q_SLOTS:
                   "<outline text=\"C\" xmlUrl=\"http://h/c\"/>"));
         QTreeWidgetItem *const third = list()->topLevelItem(2);
         QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, list()->visualItemRect(third).center());
-        QCOMPARE(description(), QStringLiteral("/"));
+        QCOMPARE(description(), u"/"_s);
         QTest::keyClick(list(), Qt::Key_Up);
-        QCOMPARE(description(), QStringLiteral("of B"));
+        QCOMPARE(description(), u"of B"_s);
         QCOMPARE(list()->currentItem(), list()->topLevelItem(1));
     }
 
@@ -193,7 +195,7 @@ private Q_SLOTS:
         m_downloaders[0]->finish(200, opml(outlines(3)));
         tick(0);
         tick(2);
-        m_downloaders[1]->pages[QStringLiteral("http://h/2")] = FeedTexts::rss(QStringLiteral("Two"), {});
+        m_downloaders[1]->pages[u"http://h/2"_s] = FeedTexts::rss(u"Two"_s, {});
         QStringList labels;
         m_onPass = [&](int) {
             QVERIFY(shown("fraImportation") && shown("cmdCanceller"));
@@ -202,8 +204,8 @@ private Q_SLOTS:
             m_downloaders[1]->answer();
         };
         press("cmdTerminer");
-        QCOMPARE(labels.join(u'|'), QStringLiteral("Téléchargement de Flux 0|Téléchargement de Flux 2"));
-        QCOMPARE(m_added, QStringList{QStringLiteral("Two")});
+        QCOMPARE(labels.join(u'|'), u"Téléchargement de Flux 0|Téléchargement de Flux 2"_s);
+        QCOMPARE(m_added, QStringList{u"Two"_s});
         QVERIFY(m_messages->shown.empty()); // failures are silent
         QCOMPARE(find<QProgressBar>("vbalProgressBar1")->value(), 100);
         QCOMPARE(m_form->result(), int(QDialog::Accepted));
@@ -257,9 +259,9 @@ private:
     /// Goes to the list page with that document as file.
     void open(const QByteArray &bytes)
     {
-        m_data.write(QStringLiteral("in.opml"), bytes);
+        m_data.write(u"in.opml"_s, bytes);
         press("cmdSuivant");
-        find<QLineEdit>("txtOPMLPath")->setText(m_data.file(QStringLiteral("in.opml")));
+        find<QLineEdit>("txtOPMLPath")->setText(m_data.file(u"in.opml"_s));
         m_form->handleNext();
     }
 

@@ -1,5 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "core/AppSettings.h"
 #include "dialogs/frmOptions.h"
+#include "platform/Literals.h"
 #include "platform/RunTimeError.h"
 
 #include <QCheckBox>
@@ -18,15 +21,15 @@ private Q_SLOTS:
     void init()
     {
         m_settings = {};
-        m_settings.startMode = QStringLiteral("Minimisé");
+        m_settings.startMode = u"Minimisé"_s;
         m_settings.updateAtStart = true;
         m_settings.notifyNew = true;
-        m_settings.soundPath = QStringLiteral("/son.wav");
+        m_settings.soundPath = u"/son.wav"_s;
         m_settings.readDelay = 60000;
-        m_settings.smtpServer = QStringLiteral("smtp.h");
+        m_settings.smtpServer = u"smtp.h"_s;
         m_settings.smtpPort = 2525;
-        m_settings.fromMail = QStringLiteral("a@h");
-        m_settings.fromName = QStringLiteral("A");
+        m_settings.fromMail = u"a@h"_s;
+        m_settings.fromName = u"A"_s;
         m_entry = 0;
         open();
     }
@@ -38,9 +41,9 @@ private Q_SLOTS:
         QTest::addColumn<int>("delay");
         QTest::addColumn<QString>("text");
         QTest::addColumn<bool>("never");
-        QTest::newRow("never keeps its number") << -30000 << QStringLiteral("30") << true;
-        QTest::newRow("never is lost at zero") << 0 << QStringLiteral("0") << false;
-        QTest::newRow("parts of a second") << 1500 << QStringLiteral("1.5") << false;
+        QTest::newRow("never keeps its number") << -30000 << u"30"_s << true;
+        QTest::newRow("never is lost at zero") << 0 << u"0"_s << false;
+        QTest::newRow("parts of a second") << 1500 << u"1.5"_s << false;
     }
 
     void theDelayOpensAsSecondsAndABox()
@@ -57,9 +60,9 @@ private Q_SLOTS:
 
     void whatCannotBeShownFailsAtOpening()
     {
-        m_settings.startMode = QStringLiteral("Normal");
+        m_settings.startMode = u"Normal"_s;
         QVERIFY_EXCEPTION_THROWN(open(), RunTimeError);
-        m_settings.startMode = QStringLiteral("Plein écran");
+        m_settings.startMode = u"Plein écran"_s;
         m_settings.readDelay = std::numeric_limits<qint32>::min();
         QVERIFY_EXCEPTION_THROWN(open(), RunTimeError);
     }
@@ -107,14 +110,14 @@ private Q_SLOTS:
     {
         m_form->activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(m_form.get()));
-        m_form->findChild<QTabWidget *>(QStringLiteral("tstrOpt"))->setCurrentIndex(1);
+        m_form->findChild<QTabWidget *>(u"tstrOpt"_s)->setCurrentIndex(1);
         box("txtRead")->setFocus();
-        box("txtRead")->setText(QStringLiteral("5000"));
+        box("txtRead")->setText(u"5000"_s);
         QTest::keyClick(box("txtRead"), Qt::Key_Tab);
-        QCOMPARE(box("txtRead")->text(), QStringLiteral("3600"));
+        QCOMPARE(box("txtRead")->text(), u"3600"_s);
         // Escape closes; the box isn't left by that.
         box("txtRead")->setFocus();
-        box("txtRead")->setText(QStringLiteral("99999"));
+        box("txtRead")->setText(u"99999"_s);
         QTest::keyClick(m_form.get(), Qt::Key_Escape);
         QVERIFY(!m_form->isVisible());
     }
@@ -124,17 +127,17 @@ private Q_SLOTS:
         check("chkNotify")->click();
         check("chkAutoUpdate")->click();
         check("chkDemWin")->click();
-        box("txtSon")->setText(QStringLiteral("/autre.wav"));
-        mode()->setCurrentText(QStringLiteral("Plein écran"));
-        box("txtSMTPServer")->setText(QStringLiteral("s2"));
-        box("txtSMTPPort")->setText(QStringLiteral("587"));
-        box("txtFromMail")->setText(QStringLiteral("b@h"));
-        box("txtFromName")->setText(QStringLiteral("B"));
+        box("txtSon")->setText(u"/autre.wav"_s);
+        mode()->setCurrentText(u"Plein écran"_s);
+        box("txtSMTPServer")->setText(u"s2"_s);
+        box("txtSMTPPort")->setText(u"587"_s);
+        box("txtFromMail")->setText(u"b@h"_s);
+        box("txtFromName")->setText(u"B"_s);
         apply()->click();
         QVERIFY(!m_settings.notifyNew && !m_settings.updateAtStart);
-        QCOMPARE(m_settings.soundPath, QStringLiteral("/autre.wav"));
-        QCOMPARE(m_settings.startMode, QStringLiteral("Plein écran"));
-        QCOMPARE(m_settings.smtpServer + m_settings.fromMail + m_settings.fromName, QStringLiteral("s2b@hB"));
+        QCOMPARE(m_settings.soundPath, u"/autre.wav"_s);
+        QCOMPARE(m_settings.startMode, u"Plein écran"_s);
+        QCOMPARE(m_settings.smtpServer + m_settings.fromMail + m_settings.fromName, u"s2b@hB"_s);
         QCOMPARE(m_settings.smtpPort, qint16(587));
         QCOMPARE(m_entry, 2);
         QVERIFY(m_form->isVisible());
@@ -145,12 +148,12 @@ private Q_SLOTS:
         QTest::addColumn<QString>("typed");
         QTest::addColumn<bool>("never");
         QTest::addColumn<int>("delay"); // -1: fails
-        QTest::newRow("never") << QStringLiteral("5") << true << -5000;
-        QTest::newRow("never at zero") << QStringLiteral("0") << true << 0;
-        QTest::newRow("rounded to the even neighbour") << QStringLiteral("2.5") << false << 2000;
-        QTest::newRow("past 16 bits") << QStringLiteral("40000") << false << 40000000;
+        QTest::newRow("never") << u"5"_s << true << -5000;
+        QTest::newRow("never at zero") << u"0"_s << true << 0;
+        QTest::newRow("rounded to the even neighbour") << u"2.5"_s << false << 2000;
+        QTest::newRow("past 16 bits") << u"40000"_s << false << 40000000;
         QTest::newRow("no seconds") << QString() << false << -1;
-        QTest::newRow("too many milliseconds") << QStringLiteral("2147484") << false << -1;
+        QTest::newRow("too many milliseconds") << u"2147484"_s << false << -1;
     }
 
     void theDelayIsAppliedInMilliseconds()
@@ -166,7 +169,7 @@ private Q_SLOTS:
         }
         m_form->handleApply();
         QCOMPARE(m_settings.readDelay, delay);
-        box("txtSMTPPort")->setText(QStringLiteral("32768"));
+        box("txtSMTPPort")->setText(u"32768"_s);
         QVERIFY_EXCEPTION_THROWN(m_form->handleApply(), RunTimeError);
     }
 
@@ -198,8 +201,8 @@ private:
 
     QLineEdit *box(const char *name) const { return m_form->findChild<QLineEdit *>(QString::fromLatin1(name)); }
     QCheckBox *check(const char *name) const { return m_form->findChild<QCheckBox *>(QString::fromLatin1(name)); }
-    QComboBox *mode() const { return m_form->findChild<QComboBox *>(QStringLiteral("cmbMode")); }
-    QPushButton *apply() const { return m_form->findChild<QPushButton *>(QStringLiteral("cmdAppliquer")); }
+    QComboBox *mode() const { return m_form->findChild<QComboBox *>(u"cmbMode"_s); }
+    QPushButton *apply() const { return m_form->findChild<QPushButton *>(u"cmdAppliquer"_s); }
 
     QWidget m_window;
     AppSettings m_settings;

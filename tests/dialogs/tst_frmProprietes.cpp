@@ -1,8 +1,11 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "controls/TabControl.h"
 #include "core/FeedCatalogue.h"
 #include "core/FeedTables.h"
 #include "dialogs/frmProprietes.h"
 #include "engine/feed/CachedFeed.h"
+#include "platform/Literals.h"
 #include "platform/RunTimeError.h"
 #include "support/clsDES.h"
 #include "tests/fixtures/TemporaryDataDirectory.h"
@@ -29,12 +32,12 @@ struct Feeds
     void subscribe(const QString &key, const QString &url)
     {
         if (!tree.root())
-            tree.addRoot(QStringLiteral("root"), QStringLiteral("Favoris"), NodeImage::Root);
-        selected = tree.addChild(tree.root(), key, QStringLiteral("Feed ") + key, NodeImage::Feed);
+            tree.addRoot(u"root"_s, u"Favoris"_s, NodeImage::Root);
+        selected = tree.addChild(tree.root(), key, u"Feed "_s + key, NodeImage::Feed);
         selected->tag = url;
-        tables.updatettl.Add(key, QStringLiteral("60"));
-        tables.updatecache.Add(key, QStringLiteral("7"));
-        tables.havecache.Add(key, QStringLiteral("1"));
+        tables.updatettl.Add(key, u"60"_s);
+        tables.updatecache.Add(key, u"7"_s);
+        tables.havecache.Add(key, u"1"_s);
     }
 
     FeedTree tree;
@@ -53,10 +56,10 @@ private Q_SLOTS:
     void init()
     {
         m_feeds = std::make_unique<Feeds>();
-        m_feeds->subscribe(QStringLiteral("3"), QStringLiteral("http://feed/3"));
-        m_data.write(QStringLiteral("f.xml"), Feed);
+        m_feeds->subscribe(u"3"_s, u"http://feed/3"_s);
+        m_data.write(u"f.xml"_s, Feed);
         m_feed = std::make_shared<CachedFeed>();
-        QCOMPARE(m_feed->Load(m_data.file(QStringLiteral("f.xml"))), LoadOk);
+        QCOMPARE(m_feed->Load(m_data.file(u"f.xml"_s)), LoadOk);
         make();
     }
 
@@ -69,10 +72,10 @@ private Q_SLOTS:
         for (const char *const name : {"txtTitle", "txtURL", "txtSite", "txtVersion", "txtLangue", "txtEditeur",
                                        "txtWebmaster", "txtCopyright", "txtMaj", "txtCache"})
             texts.append(text(name));
-        QCOMPARE(texts.join(u'|'), QStringLiteral("Titre|http://feed/3|http://site/|RSS 2.0|fr|ed|wm|c|60|7"));
-        QCOMPARE(longText("txtDescription"), QStringLiteral("Deux\nlignes"));
-        QCOMPARE(longText("txtExtensions"), QStringLiteral("content\ndc\n"));
-        QCOMPARE(m_form->findChild<TabControl *>(QStringLiteral("tstrProp"))->count(), 4);
+        QCOMPARE(texts.join(u'|'), u"Titre|http://feed/3|http://site/|RSS 2.0|fr|ed|wm|c|60|7"_s);
+        QCOMPARE(longText("txtDescription"), u"Deux\nlignes"_s);
+        QCOMPARE(longText("txtExtensions"), u"content\ndc\n"_s);
+        QCOMPARE(m_form->findChild<TabControl *>(u"tstrProp"_s)->count(), 4);
         QVERIFY(!apply()->isEnabled());
     }
 
@@ -81,8 +84,8 @@ private Q_SLOTS:
         m_feeds->selected = nullptr;
         make(true);
         QVERIFY(m_form->fillFrom());
-        QCOMPARE(text("txtURL"), QStringLiteral("feed:http://typed/"));
-        QCOMPARE(text("txtMaj"), QStringLiteral("45"));
+        QCOMPARE(text("txtURL"), u"feed:http://typed/"_s);
+        QCOMPARE(text("txtMaj"), u"45"_s);
         QVERIFY(!box("txtCache")->isEnabled() && !widget("UpDown2")->isEnabled());
         QVERIFY(noDel()->isHidden() && widget("lblCache")->isHidden());
         QVERIFY_EXCEPTION_THROWN(m_form->handleApply(), RunTimeError);
@@ -93,13 +96,13 @@ private Q_SLOTS:
         QTest::addColumn<QString>("stored");
         QTest::addColumn<QString>("shown"); // "": fails
         QTest::addColumn<bool>("never");
-        QTest::newRow("days") << QStringLiteral("30") << QStringLiteral("30") << false;
-        QTest::newRow("never") << QStringLiteral("-30") << QStringLiteral("30") << true;
-        QTest::newRow("never is lost at zero") << QStringLiteral("-0") << QStringLiteral("0") << false;
-        QTest::newRow("rounded") << QStringLiteral("-2.5") << QStringLiteral("2") << true;
-        QTest::newRow("no number") << QStringLiteral("dix") << QString() << false;
-        QTest::newRow("too large") << QStringLiteral("40000") << QString() << false;
-        QTest::newRow("no magnitude") << QStringLiteral("-32768") << QString() << false;
+        QTest::newRow("days") << u"30"_s << u"30"_s << false;
+        QTest::newRow("never") << u"-30"_s << u"30"_s << true;
+        QTest::newRow("never is lost at zero") << u"-0"_s << u"0"_s << false;
+        QTest::newRow("rounded") << u"-2.5"_s << u"2"_s << true;
+        QTest::newRow("no number") << u"dix"_s << QString() << false;
+        QTest::newRow("too large") << u"40000"_s << QString() << false;
+        QTest::newRow("no magnitude") << u"-32768"_s << QString() << false;
     }
 
     void retentionOpensAsAMagnitudeAndABox()
@@ -124,12 +127,12 @@ private Q_SLOTS:
         QTest::addColumn<QString>("days");
         QTest::addColumn<bool>("never");
         QTest::addColumn<QString>("stored");
-        QTest::newRow("days") << QStringLiteral("12") << false << QStringLiteral("12");
-        QTest::newRow("never") << QStringLiteral("12") << true << QStringLiteral("-12");
-        QTest::newRow("never is lost at zero") << QStringLiteral("0") << true << QStringLiteral("0");
-        QTest::newRow("any text stands") << QStringLiteral("douze") << false << QStringLiteral("douze");
-        QTest::newRow("twice negative") << QStringLiteral("-3") << true << QStringLiteral("3");
-        QTest::newRow("no number to negate") << QStringLiteral("sept") << true << QString();
+        QTest::newRow("days") << u"12"_s << false << u"12"_s;
+        QTest::newRow("never") << u"12"_s << true << u"-12"_s;
+        QTest::newRow("never is lost at zero") << u"0"_s << true << u"0"_s;
+        QTest::newRow("any text stands") << u"douze"_s << false << u"douze"_s;
+        QTest::newRow("twice negative") << u"-3"_s << true << u"3"_s;
+        QTest::newRow("no number to negate") << u"sept"_s << true << QString();
     }
 
     void applyingWritesTheTables()
@@ -142,17 +145,17 @@ private Q_SLOTS:
             noDel()->click();
         QVERIFY(!apply()->isEnabled()); // the tick alone enables nothing
         box("txtCache")->setText(days);
-        box("txtMaj")->setText(QStringLiteral("quatre"));
-        box("txtUsername")->setText(QStringLiteral("x")); // credentials are never created
+        box("txtMaj")->setText(u"quatre"_s);
+        box("txtUsername")->setText(u"x"_s); // credentials are never created
         if (stored.isEmpty()) {
             QVERIFY_EXCEPTION_THROWN(m_form->handleApply(), RunTimeError);
             return;
         }
         apply()->click();
-        const QString key = QStringLiteral("3");
+        const QString key = u"3"_s;
         QCOMPARE(m_feeds->tables.updatecache.Item(key), stored);
-        QCOMPARE(m_feeds->tables.updatettl.Item(key), QStringLiteral("quatre"));
-        QCOMPARE(m_feeds->tables.havecache.Item(key), QStringLiteral("0"));
+        QCOMPARE(m_feeds->tables.updatettl.Item(key), u"quatre"_s);
+        QCOMPARE(m_feeds->tables.havecache.Item(key), u"0"_s);
         QCOMPARE(m_feeds->tables.usernames.Count() + m_feeds->tables.passwords.Count(), 0);
     }
 
@@ -160,30 +163,30 @@ private Q_SLOTS:
     {
         setCredentials();
         m_form->fillFrom();
-        auto *const tabs = m_form->findChild<TabControl *>(QStringLiteral("tstrProp"));
+        auto *const tabs = m_form->findChild<TabControl *>(u"tstrProp"_s);
         QCOMPARE(tabs->count(), 5);
-        QCOMPARE(tabs->tabKey(5), QStringLiteral("authentication"));
-        QCOMPARE(text("txtUsername"), QStringLiteral("moi"));
-        QCOMPARE(text("txtPassword"), QStringLiteral("secret"));
+        QCOMPARE(tabs->tabKey(5), u"authentication"_s);
+        QCOMPARE(text("txtUsername"), u"moi"_s);
+        QCOMPARE(text("txtPassword"), u"secret"_s);
         QCOMPARE(box("txtPassword")->echoMode(), QLineEdit::Password);
         QVERIFY(!apply()->isEnabled());
-        box("txtUsername")->setText(QStringLiteral("toi"));
-        box("txtPassword")->setText(QStringLiteral("é€"));
+        box("txtUsername")->setText(u"toi"_s);
+        box("txtPassword")->setText(u"é€"_s);
         apply()->click();
-        QCOMPARE(m_feeds->tables.usernames.Item(QStringLiteral("3")), QStringLiteral("toi"));
-        QString stored = m_feeds->tables.passwords.Item(QStringLiteral("3"));
-        QCOMPARE(m_feeds->cipher.DecryptString(stored, QStringLiteral("%%K9:Tm43"), true), QStringLiteral("é€"));
+        QCOMPARE(m_feeds->tables.usernames.Item(u"3"_s), u"toi"_s);
+        QString stored = m_feeds->tables.passwords.Item(u"3"_s);
+        QCOMPARE(m_feeds->cipher.DecryptString(stored, u"%%K9:Tm43"_s, true), u"é€"_s);
     }
 
     void applyingActsOnTheSelectedNodeWhateverItIs()
     {
-        m_feeds->subscribe(QStringLiteral("9"), QStringLiteral("http://feed/9"));
+        m_feeds->subscribe(u"9"_s, u"http://feed/9"_s);
         make(true);
         m_form->fillFrom();
-        box("txtMaj")->setText(QStringLiteral("5"));
+        box("txtMaj")->setText(u"5"_s);
         m_form->handleApply();
-        QCOMPARE(m_feeds->tables.updatettl.Item(QStringLiteral("9")), QStringLiteral("5"));
-        QCOMPARE(m_feeds->tables.updatettl.Item(QStringLiteral("3")), QStringLiteral("60"));
+        QCOMPARE(m_feeds->tables.updatettl.Item(u"9"_s), u"5"_s);
+        QCOMPARE(m_feeds->tables.updatettl.Item(u"3"_s), u"60"_s);
         m_feeds->selected = m_feeds->tree.root(); // a key that no table knows
         QVERIFY_EXCEPTION_THROWN(m_form->handleApply(), RunTimeError);
     }
@@ -194,17 +197,17 @@ private Q_SLOTS:
         m_form->show();
         QTest::keyClick(m_form.get(), Qt::Key_Escape);
         QVERIFY(m_form->isVisible());
-        box("txtMaj")->setText(QStringLiteral("5"));
+        box("txtMaj")->setText(u"5"_s);
         QTest::keyClick(box("txtMaj"), Qt::Key_Return);
         QVERIFY(!m_form->isVisible());
-        QCOMPARE(m_feeds->tables.updatettl.Item(QStringLiteral("3")), QStringLiteral("60"));
+        QCOMPARE(m_feeds->tables.updatettl.Item(u"3"_s), u"60"_s);
     }
 
 private:
     void make(bool openedByAddress = false)
     {
         m_form = std::make_unique<frmProprietes>(
-            &m_window, frmProprietes::Port{m_feed, openedByAddress, QStringLiteral("feed:http://typed/"),
+            &m_window, frmProprietes::Port{m_feed, openedByAddress, u"feed:http://typed/"_s,
                                            [this] { return m_feeds->selected; }, m_feeds->tables, m_feeds->cipher});
     }
     QLineEdit *box(const char *name) const { return m_form->findChild<QLineEdit *>(QString::fromLatin1(name)); }
@@ -213,16 +216,15 @@ private:
     {
         return m_form->findChild<QPlainTextEdit *>(QString::fromLatin1(name))->toPlainText();
     }
-    QCheckBox *noDel() const { return m_form->findChild<QCheckBox *>(QStringLiteral("chkNoDel")); }
-    QPushButton *apply() const { return m_form->findChild<QPushButton *>(QStringLiteral("cmdAppliquer")); }
+    QCheckBox *noDel() const { return m_form->findChild<QCheckBox *>(u"chkNoDel"_s); }
+    QPushButton *apply() const { return m_form->findChild<QPushButton *>(u"cmdAppliquer"_s); }
     QWidget *widget(const char *name) const { return m_form->findChild<QWidget *>(QString::fromLatin1(name)); }
-    void setRetention(const QString &days) const { m_feeds->tables.updatecache.Replace(QStringLiteral("3"), days); }
+    void setRetention(const QString &days) const { m_feeds->tables.updatecache.Replace(u"3"_s, days); }
     void setCredentials() const
     {
-        m_feeds->tables.usernames.Add(QStringLiteral("3"), QStringLiteral("moi"));
+        m_feeds->tables.usernames.Add(u"3"_s, u"moi"_s);
         m_feeds->tables.passwords.Add(
-            QStringLiteral("3"), m_feeds->cipher.EncryptString(QStringLiteral("secret"),
-                                                               FeedCatalogue::cipherKey(QStringLiteral("3")), true));
+            u"3"_s, m_feeds->cipher.EncryptString(u"secret"_s, FeedCatalogue::cipherKey(u"3"_s), true));
     }
 
     TemporaryDataDirectory m_data;

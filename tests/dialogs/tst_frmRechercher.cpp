@@ -1,4 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "dialogs/frmRechercher.h"
+#include "platform/Literals.h"
 
 #include <QComboBox>
 #include <QLineEdit>
@@ -65,48 +68,44 @@ private Q_SLOTS:
     void everyLanguageHasItsCode()
     {
         make(2);
-        auto *const languages = find<QComboBox>(QStringLiteral("cboLangue"));
+        auto *const languages = find<QComboBox>(u"cboLangue"_s);
         QStringList table;
         for (int i = 0; i < languages->count(); ++i) {
             languages->setCurrentIndex(i);
             table.append(languages->currentText() + u':' +
-                         m_form->searchUrl().section(QStringLiteral("&t=a"), 1).section(QStringLiteral("&o="), 0, 0));
+                         m_form->searchUrl().section(u"&t=a"_s, 1).section(u"&o="_s, 0, 0));
         }
-        QCOMPARE(table.join(u' '), QStringLiteral("Toutes les langues: English:&ln=en Français:&ln=fr Deutsch:&ln=de "
-                                                  "Nederlands:&ln=nl Svenska:&ln=sv Español:&ln=es Suomi:&ln=fi "
-                                                  "Norsk:&ln=no Português:&ln=pt Italiano:&ln=it"));
+        QCOMPARE(table.join(u' '), u"Toutes les langues: English:&ln=en Français:&ln=fr Deutsch:&ln=de "
+                                   "Nederlands:&ln=nl Svenska:&ln=sv Español:&ln=es Suomi:&ln=fi "
+                                   "Norsk:&ln=no Português:&ln=pt Italiano:&ln=it"_s);
     }
 
     void feedsOpenThroughTheAddressBoxWithoutCredentialsAndWebPagesInTheBrowserPane()
     {
         make(1);
-        auto *const words = find<QLineEdit>(QStringLiteral("txtRecherche_0"));
-        words->setText(QStringLiteral("x"));
+        auto *const words = find<QLineEdit>(u"txtRecherche_0"_s);
+        words->setText(u"x"_s);
         QTest::keyClick(words, Qt::Key_Return);
         QVERIFY(!m_form->isVisible());
         make(3);
-        find<QPushButton>(QStringLiteral("cmdRechercher"))->click();
+        find<QPushButton>(u"cmdRechercher"_s)->click();
         QVERIFY(!m_form->isVisible());
-        QCOMPARE(
-            m_log.join(u'\n'),
-            QStringLiteral("address http://f/search.php?hl=en&ie=UTF-8&q=x&sort=date&content=full&type=rss&limit=15\n"
-                           "[:]\nLoadFile\nnavigate http://s/feedlist.php?ShowStatus=all&ShowMatch="));
+        QCOMPARE(m_log.join(u'\n'),
+                 u"address http://f/search.php?hl=en&ie=UTF-8&q=x&sort=date&content=full&type=rss&limit=15\n"
+                 "[:]\nLoadFile\nnavigate http://s/feedlist.php?ShowStatus=all&ShowMatch="_s);
     }
 
 private:
     void make(int tab)
     {
-        const SearchEndpoints endpoints{QStringLiteral("http://f/"), QStringLiteral("http://d/"),
-                                        QStringLiteral("http://s/"), QStringLiteral("http://n/"),
-                                        QStringLiteral("http://b/")};
+        const SearchEndpoints endpoints{u"http://f/"_s, u"http://d/"_s, u"http://s/"_s, u"http://n/"_s, u"http://b/"_s};
         const auto note = [this](const char *verb) {
             return [this, verb](const QString &text) { m_log += QLatin1String(verb) + u' ' + text; };
         };
-        const frmRechercher::Port port{note("navigate"), note("address"),
-                                       [this](const QString &name, const QString &secret) {
-                                           m_log += QStringLiteral("[%1:%2]").arg(name, secret);
-                                       },
-                                       [this] { m_log += QStringLiteral("LoadFile"); }};
+        const frmRechercher::Port port{
+            note("navigate"), note("address"),
+            [this](const QString &name, const QString &secret) { m_log += u"[%1:%2]"_s.arg(name, secret); },
+            [this] { m_log += u"LoadFile"_s; }};
         m_form = std::make_unique<frmRechercher>(&m_window, port, endpoints, tab);
         m_form->show();
     }

@@ -1,5 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "core/AppSettings.h"
 #include "dialogs/frmSendMail.h"
+#include "platform/Literals.h"
 #include "platform/net/SmtpMail.h"
 #include "tests/fixtures/FakeMessages.h"
 #include "tests/fixtures/LocalSmtpServer.h"
@@ -19,17 +22,17 @@ private Q_SLOTS:
     {
         m_server = std::make_unique<LocalSmtpServer>();
         m_messages = std::make_unique<FakeMessages>();
-        m_settings.smtpServer = QStringLiteral("127.0.0.1");
+        m_settings.smtpServer = u"127.0.0.1"_s;
         m_settings.smtpPort = 1; // kept, but never handed over
-        m_settings.fromMail = QStringLiteral("moi@example.org");
-        m_settings.fromName = QStringLiteral("Moi");
+        m_settings.fromMail = u"moi@example.org"_s;
+        m_settings.fromName = u"Moi"_s;
         m_onWait = [](int) {};
         const auto make = [this](std::function<void()> keepAlive) {
             auto mail = std::make_unique<SmtpMail>(std::move(keepAlive));
             mail->setPort(m_server->port());
             return mail;
         };
-        const QString body = QStringLiteral("Titre\r\n\r\nT") + QChar(0) + QStringLiteral("exte\r\n");
+        const QString body = u"Titre\r\n\r\nT"_s + QChar(0) + u"exte\r\n"_s;
         m_form = std::make_unique<frmSendMail>(
             &m_window, m_settings, *m_messages, body, [this](int ms) { m_onWait(ms); }, make);
         m_form->show();
@@ -41,21 +44,21 @@ private Q_SLOTS:
     {
         button("cmdEnvoyer")->click();
         QCOMPARE(m_messages->shown.size(), 1U);
-        QCOMPARE(m_messages->shown[0].text, QStringLiteral("Veuillez spécifier l'email du destinataire"));
-        QCOMPARE(m_messages->shown[0].title, QStringLiteral("Attention"));
+        QCOMPARE(m_messages->shown[0].text, u"Veuillez spécifier l'email du destinataire"_s);
+        QCOMPARE(m_messages->shown[0].title, u"Attention"_s);
         QCOMPARE(m_messages->shown[0].icon, Message::Icon::Exclamation);
         QVERIFY(button("cmdEnvoyer")->isEnabled() && m_server->commands().isEmpty());
     }
 
     void aMailCarriesWhatTheDialogHoldsWhichClosesASecondLater()
     {
-        box("txtDestMail")->setText(QStringLiteral("toi@example.org"));
-        box("txtDestName")->setText(QStringLiteral("Toi"));
-        box("txtSujet")->setText(QStringLiteral("Une news"));
+        box("txtDestMail")->setText(u"toi@example.org"_s);
+        box("txtDestName")->setText(u"Toi"_s);
+        box("txtSujet")->setText(u"Une news"_s);
         int waited = 0;
         m_onWait = [&](int milliseconds) {
             waited = milliseconds;
-            QCOMPARE(state(), QStringLiteral("Envoi réussi"));
+            QCOMPARE(state(), u"Envoi réussi"_s);
             button("cmdAnnuler")->click();
             QTest::keyClick(m_form.get(), Qt::Key_Escape);
             QVERIFY(m_form->isVisible());
@@ -74,41 +77,41 @@ private Q_SLOTS:
     void aRefusalIsToldAndNothingTypedIsLost()
     {
         m_server->refuseAt(LocalSmtpServer::Step::RcptTo, "550 5.1.1 No such user");
-        box("txtDestMail")->setText(QStringLiteral("toi@example.org"));
-        box("txtSujet")->setText(QStringLiteral("S"));
+        box("txtDestMail")->setText(u"toi@example.org"_s);
+        box("txtSujet")->setText(u"S"_s);
         m_messages->onShow = [this](const Message &) {
-            QCOMPARE(state(), QStringLiteral("Connexion au serveur"));
+            QCOMPARE(state(), u"Connexion au serveur"_s);
             QVERIFY(!button("cmdEnvoyer")->isEnabled());
         };
         button("cmdEnvoyer")->click();
         QCOMPARE(m_messages->shown.size(), 1U);
         const Message &message = m_messages->shown[0];
-        QVERIFY(message.text.startsWith(QStringLiteral("Une erreur est survenue pendant l'envoi du mail :\n\n")));
-        QVERIFY2(message.text.contains(QStringLiteral("No such user")), qPrintable(message.text));
-        QCOMPARE(message.title, QStringLiteral("Erreur"));
+        QVERIFY(message.text.startsWith(u"Une erreur est survenue pendant l'envoi du mail :\n\n"_s));
+        QVERIFY2(message.text.contains(u"No such user"_s), qPrintable(message.text));
+        QCOMPARE(message.title, u"Erreur"_s);
         QCOMPARE(message.icon, Message::Icon::Critical);
         QVERIFY(m_form->isVisible() && button("cmdEnvoyer")->isEnabled());
         QCOMPARE(state(), QString());
-        QCOMPARE(box("txtSujet")->text(), QStringLiteral("S"));
+        QCOMPARE(box("txtSujet")->text(), u"S"_s);
     }
 
     void theConnectionCanBeToldApart()
     {
         m_form->showConnectionState(true);
-        QCOMPARE(state(), QStringLiteral("Envoi du message en cours ..."));
+        QCOMPARE(state(), u"Envoi du message en cours ..."_s);
         m_form->showConnectionState(false);
         QCOMPARE(m_messages->shown.at(0).text,
-                 QStringLiteral("L'envoi du message a échoué, la connexion avec le serveur est impossible !"));
-        QCOMPARE(m_messages->shown.at(0).title, QStringLiteral("Connexion impossible"));
+                 u"L'envoi du message a échoué, la connexion avec le serveur est impossible !"_s);
+        QCOMPARE(m_messages->shown.at(0).title, u"Connexion impossible"_s);
         QCOMPARE(state(), QString());
     }
 
     void enterInABoxSendsNothing()
     {
-        box("txtDestMail")->setText(QStringLiteral("toi@example.org"));
+        box("txtDestMail")->setText(u"toi@example.org"_s);
         QTest::keyClick(box("txtDestMail"), Qt::Key_Return);
         QVERIFY(m_server->commands().isEmpty() && m_form->isVisible());
-        m_form->findChild<QPlainTextEdit *>(QStringLiteral("txtContent"))->setFocus();
+        m_form->findChild<QPlainTextEdit *>(u"txtContent"_s)->setFocus();
         QTest::keyClick(m_form.get(), Qt::Key_Escape);
         QVERIFY(!m_form->isVisible());
     }
@@ -116,7 +119,7 @@ private Q_SLOTS:
 private:
     QLineEdit *box(const char *name) const { return m_form->findChild<QLineEdit *>(QString::fromLatin1(name)); }
     QPushButton *button(const char *name) const { return m_form->findChild<QPushButton *>(QString::fromLatin1(name)); }
-    QString state() const { return m_form->findChild<QLabel *>(QStringLiteral("lblEtat"))->text(); }
+    QString state() const { return m_form->findChild<QLabel *>(u"lblEtat"_s)->text(); }
 
     std::unique_ptr<LocalSmtpServer> m_server;
     QWidget m_window;

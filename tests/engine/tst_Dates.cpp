@@ -1,4 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "engine/Dates.h"
+#include "platform/Literals.h"
 #include "platform/RunTimeError.h"
 
 #include <QTest>
@@ -17,9 +20,9 @@ QString outcome(const std::function<QDateTime()> &action)
 {
     try {
         const QDateTime date = action();
-        return date.date().toString(Qt::ISODate) + date.time().toString(u" HH:mm:ss"_qs);
+        return date.date().toString(Qt::ISODate) + date.time().toString(u" HH:mm:ss"_s);
     } catch (const RunTimeError &error) {
-        return u"error %1"_qs.arg(error.number());
+        return u"error %1"_s.arg(error.number());
     }
 }
 

@@ -1,5 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "engine/ItemStore.h"
 #include "platform/DateText.h"
+#include "platform/Literals.h"
 #include "platform/Numbers.h"
 #include "platform/RunTimeError.h"
 #include "tests/fixtures/FeedTexts.h"
@@ -28,7 +31,7 @@ qint16 mergeByTheRules(const CachedFeed &fresh, CachedFeed &store, const QString
         for (qint16 i = 0; i < count; ++i)
             if (cache >= 0 && DateText::fromText(store.ItemDownloadDate(i)).date().daysTo(today) > cache)
                 store.DeleteItem(i);
-        havecache = u"1"_qs;
+        havecache = u"1"_s;
     }
     const qint16 count = store.ItemCount();
     for (qint16 i = 0; i < count; ++i)
@@ -62,16 +65,16 @@ private Q_SLOTS:
             [&random](int count) { // few of them, so that many meet; some differ by case, some are empty
                 QStringList result;
                 for (int i = 0; i < count; ++i)
-                    result.append(QStringList{u"a"_qs, u"A"_qs, QString()}[random.bounded(3)] +
+                    result.append(QStringList{u"a"_s, u"A"_s, QString()}[random.bounded(3)] +
                                   QString::number(random.bounded(12)).remove(u'1'));
                 return result;
             };
         CachedFeed stores[2] = {CachedFeed(m_clock), CachedFeed(m_clock)};
-        const QByteArray first = FeedTexts::rss(u"T"_qs, randomTitles(random.bounded(10)));
-        load(stores[0], u"a.xml"_qs, first);
-        load(stores[1], u"b.xml"_qs, first);
+        const QByteArray first = FeedTexts::rss(u"T"_s, randomTitles(random.bounded(10)));
+        load(stores[0], u"a.xml"_s, first);
+        load(stores[1], u"b.xml"_s, first);
         const QString cache = QString::number(random.bounded(-2, 4));
-        QString have[2] = {u"0"_qs, u"0"_qs};
+        QString have[2] = {u"0"_s, u"0"_s};
         for (int round = 0; round < 5; ++round) {
             m_now = m_now.addDays(random.bounded(3));
             for (int i = 0; i < stores[0].ItemCount(); ++i)
@@ -80,33 +83,33 @@ private Q_SLOTS:
                     stores[1].DeleteItem(static_cast<qint16>(i));
                 }
             CachedFeed fresh(m_clock);
-            load(fresh, u"f.xml"_qs, FeedTexts::rss(u"T"_qs, randomTitles(random.bounded(15))));
+            load(fresh, u"f.xml"_s, FeedTexts::rss(u"T"_s, randomTitles(random.bounded(15))));
             const qint16 added = ItemStore::merge(fresh, stores[0], cache, have[0], m_now.date());
             QCOMPARE(added, mergeByTheRules(fresh, stores[1], cache, have[1], m_now.date()));
-            QCOMPARE(have[0], u"1"_qs);
-            QCOMPARE(m_folder->read(u"a.xml"_qs), m_folder->read(u"b.xml"_qs));
+            QCOMPARE(have[0], u"1"_s);
+            QCOMPARE(m_folder->read(u"a.xml"_s), m_folder->read(u"b.xml"_s));
             if (random.bounded(2) == 0) { // a new run
-                have[0] = have[1] = u"0"_qs;
-                QCOMPARE(stores[0].Load(m_folder->file(u"a.xml"_qs)), LoadOk);
-                QCOMPARE(stores[1].Load(m_folder->file(u"b.xml"_qs)), LoadOk);
+                have[0] = have[1] = u"0"_s;
+                QCOMPARE(stores[0].Load(m_folder->file(u"a.xml"_s)), LoadOk);
+                QCOMPARE(stores[1].Load(m_folder->file(u"b.xml"_s)), LoadOk);
             }
         }
     }
 
     void titlesThatMovePastTheLastIndexAreNoLongerSeen()
     {
-        const QByteArray full = FeedTexts::rss(u"T"_qs, FeedTexts::titles(u"old"_qs, 0, 32766));
-        const QString some = u"old32765 new1 old32765 new2 old32765 old32764 old32765 old5"_qs;
+        const QByteArray full = FeedTexts::rss(u"T"_s, FeedTexts::titles(u"old"_s, 0, 32766));
+        const QString some = u"old32765 new1 old32765 new2 old32765 old32764 old32765 old5"_s;
         CachedFeed fresh(m_clock);
-        load(fresh, u"f.xml"_qs, FeedTexts::rss(u"T"_qs, some.split(u' ')));
+        load(fresh, u"f.xml"_s, FeedTexts::rss(u"T"_s, some.split(u' ')));
         CachedFeed store(m_clock);
-        load(store, u"a.xml"_qs, full);
-        QString have = u"1"_qs;
-        const qint16 added = ItemStore::merge(fresh, store, u"-7"_qs, have, m_now.date());
-        load(store, u"b.xml"_qs, full);
-        QCOMPARE(added, mergeByTheRules(fresh, store, u"-7"_qs, have, m_now.date()));
-        QCOMPARE(m_folder->read(u"a.xml"_qs), m_folder->read(u"b.xml"_qs));
-        QVERIFY(m_folder->read(u"a.xml"_qs).count("<item") > 32767); // what isn't offered is kept
+        load(store, u"a.xml"_s, full);
+        QString have = u"1"_s;
+        const qint16 added = ItemStore::merge(fresh, store, u"-7"_s, have, m_now.date());
+        load(store, u"b.xml"_s, full);
+        QCOMPARE(added, mergeByTheRules(fresh, store, u"-7"_s, have, m_now.date()));
+        QCOMPARE(m_folder->read(u"a.xml"_s), m_folder->read(u"b.xml"_s));
+        QVERIFY(m_folder->read(u"a.xml"_s).count("<item") > 32767); // what isn't offered is kept
         QCOMPARE(store.ItemCount(), qint16(32767));
     }
 
@@ -114,19 +117,19 @@ private Q_SLOTS:
     {
         CachedFeed store(m_clock);
         CachedFeed fresh(m_clock);
-        const QByteArray both = FeedTexts::rss(u"T"_qs, {u"a"_qs, u"b"_qs});
-        load(store, u"s.xml"_qs, both);
+        const QByteArray both = FeedTexts::rss(u"T"_s, {u"a"_s, u"b"_s});
+        load(store, u"s.xml"_s, both);
         store.DeleteItem(0);
-        QString have = u"1"_qs;
-        load(fresh, u"f.xml"_qs, both);
-        QCOMPARE(ItemStore::merge(fresh, store, u"-7"_qs, have, m_now.date()), qint16(0));
-        QCOMPARE(titles(u"s.xml"_qs), (QStringList{u"a*"_qs, u"b"_qs}));
-        load(fresh, u"f.xml"_qs, FeedTexts::rss(u"T"_qs, {u"b"_qs}));
-        ItemStore::merge(fresh, store, u"-7"_qs, have, m_now.date());
-        QCOMPARE(titles(u"s.xml"_qs), QStringList{u"b"_qs});
-        load(fresh, u"f.xml"_qs, both);
-        QCOMPARE(ItemStore::merge(fresh, store, u"-7"_qs, have, m_now.date()), qint16(1));
-        QCOMPARE(titles(u"s.xml"_qs), (QStringList{u"a"_qs, u"b"_qs}));
+        QString have = u"1"_s;
+        load(fresh, u"f.xml"_s, both);
+        QCOMPARE(ItemStore::merge(fresh, store, u"-7"_s, have, m_now.date()), qint16(0));
+        QCOMPARE(titles(u"s.xml"_s), (QStringList{u"a*"_s, u"b"_s}));
+        load(fresh, u"f.xml"_s, FeedTexts::rss(u"T"_s, {u"b"_s}));
+        ItemStore::merge(fresh, store, u"-7"_s, have, m_now.date());
+        QCOMPARE(titles(u"s.xml"_s), QStringList{u"b"_s});
+        load(fresh, u"f.xml"_s, both);
+        QCOMPARE(ItemStore::merge(fresh, store, u"-7"_s, have, m_now.date()), qint16(1));
+        QCOMPARE(titles(u"s.xml"_s), (QStringList{u"a"_s, u"b"_s}));
     }
 
     void itemsAgeOutOnceARun_data()
@@ -135,13 +138,13 @@ private Q_SLOTS:
         QTest::addColumn<int>("daysLater");
         QTest::addColumn<QString>("havecache");
         QTest::addColumn<bool>("stays");
-        const QString no = u"0"_qs;
-        QTest::newRow("as old as allowed") << u"2"_qs << 2 << no << true;
-        QTest::newRow("a day older") << u"2"_qs << 3 << no << false;
-        QTest::newRow("a day older, but looked at before") << u"2"_qs << 3 << u"1"_qs << true;
-        QTest::newRow("never") << u"-7"_qs << 4000 << no << true;
-        QTest::newRow("only today") << u"0"_qs << 1 << no << false;
-        QTest::newRow("of today") << u"0"_qs << 0 << no << true;
+        const QString no = u"0"_s;
+        QTest::newRow("as old as allowed") << u"2"_s << 2 << no << true;
+        QTest::newRow("a day older") << u"2"_s << 3 << no << false;
+        QTest::newRow("a day older, but looked at before") << u"2"_s << 3 << u"1"_s << true;
+        QTest::newRow("never") << u"-7"_s << 4000 << no << true;
+        QTest::newRow("only today") << u"0"_s << 1 << no << false;
+        QTest::newRow("of today") << u"0"_s << 0 << no << true;
     }
 
     void itemsAgeOutOnceARun()
@@ -152,30 +155,30 @@ private Q_SLOTS:
         QFETCH(bool, stays);
         CachedFeed store(m_clock);
         CachedFeed fresh(m_clock);
-        const QString listed = u"listed"_qs;
-        load(store, u"s.xml"_qs, FeedTexts::rss(u"T"_qs, {}));
-        load(fresh, u"f.xml"_qs, FeedTexts::rss(u"T"_qs, {u"dropped"_qs, listed}));
-        QString have = u"1"_qs;
+        const QString listed = u"listed"_s;
+        load(store, u"s.xml"_s, FeedTexts::rss(u"T"_s, {}));
+        load(fresh, u"f.xml"_s, FeedTexts::rss(u"T"_s, {u"dropped"_s, listed}));
+        QString have = u"1"_s;
         m_now = QDateTime(QDate(2004, 7, 1), QTime(23, 59));
         ItemStore::merge(fresh, store, cache, have, m_now.date());
-        load(fresh, u"f.xml"_qs, FeedTexts::rss(u"T"_qs, {listed}));
+        load(fresh, u"f.xml"_s, FeedTexts::rss(u"T"_s, {listed}));
         ItemStore::merge(fresh, store, cache, havecache, m_now.date().addDays(daysLater));
-        QCOMPARE(titles(u"s.xml"_qs), stays ? (QStringList{u"dropped"_qs, listed}) : QStringList{u"listed*"_qs});
+        QCOMPARE(titles(u"s.xml"_s), stays ? (QStringList{u"dropped"_s, listed}) : QStringList{u"listed*"_s});
     }
 
     void aRetentionThatIsNoNumberRaisesAnError()
     {
         CachedFeed store(m_clock);
         CachedFeed fresh(m_clock);
-        const QByteArray before = FeedTexts::rss(u"T"_qs, {u"a"_qs});
-        load(store, u"s.xml"_qs, before);
-        load(fresh, u"f.xml"_qs, before);
+        const QByteArray before = FeedTexts::rss(u"T"_s, {u"a"_s});
+        load(store, u"s.xml"_s, before);
+        load(fresh, u"f.xml"_s, before);
         for (const char *cache : {"", "x", "32768"}) {
-            QString have = u"0"_qs;
+            QString have = u"0"_s;
             QVERIFY_EXCEPTION_THROWN(ItemStore::merge(fresh, store, QLatin1String(cache), have, m_now.date()),
                                      RunTimeError);
         }
-        QCOMPARE(m_folder->read(u"s.xml"_qs), before);
+        QCOMPARE(m_folder->read(u"s.xml"_s), before);
     }
 
     /// The cache file of a new feed is the document as the server sent it, with whatever stands in it.
@@ -183,15 +186,15 @@ private Q_SLOTS:
     {
         for (const char *forged : {"", "x", "9999-12-31T23:59:59Z", "0000-00-00T00:00:00Z", "0001-01-01T00:00:00Z",
                                    "-4712-01-01T00:00:00Z", "292278994-01-01T00:00:00Z", "2004-03-28T02:30:00"}) {
-            QByteArray text = FeedTexts::rss(u"T"_qs, {u"a"_qs});
+            QByteArray text = FeedTexts::rss(u"T"_s, {u"a"_s});
             text.replace("<item>",
                          QByteArray("<item xmlns:q=\"urn:quillwire:marks\" q:downloaded=\"@\">").replace("@", forged));
             CachedFeed store(m_clock);
             CachedFeed fresh(m_clock);
-            load(store, u"s.xml"_qs, text);
-            load(fresh, u"f.xml"_qs, text);
-            QString have = u"0"_qs;
-            QCOMPARE(ItemStore::merge(fresh, store, u"7"_qs, have, m_now.date()), qint16(0));
+            load(store, u"s.xml"_s, text);
+            load(fresh, u"f.xml"_s, text);
+            QString have = u"0"_s;
+            QCOMPARE(ItemStore::merge(fresh, store, u"7"_s, have, m_now.date()), qint16(0));
             QVERIFY2(DateText::isDate(store.ItemDownloadDate(0)), forged);
         }
     }
@@ -214,7 +217,7 @@ private:
         feed.Load(m_folder->file(name));
         QStringList result;
         for (qint16 i = 0; i < feed.ItemCount(); ++i)
-            result.append(feed.ItemTitle(i) + (feed.IsItemDeleted(i) ? u"*"_qs : QString()));
+            result.append(feed.ItemTitle(i) + (feed.IsItemDeleted(i) ? u"*"_s : QString()));
         return result;
     }
 

@@ -1,6 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "core/FeedCatalogue.h"
 #include "core/FeedTreeState.h"
 #include "engine/ItemStore.h"
+#include "platform/Literals.h"
 #include "platform/xml/XmlDocument.h"
 #include "support/clsDES.h"
 #include "tests/fixtures/FeedTexts.h"
@@ -20,7 +23,7 @@ constexpr int feedCount = 4;
 
 QString item(int number)
 {
-    return u"item%1"_qs.arg(number);
+    return u"item%1"_s.arg(number);
 }
 
 /// Updates the feeds in turn and writes the catalogue in between, for ever. After each step the number of the last item
@@ -34,15 +37,15 @@ QString item(int number)
     FeedCatalogue catalogue(directory, tree, state, cipher, Waiting::systemClock());
     catalogue.loadCatalogue();
     for (int number = from;; ++number) {
-        Files::write(directory.file(u"tmpupd.xml"_qs), FeedTexts::rss(u"T"_qs, {item(number)}));
+        Files::write(directory.file(u"tmpupd.xml"_s), FeedTexts::rss(u"T"_s, {item(number)}));
         for (int key = 1; key <= feedCount; ++key) {
             CachedFeed fresh;
             CachedFeed store;
-            if (fresh.Load(directory.file(u"tmpupd.xml"_qs)) != LoadOk ||
+            if (fresh.Load(directory.file(u"tmpupd.xml"_s)) != LoadOk ||
                 store.Load(directory.cacheFile(QString::number(key))) != LoadOk)
                 _Exit(1);
-            QString havecache = u"0"_qs;
-            ItemStore::merge(fresh, store, u"-7"_qs, havecache, QDate::currentDate());
+            QString havecache = u"0"_s;
+            ItemStore::merge(fresh, store, u"-7"_s, havecache, QDate::currentDate());
         }
         if (number % 4 == 0)
             catalogue.createFolder(tree.root(), item(number));
@@ -63,17 +66,17 @@ private Q_SLOTS:
     void aKilledProcessLosesNothing()
     {
         const TemporaryDataDirectory folder;
-        folder.write(u"feeds.xml"_qs, "<favoris/>");
-        QStringList old = FeedTexts::titles(u"old"_qs, 0, 200);
+        folder.write(u"feeds.xml"_s, "<favoris/>");
+        QStringList old = FeedTexts::titles(u"old"_s, 0, 200);
         {
-            folder.write(u"tmp.xml"_qs, FeedTexts::rss(u"T"_qs, old));
+            folder.write(u"tmp.xml"_s, FeedTexts::rss(u"T"_s, old));
             FeedTree tree;
             FeedTreeState state(tree);
             clsDES cipher;
             FeedCatalogue catalogue(folder.directory(), tree, state, cipher, Waiting::systemClock());
             catalogue.loadCatalogue();
             for (int key = 1; key <= feedCount; ++key)
-                catalogue.addFeed({u"T"_qs, {}, u"http://example.org/"_qs, {}, {}});
+                catalogue.addFeed({u"T"_s, {}, u"http://example.org/"_s, {}, {}});
         }
         bool set = false;
         const int given = qEnvironmentVariableIntValue("QUILLWIRE_KILLS", &set);
@@ -82,7 +85,7 @@ private Q_SLOTS:
         for (int kill = 0; kill < kills; ++kill) {
             QProcess child;
             child.start(QCoreApplication::applicationFilePath(),
-                        {u"--update-for-ever"_qs, folder.directory().path(), QString::number(safe + 1)});
+                        {u"--update-for-ever"_s, folder.directory().path(), QString::number(safe + 1)});
             QVERIFY(child.waitForReadyRead(20000));
             QThread::usleep(QRandomGenerator::global()->bounded(30000U));
             child.kill();
@@ -104,10 +107,10 @@ private Q_SLOTS:
                     QVERIFY2(titles.contains(title), qPrintable(title));
             }
             XmlDocument catalogue;
-            QCOMPARE(catalogue.load(folder.file(u"feeds.xml"_qs)), XmlDocument::LoadResult::Loaded);
-            const XmlNode favoris = catalogue.selectSingleNode(u"favoris"_qs);
-            QCOMPARE(favoris.selectNodes(u"feed"_qs).size(), std::size_t(feedCount));
-            QVERIFY(favoris.selectNodes(u"dir"_qs).size() >= static_cast<std::size_t>(safe / 4));
+            QCOMPARE(catalogue.load(folder.file(u"feeds.xml"_s)), XmlDocument::LoadResult::Loaded);
+            const XmlNode favoris = catalogue.selectSingleNode(u"favoris"_s);
+            QCOMPARE(favoris.selectNodes(u"feed"_s).size(), std::size_t(feedCount));
+            QVERIFY(favoris.selectNodes(u"dir"_s).size() >= static_cast<std::size_t>(safe / 4));
         }
         qInfo("%d kills, %d updates", kills, safe);
     }

@@ -1,6 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "core/FeedCatalogue.h"
 #include "core/FeedTreeState.h"
 #include "engine/UpdateScheduler.h"
+#include "platform/Literals.h"
 #include "platform/RunTimeError.h"
 #include "support/clsDES.h"
 #include "tests/fixtures/FakeDownloader.h"
@@ -21,7 +24,7 @@ private Q_SLOTS:
         m_scheduler.reset();
         m_catalogue.reset();
         m_folder = std::make_unique<TemporaryDataDirectory>();
-        m_folder->write(u"feeds.xml"_qs, "<favoris/>");
+        m_folder->write(u"feeds.xml"_s, "<favoris/>");
         m_downloader = std::make_unique<FakeDownloader>();
         m_tree = std::make_unique<FeedTree>();
         m_state = std::make_unique<FeedTreeState>(*m_tree);
@@ -46,40 +49,39 @@ private Q_SLOTS:
         const auto note = [this](const QString &text) { return [this, text] { m_said.append(text); }; };
         const UpdateScheduler *scheduler = m_scheduler.get();
         connect(scheduler, &UpdateScheduler::began, this,
-                [this](const FeedNodePtr &n) { m_said.append(u"began "_qs + n->text()); });
-        connect(scheduler, &UpdateScheduler::fetchBegan, this, note(u"fetch"_qs));
-        connect(scheduler, &UpdateScheduler::fetchEnded, this, note(u"fetched"_qs));
-        connect(scheduler, &UpdateScheduler::newItemsFound, this, [this](const QString &title, qint16 count) {
-            m_said.append(u"found %1: %2"_qs.arg(title).arg(count));
-        });
+                [this](const FeedNodePtr &n) { m_said.append(u"began "_s + n->text()); });
+        connect(scheduler, &UpdateScheduler::fetchBegan, this, note(u"fetch"_s));
+        connect(scheduler, &UpdateScheduler::fetchEnded, this, note(u"fetched"_s));
+        connect(scheduler, &UpdateScheduler::newItemsFound, this,
+                [this](const QString &title, qint16 count) { m_said.append(u"found %1: %2"_s.arg(title).arg(count)); });
         connect(scheduler, &UpdateScheduler::feedOnShowReloaded, this, [this](qint16 newItems) {
             QVERIFY(m_scheduler->updateRunning());
-            m_said.append(u"reloaded %1"_qs.arg(newItems));
+            m_said.append(u"reloaded %1"_s.arg(newItems));
         });
         connect(scheduler, &UpdateScheduler::ended, this, [this](const FeedNodePtr &n, qint16 newItems) {
-            m_said.append(u"ended %1: %2"_qs.arg(n->text()).arg(newItems));
+            m_said.append(u"ended %1: %2"_s.arg(n->text()).arg(newItems));
         });
-        connect(scheduler, &UpdateScheduler::allBegan, this, note(u"all began"_qs));
-        connect(scheduler, &UpdateScheduler::allEnded, this, note(u"all ended"_qs));
+        connect(scheduler, &UpdateScheduler::allBegan, this, note(u"all began"_s));
+        connect(scheduler, &UpdateScheduler::allEnded, this, note(u"all ended"_s));
     }
 
     void anUpdateMergesAnnouncesAndReports()
     {
-        addFeed(1, {u"a"_qs});
+        addFeed(1, {u"a"_s});
         m_state->select(nullptr);
         m_scheduler->updateFeed(node(1));
         QCOMPARE(node(1)->selectedImage(), NodeImage::FeedUpdating);
         QVERIFY(m_scheduler->updateRunning());
         m_now = m_now.addSecs(300);
-        serve(1, {u"b"_qs, u"a"_qs, u"c"_qs});
+        serve(1, {u"b"_s, u"a"_s, u"c"_s});
         m_downloader->answer();
         QCOMPARE(node(1)->selectedImage(), NodeImage::Feed);
         QVERIFY(!m_scheduler->updateRunning());
         QCOMPARE(storedItems(1), qint16(3));
-        QCOMPARE(m_said, (QStringList{u"began Feed 1"_qs, u"fetch"_qs, u"fetched"_qs, u"found Feed 1: 2"_qs,
-                                      u"ended Feed 1: 2"_qs}));
-        QCOMPARE(m_catalogue->tables.updatedate.Item(u"1"_qs).date(), m_now);
-        QCOMPARE(m_catalogue->tables.havecache.Item(u"1"_qs), u"1"_qs);
+        QCOMPARE(m_said, (QStringList{u"began Feed 1"_s, u"fetch"_s, u"fetched"_s, u"found Feed 1: 2"_s,
+                                      u"ended Feed 1: 2"_s}));
+        QCOMPARE(m_catalogue->tables.updatedate.Item(u"1"_s).date(), m_now);
+        QCOMPARE(m_catalogue->tables.havecache.Item(u"1"_s), u"1"_s);
     }
 
     void anUpdateThatCannotBeginReturnsWithoutAWord()
@@ -96,7 +98,7 @@ private Q_SLOTS:
         m_scheduler->updateFeed(node(1));
         m_scheduler->updateFeed(node(2)); // one is in flight
         QCOMPARE(m_downloader->requests.size(), std::size_t(1));
-        QCOMPARE(m_said, (QStringList{u"began Feed 1"_qs, u"fetch"_qs}));
+        QCOMPARE(m_said, (QStringList{u"began Feed 1"_s, u"fetch"_s}));
         QCOMPARE(node(2)->image(), NodeImage::Feed);
     }
 
@@ -114,32 +116,32 @@ private Q_SLOTS:
     {
         QFETCH(int, status);
         QFETCH(QByteArray, body);
-        addFeed(1, {u"a"_qs});
-        const QByteArray cache = m_folder->read(u"feeds/1.xml"_qs);
+        addFeed(1, {u"a"_s});
+        const QByteArray cache = m_folder->read(u"feeds/1.xml"_s);
         m_scheduler->updateFeed(node(1));
         m_now = m_now.addSecs(120);
         m_downloader->finish(status, body);
         QCOMPARE(node(1)->image(), NodeImage::Feed);
         QVERIFY(!m_scheduler->updateRunning());
-        QCOMPARE(m_said.mid(2), (QStringList{u"fetched"_qs, u"ended Feed 1: 0"_qs}));
-        QCOMPARE(m_catalogue->tables.updatedate.Item(u"1"_qs).date(), m_now);
-        QCOMPARE(m_catalogue->tables.havecache.Item(u"1"_qs), u"0"_qs);
-        QCOMPARE(m_folder->read(u"feeds/1.xml"_qs), cache);
+        QCOMPARE(m_said.mid(2), (QStringList{u"fetched"_s, u"ended Feed 1: 0"_s}));
+        QCOMPARE(m_catalogue->tables.updatedate.Item(u"1"_s).date(), m_now);
+        QCOMPARE(m_catalogue->tables.havecache.Item(u"1"_s), u"0"_s);
+        QCOMPARE(m_folder->read(u"feeds/1.xml"_s), cache);
     }
 
     void aFeedWithoutItsCacheFileHangsTheUpdates()
     {
         addFeed(1, {});
         addFeed(2, {});
-        m_folder->write(u"feeds/1.xml"_qs, "<rss");
+        m_folder->write(u"feeds/1.xml"_s, "<rss");
         const QDateTime before = m_now;
         m_scheduler->updateFeed(node(1));
         m_now = m_now.addSecs(60);
         m_downloader->answer();
         QVERIFY(m_scheduler->updateRunning());
-        QCOMPARE(m_said.back(), u"fetched"_qs);
+        QCOMPARE(m_said.back(), u"fetched"_s);
         QCOMPARE(node(1)->image(), NodeImage::FeedUpdating);
-        QCOMPARE(m_catalogue->tables.updatedate.Item(u"1"_qs).date(), before);
+        QCOMPARE(m_catalogue->tables.updatedate.Item(u"1"_s).date(), before);
         m_scheduler->updateFeed(node(2));
         QCOMPARE(m_downloader->requests.size(), std::size_t(1));
         m_duringWait = [this] { // the scan waits for ever; here until the window closes
@@ -149,19 +151,19 @@ private Q_SLOTS:
         m_now = m_now.addSecs(7200);
         m_scheduler->handleUpdateTick();
         QCOMPARE(m_waits, 1000);
-        QCOMPARE(m_folder->read(u"feeds/1.xml"_qs), QByteArray("<rss"));
+        QCOMPARE(m_folder->read(u"feeds/1.xml"_s), QByteArray("<rss"));
     }
 
     void storedCredentialsAreDecipheredAndFeedAddressesResolved()
     {
         addFeed(1, {});
-        node(1)->tag = u"feed://example.org/feed://"_qs;
-        m_catalogue->tables.usernames.Add(u"1"_qs, u"user"_qs);
-        m_catalogue->tables.passwords.Add(u"1"_qs, m_cipher.EncryptString(u"pässword"_qs, u"%%K9:Tm411"_qs, true));
+        node(1)->tag = u"feed://example.org/feed://"_s;
+        m_catalogue->tables.usernames.Add(u"1"_s, u"user"_s);
+        m_catalogue->tables.passwords.Add(u"1"_s, m_cipher.EncryptString(u"pässword"_s, u"%%K9:Tm411"_s, true));
         m_scheduler->updateFeed(node(1));
-        QCOMPARE(m_downloader->requests[0].url, u"http://example.org/feed://"_qs);
-        QCOMPARE(m_downloader->requests[0].username, u"user"_qs);
-        QCOMPARE(m_downloader->requests[0].password, u"pässword"_qs);
+        QCOMPARE(m_downloader->requests[0].url, u"http://example.org/feed://"_s);
+        QCOMPARE(m_downloader->requests[0].username, u"user"_s);
+        QCOMPARE(m_downloader->requests[0].password, u"pässword"_s);
     }
 
     void theFeedOnShowIsSavedAndReloaded_data()
@@ -174,18 +176,18 @@ private Q_SLOTS:
     void theFeedOnShowIsSavedAndReloaded()
     {
         QFETCH(bool, addressFeedShown);
-        addFeed(1, FeedTexts::titles(u"i"_qs, 0, 7));
+        addFeed(1, FeedTexts::titles(u"i"_s, 0, 7));
         m_state->select(node(1));
-        QCOMPARE(m_current->document->Load(m_folder->cacheFile(u"1"_qs)), LoadOk);
+        QCOMPARE(m_current->document->Load(m_folder->cacheFile(u"1"_s)), LoadOk);
         m_current->addressFeedShown = addressFeedShown;
         m_current->document->SetItemRead(0, true);
-        serve(1, FeedTexts::titles(u"new"_qs, 0, 3));
+        serve(1, FeedTexts::titles(u"new"_s, 0, 3));
         m_scheduler->updateFeed(node(1));
         m_downloader->answer();
-        QCOMPARE(m_said.filter(u"reloaded"_qs), addressFeedShown ? QStringList() : QStringList{u"reloaded 3"_qs});
+        QCOMPARE(m_said.filter(u"reloaded"_s), addressFeedShown ? QStringList() : QStringList{u"reloaded 3"_s});
         QCOMPARE(m_current->document->ItemCount(), qint16(addressFeedShown ? 7 : 10));
         CachedFeed stored;
-        QCOMPARE(stored.Load(m_folder->cacheFile(u"1"_qs)), LoadOk);
+        QCOMPARE(stored.Load(m_folder->cacheFile(u"1"_s)), LoadOk);
         QCOMPARE(stored.IsItemRead(3), !addressFeedShown);
     }
 
@@ -199,11 +201,11 @@ private Q_SLOTS:
         setUpdated(2, m_now.addSecs(-3600 - 60)); // 61
         setUpdated(3, m_now.addSecs(-59));        // none
         m_scheduler->handleUpdateTick();
-        QCOMPARE(fetched(), QStringList{u"2"_qs});
+        QCOMPARE(fetched(), QStringList{u"2"_s});
         QCOMPARE(m_waits, 2); // one before the update, one for it
         m_now = QDateTime(QDate(2004, 7, 1), QTime(14, 2));
         m_scheduler->handleUpdateTick();
-        QCOMPARE(fetched(), (QStringList{u"2"_qs, u"1"_qs, u"3"_qs}));
+        QCOMPARE(fetched(), (QStringList{u"2"_s, u"1"_s, u"3"_s}));
     }
 
     void numbersPastSixteenBitsRaiseAnError()
@@ -224,18 +226,18 @@ private Q_SLOTS:
         setUpdated(1, m_now.addYears(50));
         QCOMPARE(errorOfTick(), RunTimeError::overflow().number());
         setUpdated(1, m_now);
-        m_catalogue->tables.updatettl.Replace(u"1"_qs, u"32768"_qs);
+        m_catalogue->tables.updatettl.Replace(u"1"_s, u"32768"_s);
         QCOMPARE(errorOfTick(), RunTimeError::overflow().number());
-        m_catalogue->tables.updatettl.Replace(u"1"_qs, u"often"_qs);
+        m_catalogue->tables.updatettl.Replace(u"1"_s, u"often"_s);
         QCOMPARE(errorOfTick(), RunTimeError::typeMismatch().number());
-        m_catalogue->tables.updatedate.Replace(u"1"_qs, UpdateDate(u"yesterday"_qs));
+        m_catalogue->tables.updatedate.Replace(u"1"_s, UpdateDate(u"yesterday"_s));
         QCOMPARE(errorOfTick(), RunTimeError::typeMismatch().number());
     }
 
     void allFeedsAreTakenInTheOrderOfTheTree()
     {
-        m_catalogue->createFolder(m_tree->root(), u"D"_qs); // 1
-        m_catalogue->createFolder(node(1), u"E"_qs);        // 2
+        m_catalogue->createFolder(m_tree->root(), u"D"_s); // 1
+        m_catalogue->createFolder(node(1), u"E"_s);        // 2
         addFeed(3, {});
         m_state->select(node(2));
         addFeed(4, {});
@@ -250,16 +252,16 @@ private Q_SLOTS:
             m_downloader->answer();
         };
         m_scheduler->updateAllFeeds();
-        QCOMPARE(fetched(), (QStringList{u"4"_qs, u"5"_qs, u"3"_qs}));
+        QCOMPARE(fetched(), (QStringList{u"4"_s, u"5"_s, u"3"_s}));
         QCOMPARE(m_waits, 5 + 3); // one before each child, one for each update
         QVERIFY(!m_scheduler->updateAllRunning());
-        QCOMPARE(m_said.filter(u"all"_qs), (QStringList{u"all began"_qs, u"all ended"_qs}));
-        QCOMPARE(m_said.back(), u"all ended"_qs);
+        QCOMPARE(m_said.filter(u"all"_s), (QStringList{u"all began"_s, u"all ended"_s}));
+        QCOMPARE(m_said.back(), u"all ended"_s);
     }
 
     void whatIsDeletedDuringAWaitIsPassedOver()
     {
-        m_catalogue->createFolder(m_tree->root(), u"D"_qs); // 1
+        m_catalogue->createFolder(m_tree->root(), u"D"_s); // 1
         m_state->select(node(1));
         for (int key = 2; key <= 5; ++key)
             addFeed(key, {});
@@ -268,15 +270,15 @@ private Q_SLOTS:
         const FeedNodePtr folder = node(1);
         m_duringWait = [&] {
             m_downloader->answer();
-            if (fetched() == QStringList{u"2"_qs}) {
+            if (fetched() == QStringList{u"2"_s}) {
                 m_tree->remove(node(2)); // the one that was just updated: the next one isn't skipped
                 m_tree->remove(node(4));
-            } else if (fetched().endsWith(u"3"_qs)) {
+            } else if (fetched().endsWith(u"3"_s)) {
                 m_tree->remove(folder); // the folder that the walk is in
             }
         };
         m_scheduler->updateAllFeeds();
-        QCOMPARE(fetched(), (QStringList{u"2"_qs, u"3"_qs, u"6"_qs}));
+        QCOMPARE(fetched(), (QStringList{u"2"_s, u"3"_s, u"6"_s}));
     }
 
     void aDeletedFeedInFlightEndsItsUpdate()
@@ -288,11 +290,11 @@ private Q_SLOTS:
         m_tree->remove(node(1));
         m_downloader->answer();
         QVERIFY(!m_scheduler->updateRunning());
-        QCOMPARE(m_said.filter(u"reloaded"_qs), QStringList());
-        QCOMPARE(m_said.back(), u"ended Feed 1: 0"_qs);
+        QCOMPARE(m_said.filter(u"reloaded"_s), QStringList());
+        QCOMPARE(m_said.back(), u"ended Feed 1: 0"_s);
         m_now = m_now.addSecs(7200); // the tables keep the entry, and the scan visits it
         m_scheduler->handleUpdateTick();
-        QCOMPARE(fetched(), (QStringList{u"1"_qs, u"2"_qs}));
+        QCOMPARE(fetched(), (QStringList{u"1"_s, u"2"_s}));
     }
 
     void aTickBesideAnUpdateOfAllTakesWhatIsFree()
@@ -311,15 +313,15 @@ private Q_SLOTS:
         m_scheduler->updateAllFeeds();
         QVERIFY(ticked && !m_scheduler->updateRunning());
         // The first is fetched twice: it ended in the wait between being found due and being taken.
-        QCOMPARE(fetched().join(u' '), u"1 1 2 3 2 3"_qs);
+        QCOMPARE(fetched().join(u' '), u"1 1 2 3 2 3"_s);
     }
 
     void closingTheWindowEndsEveryLoop()
     {
         for (int key = 1; key <= 3; ++key)
             addFeed(key, {});
-        const QByteArray cache = m_folder->read(u"feeds/1.xml"_qs);
-        serve(1, {u"late"_qs});
+        const QByteArray cache = m_folder->read(u"feeds/1.xml"_s);
+        serve(1, {u"late"_s});
         m_duringWait = [&] {
             if (m_waits == 5)
                 m_scheduler->stop();
@@ -330,7 +332,7 @@ private Q_SLOTS:
         QCOMPARE(m_downloader->requests.size(), std::size_t(1));
         const QStringList said = m_said;
         m_downloader->answer(); // the end of a download that nothing waited for
-        QCOMPARE(m_folder->read(u"feeds/1.xml"_qs), cache);
+        QCOMPARE(m_folder->read(u"feeds/1.xml"_s), cache);
         QCOMPARE(m_said, said);
         m_scheduler->updateFeed(node(2));
         m_scheduler->updateAllFeeds();
@@ -366,7 +368,7 @@ private Q_SLOTS:
 private:
     void addFeed(int key, const QStringList &items, int ttl = 60)
     {
-        m_folder->write(u"tmp.xml"_qs, FeedTexts::rss(u"Feed"_qs, items));
+        m_folder->write(u"tmp.xml"_s, FeedTexts::rss(u"Feed"_s, items));
         m_catalogue->addFeed({name(key), QString::number(ttl), address(key), {}, {}});
         QCOMPARE(m_tree->find(QString::number(key))->tag, address(key));
         serve(key, items);
@@ -375,8 +377,8 @@ private:
     {
         m_downloader->pages[address(key)] = FeedTexts::rss(name(key), items);
     }
-    static QString name(int key) { return u"Feed %1"_qs.arg(key); }
-    static QString address(int key) { return u"http://example.org/%1"_qs.arg(key); }
+    static QString name(int key) { return u"Feed %1"_s.arg(key); }
+    static QString address(int key) { return u"http://example.org/%1"_s.arg(key); }
     FeedNodePtr node(int key) const { return m_tree->find(QString::number(key)); }
     QStringList fetched() const
     {
@@ -414,14 +416,14 @@ private Q_SLOTS:
     {
         constexpr int feeds = 200;
         for (int key = 1; key <= feeds; ++key)
-            addFeed(key, {QStringLiteral("first")}, 360 + key); // periods from six to more than nine hours
+            addFeed(key, {u"first"_s}, 360 + key); // periods from six to more than nine hours
         const QDateTime begin = m_now;
         int serial = 0;
         m_duringWait = [&] {
             if (!m_downloader->isRunning())
                 return;
             const int key = m_downloader->requests.back().url.section(u'/', -1).toInt();
-            serve(key, {QStringLiteral("item%1").arg(++serial), QStringLiteral("first")});
+            serve(key, {u"item%1"_s.arg(++serial), u"first"_s});
             m_downloader->answer();
         };
         while (begin.secsTo(m_now) < 86400) {

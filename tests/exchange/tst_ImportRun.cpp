@@ -1,8 +1,11 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "exchange/ImportRun.h"
 
 #include "engine/feed/CachedFeed.h"
 #include "exchange/OpmlDocument.h"
 #include "exchange/OpmlDownload.h"
+#include "platform/Literals.h"
 #include "tests/fixtures/FakeDownloader.h"
 #include "tests/fixtures/FeedTexts.h"
 #include "tests/fixtures/LocalHttpServer.h"
@@ -32,17 +35,17 @@ private Q_SLOTS:
         m_log.clear();
         connect(m_run.get(), &ImportRun::began, this, [this](const QString &name) { m_log += u'>' + name; });
         connect(m_run.get(), &ImportRun::passed, this, [this](int count) { m_log += QString::number(count); });
-        connect(m_run.get(), &ImportRun::ended, this, [this] { m_log += QStringLiteral("end"); });
+        connect(m_run.get(), &ImportRun::ended, this, [this] { m_log += u"end"_s; });
     }
 
     void feedsAreFetchedOneByOneAndThoseThatFailArePassedOver()
     {
-        m_downloader->pages[QStringLiteral("http://h/0")] = FeedTexts::rss(QStringLiteral("Zero"), {});
-        m_downloader->pages[QStringLiteral("http://h/2")] = "<html/>";
-        m_downloader->pages[QStringLiteral("http://h/4")] = FeedTexts::rss(QStringLiteral("Four"), {});
+        m_downloader->pages[u"http://h/0"_s] = FeedTexts::rss(u"Zero"_s, {});
+        m_downloader->pages[u"http://h/2"_s] = "<html/>";
+        m_downloader->pages[u"http://h/4"_s] = FeedTexts::rss(u"Four"_s, {});
         QVERIFY(!m_run->hasBegun());
         m_run->run(feeds({0, 2, 3, 4}));
-        QCOMPARE(m_log.join(u' '), QStringLiteral(">F0 +Zero:http://h/0 1 >F2 2 >F3 3 >F4 +Four:http://h/4 4 end"));
+        QCOMPARE(m_log.join(u' '), u">F0 +Zero:http://h/0 1 >F2 2 >F3 3 >F4 +Four:http://h/4 4 end"_s);
         for (const FakeDownloader::Request &request : m_downloader->requests) {
             QCOMPARE(request.destination, temporaryFile());
             QVERIFY(request.username.isEmpty() && request.password.isEmpty());
@@ -52,7 +55,7 @@ private Q_SLOTS:
 
     void aFeedThatStallsIsGivenUpAfterAHundredPasses()
     {
-        m_downloader->pages[QStringLiteral("http://h/1")] = FeedTexts::rss(QStringLiteral("One"), {});
+        m_downloader->pages[u"http://h/1"_s] = FeedTexts::rss(u"One"_s, {});
         m_onPass = [&](int pass) {
             if (pass == 100)
                 QCOMPARE(m_downloader->requests.size(), 1U);
@@ -61,12 +64,12 @@ private Q_SLOTS:
         };
         m_run->run(feeds({0, 1}));
         QCOMPARE(m_passes, 101);
-        QCOMPARE(m_log.join(u' '), QStringLiteral(">F0 1 >F1 +One:http://h/1 2 end"));
+        QCOMPARE(m_log.join(u' '), u">F0 1 >F1 +One:http://h/1 2 end"_s);
     }
 
     void aStoppedRunKeepsWhatWasAdded()
     {
-        m_downloader->pages[QStringLiteral("http://h/0")] = FeedTexts::rss(QStringLiteral("Zero"), {});
+        m_downloader->pages[u"http://h/0"_s] = FeedTexts::rss(u"Zero"_s, {});
         m_onPass = [&](int pass) {
             if (pass == 1)
                 m_downloader->answer();
@@ -75,28 +78,28 @@ private Q_SLOTS:
         };
         m_run->run(feeds({0, 1, 2}));
         QVERIFY(!m_downloader->isRunning());
-        QCOMPARE(m_log.join(u' '), QStringLiteral(">F0 +Zero:http://h/0 1 >F1"));
+        QCOMPARE(m_log.join(u' '), u">F0 +Zero:http://h/0 1 >F1"_s);
     }
 
     void aRunMayBeDestroyedInItsWait()
     {
         m_onPass = [&](int) { m_run.reset(); };
         m_run->run(feeds({0, 1}));
-        QCOMPARE(m_log.join(u' '), QStringLiteral(">F0"));
+        QCOMPARE(m_log.join(u' '), u">F0"_s);
     }
 
     void aListFromTheWebIsImportedThroughARealServer()
     {
         LocalHttpServer server;
-        server.setBody(QStringLiteral("/a.xml"), FeedTexts::rss(QStringLiteral("A"), {QStringLiteral("one")}));
+        server.setBody(u"/a.xml"_s, FeedTexts::rss(u"A"_s, {u"one"_s}));
         QByteArray list = "<opml><head><title/></head><body>";
         for (const char *const path : {"/a.xml", "/none.xml"})
             list += "<outline text=\"x\" xmlUrl=\"" + server.url(QString::fromLatin1(path)).toUtf8() + "\"/>";
-        server.setBody(QStringLiteral("/list.opml"), list + "</body></opml>");
+        server.setBody(u"/list.opml"_s, list + "</body></opml>");
 
-        OpmlDownload download(std::make_unique<Downloader>(), m_data.file(QStringLiteral("tmp.opml")));
+        OpmlDownload download(std::make_unique<Downloader>(), m_data.file(u"tmp.opml"_s));
         QSignalSpy fetched(&download, &OpmlDownload::fetched);
-        download.start(server.url(QStringLiteral("/list.opml")));
+        download.start(server.url(u"/list.opml"_s));
         QVERIFY(fetched.wait());
         OpmlDocument document;
         QVERIFY(document.load(fetched[0][0].toString()));
@@ -104,13 +107,13 @@ private Q_SLOTS:
         for (const OpmlDocument::Feed &feed : document.list().feeds)
             found.push_back({feed.text, feed.address});
         ImportRun(std::make_unique<Downloader>(), temporaryFile(), Waiting::eventLoopWait(), add()).run(found);
-        QCOMPARE(m_log, QStringList{QStringLiteral("+A:") + server.url(QStringLiteral("/a.xml"))});
-        QCOMPARE(server.hits(QStringLiteral("/none.xml")), 1);
-        QVERIFY(m_data.exists(QStringLiteral("tmp.opml")));
+        QCOMPARE(m_log, QStringList{u"+A:"_s + server.url(u"/a.xml"_s)});
+        QCOMPARE(server.hits(u"/none.xml"_s), 1);
+        QVERIFY(m_data.exists(u"tmp.opml"_s));
     }
 
 private:
-    QString temporaryFile() const { return m_data.file(QStringLiteral("tmp.xml")); }
+    QString temporaryFile() const { return m_data.file(u"tmp.xml"_s); }
     ImportRun::AddFeed add()
     {
         return [this](const std::shared_ptr<CachedFeed> &document, const QString &url) {
@@ -121,7 +124,7 @@ private:
     {
         std::vector<ImportRun::Feed> list;
         for (const int number : numbers)
-            list.push_back({u'F' + QString::number(number), QStringLiteral("http://h/") + QString::number(number)});
+            list.push_back({u'F' + QString::number(number), u"http://h/"_s + QString::number(number)});
         return list;
     }
 

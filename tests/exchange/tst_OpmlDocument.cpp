@@ -1,5 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "exchange/OpmlDocument.h"
 
+#include "platform/Literals.h"
 #include "platform/RunTimeError.h"
 #include "tests/fixtures/TemporaryDataDirectory.h"
 
@@ -40,24 +43,23 @@ private Q_SLOTS:
         QTest::newRow("attributes of other readers")
             << opml("<outline type=\"rss\" version=\"RSS\" title=\"T\" text=\"A &amp; b\" htmlUrl=\"http://h/\" "
                     "xmlUrl=\"http://h/f?a=1&amp;b=2\"/>")
-            << QStringList{QStringLiteral("0 A & b http://h/f?a=1&b=2")};
+            << QStringList{u"0 A & b http://h/f?a=1&b=2"_s};
         QTest::newRow("folders are skipped, and leave gaps")
             << opml("<outline text=\"D\"><outline text=\"inner\" xmlUrl=\"http://h/i\"/></outline>"
                     "<outline text=\"B\" xmlUrl=\"http://h/b\"/>")
-            << QStringList{QStringLiteral("1 B http://h/b")};
+            << QStringList{u"1 B http://h/b"_s};
         QTest::newRow("names are told with case") << opml("<outline text=\"A\" xmlURL=\"http://h/\"/>"
                                                           "<OUTLINE text=\"B\" xmlUrl=\"http://h/\"/>"
                                                           "<outline text=\"C\" xmlUrl=\"\"/>")
-                                                  << QStringList{QStringLiteral("1 C ")};
+                                                  << QStringList{u"1 C "_s};
         QTest::newRow("a document type without an outer part")
             << QByteArray("<!DOCTYPE opml [<!ENTITY e \"été\">]>") +
                    opml("<outline text=\"&e;\" xmlUrl=\"http://h/\"/>").mid(38)
-            << QStringList{QStringLiteral("0 été http://h/")};
+            << QStringList{u"0 été http://h/"_s};
         QStringEncoder utf16(QStringEncoder::Utf16LE, QStringEncoder::Flag::WriteBom);
-        const QString wide =
-            QStringLiteral("<?xml version=\"1.0\" encoding=\"UTF-16\"?><opml><head><title/></head><body>"
-                           "<outline text=\"日本\" xmlUrl=\"http://h/\"/></body></opml>");
-        QTest::newRow("UTF-16") << QByteArray(utf16(wide)) << QStringList{QStringLiteral("0 日本 http://h/")};
+        const QString wide = u"<?xml version=\"1.0\" encoding=\"UTF-16\"?><opml><head><title/></head><body>"
+                             "<outline text=\"日本\" xmlUrl=\"http://h/\"/></body></opml>"_s;
+        QTest::newRow("UTF-16") << QByteArray(utf16(wide)) << QStringList{u"0 日本 http://h/"_s};
     }
 
     void listsOfOtherReadersAreRead()
@@ -94,9 +96,9 @@ private Q_SLOTS:
         QFETCH(bool, loads);
         const TemporaryDataDirectory data;
         if (!bytes.isEmpty())
-            data.write(QStringLiteral("bad.opml"), bytes);
+            data.write(u"bad.opml"_s, bytes);
         OpmlDocument document;
-        QCOMPARE(document.load(data.file(QStringLiteral("bad.opml"))), loads);
+        QCOMPARE(document.load(data.file(u"bad.opml"_s)), loads);
         QVERIFY_EXCEPTION_THROWN(document.list(), RunTimeError);
     }
 };

@@ -1,6 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "exchange/OpmlWriter.h"
 
 #include "exchange/OpmlDocument.h"
+#include "platform/Literals.h"
 #include "platform/RunTimeError.h"
 #include "tests/fixtures/TemporaryDataDirectory.h"
 
@@ -39,10 +42,10 @@ private Q_SLOTS:
         QFETCH(QByteArray, catalogue);
         QFETCH(bool, structured);
         QFETCH(QByteArray, body);
-        m_data.write(QStringLiteral("out.opml"), QByteArray(5000, 'x'));
+        m_data.write(u"out.opml"_s, QByteArray(5000, 'x'));
         QVERIFY(write(catalogue, structured));
         QCOMPARE(
-            m_data.read(QStringLiteral("out.opml")),
+            m_data.read(u"out.opml"_s),
             "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>\r\n<opml version=\"1.1\">\r\n<head>\r\n<title></title>\r\n"
             "<ownerName>Camille</ownerName>\r\n<ownerEmail>c@h</ownerEmail>\r\n</head>\r\n<body>\r\n" +
                 body + "</body>\r\n</opml>\r\n");
@@ -59,15 +62,15 @@ private Q_SLOTS:
                 texts.append(feed.text + u' ' + feed.address);
             return texts;
         };
-        QCOMPARE(readBack(false), (QStringList{QStringLiteral("Été http://h/1"), QStringLiteral("B http://h/2")}));
-        QCOMPARE(readBack(true), QStringList{QStringLiteral("B http://h/2")});
+        QCOMPARE(readBack(false), (QStringList{u"Été http://h/1"_s, u"B http://h/2"_s}));
+        QCOMPARE(readBack(true), QStringList{u"B http://h/2"_s});
     }
 
     void nothingIsEscaped()
     {
-        m_title = QStringLiteral("R & D");
+        m_title = u"R & D"_s;
         QVERIFY(write("<favoris><feed name=\"a &lt; b\" url=\"http://h/?x=1&amp;y=2\"/></favoris>"));
-        const QByteArray bytes = m_data.read(QStringLiteral("out.opml"));
+        const QByteArray bytes = m_data.read(u"out.opml"_s);
         QVERIFY(bytes.contains("<title>R & D</title>"));
         QVERIFY(bytes.contains("<outline text=\"a < b\" xmlUrl=\"http://h/?x=1&y=2\" />"));
         QVERIFY(!OpmlDocument().load(target()));
@@ -85,21 +88,19 @@ private Q_SLOTS:
     void anOldFileStandsWhenTheExportFails()
     {
         QFETCH(QByteArray, catalogue);
-        m_data.write(QStringLiteral("out.opml"), "old");
+        m_data.write(u"out.opml"_s, "old");
         QVERIFY_EXCEPTION_THROWN(write(catalogue), RunTimeError);
-        QCOMPARE(m_data.read(QStringLiteral("out.opml")), QByteArray("old"));
-        QVERIFY_EXCEPTION_THROWN(writeOpml({m_data.file(QStringLiteral("feeds.xml")), {}, {}, {}},
-                                           m_data.file(QStringLiteral("none/out.opml"))),
+        QCOMPARE(m_data.read(u"out.opml"_s), QByteArray("old"));
+        QVERIFY_EXCEPTION_THROWN(writeOpml({m_data.file(u"feeds.xml"_s), {}, {}, {}}, m_data.file(u"none/out.opml"_s)),
                                  RunTimeError);
     }
 
 private:
-    QString target() const { return m_data.file(QStringLiteral("out.opml")); }
+    QString target() const { return m_data.file(u"out.opml"_s); }
     bool write(const QByteArray &catalogue, bool structured = false)
     {
-        m_data.write(QStringLiteral("feeds.xml"), catalogue);
-        return writeOpml({m_data.file(QStringLiteral("feeds.xml")), std::exchange(m_title, {}),
-                          QStringLiteral("Camille"), QStringLiteral("c@h"), structured},
+        m_data.write(u"feeds.xml"_s, catalogue);
+        return writeOpml({m_data.file(u"feeds.xml"_s), std::exchange(m_title, {}), u"Camille"_s, u"c@h"_s, structured},
                          target());
     }
 

@@ -1,6 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #pragma once
 
 #include "engine/feed/CachedFeed.h"
+#include "platform/Literals.h"
 
 #include <QByteArray>
 #include <QStringList>
@@ -11,20 +14,20 @@ namespace FeedDump {
 inline void add(QStringList &lines, const char *field, const QString &text)
 {
     if (!text.isEmpty())
-        lines += QLatin1String(field) + QLatin1String(": ") + QString(text).replace(u'\n', QLatin1String("\\n"));
+        lines += QLatin1String(field) + ": "_L1 + QString(text).replace(u'\n', "\\n"_L1);
 }
 
 inline QString extensions(const CachedFeed &feed)
 {
     QStringList used;
     if (feed.HasContent())
-        used += QStringLiteral("content");
+        used += u"content"_s;
     if (feed.HasWfw())
-        used += QStringLiteral("wfw");
+        used += u"wfw"_s;
     if (feed.HasDc())
-        used += QStringLiteral("dc");
+        used += u"dc"_s;
     if (feed.HasItunes())
-        used += QStringLiteral("itunes");
+        used += u"itunes"_s;
     return used.join(u' ');
 }
 
@@ -34,11 +37,10 @@ inline void addItem(QStringList &lines, const CachedFeed &feed, qint16 index)
     add(lines, "Link", feed.ItemLink(index));
     add(lines, "Description", feed.ItemDescription(index));
     if (ItemSource source; feed.GetItemSource(index, source))
-        add(lines, "Source", source.Name + QLatin1String(", ") + source.Url);
+        add(lines, "Source", source.Name + ", "_L1 + source.Url);
     if (ItemEnclosure enclosure; feed.GetItemEnclosure(index, enclosure))
         add(lines, "Enclosure",
-            enclosure.Url + QLatin1String(", ") + enclosure.Extra + QLatin1String(", ") +
-                QString::number(enclosure.Length));
+            enclosure.Url + ", "_L1 + enclosure.Extra + ", "_L1 + QString::number(enclosure.Length));
     add(lines, "Category", feed.ItemCategory(index));
     add(lines, "Author", feed.ItemAuthor(index));
     add(lines, "Comments", feed.ItemComments(index));
@@ -69,7 +71,7 @@ inline QStringList channel(const CachedFeed &feed)
         add(lines, "Image",
             QStringList{image.Url, image.Title, image.Link, QString::number(image.Width), QString::number(image.Height),
                         image.Description}
-                .join(QLatin1String(", ")));
+                .join(", "_L1));
     return lines;
 }
 

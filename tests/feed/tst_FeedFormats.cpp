@@ -1,5 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "engine/feed/CachedFeed.h"
 #include "platform/Files.h"
+#include "platform/Literals.h"
 #include "tests/feed/FeedDump.h"
 
 #include <QDir>
@@ -27,7 +30,7 @@ private Q_SLOTS:
 private:
     QString write(const QByteArray &bytes) const
     {
-        const QString path = m_directory.filePath(QStringLiteral("feed.xml"));
+        const QString path = m_directory.filePath(u"feed.xml"_s);
         Files::write(path, bytes);
         return path;
     }
@@ -39,12 +42,12 @@ void tst_FeedFormats::everyFieldComesFromItsElement_data()
 {
     QTest::addColumn<QString>("document");
     QTest::addColumn<QString>("expected");
-    const QDir data(QStringLiteral(TEST_DATA_DIR));
-    const QDir samples(QStringLiteral(SAMPLES_DIR));
-    const QStringList names = data.entryList({QStringLiteral("*.expected")});
+    const QDir data(QString::fromUtf8(TEST_DATA_DIR));
+    const QDir samples(QString::fromUtf8(SAMPLES_DIR));
+    const QStringList names = data.entryList({u"*.expected"_s});
     QVERIFY(names.size() >= 10);
     for (const QString &name : names) {
-        const QString document = QString(name).replace(QLatin1String(".expected"), QLatin1String(".xml"));
+        const QString document = QString(name).replace(".expected"_L1, ".xml"_L1);
         QTest::newRow(qPrintable(document))
             << (data.exists(document) ? data.filePath(document) : samples.filePath(document)) << data.filePath(name);
     }
@@ -122,18 +125,18 @@ void tst_FeedFormats::everyEncodingIsReadAndWrittenBack_data()
     QTest::addColumn<QByteArray>("title"); // in that encoding
     QTest::addColumn<QString>("expected");
     QTest::newRow("UTF-8 with mark") << QByteArray("\xEF\xBB\xBF<?xml version='1.0'?>") << QByteArray("\xC3\xA9")
-                                     << QStringLiteral("é");
+                                     << u"é"_s;
     QTest::newRow("ISO-8859-1") << QByteArray("<?xml version='1.0' encoding='ISO-8859-1'?>") << QByteArray("\xE9")
-                                << QStringLiteral("é");
+                                << u"é"_s;
     QTest::newRow("ISO-8859-15") << QByteArray("<?xml version='1.0' encoding='iso-8859-15'?>") << QByteArray("\xA4")
-                                 << QStringLiteral("€");
+                                 << u"€"_s;
     QTest::newRow("windows-1252") << QByteArray("<?xml version='1.0' encoding='windows-1252'?>")
-                                  << QByteArray("\x80\x93") << QStringLiteral("€“");
+                                  << QByteArray("\x80\x93") << u"€“"_s;
     QTest::newRow("Shift_JIS") << QByteArray("<?xml version='1.0' encoding='Shift_JIS'?>")
-                               << QByteArray("\x93\xFA\x96\x7B") << QStringLiteral("日本");
+                               << QByteArray("\x93\xFA\x96\x7B") << u"日本"_s;
     QTest::newRow("KOI8-R") << QByteArray("<?xml version='1.0' encoding='KOI8-R'?>") << QByteArray("\xED\xC9\xD2")
-                            << QStringLiteral("Мир");
-    QTest::newRow("UTF-16") << QByteArray() << QByteArray() << QStringLiteral("é日€");
+                            << u"Мир"_s;
+    QTest::newRow("UTF-16") << QByteArray() << QByteArray() << u"é日€"_s;
 }
 
 void tst_FeedFormats::everyEncodingIsReadAndWrittenBack()
@@ -154,7 +157,7 @@ void tst_FeedFormats::everyEncodingIsReadAndWrittenBack()
 
     // An item whose characters the encoding lacks in part.
     CachedFeed other;
-    const QString otherPath = m_directory.filePath(QStringLiteral("other.xml"));
+    const QString otherPath = m_directory.filePath(u"other.xml"_s);
     Files::write(otherPath,
                  "<rss version='2.0'><channel><item><title>\xC3\xA9 \xE2\x82\xAC \xE6\x97\xA5 \xF0\x9F\x8C\x99"
                  "</title><description><![CDATA[\xE6\x97\xA5]]></description></item></channel></rss>");
@@ -169,8 +172,8 @@ void tst_FeedFormats::everyEncodingIsReadAndWrittenBack()
         QVERIFY(saved.contains(QByteArray("<title>" + title + "</title>")));
     QCOMPARE(feed.Load(path), LoadOk);
     QCOMPARE(feed.Title(), expected);
-    QCOMPARE(feed.ItemTitle(0), QStringLiteral("é € 日 🌙"));
-    QCOMPARE(feed.ItemDescription(0), QStringLiteral("日"));
+    QCOMPARE(feed.ItemTitle(0), u"é € 日 🌙"_s);
+    QCOMPARE(feed.ItemDescription(0), u"日"_s);
 }
 
 void tst_FeedFormats::anEncodingThatCannotHoldTheDocumentGivesWayToUtf8_data()
@@ -185,7 +188,7 @@ void tst_FeedFormats::anEncodingThatCannotHoldTheDocumentGivesWayToUtf8_data()
 void tst_FeedFormats::anEncodingThatCannotHoldTheDocumentGivesWayToUtf8()
 {
     QFETCH(const QByteArray, store);
-    const QString otherPath = m_directory.filePath(QStringLiteral("other.xml"));
+    const QString otherPath = m_directory.filePath(u"other.xml"_s);
     Files::write(
         otherPath,
         "<rss version='2.0'><channel><item \xE6\x97\xA5='1'><title>\xE6\x97\xA5</title></item></channel></rss>");
@@ -198,28 +201,28 @@ void tst_FeedFormats::anEncodingThatCannotHoldTheDocumentGivesWayToUtf8()
     feed.Save();
     QVERIFY(Files::read(path).bytes.startsWith("<?xml version=\"1.0\" encoding=\"UTF-8\"?>"));
     QCOMPARE(feed.Load(path), LoadOk);
-    QCOMPARE(feed.ItemTitle(0), QStringLiteral("日"));
+    QCOMPARE(feed.ItemTitle(0), u"日"_s);
 }
 
 void tst_FeedFormats::aFailedLoadLeavesNothingHeld()
 {
     CachedFeed feed;
-    const QString good = QStringLiteral(SAMPLES_DIR "/rss20.xml");
-    for (const QString &bad : {write("no feed"), m_directory.filePath(QStringLiteral("absent")), m_directory.path()}) {
+    const QString good = QString::fromUtf8(SAMPLES_DIR "/rss20.xml");
+    for (const QString &bad : {write("no feed"), m_directory.filePath(u"absent"_s), m_directory.path()}) {
         QCOMPARE(feed.Load(good), LoadOk);
-        QCOMPARE(feed.Load(bad), bad.endsWith(QLatin1String(".xml")) ? LoadNotAFeed : LoadFileNotFound);
+        QCOMPARE(feed.Load(bad), bad.endsWith(".xml"_L1) ? LoadNotAFeed : LoadFileNotFound);
         QVERIFY(!feed.IsLoaded());
         QCOMPARE(feed.Title(), QString());
         QVERIFY(feed.GetItemNode(0) == nullptr);
         feed.Save();
     }
-    QCOMPARE(Files::read(m_directory.filePath(QStringLiteral("feed.xml"))).bytes, QByteArray("no feed"));
+    QCOMPARE(Files::read(m_directory.filePath(u"feed.xml"_s)).bytes, QByteArray("no feed"));
 }
 
 void tst_FeedFormats::indicesOutsideAreTolerated()
 {
     CachedFeed feed;
-    QCOMPARE(feed.Load(QStringLiteral(SAMPLES_DIR "/rss20.xml")), LoadOk);
+    QCOMPARE(feed.Load(QString::fromUtf8(SAMPLES_DIR "/rss20.xml")), LoadOk);
     for (const qint16 index : {qint16(-1), qint16(3), qint16(32767), qint16(-32768)}) {
         QCOMPARE(FeedDump::item(feed, index), QStringList());
         QCOMPARE(feed.ItemDownloadDate(index), QString());

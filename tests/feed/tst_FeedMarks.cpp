@@ -1,6 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "engine/feed/CachedFeed.h"
 #include "platform/DateText.h"
 #include "platform/Files.h"
+#include "platform/Literals.h"
 #include "platform/RunTimeError.h"
 #include "tests/feed/FeedDump.h"
 
@@ -67,7 +70,7 @@ static void addSampleRows()
 {
     QTest::addColumn<QString>("sample");
     for (const char *name : {"rss091", "rss092", "rss20", "rdf10", "atom03"})
-        QTest::newRow(name) << QStringLiteral(SAMPLES_DIR "/") + QLatin1String(name) + QLatin1String(".xml");
+        QTest::newRow(name) << QString::fromUtf8(SAMPLES_DIR "/") + QLatin1String(name) + ".xml"_L1;
 }
 
 void tst_FeedMarks::marksSurviveSavingInEveryFormat_data()
@@ -134,15 +137,15 @@ void tst_FeedMarks::addedItemsStandInFrontInTheirOrder()
     QCOMPARE(store.Load(write("store.xml", rss("<item><title>a</title></item><item><title>b</title></item>"))), LoadOk);
     store.AddItem(fresh.GetItemNode(0));
     store.AddItem(fresh.GetItemNode(1));
-    const QStringList merged{QStringLiteral("c"), QStringLiteral("d"), QStringLiteral("a"), QStringLiteral("b")};
+    const QStringList merged{u"c"_s, u"d"_s, u"a"_s, u"b"_s};
     QCOMPARE(titles(store), merged);
     store.Save();
     QCOMPARE(titles(store), merged);
     store.AddItem(store.GetItemNode(3)); // a new run, which stands in front of the last one; from itself at that
-    QCOMPARE(titles(store), QStringList(QStringLiteral("b")) + merged);
+    QCOMPARE(titles(store), QStringList(u"b"_s) + merged);
     store.Save();
     QCOMPARE(store.Load(path("store.xml")), LoadOk);
-    QCOMPARE(titles(store), QStringList(QStringLiteral("b")) + merged);
+    QCOMPARE(titles(store), QStringList(u"b"_s) + merged);
 }
 
 void tst_FeedMarks::addedItemsLeaveTheirMarksBehind()
@@ -170,18 +173,17 @@ void tst_FeedMarks::everyFormatTakesTheItemsOfEveryOther_data()
     QTest::addColumn<QString>("from");
     QTest::addColumn<QString>("into");
     QTest::addColumn<QStringList>("lost"); // the fields that the format has no place for
-    const QStringList names{QStringLiteral("rss091"), QStringLiteral("rss092"), QStringLiteral("rss20"),
-                            QStringLiteral("rdf10"), QStringLiteral("atom03")};
-    const QStringList lost[] = {{QStringLiteral("Source"), QStringLiteral("Enclosure"), QStringLiteral("Category")},
+    const QStringList names{u"rss091"_s, u"rss092"_s, u"rss20"_s, u"rdf10"_s, u"atom03"_s};
+    const QStringList lost[] = {{u"Source"_s, u"Enclosure"_s, u"Category"_s},
                                 {},
                                 {},
-                                {QStringLiteral("Source"), QStringLiteral("Enclosure"), QStringLiteral("Comments")},
-                                {QStringLiteral("Source"), QStringLiteral("Comments")}};
+                                {u"Source"_s, u"Enclosure"_s, u"Comments"_s},
+                                {u"Source"_s, u"Comments"_s}};
     for (const QString &from : names)
         for (int into = 0; into < names.size(); ++into)
             for (const char *kind : {"", "-edges"}) {
                 const QString source = from + QLatin1String(kind);
-                QTest::newRow(qPrintable(source + QLatin1String(" into ") + names[into]))
+                QTest::newRow(qPrintable(source + " into "_L1 + names[into]))
                     << source << names[into] << (from == names[into] ? QStringList() : lost[into]);
             }
 }
@@ -191,12 +193,11 @@ void tst_FeedMarks::everyFormatTakesTheItemsOfEveryOther()
     QFETCH(const QString, from);
     QFETCH(const QString, into);
     QFETCH(const QStringList, lost);
-    const bool isSample = !from.endsWith(QLatin1String("-edges"));
-    const QString folder = isSample ? QStringLiteral(SAMPLES_DIR "/") : QStringLiteral(TEST_DATA_DIR "/");
+    const bool isSample = !from.endsWith("-edges"_L1);
+    const QString folder = isSample ? QString::fromUtf8(SAMPLES_DIR "/") : QString::fromUtf8(TEST_DATA_DIR "/");
     CachedFeed source(m_clock);
-    QCOMPARE(source.Load(folder + from + QLatin1String(".xml")), LoadOk);
-    const QString file =
-        write("store.xml", Files::read(QStringLiteral(SAMPLES_DIR "/") + into + QLatin1String(".xml")).bytes);
+    QCOMPARE(source.Load(folder + from + ".xml"_L1), LoadOk);
+    const QString file = write("store.xml", Files::read(QString::fromUtf8(SAMPLES_DIR "/") + into + ".xml"_L1).bytes);
     CachedFeed store(m_clock);
     QCOMPARE(store.Load(file), LoadOk);
     const QString first = store.ItemTitle(0);
@@ -210,8 +211,8 @@ void tst_FeedMarks::everyFormatTakesTheItemsOfEveryOther()
             expected.removeIf([&](const QString &line) { return lost.contains(line.section(u':', 0, 0)); });
             QStringList found = FeedDump::item(store, i);
             // An Atom entry without author has that of the feed.
-            if (into == QLatin1String("atom03") && source.ItemAuthor(i).isEmpty())
-                found.removeOne(QStringLiteral("Author: Anne Roux"));
+            if (into == "atom03"_L1 && source.ItemAuthor(i).isEmpty())
+                found.removeOne(u"Author: Anne Roux"_s);
             QCOMPARE(found, expected);
         }
     };
@@ -265,8 +266,8 @@ void tst_FeedMarks::copiesKeepTheirNamespaces()
     QCOMPARE(store.Load(path("store.xml")), LoadOk);
     QCOMPARE(store.ItemCount(), qint16(2));
     for (const qint16 index : {qint16(0), qint16(1)}) {
-        QCOMPARE(store.ItemTitle(index), QStringLiteral("t"));
-        QCOMPARE(store.ItemAuthor(index), QStringLiteral("c"));
+        QCOMPARE(store.ItemTitle(index), u"t"_s);
+        QCOMPARE(store.ItemAuthor(index), u"c"_s);
     }
     QVERIFY(Files::read(path("store.xml")).bytes.count("elements/1.1/") <= 2); // declared once, or once an item
 }
@@ -282,30 +283,30 @@ void tst_FeedMarks::anAtomEntryKeepsTheAuthorOfItsFeed()
     CachedFeed store(m_clock);
     QCOMPARE(store.Load(write("store.xml", atom("<author><name>Paul</name></author>", {}))), LoadOk);
     store.AddItem(source.GetItemNode(0));
-    QCOMPARE(store.ItemAuthor(0), QStringLiteral("Anne"));
+    QCOMPARE(store.ItemAuthor(0), u"Anne"_s);
 }
 
 void tst_FeedMarks::theRdfListFollowsTheItems()
 {
     CachedFeed store(m_clock);
-    const QString file = write("store.xml", Files::read(QStringLiteral(SAMPLES_DIR "/rdf10.xml")).bytes);
+    const QString file = write("store.xml", Files::read(QString::fromUtf8(SAMPLES_DIR "/rdf10.xml")).bytes);
     QCOMPARE(store.Load(file), LoadOk);
     CachedFeed source(m_clock);
-    QCOMPARE(source.Load(QStringLiteral(SAMPLES_DIR "/rss20.xml")), LoadOk);
+    QCOMPARE(source.Load(QString::fromUtf8(SAMPLES_DIR "/rss20.xml")), LoadOk);
     store.AddItem(source.GetItemNode(0));
     store.AddItem(source.GetItemNode(1));
     store.AddItem(source.GetItemNode(2)); // has no link
     store.RemoveItem(3);
     store.Save();
     const QString saved = QString::fromUtf8(Files::read(file).bytes);
-    const auto listed = saved.mid(saved.indexOf(QLatin1String("<rdf:Seq>"))).section(QLatin1String("</rdf:Seq>"), 0, 0);
+    const auto listed = saved.mid(saved.indexOf("<rdf:Seq>"_L1)).section("</rdf:Seq>"_L1, 0, 0);
     const auto position = [&](const char *address) { return listed.indexOf(QLatin1String(address)); };
     QVERIFY(position("etoiles.example.org/2004/venus") > 0);
     QVERIFY(position("etoiles.example.org/2004/venus") < position("etoiles.example.org/2004/comete"));
     QVERIFY(position("etoiles.example.org/2004/comete") < position("urn:quillwire:item:"));
     QVERIFY(position("urn:quillwire:item:") < position("livres.example.org/notes/41"));
     QCOMPARE(position("livres.example.org/notes/42"), -1);
-    QVERIFY(saved.contains(QLatin1String("<item rdf:about=\"http://etoiles.example.org/2004/venus\"")));
+    QVERIFY(saved.contains("<item rdf:about=\"http://etoiles.example.org/2004/venus\""_L1));
 }
 
 void tst_FeedMarks::removedItemsGoAtTheNextSave()
@@ -318,14 +319,14 @@ void tst_FeedMarks::removedItemsGoAtTheNextSave()
     feed.RemoveItem(0);
     feed.RemoveItem(1);
     QCOMPARE(feed.ItemCount(), qint16(3));
-    QCOMPARE(feed.ItemTitle(1), QStringLiteral("b"));
+    QCOMPARE(feed.ItemTitle(1), u"b"_s);
     feed.Save();
-    QCOMPARE(titles(feed), QStringList(QStringLiteral("c")));
+    QCOMPARE(titles(feed), QStringList(u"c"_s));
     feed.AddItem(node); // what was taken out can still be taken in
-    QCOMPARE(feed.ItemTitle(0), QStringLiteral("b"));
+    QCOMPARE(feed.ItemTitle(0), u"b"_s);
     feed.Save();
     QCOMPARE(feed.Load(file), LoadOk);
-    QCOMPARE(titles(feed), (QStringList{QStringLiteral("b"), QStringLiteral("c")}));
+    QCOMPARE(titles(feed), (QStringList{u"b"_s, u"c"_s}));
 }
 
 void tst_FeedMarks::whatIsNotKnownIsKept()
@@ -375,7 +376,7 @@ void tst_FeedMarks::anUndeclaredPrefixGetsNoMeaning()
 
 void tst_FeedMarks::aFailedSaveIsRaisedAndLeavesTheFile()
 {
-    QVERIFY(QDir(m_directory->path()).mkdir(QStringLiteral("gone")));
+    QVERIFY(QDir(m_directory->path()).mkdir(u"gone"_s));
     const QString file = write("gone/feed.xml", rss("<item/>"));
     CachedFeed feed(m_clock);
     QCOMPARE(feed.Load(file), LoadOk);
@@ -396,13 +397,13 @@ void tst_FeedMarks::onlyAsManyItemsAsAnIndexCanNameAreOffered()
     QCOMPARE(feed.ItemCount(), qint16(32767));
     feed.AddItem(feed.GetItemNode(32766));
     QCOMPARE(feed.ItemCount(), qint16(32767));
-    QCOMPARE(feed.ItemTitle(0), QStringLiteral("32766"));
-    QCOMPARE(feed.ItemTitle(32766), QStringLiteral("32765"));
+    QCOMPARE(feed.ItemTitle(0), u"32766"_s);
+    QCOMPARE(feed.ItemTitle(32766), u"32765"_s);
     for (qint16 i = 0; i < 32767; ++i)
         feed.RemoveItem(i);
     feed.Save();
     QCOMPARE(feed.Load(file), LoadOk);
-    QCOMPARE(feed.ItemTitle(0), QStringLiteral("32766")); // what wasn't offered has been kept
+    QCOMPARE(feed.ItemTitle(0), u"32766"_s); // what wasn't offered has been kept
 }
 
 QTEST_GUILESS_MAIN(tst_FeedMarks)

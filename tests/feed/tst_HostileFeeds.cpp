@@ -1,5 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "engine/feed/CachedFeed.h"
 #include "platform/Files.h"
+#include "platform/Literals.h"
 #include "tests/feed/FeedDump.h"
 
 #include <QElapsedTimer>
@@ -32,7 +35,7 @@ private Q_SLOTS:
 private:
     QString write(const QByteArray &bytes) const
     {
-        const QString path = m_directory.filePath(QStringLiteral("feed.xml"));
+        const QString path = m_directory.filePath(u"feed.xml"_s);
         Files::write(path, bytes);
         return path;
     }
@@ -125,14 +128,14 @@ void tst_HostileFeeds::nothingOutsideTheDocumentIsRead()
     QFETCH(const bool, loads);
     QTcpServer server;
     QVERIFY(server.listen(QHostAddress::LocalHost));
-    const QString secret = m_directory.filePath(QStringLiteral("secret"));
+    const QString secret = m_directory.filePath(u"secret"_s);
     Files::write(secret, "<!ENTITY b 'the secret'>the secret");
     const QByteArray host = "127.0.0.1:" + QByteArray::number(server.serverPort());
     for (QByteArray *part : {&documentType, &title})
         part->replace("FILE", secret.toUtf8()).replace("HOST", host);
     CachedFeed feed;
     QCOMPARE(feed.Load(write(rss(documentType, title))), loads ? LoadOk : LoadNotAFeed);
-    QVERIFY(!feed.Title().contains(QLatin1String("secret</")) && !feed.Title().contains(QLatin1String("the secret")));
+    QVERIFY(!feed.Title().contains("secret</"_L1) && !feed.Title().contains("the secret"_L1));
     feed.Save();
     QVERIFY(!server.waitForNewConnection(20));
 }
@@ -187,7 +190,7 @@ void tst_HostileFeeds::anyTruncationEndsInAnAnswer_data()
 {
     QTest::addColumn<QString>("sample");
     for (const char *name : {"rss091", "rss092", "rss20", "rdf10", "atom03"})
-        QTest::newRow(name) << QStringLiteral(SAMPLES_DIR "/") + QLatin1String(name) + QLatin1String(".xml");
+        QTest::newRow(name) << QString::fromUtf8(SAMPLES_DIR "/") + QLatin1String(name) + ".xml"_L1;
 }
 
 void tst_HostileFeeds::anyTruncationEndsInAnAnswer()
@@ -235,7 +238,7 @@ void tst_HostileFeeds::deepMarkupInAnItemIsReadAndCarriedOver()
     CachedFeed source;
     QCOMPARE(source.Load(write(rss({}, "t", "<item><title>" + deep + "</title></item>"))), LoadOk);
     QCOMPARE(source.ItemTitle(0), QString::fromLatin1(deep));
-    const QString path = m_directory.filePath(QStringLiteral("store.xml"));
+    const QString path = m_directory.filePath(u"store.xml"_s);
     Files::write(path, rss({}, "store"));
     CachedFeed store;
     QCOMPARE(store.Load(path), LoadOk);

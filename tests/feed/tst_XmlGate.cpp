@@ -1,5 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "engine/feed/CachedFeed.h"
 #include "platform/Files.h"
+#include "platform/Literals.h"
 #include "platform/xml/XmlDocument.h"
 
 #include <QTemporaryDir>
@@ -109,7 +112,7 @@ void tst_XmlGate::whatIsWrittenReadsBackTheSame_data()
         "\"it's\" 'a&b\"c'");
     row("comments and instructions", "<!DOCTYPE rss [<!-- a & <b> --><?c & <d> ?>]>",
         "><!-- a & --><?c & <d> ?></item>", "<!-- a & --><?c & <d> ?>");
-    const QString utf16 = QStringLiteral("\uFEFF<rss version='2.0'><channel><title>é</title></channel></rss>");
+    const QString utf16 = u"\uFEFF<rss version='2.0'><channel><title>é</title></channel></rss>"_s;
     QTest::newRow("UTF-16 that says so by its mark alone")
         << QByteArray(reinterpret_cast<const char *>(utf16.utf16()), utf16.size() * 2) << QByteArray("\xE9\0<\0/", 5)
         << true;
@@ -153,7 +156,7 @@ void tst_XmlGate::aCopiedItemKeepsTheAddressOfItsNamespace()
     store.AddItem(source.GetItemNode(0));
     store.Save();
     QCOMPARE(store.Load(path), LoadOk);
-    QCOMPARE(store.ItemTitle(0), QStringLiteral("t"));
+    QCOMPARE(store.ItemTitle(0), u"t"_s);
     QVERIFY(Files::read(path).bytes.contains("xmlns:n=\"http://e.example/?a&amp;b\""));
 }
 

@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/Literals.h"
 #include "platform/net/Downloader.h"
 
 #include "platform/Files.h"
@@ -22,7 +25,7 @@ private Q_SLOTS:
     void init()
     {
         m_directory = std::make_unique<QTemporaryDir>();
-        m_destination = m_directory->filePath(u"tmp.xml"_qs);
+        m_destination = m_directory->filePath(u"tmp.xml"_s);
         Files::write(m_destination, "old");
         m_server = std::make_unique<LocalHttpServer>();
         m_ends.reset();
@@ -33,11 +36,11 @@ private Q_SLOTS:
     void wholeBodyReplacesTheDestination()
     {
         const QByteArray body = QByteArray(3 * 1024 * 1024, 'x') + QByteArray("\0\r\n", 3);
-        m_server->setBody(u"/feed.xml?a=%C3%A9"_qs, body);
-        QCOMPARE(fetch(m_server->url(u"/feed.xml?a=é#part"_qs)), 200);
+        m_server->setBody(u"/feed.xml?a=%C3%A9"_s, body);
+        QCOMPARE(fetch(m_server->url(u"/feed.xml?a=é#part"_s)), 200);
         QCOMPARE(destinationBytes(), body);
-        m_server->setBody(u"/empty"_qs, QByteArray());
-        QCOMPARE(fetch(m_server->url(u"/empty"_qs)), 200);
+        m_server->setBody(u"/empty"_s, QByteArray());
+        QCOMPARE(fetch(m_server->url(u"/empty"_s)), 200);
         QCOMPARE(destinationBytes(), QByteArray());
     }
 
@@ -46,10 +49,10 @@ private Q_SLOTS:
         Answer slow;
         slow.body = QByteArray(50, 'x');
         slow.trickleMs = 10;
-        m_server->setAnswer(u"/a"_qs, slow);
+        m_server->setAnswer(u"/a"_s, slow);
         QList<double> percents;
         connect(m_downloader.get(), &Downloader::DownloadProgress, this, [&](double done) { percents.append(done); });
-        QCOMPARE(fetch(m_server->url(u"/a"_qs)), 200);
+        QCOMPARE(fetch(m_server->url(u"/a"_s)), 200);
         QVERIFY(!percents.isEmpty() && std::ranges::is_sorted(percents));
         QVERIFY(percents.first() > 0 && percents.last() <= 100);
     }
@@ -74,8 +77,8 @@ private Q_SLOTS:
         answer.status = status;
         answer.body = "half of a body";
         answer.declaredLength = declaredLength;
-        m_server->setAnswer(u"/a"_qs, answer);
-        QCOMPARE(fetch(m_server->url(u"/a"_qs)), expected);
+        m_server->setAnswer(u"/a"_s, answer);
+        QCOMPARE(fetch(m_server->url(u"/a"_s)), expected);
         QCOMPARE(destinationBytes(), QByteArray("old"));
     }
 
@@ -83,11 +86,11 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("url");
         QTest::addColumn<int>("expected");
-        QTest::newRow("unknown host") << u"http://no-such-host.invalid/"_qs << int(Downloader::HostNotFound);
-        QTest::newRow("nothing at all") << u""_qs << int(Downloader::HostNotFound);
-        QTest::newRow("a local file") << u"file:///etc/passwd"_qs << int(Downloader::AddressNotSupported);
-        QTest::newRow("another protocol") << u"ftp://127.0.0.1/"_qs << int(Downloader::AddressNotSupported);
-        QTest::newRow("data") << u"data:text/xml,<a/>"_qs << int(Downloader::AddressNotSupported);
+        QTest::newRow("unknown host") << u"http://no-such-host.invalid/"_s << int(Downloader::HostNotFound);
+        QTest::newRow("nothing at all") << u""_s << int(Downloader::HostNotFound);
+        QTest::newRow("a local file") << u"file:///etc/passwd"_s << int(Downloader::AddressNotSupported);
+        QTest::newRow("another protocol") << u"ftp://127.0.0.1/"_s << int(Downloader::AddressNotSupported);
+        QTest::newRow("data") << u"data:text/xml,<a/>"_s << int(Downloader::AddressNotSupported);
     }
 
     void addressesThatCantBeFetchedEndAtOnce()
@@ -95,19 +98,19 @@ private Q_SLOTS:
         QFETCH(QString, url);
         QFETCH(int, expected);
         QCOMPARE(fetch(url), expected);
-        m_server->setAnswer(u"/away"_qs, Answer::redirect(url));
+        m_server->setAnswer(u"/away"_s, Answer::redirect(url));
         if (expected == Downloader::AddressNotSupported)
-            QCOMPARE(fetch(m_server->url(u"/away"_qs)), expected);
+            QCOMPARE(fetch(m_server->url(u"/away"_s)), expected);
         QCOMPARE(destinationBytes(), QByteArray("old"));
     }
 
     void refusedConnectionAndUnwritableDestinationAreTold()
     {
-        m_server->setBody(u"/a"_qs, "body");
-        m_destination = m_directory->filePath(u"absent/tmp.xml"_qs);
-        QCOMPARE(fetch(m_server->url(u"/a"_qs)), Downloader::WriteFailed);
-        m_destination = m_directory->filePath(u"tmp.xml"_qs);
-        const QString url = m_server->url(u"/a"_qs);
+        m_server->setBody(u"/a"_s, "body");
+        m_destination = m_directory->filePath(u"absent/tmp.xml"_s);
+        QCOMPARE(fetch(m_server->url(u"/a"_s)), Downloader::WriteFailed);
+        m_destination = m_directory->filePath(u"tmp.xml"_s);
+        const QString url = m_server->url(u"/a"_s);
         m_server->close();
         QCOMPARE(fetch(url), Downloader::ConnectionRefused);
     }
@@ -122,10 +125,10 @@ private Q_SLOTS:
         for (Answer answer : {silent, halting, trickling}) {
             answer.body = QByteArray(1000, 'x');
             answer.declaredLength = 5000;
-            m_server->setAnswer(u"/slow"_qs, answer);
+            m_server->setAnswer(u"/slow"_s, answer);
             QElapsedTimer timer;
             timer.start();
-            QCOMPARE(fetch(m_server->url(u"/slow"_qs)), Downloader::TimedOut);
+            QCOMPARE(fetch(m_server->url(u"/slow"_s)), Downloader::TimedOut);
             // What shows signs of life lives until the whole time is up.
             QCOMPARE(timer.elapsed() >= 850, answer.trickleMs > 0);
             QCOMPARE(destinationBytes(), QByteArray("old"));
@@ -136,8 +139,8 @@ private Q_SLOTS:
     {
         const auto statusOf = [this](qint64 maxMegabytes, const Answer &answer) {
             m_downloader->setLimits({.maxBytes = maxMegabytes * 1024 * 1024});
-            m_server->setAnswer(u"/large"_qs, answer);
-            return fetch(m_server->url(u"/large"_qs));
+            m_server->setAnswer(u"/large"_s, answer);
+            return fetch(m_server->url(u"/large"_s));
         };
         Answer endless;
         endless.endless = true;
@@ -160,32 +163,32 @@ private Q_SLOTS:
         Answer answer;
         answer.body = qCompress(body).mid(4);
         answer.headers = {{"Content-Encoding", "deflate"}};
-        m_server->setAnswer(u"/coded"_qs, answer);
-        QCOMPARE(fetch(m_server->url(u"/coded"_qs)), 200);
+        m_server->setAnswer(u"/coded"_s, answer);
+        QCOMPARE(fetch(m_server->url(u"/coded"_s)), 200);
         QCOMPARE(destinationBytes(), body);
-        QVERIFY(m_server->lastRequest(u"/coded"_qs).header("accept-encoding").contains("gzip"));
+        QVERIFY(m_server->lastRequest(u"/coded"_s).header("accept-encoding").contains("gzip"));
 
         answer.body = "this is not deflated";
-        m_server->setAnswer(u"/broken"_qs, answer);
-        QCOMPARE(fetch(m_server->url(u"/broken"_qs)), Downloader::ContentNotReadable);
+        m_server->setAnswer(u"/broken"_s, answer);
+        QCOMPARE(fetch(m_server->url(u"/broken"_s)), Downloader::ContentNotReadable);
         QCOMPARE(destinationBytes(), body);
     }
 
     void redirectionsAreFollowedToTheirLimit()
     {
-        m_server->setBody(u"/end"_qs, "body");
+        m_server->setBody(u"/end"_s, "body");
         for (const int code : {301, 302, 303, 307, 308}) {
-            m_server->setAnswer(u"/start"_qs, Answer::redirect(u"end"_qs, code));
-            QCOMPARE(fetch(m_server->url(u"/start"_qs)), 200);
+            m_server->setAnswer(u"/start"_s, Answer::redirect(u"end"_s, code));
+            QCOMPARE(fetch(m_server->url(u"/start"_s)), 200);
             QCOMPARE(destinationBytes(), QByteArray("body"));
         }
-        m_server->setAnswer(u"/loop"_qs, Answer::redirect(u"/loop"_qs));
-        QCOMPARE(fetch(m_server->url(u"/loop"_qs)), Downloader::TooManyRedirections);
-        QCOMPARE(m_server->hits(u"/loop"_qs), 11);
-        m_server->setAnswer(u"/nowhere"_qs, Answer::redirect(QString()));
-        QCOMPARE(fetch(m_server->url(u"/nowhere"_qs)), Downloader::TooManyRedirections);
-        m_server->setAnswer(u"/gone"_qs, Answer::redirect(u"/missing"_qs));
-        QCOMPARE(fetch(m_server->url(u"/gone"_qs)), 404);
+        m_server->setAnswer(u"/loop"_s, Answer::redirect(u"/loop"_s));
+        QCOMPARE(fetch(m_server->url(u"/loop"_s)), Downloader::TooManyRedirections);
+        QCOMPARE(m_server->hits(u"/loop"_s), 11);
+        m_server->setAnswer(u"/nowhere"_s, Answer::redirect(QString()));
+        QCOMPARE(fetch(m_server->url(u"/nowhere"_s)), Downloader::TooManyRedirections);
+        m_server->setAnswer(u"/gone"_s, Answer::redirect(u"/missing"_s));
+        QCOMPARE(fetch(m_server->url(u"/gone"_s)), 404);
     }
 
     void redirectionToASecureAddressIsTried()
@@ -202,8 +205,8 @@ private Q_SLOTS:
             });
         });
         const QString target = u"https://127.0.0.1:" + QString::number(notSecure.serverPort()) + u"/";
-        m_server->setAnswer(u"/start"_qs, Answer::redirect(target));
-        QCOMPARE(fetch(m_server->url(u"/start"_qs), u"me"_qs, u"secret"_qs), Downloader::SecureConnectionFailed);
+        m_server->setAnswer(u"/start"_s, Answer::redirect(target));
+        QCOMPARE(fetch(m_server->url(u"/start"_s), u"me"_s, u"secret"_s), Downloader::SecureConnectionFailed);
         // The first byte of a TLS handshake; nothing went out in the clear.
         QVERIFY(received.startsWith('\x16'));
         QVERIFY(!received.contains("Authorization"));
@@ -213,36 +216,36 @@ private Q_SLOTS:
     void credentialsGoToTheAskedHostAlone()
     {
         LocalHttpServer other;
-        other.setBody(u"/end"_qs, "body");
-        m_server->setBody(u"/end"_qs, "body");
+        other.setBody(u"/end"_s, "body");
+        m_server->setBody(u"/end"_s, "body");
         const auto sent = [this](const QString &target, const LocalHttpServer &receiver) {
-            m_server->setAnswer(u"/start"_qs, Answer::redirect(target));
-            const qint32 status = fetch(m_server->url(u"/start"_qs), u"me"_qs, u"sécret:x"_qs);
-            return status == 200 ? receiver.lastRequest(u"/end"_qs).header("authorization") : QByteArray("failed");
+            m_server->setAnswer(u"/start"_s, Answer::redirect(target));
+            const qint32 status = fetch(m_server->url(u"/start"_s), u"me"_s, u"sécret:x"_s);
+            return status == 200 ? receiver.lastRequest(u"/end"_s).header("authorization") : QByteArray("failed");
         };
-        QCOMPARE(sent(u"/end"_qs, *m_server), "Basic " + QByteArrayLiteral("me:sécret:x").toBase64());
-        QCOMPARE(sent(m_server->url(u"/end"_qs, u"localhost"_qs), *m_server), QByteArray());
-        QCOMPARE(sent(other.url(u"/end"_qs), other), QByteArray());
+        QCOMPARE(sent(u"/end"_s, *m_server), "Basic " + QByteArrayLiteral("me:sécret:x").toBase64());
+        QCOMPARE(sent(m_server->url(u"/end"_s, u"localhost"_s), *m_server), QByteArray());
+        QCOMPARE(sent(other.url(u"/end"_s), other), QByteArray());
         // Nor does a redirection bring credentials of its own.
-        QCOMPARE(sent(other.url(u"/end"_qs).replace(u"127.0.0.1"_qs, u"evil:pw@127.0.0.1"_qs), other), QByteArray());
+        QCOMPARE(sent(other.url(u"/end"_s).replace(u"127.0.0.1"_s, u"evil:pw@127.0.0.1"_s), other), QByteArray());
     }
 
     void challengesAreNeverAnswered()
     {
         for (const char *challenge :
              {"Basic realm=\"r\"", "Digest realm=\"r\", nonce=\"n\", qop=\"auth\"", "NTLM", "Negotiate", ""}) {
-            m_server->setAnswer(u"/closed"_qs, Answer::unauthorized(challenge));
+            m_server->setAnswer(u"/closed"_s, Answer::unauthorized(challenge));
             const int before = m_server->totalHits();
-            QCOMPARE(fetch(m_server->url(u"/closed"_qs), u"me"_qs, u"wrong"_qs), Downloader::AuthenticationAsked);
+            QCOMPARE(fetch(m_server->url(u"/closed"_s), u"me"_s, u"wrong"_s), Downloader::AuthenticationAsked);
             QCOMPARE(m_server->requests().last().credentials(), u"me:wrong"); // sent unasked
             // They don't stay for the next download.
-            QCOMPARE(fetch(m_server->url(u"/closed"_qs)), Downloader::AuthenticationAsked);
+            QCOMPARE(fetch(m_server->url(u"/closed"_s)), Downloader::AuthenticationAsked);
             QCOMPARE(m_server->requests().last().header("authorization"), QByteArray());
             QCOMPARE(m_server->totalHits(), before + 2);
         }
         QCOMPARE(destinationBytes(), QByteArray("old"));
-        m_server->setProtectedBody(u"/b"_qs, "body", u"m@e"_qs, u"p w"_qs);
-        QCOMPARE(fetch(m_server->url(u"/b"_qs).replace(u"http://"_qs, u"http://m%40e:p%20w@"_qs)), 200);
+        m_server->setProtectedBody(u"/b"_s, "body", u"m@e"_s, u"p w"_s);
+        QCOMPARE(fetch(m_server->url(u"/b"_s).replace(u"http://"_s, u"http://m%40e:p%20w@"_s)), 200);
     }
 
     void cancellingEndsTheDownloadExactlyOnce()
@@ -252,8 +255,8 @@ private Q_SLOTS:
 
         Answer silent;
         silent.silent = true;
-        m_server->setAnswer(u"/a"_qs, silent);
-        m_downloader->Download(m_server->url(u"/a"_qs), 0, m_destination, QString(), QString());
+        m_server->setAnswer(u"/a"_s, silent);
+        m_downloader->Download(m_server->url(u"/a"_s), 0, m_destination, QString(), QString());
         QTRY_COMPARE(m_server->totalHits(), 1);
         m_downloader->CancelDownload();
         QCOMPARE(m_ends->size(), 1);
@@ -263,7 +266,7 @@ private Q_SLOTS:
         QCOMPARE(m_ends->size(), 1);
 
         // One that has failed and not told so yet.
-        m_downloader->Download(u"ftp://x/"_qs, 0, m_destination, QString(), QString());
+        m_downloader->Download(u"ftp://x/"_s, 0, m_destination, QString(), QString());
         m_downloader->CancelDownload();
         QTest::qWait(50);
         QCOMPARE(m_ends->size(), 2);
@@ -277,11 +280,11 @@ private Q_SLOTS:
         slow.body = "slow";
         slow.stallsAtEnd = true;
         slow.declaredLength = 100;
-        m_server->setAnswer(u"/slow"_qs, slow);
-        m_server->setBody(u"/quick"_qs, "quick");
-        m_downloader->Download(m_server->url(u"/slow"_qs), 0, m_destination, QString(), QString());
+        m_server->setAnswer(u"/slow"_s, slow);
+        m_server->setBody(u"/quick"_s, "quick");
+        m_downloader->Download(m_server->url(u"/slow"_s), 0, m_destination, QString(), QString());
         QTRY_COMPARE(m_server->totalHits(), 1);
-        m_downloader->Download(m_server->url(u"/quick"_qs), 0, m_destination, QString(), QString());
+        m_downloader->Download(m_server->url(u"/quick"_s), 0, m_destination, QString(), QString());
         QVERIFY(m_ends->isEmpty());
         QTRY_COMPARE(m_ends->size(), 2);
         QCOMPARE(m_ends->at(0).first().toInt(), int(Downloader::Cancelled));
@@ -292,11 +295,11 @@ private Q_SLOTS:
         int again = 0;
         connect(m_downloader.get(), &Downloader::DownloadComplete, this, [&] {
             if (++again == 1)
-                m_downloader->Download(m_server->url(u"/quick"_qs), 0, m_destination, QString(), QString());
+                m_downloader->Download(m_server->url(u"/quick"_s), 0, m_destination, QString(), QString());
             else
                 m_downloader.release()->deleteLater();
         });
-        m_downloader->Download(m_server->url(u"/quick"_qs), 0, m_destination, QString(), QString());
+        m_downloader->Download(m_server->url(u"/quick"_s), 0, m_destination, QString(), QString());
         QTRY_VERIFY(!m_downloader);
         QCOMPARE(again, 2);
     }
@@ -313,7 +316,7 @@ private:
         if (!m_ends->wait(10000))
             return -1;
         QTest::qWait(30);
-        const bool tidy = QDir(m_directory->path()).entryList(QDir::Files) == QStringList{u"tmp.xml"_qs};
+        const bool tidy = QDir(m_directory->path()).entryList(QDir::Files) == QStringList{u"tmp.xml"_s};
         return m_ends->size() == 1 && tidy ? m_ends->first().first().toInt() : -2;
     }
     QByteArray destinationBytes() const { return Files::read(m_destination).bytes; }

@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/Literals.h"
 #include "platform/net/HandOver.h"
 #include "platform/net/InstanceLock.h"
 #include "platform/net/InstanceServer.h"
@@ -38,7 +41,7 @@ private Q_SLOTS:
 
     void withoutAPlaceForTheLockTheProgramStartsAllTheSame()
     {
-        QVERIFY(InstanceLock(m_directory->filePath(u"absent"_qs)).isFirstInstance());
+        QVERIFY(InstanceLock(m_directory->filePath(u"absent"_s)).isFirstInstance());
         QVERIFY(InstanceLock(QString()).isFirstInstance());
     }
 
@@ -46,14 +49,14 @@ private Q_SLOTS:
     {
         QProcess other;
         other.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        other.start(QCoreApplication::applicationFilePath(), {u"--hold"_qs, path()});
+        other.start(QCoreApplication::applicationFilePath(), {u"--hold"_s, path()});
         QVERIFY(other.waitForReadyRead(10000));
         QCOMPARE(other.readAll(), QByteArray("ready\n"));
         InstanceLock lock(path());
         QVERIFY(!lock.isFirstInstance());
         other.kill();
         QVERIFY(other.waitForFinished());
-        QCOMPARE(handOver(u"x"_qs, 1000, path()), HandOverResult::NoInstance);
+        QCOMPARE(handOver(u"x"_s, 1000, path()), HandOverResult::NoInstance);
         QVERIFY(lock.isFirstInstance());
         InstanceServer server(path());
         QVERIFY(server.listen());
@@ -69,8 +72,8 @@ private Q_SLOTS:
         const QString directory = runtimeDirectory();
         QVERIFY(QFileInfo(directory).isDir());
         QVERIFY(!(QFileInfo(directory).permissions() & others));
-        qputenv("QUILLWIRE_RUNTIME_DIR", m_directory->filePath(u"made/anew"_qs).toUtf8());
-        QCOMPARE(runtimeDirectory(), m_directory->filePath(u"made/anew"_qs));
+        qputenv("QUILLWIRE_RUNTIME_DIR", m_directory->filePath(u"made/anew"_s).toUtf8());
+        QCOMPARE(runtimeDirectory(), m_directory->filePath(u"made/anew"_s));
         QVERIFY(QFileInfo(runtimeDirectory()).isDir());
         qunsetenv("QUILLWIRE_RUNTIME_DIR");
         qputenv("XDG_RUNTIME_DIR", before);
@@ -79,9 +82,9 @@ private Q_SLOTS:
     void textArrivesUnchanged_data()
     {
         QTest::addColumn<QString>("text");
-        QTest::newRow("an address") << u"feed:http://a/b?c=d%20e&f"_qs;
-        QTest::newRow("a path in quotes, with blanks at the end") << u" \"/é и/\U0001F600.xml\"  "_qs;
-        QTest::newRow("line breaks and a zero character") << u"a\r\nb\0c"_qs;
+        QTest::newRow("an address") << u"feed:http://a/b?c=d%20e&f"_s;
+        QTest::newRow("a path in quotes, with blanks at the end") << u" \"/é и/\U0001F600.xml\"  "_s;
+        QTest::newRow("line breaks and a zero character") << u"a\r\nb\0c"_s;
         QTest::newRow("as long as it may be") << QString(HandOverProtocol::MaxBytes, u'x');
     }
 
@@ -108,13 +111,13 @@ private Q_SLOTS:
 
     void withoutAListenerThereIsNoInstance()
     {
-        QCOMPARE(handOver(u"x"_qs, 1000, path()), HandOverResult::NoInstance);
-        QCOMPARE(handOver(u"x"_qs, 1000, QString()), HandOverResult::NoInstance);
+        QCOMPARE(handOver(u"x"_s, 1000, path()), HandOverResult::NoInstance);
+        QCOMPARE(handOver(u"x"_s, 1000, QString()), HandOverResult::NoInstance);
         InstanceServer server(path());
         QVERIFY(server.listen());
         QCOMPARE(handOver(QString(HandOverProtocol::MaxBytes + 1, u'x'), 1000, path()), HandOverResult::NoInstance);
         server.close();
-        QCOMPARE(handOver(u"x"_qs, 1000, path()), HandOverResult::NoInstance);
+        QCOMPARE(handOver(u"x"_s, 1000, path()), HandOverResult::NoInstance);
     }
 
     void senderWaitsForTheSlotAndNoLongerThanItsLimit()
@@ -126,7 +129,7 @@ private Q_SLOTS:
             QTest::qSleep(200);
             slotIsDone = true;
         });
-        auto patient = handOverAside(u"x"_qs, path());
+        auto patient = handOverAside(u"x"_s, path());
         while (!slotIsDone) {
             QVERIFY(!isOver(patient));
             QTest::qWait(5);
@@ -137,7 +140,7 @@ private Q_SLOTS:
         // A first instance that hangs: nothing runs its loop.
         QElapsedTimer timer;
         timer.start();
-        QCOMPARE(handOver(u"x"_qs, 300, path()), HandOverResult::TimedOut);
+        QCOMPARE(handOver(u"x"_s, 300, path()), HandOverResult::TimedOut);
         QVERIFY(timer.elapsed() >= 290 && timer.elapsed() < 2000);
     }
 
@@ -154,13 +157,13 @@ private Q_SLOTS:
             else
                 nested.quit();
         });
-        auto first = handOverAside(u"first"_qs, path());
+        auto first = handOverAside(u"first"_s, path());
         std::future<HandOverResult> second;
-        QTimer::singleShot(200, this, [&] { second = handOverAside(u"second"_qs, path()); });
+        QTimer::singleShot(200, this, [&] { second = handOverAside(u"second"_s, path()); });
         QTRY_VERIFY(second.valid() && isOver(first) && isOver(second));
         QCOMPARE(first.get(), HandOverResult::HandedOver);
         QCOMPARE(second.get(), HandOverResult::HandedOver);
-        QCOMPARE(texts, (QStringList{u"first"_qs, u"second"_qs}));
+        QCOMPARE(texts, (QStringList{u"first"_s, u"second"_s}));
     }
 
     void strangeSendersAreCutOffAndHoldNothingUp()
@@ -182,7 +185,7 @@ private Q_SLOTS:
         tooMuch.write("\xff\xff\xff\xff and more");
         QTRY_COMPARE(tooMuch.state(), QLocalSocket::UnconnectedState);
 
-        auto honest = handOverAside(u"text"_qs, path());
+        auto honest = handOverAside(u"text"_s, path());
         QTRY_VERIFY_WITH_TIMEOUT(isOver(honest), 500);
         QCOMPARE(honest.get(), HandOverResult::HandedOver);
         for (const auto &stranger : strangers)
@@ -195,7 +198,7 @@ private Q_SLOTS:
             strangers.back()->connectToServer(HandOverProtocol::socketPath(path()));
         }
         QTest::qWait(700);
-        auto late = handOverAside(u"late"_qs, path());
+        auto late = handOverAside(u"late"_s, path());
         QTRY_VERIFY(isOver(late));
         QCOMPARE(late.get(), HandOverResult::HandedOver);
     }
@@ -205,7 +208,7 @@ private Q_SLOTS:
         auto server = std::make_unique<InstanceServer>(path());
         QVERIFY(server->listen());
         connect(server.get(), &InstanceServer::textReceived, this, [&server] { server.reset(); });
-        auto result = handOverAside(u"x"_qs, path());
+        auto result = handOverAside(u"x"_s, path());
         QTRY_VERIFY(isOver(result));
         QCOMPARE(result.get(), HandOverResult::NoInstance);
         QVERIFY(!server);

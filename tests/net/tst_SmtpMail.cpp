@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/Literals.h"
 #include "platform/net/SmtpMail.h"
 
 #include "tests/fixtures/LocalSmtpServer.h"
@@ -34,10 +37,10 @@ QJsonObject readByPython(const QByteArray &mail)
         "json.dump({'from': one('From'), 'to': one('To'),\n"
         "  'subject': m['Subject'], 'date': m['Date'].datetime.timestamp(), 'id': m['Message-ID'],\n"
         "  'headers': sorted(m.keys()), 'body': m.get_payload(decode=True).decode(m.get_content_charset()),\n"
-        "  'type': m.get_content_type()}, sys.stdout)\n"_qs;
+        "  'type': m.get_content_type()}, sys.stdout)\n"_s;
     QProcess python;
     python.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    python.start(u"python3"_qs, {u"-c"_qs, script});
+    python.start(u"python3"_s, {u"-c"_s, script});
     python.write(mail);
     python.closeWriteChannel();
     python.waitForFinished();
@@ -59,23 +62,23 @@ private Q_SLOTS:
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("body");
-        QTest::newRow("nothing") << u""_qs << u""_qs << u""_qs << u"\r\n"_qs;
-        QTest::newRow("plain") << u"A subject"_qs << u"A Name"_qs << u"One\r\nTwo\r\n"_qs << u"One\r\nTwo\r\n"_qs;
-        QTest::newRow("accents") << u"L'été à Besançon"_qs << u"Éloïse \"L.\" d'Été"_qs << u"déjà vu"_qs
-                                 << u"déjà vu\r\n"_qs;
+        QTest::newRow("nothing") << u""_s << u""_s << u""_s << u"\r\n"_s;
+        QTest::newRow("plain") << u"A subject"_s << u"A Name"_s << u"One\r\nTwo\r\n"_s << u"One\r\nTwo\r\n"_s;
+        QTest::newRow("accents") << u"L'été à Besançon"_s << u"Éloïse \"L.\" d'Été"_s << u"déjà vu"_s
+                                 << u"déjà vu\r\n"_s;
         QTest::newRow("specials in a name")
-            << u"=?UTF-8?Q?no?= =3D"_qs << u"a, \"b\" \\ <c@d>; (e)"_qs << u"=41 =\n"_qs << u"=41 =\r\n"_qs;
+            << u"=?UTF-8?Q?no?= =3D"_s << u"a, \"b\" \\ <c@d>; (e)"_s << u"=41 =\n"_s << u"=41 =\r\n"_s;
         QTest::newRow("dots and From at line starts")
-            << u"."_qs << u"."_qs << u".\n..\nFrom me\n.\r\n.x\n"_qs << u".\r\n..\r\nFrom me\r\n.\r\n.x\r\n"_qs;
-        QTest::newRow("any line end") << u"s"_qs << u"n"_qs << u"a\rb\nc\r\nd\n\n"_qs << u"a\r\nb\r\nc\r\nd\r\n\r\n"_qs;
-        QTest::newRow("blanks at line ends") << u"s"_qs << u"n"_qs << u"a \nb\t\n \n"_qs << u"a \r\nb\t\r\n \r\n"_qs;
-        QTest::newRow("zero characters") << u"s"_qs << u"n"_qs << u"a\0b\0é\0"_qs << u"abé\r\n"_qs;
+            << u"."_s << u"."_s << u".\n..\nFrom me\n.\r\n.x\n"_s << u".\r\n..\r\nFrom me\r\n.\r\n.x\r\n"_s;
+        QTest::newRow("any line end") << u"s"_s << u"n"_s << u"a\rb\nc\r\nd\n\n"_s << u"a\r\nb\r\nc\r\nd\r\n\r\n"_s;
+        QTest::newRow("blanks at line ends") << u"s"_s << u"n"_s << u"a \nb\t\n \n"_s << u"a \r\nb\t\r\n \r\n"_s;
+        QTest::newRow("zero characters") << u"s"_s << u"n"_s << u"a\0b\0é\0"_s << u"abé\r\n"_s;
         QTest::newRow("long lines") << QString(300, u'é') + QString(300, u'x') << QString(60, u'\u20ac')
                                     << QString(5000, u'x') + QString(200, u'é') + u' ' + QString(77, u'=')
                                     << QString(5000, u'x') + QString(200, u'é') + u' ' + QString(77, u'=') + u"\r\n";
         QString pairs;
         for (int i = 0; i < 40; ++i)
-            pairs += u"\U0001F600"_qs;
+            pairs += u"\U0001F600"_s;
         QTest::newRow("characters beyond the first plane") << pairs << pairs << pairs << pairs + u"\r\n";
     }
 
@@ -106,9 +109,9 @@ private Q_SLOTS:
         QCOMPARE(read.value(u"body").toString(), body);
         QCOMPARE(read.value(u"subject").toString(), subject);
         QCOMPARE(read.value(u"from").toObject(),
-                 (QJsonObject{{u"name"_qs, name}, {u"address"_qs, u"me@here.example"_qs}}));
+                 (QJsonObject{{u"name"_s, name}, {u"address"_s, u"me@here.example"_s}}));
         QCOMPARE(read.value(u"to").toObject(),
-                 (QJsonObject{{u"name"_qs, name}, {u"address"_qs, u"you@there.example"_qs}}));
+                 (QJsonObject{{u"name"_s, name}, {u"address"_s, u"you@there.example"_s}}));
         QCOMPARE(read.value(u"type").toString(), u"text/plain");
         QVERIFY(read.value(u"id").toString().endsWith(u"@here.example>"));
         QVERIFY(qAbs(read.value(u"date").toDouble() - double(QDateTime::currentSecsSinceEpoch())) < 60);
@@ -117,7 +120,7 @@ private Q_SLOTS:
     void noFieldReachesHeadersOrEnvelope()
     {
         const QString attack =
-            u"x\r\nBcc: evil@evil.example\r\n\r\n.\r\nMAIL FROM:<evil@evil.example>\u0085\u2028\x7f"_qs;
+            u"x\r\nBcc: evil@evil.example\r\n\r\n.\r\nMAIL FROM:<evil@evil.example>\u0085\u2028\x7f"_s;
         const auto mail = newMail();
         mail->setSubject(attack);
         mail->setFromDisplayName(attack);
@@ -127,8 +130,8 @@ private Q_SLOTS:
         QCOMPARE(m_server->mails().size(), 1);
         const QJsonObject read = readByPython(m_server->mails().first().data);
         QCOMPARE(read.value(u"headers").toVariant().toStringList(),
-                 (QStringList{u"Content-Transfer-Encoding"_qs, u"Content-Type"_qs, u"Date"_qs, u"From"_qs,
-                              u"MIME-Version"_qs, u"Message-ID"_qs, u"Subject"_qs, u"To"_qs}));
+                 (QStringList{u"Content-Transfer-Encoding"_s, u"Content-Type"_s, u"Date"_s, u"From"_s,
+                              u"MIME-Version"_s, u"Message-ID"_s, u"Subject"_s, u"To"_s}));
         QVERIFY(read.value(u"subject").toString().startsWith(u"x  Bcc: evil"));
         QVERIFY(
             std::ranges::none_of(m_server->commands(), [](const QByteArray &line) { return line.contains("evil"); }));
@@ -137,13 +140,13 @@ private Q_SLOTS:
     void addressesAreCheckedBeforeAnythingIsSent_data()
     {
         QTest::addColumn<QString>("address");
-        QTest::newRow("nothing") << u""_qs;
-        QTest::newRow("no domain") << u"you"_qs;
-        QTest::newRow("out of the brackets") << u"you@there.example> SIZE=1"_qs;
-        QTest::newRow("a second recipient") << u"you@there.example,evil@evil.example"_qs;
-        QTest::newRow("a command behind a line break") << u"you@there.example>\r\nRCPT TO:<evil@evil.example"_qs;
-        QTest::newRow("a name around it") << u"You <you@there.example>"_qs;
-        QTest::newRow("no ASCII before the sign") << u"été@there.example"_qs;
+        QTest::newRow("nothing") << u""_s;
+        QTest::newRow("no domain") << u"you"_s;
+        QTest::newRow("out of the brackets") << u"you@there.example> SIZE=1"_s;
+        QTest::newRow("a second recipient") << u"you@there.example,evil@evil.example"_s;
+        QTest::newRow("a command behind a line break") << u"you@there.example>\r\nRCPT TO:<evil@evil.example"_s;
+        QTest::newRow("a name around it") << u"You <you@there.example>"_s;
+        QTest::newRow("no ASCII before the sign") << u"été@there.example"_s;
         QTest::newRow("endless") << QString(300, u'x') + u"@there.example";
     }
 
@@ -161,13 +164,13 @@ private Q_SLOTS:
     void envelopeTakesTheAsciiFormOfADomain()
     {
         const auto mail = newMail();
-        mail->setRecipient(u" you+tag@été.example\n"_qs);
-        mail->setFrom(u"admin@localhost"_qs);
+        mail->setRecipient(u" you+tag@été.example\n"_s);
+        mail->setFrom(u"admin@localhost"_s);
         QCOMPARE(send(*mail), u"sent");
         QCOMPARE(m_server->mails().first().recipients, QList<QByteArray>{"<you+tag@xn--t-9fab.example>"});
         QCOMPARE(m_server->mails().first().from, QByteArray("<admin@localhost>"));
-        QCOMPARE(MailMessage::envelopeAddress(u"you@[192.0.2.1]"_qs), QByteArray("you@[192.0.2.1]"));
-        QCOMPARE(MailMessage::envelopeAddress(u"you@[1]>[2]"_qs), QByteArray());
+        QCOMPARE(MailMessage::envelopeAddress(u"you@[192.0.2.1]"_s), QByteArray("you@[192.0.2.1]"));
+        QCOMPARE(MailMessage::envelopeAddress(u"you@[1]>[2]"_s), QByteArray());
     }
 
     void refusalIsExplainedByTheServersAnswer()
@@ -203,11 +206,11 @@ private Q_SLOTS:
 
     void unreachableServerIsAFailure()
     {
-        const QString incorrect = u"Le nom du serveur SMTP est incorrect : "_qs;
-        const QList<QPair<QString, QString>> hosts = {{u"127.0.0.1"_qs, u"connect"_qs},
-                                                      {u"no-such-host.invalid"_qs, u"resolve"_qs},
+        const QString incorrect = u"Le nom du serveur SMTP est incorrect : "_s;
+        const QList<QPair<QString, QString>> hosts = {{u"127.0.0.1"_s, u"connect"_s},
+                                                      {u"no-such-host.invalid"_s, u"resolve"_s},
                                                       {QString(), incorrect},
-                                                      {u"127.0.0.1/x?y@z"_qs, incorrect}};
+                                                      {u"127.0.0.1/x?y@z"_s, incorrect}};
         const auto mail = newMail();
         m_server.reset();
         for (const auto &[host, explanation] : hosts) {
@@ -246,10 +249,10 @@ private:
     std::unique_ptr<SmtpMail> newMail(std::function<void()> keepAlive = [] { QCoreApplication::processEvents(); })
     {
         auto mail = std::make_unique<SmtpMail>(std::move(keepAlive));
-        mail->setSmtpHost(u"127.0.0.1"_qs);
+        mail->setSmtpHost(u"127.0.0.1"_s);
         mail->setPort(m_server->port());
-        mail->setFrom(u"me@here.example"_qs);
-        mail->setRecipient(u"you@there.example"_qs);
+        mail->setFrom(u"me@here.example"_s);
+        mail->setRecipient(u"you@there.example"_s);
         return mail;
     }
 
@@ -260,8 +263,8 @@ private:
         QSignalSpy failures(&mail, &SmtpMail::SendFailed);
         mail.Send();
         if (successes.size() + failures.size() != 1)
-            return u"?"_qs;
-        return failures.isEmpty() ? u"sent"_qs : failures.first().first().toString();
+            return u"?"_s;
+        return failures.isEmpty() ? u"sent"_s : failures.first().first().toString();
     }
 
     std::unique_ptr<LocalSmtpServer> m_server;

@@ -1,4 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "platform/Files.h"
+#include "platform/Literals.h"
 #include "platform/RunTimeError.h"
 
 #include <QDir>
@@ -22,7 +25,7 @@ private Q_SLOTS:
 void tst_Files::aFullDiskLeavesTheOldFile()
 {
     QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("state.xml"));
+    const QString path = folder.filePath(u"state.xml"_s);
     Files::write(path, "old");
     const pid_t child = fork();
     if (child == 0) {
@@ -55,11 +58,10 @@ void tst_Files::writingReportsWhatIsWrong()
         }
         return 0;
     };
-    QCOMPARE(errorOfWriting(folder.filePath(QStringLiteral("no/such/file"))), 76);
+    QCOMPARE(errorOfWriting(folder.filePath(u"no/such/file"_s)), 76);
     QVERIFY(errorOfWriting(folder.path()) != 0);
-    QVERIFY_EXCEPTION_THROWN(Files::remove(folder.filePath(QStringLiteral("none"))), RunTimeError);
-    QVERIFY_EXCEPTION_THROWN(
-        Files::copy(folder.filePath(QStringLiteral("none")), folder.filePath(QStringLiteral("to"))), RunTimeError);
+    QVERIFY_EXCEPTION_THROWN(Files::remove(folder.filePath(u"none"_s)), RunTimeError);
+    QVERIFY_EXCEPTION_THROWN(Files::copy(folder.filePath(u"none"_s), folder.filePath(u"to"_s)), RunTimeError);
     QVERIFY(!Files::exists(folder.path()));
 }
 

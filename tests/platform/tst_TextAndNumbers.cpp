@@ -1,6 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "platform/AnsiText.h"
 #include "platform/DateText.h"
 #include "platform/Dictionary.h"
+#include "platform/Literals.h"
 #include "platform/Numbers.h"
 #include "platform/RunTimeError.h"
 
@@ -55,15 +58,15 @@ void TextAndNumbersTest::everyByteSurvivesTheCodePage()
 
 void TextAndNumbersTest::aCharacterOutsideTheCodePageBecomesAQuestionMark()
 {
-    QCOMPARE(AnsiText::toBytes(QStringLiteral("Łódź €")), QByteArray("?\xF3"
-                                                                     "d? \x80"));
-    QVERIFY(!AnsiText::holds(QStringLiteral("Łódź")));
-    QVERIFY(AnsiText::holds(QStringLiteral("œuvre à 5 €")));
+    QCOMPARE(AnsiText::toBytes(u"Łódź €"_s), QByteArray("?\xF3"
+                                                        "d? \x80"));
+    QVERIFY(!AnsiText::holds(u"Łódź"_s));
+    QVERIFY(AnsiText::holds(u"œuvre à 5 €"_s));
 }
 
 void TextAndNumbersTest::wideningGivesTheLowByteFirst()
 {
-    QCOMPARE(AnsiText::toBytes(AnsiText::widenBytes(QStringLiteral("é€"))), QByteArray("\xE9\x00\xAC\x20", 4));
+    QCOMPARE(AnsiText::toBytes(AnsiText::widenBytes(u"é€"_s)), QByteArray("\xE9\x00\xAC\x20", 4));
     QCOMPARE(AnsiText::widenBytes(QString()), QString());
 }
 
@@ -140,12 +143,12 @@ void TextAndNumbersTest::datesReadBackWhatTheyWrite()
     QFETCH(QDateTime, when);
     QCOMPARE(DateText::fromText(DateText::toText(when)), when);
     QCOMPARE(DateText::toText(QDateTime({2004, 7, 1}, {14, 0})), u"01/07/2004 14:00:00"); // French in the C locale
-    QCOMPARE(DateText::fromText(QStringLiteral("01/07/2004")), QDateTime({2004, 7, 1}, {0, 0}));
+    QCOMPARE(DateText::fromText(u"01/07/2004"_s), QDateTime({2004, 7, 1}, {0, 0}));
 }
 
 void TextAndNumbersTest::whatIsNoDateIsATypeMismatch()
 {
-    for (const QString &text : {QStringLiteral(""), QStringLiteral("hier"), QStringLiteral("32/01/2004 10:00:00")}) {
+    for (const QString &text : {u""_s, u"hier"_s, u"32/01/2004 10:00:00"_s}) {
         QVERIFY(!DateText::isDate(text));
         QCOMPARE(errorOf([&] { DateText::fromText(text); }), typeMismatch);
     }
@@ -154,14 +157,14 @@ void TextAndNumbersTest::whatIsNoDateIsATypeMismatch()
 void TextAndNumbersTest::aReplacedEntryOfADictionaryStandsLast()
 {
     Dictionary<QString> table;
-    table.Add(QStringLiteral("1"), QStringLiteral("a"));
-    table.Add(QStringLiteral("2"), QStringLiteral("b"));
-    QCOMPARE(errorOf([&] { table.Add(QStringLiteral("1"), QStringLiteral("c")); }), 457);
-    table.Replace(QStringLiteral("1"), QStringLiteral("d"));
-    QCOMPARE(table.Keys(), QStringList({QStringLiteral("2"), QStringLiteral("1")}));
-    QCOMPARE(table.Item(QStringLiteral("1")), u"d");
-    QCOMPARE(table.Item(QStringLiteral("3")), QString());
-    QVERIFY(!table.Exists(QStringLiteral("3")));
+    table.Add(u"1"_s, u"a"_s);
+    table.Add(u"2"_s, u"b"_s);
+    QCOMPARE(errorOf([&] { table.Add(u"1"_s, u"c"_s); }), 457);
+    table.Replace(u"1"_s, u"d"_s);
+    QCOMPARE(table.Keys(), QStringList({u"2"_s, u"1"_s}));
+    QCOMPARE(table.Item(u"1"_s), u"d");
+    QCOMPARE(table.Item(u"3"_s), QString());
+    QVERIFY(!table.Exists(u"3"_s));
 }
 
 QTEST_GUILESS_MAIN(TextAndNumbersTest)

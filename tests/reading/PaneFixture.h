@@ -1,5 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #pragma once
 
+#include "platform/Literals.h"
 #include "reading/BrowserPane.h"
 #include "tests/fixtures/FakeMessages.h"
 #include "tests/fixtures/LocalHttpServer.h"

@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/Literals.h"
 #include "tests/reading/PaneFixture.h"
 
 #include <QApplication>

@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/Literals.h"
 #include "reading/ItemListView.h"
 
 #include "platform/RunTimeError.h"

@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/Literals.h"
 #include "support/cRegistry.h"
 
 #include "platform/FileRegistryStore.h"
@@ -50,7 +53,7 @@ QString errorOf(Operation operation)
     } catch (const RunTimeError &error) {
         return QString::number(error.number()) + u' ' + error.text();
     }
-    return u"none"_qs;
+    return u"none"_s;
 }
 
 } // namespace
@@ -63,7 +66,7 @@ private Q_SLOTS:
     void init()
     {
         m_directory = std::make_unique<QTemporaryDir>();
-        m_store = std::make_unique<RefusingStore>(m_directory->filePath(u"config/registry.json"_qs));
+        m_store = std::make_unique<RefusingStore>(m_directory->filePath(u"config/registry.json"_s));
     }
 
     void valuesComeBackAsTheirTypeSays_data()
@@ -73,13 +76,13 @@ private Q_SLOTS:
         QTest::addColumn<QVariant>("written");
         QTest::addColumn<QVariant>("read");
         QTest::addColumn<qint32>("typeRead");
-        const QVariant absent(u"absent"_qs);
-        QTest::newRow("text") << 1 << QVariant(u"C:\\é и"_qs) << QVariant(u"C:\\é и"_qs) << 1;
-        QTest::newRow("empty text") << 1 << QVariant(u""_qs) << QVariant(u""_qs) << 1;
-        QTest::newRow("two percent signs side by side") << 1 << QVariant(u"a%%"_qs) << QVariant(u"a%%"_qs) << 1;
-        QTest::newRow("a variable") << 1 << QVariant(u"%QUILLWIRE_TEST_PLACE%/x"_qs) << QVariant(u"/a b/x"_qs) << 2;
+        const QVariant absent(u"absent"_s);
+        QTest::newRow("text") << 1 << QVariant(u"C:\\é и"_s) << QVariant(u"C:\\é и"_s) << 1;
+        QTest::newRow("empty text") << 1 << QVariant(u""_s) << QVariant(u""_s) << 1;
+        QTest::newRow("two percent signs side by side") << 1 << QVariant(u"a%%"_s) << QVariant(u"a%%"_s) << 1;
+        QTest::newRow("a variable") << 1 << QVariant(u"%QUILLWIRE_TEST_PLACE%/x"_s) << QVariant(u"/a b/x"_s) << 2;
         QTest::newRow("a variable that isn't set")
-            << 1 << QVariant(u"5%NOT_SET_%QUILLWIRE_TEST_PLACE%"_qs) << QVariant(u"5%NOT_SET_/a b"_qs) << 2;
+            << 1 << QVariant(u"5%NOT_SET_%QUILLWIRE_TEST_PLACE%"_s) << QVariant(u"5%NOT_SET_/a b"_s) << 2;
         QTest::newRow("bytes") << 3 << QVariant(QByteArray("a\0b", 3)) << QVariant(QByteArray("a\0b", 3)) << 3;
         QTest::newRow("32-bit number") << 4 << QVariant(-2) << QVariant(-2) << 4;
         QTest::newRow("big-endian is written as little-endian")
@@ -96,10 +99,10 @@ private Q_SLOTS:
         QFETCH(qint32, typeRead);
         cRegistry registry(*m_store);
         registry.ClassKey = RegistryRoot::CurrentUser;
-        registry.SectionKey = u"Software\\Test"_qs;
-        registry.ValueKey = u"name"_qs;
+        registry.SectionKey = u"Software\\Test"_s;
+        registry.ValueKey = u"name"_s;
         registry.ValueType = type;
-        registry.Default = u"absent"_qs;
+        registry.Default = u"absent"_s;
         registry.setValue(written);
         QCOMPARE(registry.ValueType, type);
         QCOMPARE(registry.Value(), read);
@@ -110,12 +113,12 @@ private Q_SLOTS:
     {
         cRegistry registry(*m_store);
         registry.ClassKey = RegistryRoot::CurrentUser;
-        registry.SectionKey = u"S"_qs;
-        registry.Default = u"before"_qs;
-        registry.setMachine(u"other"_qs);
-        QCOMPARE(registry.Value(), QVariant(u"before"_qs));
-        registry.setValue(u"after"_qs);
-        QCOMPARE(registry.Default, QVariant(u"after"_qs));
+        registry.SectionKey = u"S"_s;
+        registry.Default = u"before"_s;
+        registry.setMachine(u"other"_s);
+        QCOMPARE(registry.Value(), QVariant(u"before"_s));
+        registry.setValue(u"after"_s);
+        QCOMPARE(registry.Default, QVariant(u"after"_s));
         registry.setMachine(QString());
         QVERIFY(!registry.KeyExists());
     }
@@ -123,59 +126,59 @@ private Q_SLOTS:
     void machineNamesGetTheirBackslashes()
     {
         cRegistry registry(*m_store);
-        registry.setMachine(u"host"_qs);
+        registry.setMachine(u"host"_s);
         QCOMPARE(registry.Machine(), u"\\\\host");
-        registry.setMachine(u"\\\\host"_qs);
+        registry.setMachine(u"\\\\host"_s);
         QCOMPARE(registry.Machine(), u"\\\\host");
-        registry.setMachine(u"ab"_qs);
+        registry.setMachine(u"ab"_s);
         QCOMPARE(registry.Machine(), u"");
     }
 
     void storedBytesOfAnyTypeAreRead()
     {
         RegistryKey key;
-        QCOMPARE(m_store->createKey(RegistryRoot::LocalMachine, u"S"_qs, RegistryAccess::All, key), 0);
-        QCOMPARE(m_store->setValue(key, u"big"_qs, RegistryType::BigEndianNumber, QByteArray::fromHex("01020304")), 0);
-        QCOMPARE(m_store->setValue(key, u"short"_qs, RegistryType::Number, QByteArray::fromHex("07")), 0);
-        QCOMPARE(m_store->setValue(key, u"many"_qs, RegistryType::MultiText, QByteArray("a\0b\0", 4)), 0);
-        QCOMPARE(m_store->setValue(key, u"other"_qs, 11, QByteArray::fromHex("0102030405060708")), 0);
-        QCOMPARE(m_store->setValue(key, u"nothing"_qs, RegistryType::Text, QByteArray()), 0);
+        QCOMPARE(m_store->createKey(RegistryRoot::LocalMachine, u"S"_s, RegistryAccess::All, key), 0);
+        QCOMPARE(m_store->setValue(key, u"big"_s, RegistryType::BigEndianNumber, QByteArray::fromHex("01020304")), 0);
+        QCOMPARE(m_store->setValue(key, u"short"_s, RegistryType::Number, QByteArray::fromHex("07")), 0);
+        QCOMPARE(m_store->setValue(key, u"many"_s, RegistryType::MultiText, QByteArray("a\0b\0", 4)), 0);
+        QCOMPARE(m_store->setValue(key, u"other"_s, 11, QByteArray::fromHex("0102030405060708")), 0);
+        QCOMPARE(m_store->setValue(key, u"nothing"_s, RegistryType::Text, QByteArray()), 0);
         cRegistry registry(*m_store);
         const auto read = [&](const QString &name) {
-            return registry.ValueEx(RegistryRoot::LocalMachine, u"S"_qs, name, 1, u"?"_qs);
+            return registry.ValueEx(RegistryRoot::LocalMachine, u"S"_s, name, 1, u"?"_s);
         };
-        QCOMPARE(read(u"big"_qs), QVariant(0x01020304));
+        QCOMPARE(read(u"big"_s), QVariant(0x01020304));
         QCOMPARE(registry.ValueType, 5);
-        QCOMPARE(read(u"short"_qs), QVariant(7));
-        QCOMPARE(read(u"many"_qs), QVariant(QString(u"a\0b"_qs)));
-        QCOMPARE(read(u"other"_qs), QVariant(QByteArray::fromHex("0102030405060708")));
-        QCOMPARE(read(u"nothing"_qs), QVariant(u""_qs));
+        QCOMPARE(read(u"short"_s), QVariant(7));
+        QCOMPARE(read(u"many"_s), QVariant(QString(u"a\0b"_s)));
+        QCOMPARE(read(u"other"_s), QVariant(QByteArray::fromHex("0102030405060708")));
+        QCOMPARE(read(u"nothing"_s), QVariant(u""_s));
     }
 
     void anEmptyTextIsReplacedByDefaultInValueExOnly()
     {
         cRegistry registry(*m_store);
-        registry.setValueEx(RegistryRoot::CurrentUser, u"S"_qs, u"v"_qs, 1, u"fallback"_qs, u""_qs);
-        QCOMPARE(registry.Value(), QVariant(u"fallback"_qs));
-        registry.setValueEx(RegistryRoot::CurrentUser, u"S"_qs, u"v"_qs, 2, u"fallback"_qs, u""_qs);
-        QCOMPARE(registry.Value(), QVariant(u""_qs));
+        registry.setValueEx(RegistryRoot::CurrentUser, u"S"_s, u"v"_s, 1, u"fallback"_s, u""_s);
+        QCOMPARE(registry.Value(), QVariant(u"fallback"_s));
+        registry.setValueEx(RegistryRoot::CurrentUser, u"S"_s, u"v"_s, 2, u"fallback"_s, u""_s);
+        QCOMPARE(registry.Value(), QVariant(u""_s));
     }
 
     void namesAreToldApartWithoutCaseAndListed()
     {
         cRegistry registry(*m_store);
-        registry.setValueEx(RegistryRoot::CurrentUser, u"Top\\Other"_qs, u""_qs, 1, {}, u"3"_qs);
-        registry.setValueEx(RegistryRoot::CurrentUser, u"Top\\Low"_qs, u"One"_qs, 1, {}, u"1"_qs);
-        registry.setValueEx(RegistryRoot::CurrentUser, u"TOP\\low"_qs, u"ONE"_qs, 1, {}, u"2"_qs);
+        registry.setValueEx(RegistryRoot::CurrentUser, u"Top\\Other"_s, u""_s, 1, {}, u"3"_s);
+        registry.setValueEx(RegistryRoot::CurrentUser, u"Top\\Low"_s, u"One"_s, 1, {}, u"1"_s);
+        registry.setValueEx(RegistryRoot::CurrentUser, u"TOP\\low"_s, u"ONE"_s, 1, {}, u"2"_s);
         QStringList names;
         qint32 count = -1;
         QVERIFY(registry.EnumerateValues(names, count));
-        QCOMPARE(names, QStringList{u"One"_qs});
-        QCOMPARE(registry.Value(), QVariant(u"2"_qs));
-        registry.SectionKey = u"top"_qs;
+        QCOMPARE(names, QStringList{u"One"_s});
+        QCOMPARE(registry.Value(), QVariant(u"2"_s));
+        registry.SectionKey = u"top"_s;
         QVERIFY(registry.EnumerateSections(names, count));
-        QCOMPARE(names, (QStringList{u"Low"_qs, u"Other"_qs}));
-        registry.SectionKey = u"absent"_qs;
+        QCOMPARE(names, (QStringList{u"Low"_s, u"Other"_s}));
+        registry.SectionKey = u"absent"_s;
         QVERIFY(!registry.EnumerateValues(names, count));
         QCOMPARE(count, 0);
     }
@@ -184,15 +187,15 @@ private Q_SLOTS:
     {
         cRegistry registry(*m_store);
         registry.ClassKey = RegistryRoot::CurrentUser;
-        registry.SectionKey = u"S"_qs;
-        registry.ValueKey = u"v"_qs;
+        registry.SectionKey = u"S"_s;
+        registry.ValueKey = u"v"_s;
         QCOMPARE(errorOf([&] { registry.DeleteKey(); }),
                  u"26001 Failed to delete registry Key: '-2147483647',Section: 'S");
         QCOMPARE(errorOf([&] { registry.DeleteValue(); }),
                  u"26001 Failed to open key '-2147483647',Section: 'S' for delete access");
-        registry.setValue(u"kept"_qs);
+        registry.setValue(u"kept"_s);
         registry.ValueType = 3;
-        QCOMPARE(errorOf([&] { registry.setValue(u"no bytes"_qs); }),
+        QCOMPARE(errorOf([&] { registry.setValue(u"no bytes"_s); }),
                  u"26001 Failed to set registry value Key: '-2147483647',Section: 'S',Key: 'v' to value: 'kept'");
         QVERIFY(registry.DeleteValue());
         QCOMPARE(errorOf([&] { registry.DeleteValue(); }),
@@ -201,7 +204,7 @@ private Q_SLOTS:
         m_store->refusesKeys = true;
         QCOMPARE(errorOf([&] { registry.CreateKey(); }), u"26001 Failed to create registry Key: 'S");
         registry.ValueType = 1;
-        QCOMPARE(errorOf([&] { registry.setValue(u"x"_qs); }),
+        QCOMPARE(errorOf([&] { registry.setValue(u"x"_s); }),
                  u"26001 Failed to set registry value Key: '-2147483647',Section: 'S',Key: 'v' to value: 'kept'");
         m_store->enumerationFails = true;
         registry.SectionKey.clear();
@@ -215,24 +218,24 @@ private Q_SLOTS:
     {
         cRegistry registry(*m_store);
         registry.ClassKey = RegistryRoot::CurrentUser;
-        registry.SectionKey = u"S"_qs;
+        registry.SectionKey = u"S"_s;
         m_store->valueResult = RegistryResult::AccessDenied;
-        registry.setValue(u"lost"_qs);
+        registry.setValue(u"lost"_s);
         m_store->valueResult = -1;
-        QCOMPARE(errorOf([&] { registry.setValue(u"new"_qs); }),
+        QCOMPARE(errorOf([&] { registry.setValue(u"new"_s); }),
                  QString::number(static_cast<qint32>(0x800469A9)) +
                      u" Failed to set registry value Key: '-2147483647',Section: 'S',Key: '' to value: 'lost'");
     }
 
     void aBrokenFileIsNeverWrittenOver()
     {
-        const QString path = m_directory->filePath(u"config/registry.json"_qs);
+        const QString path = m_directory->filePath(u"config/registry.json"_s);
         cRegistry registry(*m_store);
-        registry.setValueEx(RegistryRoot::CurrentUser, u"S"_qs, u"v"_qs, 1, u"?"_qs, u"1"_qs);
+        registry.setValueEx(RegistryRoot::CurrentUser, u"S"_s, u"v"_s, 1, u"?"_s, u"1"_s);
         for (const QByteArray &broken : {QByteArray("{\"HKEY"), QByteArray("[]"), QByteArray("{\"a\": 1}")}) {
             Files::write(path, broken);
-            QCOMPARE(registry.Value(), QVariant(u"?"_qs));
-            QVERIFY(errorOf([&] { registry.setValue(u"2"_qs); }).startsWith(u"26001"));
+            QCOMPARE(registry.Value(), QVariant(u"?"_s));
+            QVERIFY(errorOf([&] { registry.setValue(u"2"_s); }).startsWith(u"26001"));
             QCOMPARE(Files::read(path).bytes, broken);
         }
     }
@@ -240,20 +243,20 @@ private Q_SLOTS:
     void associationIsWrittenUnderBothRoots()
     {
         cRegistry registry(*m_store);
-        registry.CreateEXEAssociation(u" C:\\p q.exe "_qs, u"QW"_qs, u"A feed"_qs, u"rss"_qs, QString(), true,
-                                      u"Imprimer"_qs, true, QString(), true, QString(), 2);
+        registry.CreateEXEAssociation(u" C:\\p q.exe "_s, u"QW"_s, u"A feed"_s, u"rss"_s, QString(), true,
+                                      u"Imprimer"_s, true, QString(), true, QString(), 2);
         const QList<QPair<QString, QString>> expected{
-            {u".rss"_qs, u"QW"_qs},
-            {u"QW"_qs, u"A feed"_qs},
-            {u"QW\\shell\\open"_qs, u"&Open"_qs},
-            {u"QW\\shell\\open\\command"_qs, u"\"C:\\p q.exe\" \"%1\""_qs},
-            {u"QW\\shell\\print"_qs, u"Imprimer"_qs},
-            {u"QW\\shell\\print\\command"_qs, u"\"C:\\p q.exe\" /p \"%1\""_qs},
-            {u"QW\\shell\\add"_qs, u"&Install rss"_qs},
-            {u"QW\\shell\\add\\command"_qs, u"\"C:\\p q.exe\" /a \"%1\""_qs},
-            {u"QW\\shell\\new"_qs, u"&New"_qs},
-            {u"QW\\shell\\new\\command"_qs, u"\"C:\\p q.exe\" /n \"%1\""_qs},
-            {u"QW\\DefaultIcon"_qs, u"\"C:\\p q.exe\",2"_qs},
+            {u".rss"_s, u"QW"_s},
+            {u"QW"_s, u"A feed"_s},
+            {u"QW\\shell\\open"_s, u"&Open"_s},
+            {u"QW\\shell\\open\\command"_s, u"\"C:\\p q.exe\" \"%1\""_s},
+            {u"QW\\shell\\print"_s, u"Imprimer"_s},
+            {u"QW\\shell\\print\\command"_s, u"\"C:\\p q.exe\" /p \"%1\""_s},
+            {u"QW\\shell\\add"_s, u"&Install rss"_s},
+            {u"QW\\shell\\add\\command"_s, u"\"C:\\p q.exe\" /a \"%1\""_s},
+            {u"QW\\shell\\new"_s, u"&New"_s},
+            {u"QW\\shell\\new\\command"_s, u"\"C:\\p q.exe\" /n \"%1\""_s},
+            {u"QW\\DefaultIcon"_s, u"\"C:\\p q.exe\",2"_s},
         };
         for (const auto &[section, value] : expected) {
             QCOMPARE(registry.ValueEx(RegistryRoot::ClassesRoot, section, QString(), 1, {}), QVariant(value));
@@ -265,17 +268,17 @@ private Q_SLOTS:
     void additionalVerbsNeedAClass()
     {
         cRegistry registry(*m_store);
-        const QStringList verb{u"show"_qs, u"Show"_qs, u"p /s"_qs};
-        QCOMPARE(errorOf([&] { registry.CreateAdditionalEXEAssociations(u"QW"_qs, verb.mid(1)); }),
+        const QStringList verb{u"show"_s, u"Show"_s, u"p /s"_s};
+        QCOMPARE(errorOf([&] { registry.CreateAdditionalEXEAssociations(u"QW"_s, verb.mid(1)); }),
                  QString::number(static_cast<qint32>(0x800469AC)) +
                      u" Invalid parameter list passed to CreateAdditionalEXEAssociations - expected Name/Text/Command");
-        QCOMPARE(errorOf([&] { registry.CreateAdditionalEXEAssociations(u"QW"_qs, verb); }),
+        QCOMPARE(errorOf([&] { registry.CreateAdditionalEXEAssociations(u"QW"_s, verb); }),
                  QString::number(static_cast<qint32>(0x800469AD)) +
                      u" Error - attempt to create additional associations before class defined.");
-        registry.CreateEXEAssociation(u"p"_qs, u"QW"_qs, QString(), u"rss"_qs);
-        registry.CreateAdditionalEXEAssociations(u"QW"_qs, verb);
-        QCOMPARE(registry.ValueEx(RegistryRoot::ClassesRoot, u"QW\\shell\\show\\command"_qs, QString(), 1, {}),
-                 QVariant(u"p /s"_qs));
+        registry.CreateEXEAssociation(u"p"_s, u"QW"_s, QString(), u"rss"_s);
+        registry.CreateAdditionalEXEAssociations(u"QW"_s, verb);
+        QCOMPARE(registry.ValueEx(RegistryRoot::ClassesRoot, u"QW\\shell\\show\\command"_s, QString(), 1, {}),
+                 QVariant(u"p /s"_s));
     }
 
 private:

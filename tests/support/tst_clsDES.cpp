@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/Literals.h"
 #include "support/clsDES.h"
 
 #include "platform/AnsiText.h"
@@ -81,7 +84,7 @@ private Q_SLOTS:
         int draws = 0;
         des.setRandom([&draws] { return ++draws == 1 ? 0.5 : 0.0; });
         QByteArray bytes = "secret";
-        des.EncryptByte(bytes, u"12345678"_qs);
+        des.EncryptByte(bytes, u"12345678"_s);
         QCOMPARE(bytes.size(), 24);
 
         QByteArray plain;
@@ -101,33 +104,33 @@ private Q_SLOTS:
     void whatWasEncipheredDeciphers()
     {
         const QList<QPair<QString, int>> texts = {
-            {u"abcd"_qs, 16},           {u"abcde"_qs, 24},
-            {u"mot de passé €"_qs, 32}, {AnsiText::fromBytes(QByteArray::fromHex("00ff8081a0090d0a")), 24},
+            {u"abcd"_s, 16},           {u"abcde"_s, 24},
+            {u"mot de passé €"_s, 32}, {AnsiText::fromBytes(QByteArray::fromHex("00ff8081a0090d0a")), 24},
             {QString(100, u'x'), 112},
         };
         for (const auto &[text, cipherSize] : texts) {
             clsDES des;
-            QString raw = des.EncryptString(text, u"a key"_qs, false);
+            QString raw = des.EncryptString(text, u"a key"_s, false);
             QCOMPARE(raw.size(), cipherSize);
-            QCOMPARE(des.DecryptString(raw, u"a key"_qs, false), text);
-            QString in64 = des.EncryptString(text, u"a key"_qs, true);
-            QVERIFY(in64 != des.EncryptString(text, u"a key"_qs, true)); // no two runs are alike
+            QCOMPARE(des.DecryptString(raw, u"a key"_s, false), text);
+            QString in64 = des.EncryptString(text, u"a key"_s, true);
+            QVERIFY(in64 != des.EncryptString(text, u"a key"_s, true)); // no two runs are alike
             clsDES other;
-            QCOMPARE(other.DecryptString(in64, u"a key"_qs, true), text);
+            QCOMPARE(other.DecryptString(in64, u"a key"_s, true), text);
         }
     }
 
     void keyIsCutToEightCharactersAndKeptBetweenCalls()
     {
         clsDES des;
-        QString cipher = des.EncryptString(u"password"_qs, u"%%K9:Tm417"_qs, true);
+        QString cipher = des.EncryptString(u"password"_s, u"%%K9:Tm417"_s, true);
         QString again = cipher;
-        QCOMPARE(des.DecryptString(again, u"%%K9:Tm4"_qs, true), u"password");
+        QCOMPARE(des.DecryptString(again, u"%%K9:Tm4"_s, true), u"password");
         QCOMPARE(des.DecryptString(cipher, QString(), true), u"password");
         // A short key is filled with zeros.
-        des.setKey(u"abc"_qs);
+        des.setKey(u"abc"_s);
         const QByteArray filled = hexOf(des.encryptBlock({}));
-        des.setKey(u"abc"_qs + QString(5, QChar(0)));
+        des.setKey(u"abc"_s + QString(5, QChar(0)));
         QCOMPARE(hexOf(des.encryptBlock({})), filled);
     }
 
@@ -135,17 +138,17 @@ private Q_SLOTS:
     {
         clsDES des;
         QByteArray bytes = "some text";
-        des.EncryptByte(bytes, u"right"_qs);
+        des.EncryptByte(bytes, u"right"_s);
         const QByteArray cipher = bytes;
-        des.DecryptByte(bytes, u"wrong"_qs);
+        des.DecryptByte(bytes, u"wrong"_s);
         QCOMPARE(bytes.size(), cipher.size());
         QVERIFY(bytes != cipher);
 
         QByteArray cut = cipher.left(13);
-        des.DecryptByte(cut, u"right"_qs);
+        des.DecryptByte(cut, u"right"_s);
         QCOMPARE(cut.size(), 13);
         QByteArray nothing;
-        des.DecryptByte(nothing, u"right"_qs);
+        des.DecryptByte(nothing, u"right"_s);
         QVERIFY(nothing.isEmpty());
     }
 
@@ -153,9 +156,9 @@ private Q_SLOTS:
     {
         clsDES des;
         des.setRandom([] { return 0.0; });
-        QString cipher = des.EncryptString(QString(), u"k"_qs, false);
+        QString cipher = des.EncryptString(QString(), u"k"_s, false);
         QCOMPARE(cipher.size(), 16);
-        QCOMPARE(des.DecryptString(cipher, u"k"_qs, false), QString(16, QChar(0)));
+        QCOMPARE(des.DecryptString(cipher, u"k"_s, false), QString(16, QChar(0)));
     }
 
     void base64LinesBreakAfter76Characters_data()
@@ -177,7 +180,7 @@ private Q_SLOTS:
         const QByteArray input(bytes, '\xfb');
         const QString coded = des.EncodeArray64(input);
         QList<int> lengths;
-        const QStringList parts = coded.split(u"\r\n"_qs, Qt::SkipEmptyParts);
+        const QStringList parts = coded.split(u"\r\n"_s, Qt::SkipEmptyParts);
         for (const QString &line : parts)
             lengths.append(static_cast<int>(line.size()));
         QCOMPARE(lengths, lines);
@@ -189,13 +192,13 @@ private Q_SLOTS:
     {
         clsDES des;
         const QList<QPair<QString, QByteArray>> texts = {
-            {u""_qs, ""},
-            {u"Y=W=Jj"_qs, "616263"}, // padding in the middle
-            {u"YQ"_qs, "61"},         // two characters left
-            {u"YWI"_qs, "6162"},      // three
-            {u"YWJjZ"_qs, "616263"},  // one
-            {u"!é€-"_qs, "000000"},   // strangers count as zero
-            {u"YW\nj"_qs, "616023"},  // and so does a lone line feed
+            {u""_s, ""},
+            {u"Y=W=Jj"_s, "616263"}, // padding in the middle
+            {u"YQ"_s, "61"},         // two characters left
+            {u"YWI"_s, "6162"},      // three
+            {u"YWJjZ"_s, "616263"},  // one
+            {u"!é€-"_s, "000000"},   // strangers count as zero
+            {u"YW\nj"_s, "616023"},  // and so does a lone line feed
         };
         for (const auto &[coded, hex] : texts)
             QCOMPARE(des.DecodeArray64(coded).toHex(), hex);
@@ -204,24 +207,24 @@ private Q_SLOTS:
     void filesAreConvertedAndNeverOverwrittenUnasked()
     {
         const QTemporaryDir directory;
-        const QString plain = directory.filePath(u"plain"_qs);
-        const QString cipher = directory.filePath(u"cipher"_qs);
-        const QString back = directory.filePath(u"back"_qs);
+        const QString plain = directory.filePath(u"plain"_s);
+        const QString cipher = directory.filePath(u"cipher"_s);
+        const QString back = directory.filePath(u"back"_s);
         const QByteArray content = QByteArray::fromHex("00010aff") + QByteArray(200, 'z');
         Files::write(plain, content);
         clsDES des;
         for (const bool in64 : {false, true}) {
-            QVERIFY(des.EncryptFile(plain, cipher, true, u"k"_qs, in64));
+            QVERIFY(des.EncryptFile(plain, cipher, true, u"k"_s, in64));
             QVERIFY(Files::read(cipher).bytes != content);
             QCOMPARE(Files::read(cipher).bytes.contains("\r\n"), in64);
-            QVERIFY(des.DecryptFile(cipher, back, true, u"k"_qs, in64));
+            QVERIFY(des.DecryptFile(cipher, back, true, u"k"_s, in64));
             QCOMPARE(Files::read(back).bytes, content);
         }
         Files::write(cipher, "mine");
-        QVERIFY(!des.EncryptFile(plain, cipher, false, u"k"_qs));
+        QVERIFY(!des.EncryptFile(plain, cipher, false, u"k"_s));
         QCOMPARE(Files::read(cipher).bytes, QByteArray("mine"));
-        QVERIFY(!des.EncryptFile(directory.filePath(u"absent"_qs), back, true, u"k"_qs));
-        QVERIFY(!des.EncryptFile(plain, directory.filePath(u"no/such/place"_qs), true, u"k"_qs));
+        QVERIFY(!des.EncryptFile(directory.filePath(u"absent"_s), back, true, u"k"_s));
+        QVERIFY(!des.EncryptFile(plain, directory.filePath(u"no/such/place"_s), true, u"k"_s));
     }
 
     void progressRisesToOneHundred()
@@ -230,7 +233,7 @@ private Q_SLOTS:
         QList<int> percents;
         des.setProgress([&percents](int percent) { percents.append(percent); });
         QByteArray bytes(20, 'a');
-        des.EncryptByte(bytes, u"k"_qs);
+        des.EncryptByte(bytes, u"k"_s);
         des.DecryptByte(bytes);
         QCOMPARE(percents, (QList<int>{0, 25, 50, 75, 100, 0, 25, 50, 75, 100}));
     }
@@ -238,9 +241,9 @@ private Q_SLOTS:
     void decryptStringOverwritesTheTextIn64()
     {
         clsDES des;
-        const QString raw = des.EncryptString(u"abcd"_qs, u"k"_qs, false);
+        const QString raw = des.EncryptString(u"abcd"_s, u"k"_s, false);
         QString text = des.Encode64(raw);
-        des.DecryptString(text, u"k"_qs, true);
+        des.DecryptString(text, u"k"_s, true);
         QCOMPARE(text, raw);
     }
 };

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Tries the walls between the rooms: walls.py <source folder> <build folder> <compiler>
 
 Each room is asked, by the very command that compiles its sources, for a header of every other room. What the table

@@ -1,7 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #pragma once
 
 #include "app/Program.h"
 #include "controls/cToolbar.h"
+#include "platform/Literals.h"
 #include "platform/net/Downloader.h"
 #include "reading/BrowserPane.h"
 #include "reading/ItemListView.h"
@@ -41,13 +44,13 @@ private:
 class PrincFixture
 {
 public:
-    PrincFixture() { data.write(QStringLiteral("feeds.xml"), "<?xml version=\"1.0\"?><favoris></favoris>"); }
+    PrincFixture() { data.write(u"feeds.xml"_s, "<?xml version=\"1.0\"?><favoris></favoris>"); }
 
     /// The first or a further run of the program: settings from the file, the window up and shown.
     void start(const QString &commandLine = {})
     {
         window.reset();
-        const QByteArray fresh = Files::read(QStringLiteral(SAMPLES_DIR "/../resources/data/params.xml")).bytes;
+        const QByteArray fresh = Files::read(QString::fromUtf8(SAMPLES_DIR "/../resources/data/params.xml")).bytes;
         program = std::make_unique<Program>(
             Program::Surroundings{data.directory(), fresh, ScreenScale(), messages, [this] { return now; },
                                   [](int milliseconds) { QTest::qWait(qMin(milliseconds, 5)); }, [] { return true; },
@@ -89,7 +92,7 @@ public:
     FeedNodePtr selected() const { return program->longLived().treeState.selected(); }
 
     /// Writes a catalogue and the cache files of its feeds.
-    void writeCatalogue(const QByteArray &favoris) { data.write(QStringLiteral("feeds.xml"), favoris); }
+    void writeCatalogue(const QByteArray &favoris) { data.write(u"feeds.xml"_s, favoris); }
 
     template <class Control>
     Control *control(const char *name) const

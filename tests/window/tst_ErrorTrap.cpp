@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/Literals.h"
 #include "tests/fixtures/FakeMessages.h"
 #include "window/ErrorTrap.h"
 
@@ -13,16 +16,16 @@ private Q_SLOTS:
         auto *trap = qobject_cast<ErrorTrap *>(QCoreApplication::instance());
         FakeMessages messages;
         QStringList steps;
-        messages.onShow = [&](const Message &) { steps.append(QStringLiteral("shown")); };
+        messages.onShow = [&](const Message &) { steps.append(u"shown"_s); };
         trap->setMessages(&messages);
-        trap->setFreeze([&] { steps.append(QStringLiteral("frozen")); });
-        trap->setEnd([&](int code) { steps.append(QStringLiteral("end %1").arg(code)); });
+        trap->setFreeze([&] { steps.append(u"frozen"_s); });
+        trap->setEnd([&](int code) { steps.append(u"end %1"_s.arg(code)); });
 
         QMetaObject::invokeMethod(
             this, [] { throw RunTimeError::overflow(); }, Qt::QueuedConnection);
         QCoreApplication::processEvents();
 
-        QCOMPARE(steps, QStringList({QStringLiteral("frozen"), QStringLiteral("shown"), QStringLiteral("end 1")}));
+        QCOMPARE(steps, QStringList({u"frozen"_s, u"shown"_s, u"end 1"_s}));
         QCOMPARE(messages.shown.size(), std::size_t(1));
         QCOMPARE(messages.shown.front().text, RunTimeError::overflow().message());
         QCOMPARE(messages.shown.front().icon, Message::Icon::Critical);

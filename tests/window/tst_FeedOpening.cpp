@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/Literals.h"
 #include "tests/fixtures/FakeDownloader.h"
 #include "tests/fixtures/FeedTexts.h"
 #include "tests/window/PrincFixture.h"
@@ -46,22 +49,22 @@ private Q_SLOTS:
         const auto row = [](const char *name, const QString &entered, int status, const QByteArray &body,
                             const QString &title,
                             const QString &text) { QTest::newRow(name) << entered << status << body << title << text; };
-        const QString address = u"http://a/b"_qs;
-        const QString error = u"Erreur"_qs;
-        const QString warning = u"Avertissement"_qs;
+        const QString address = u"http://a/b"_s;
+        const QString error = u"Erreur"_s;
+        const QString warning = u"Avertissement"_s;
         row("host", address, 3, {}, error,
-            u"L'hôte sur lequel se trouve le fichier n'a pas été trouvé sur le serveur"_qs);
-        row("404", address, 404, {}, u"Erreur 404"_qs, u"Le fichier n'a pas été trouvé sur le serveur"_qs);
-        row("401", address, 401, {}, {}, u"Cas non géré actuellement : 401"_qs);
+            u"L'hôte sur lequel se trouve le fichier n'a pas été trouvé sur le serveur"_s);
+        row("404", address, 404, {}, u"Erreur 404"_s, u"Le fichier n'a pas été trouvé sur le serveur"_s);
+        row("401", address, 401, {}, {}, u"Cas non géré actuellement : 401"_s);
         row("no feed", address, 200, "<html>", warning,
             u"La ressource spécifiée n'est pas un fichier RSS valide, voulez-vous "
-            "essayer d'ouvrir le fichier dans le navigateur ?"_qs);
+            "essayer d'ouvrir le fichier dans le navigateur ?"_s);
         row("version", address, 200, "<rss version='3.0'><channel/></rss>", warning,
-            u"La version du fichier RSS n'est pas supportée"_qs);
-        row("format", address, 200, "<opml/>", warning, u"Format du fichier RSS inconnu"_qs);
-        row("scheme", u"feed:ftp://a/b"_qs, 0, {}, error, u"Impossible d'ouvrir le flux spécifié :\n\nftp://a/b"_qs);
-        row("no file", u"/no/such/file"_qs, 0, {}, warning, u"Le fichier que vous tentez d'ouvrir n'existe pas"_qs);
-        row("bad file", u"feeds.xml"_qs, 0, {}, warning, u"Erreur lors du chargement du canal RSS"_qs);
+            u"La version du fichier RSS n'est pas supportée"_s);
+        row("format", address, 200, "<opml/>", warning, u"Format du fichier RSS inconnu"_s);
+        row("scheme", u"feed:ftp://a/b"_s, 0, {}, error, u"Impossible d'ouvrir le flux spécifié :\n\nftp://a/b"_s);
+        row("no file", u"/no/such/file"_s, 0, {}, warning, u"Le fichier que vous tentez d'ouvrir n'existe pas"_s);
+        row("bad file", u"feeds.xml"_s, 0, {}, warning, u"Erreur lors du chargement du canal RSS"_s);
     }
 
     void everyOutcomeHasItsBox()
@@ -72,9 +75,9 @@ private Q_SLOTS:
         QFETCH(QString, title);
         if (entered == u"feeds.xml") // a file that is there
             entered = m_fixture->data.file(entered);
-        m_fixture->browserToolbar()->setButtonEnabled(u"send_mail"_qs, true);
+        m_fixture->browserToolbar()->setButtonEnabled(u"send_mail"_s, true);
         enter(entered);
-        QVERIFY(!m_fixture->browserToolbar()->isButtonEnabled(u"send_mail"_qs));
+        QVERIFY(!m_fixture->browserToolbar()->isButtonEnabled(u"send_mail"_s));
         if (status != 0) {
             QVERIFY(barVisible());
             m_dwlFeed->finish(status, body);
@@ -87,23 +90,23 @@ private Q_SLOTS:
         QCOMPARE(box.buttons, status == 200 && body == "<html>" ? Message::Buttons::YesNo : Message::Buttons::Ok);
         // A refused address leaves the bar on show.
         QCOMPARE(barVisible(), entered.startsWith(u"feed:"));
-        QCOMPARE(m_fixture->buttons(), u"0000"_qs);
+        QCOMPARE(m_fixture->buttons(), u"0000"_s);
         QCOMPARE(m_fixture->list()->items().rowCount(), 0);
     }
 
     void theButtonFollowsWhereTheFeedCameFrom()
     {
-        m_fixture->data.write(u"mine.rss"_qs, FeedTexts::rss(u"Mine"_qs, {u"m"_qs}));
-        enter(u"feed:a/b"_qs);
-        m_dwlFeed->finish(200, FeedTexts::rss(u"T"_qs, {u"one"_qs, u"two"_qs}));
-        QCOMPARE(m_fixture->buttons(), u"0001"_qs);
+        m_fixture->data.write(u"mine.rss"_s, FeedTexts::rss(u"Mine"_s, {u"m"_s}));
+        enter(u"feed:a/b"_s);
+        m_dwlFeed->finish(200, FeedTexts::rss(u"T"_s, {u"one"_s, u"two"_s}));
+        QCOMPARE(m_fixture->buttons(), u"0001"_s);
         QCOMPARE(m_fixture->list()->items().rowCount(), 2);
         QVERIFY(!barVisible());
-        enter(m_fixture->data.file(u"mine.rss"_qs)); // as the feed before it had it
-        QCOMPARE(m_fixture->buttons(), u"0001"_qs);
+        enter(m_fixture->data.file(u"mine.rss"_s)); // as the feed before it had it
+        QCOMPARE(m_fixture->buttons(), u"0001"_s);
         QCOMPARE(m_fixture->list()->items().rowCount(), 1);
-        enter(u"http://c/"_qs);
-        QCOMPARE(m_fixture->buttons(), u"0000"_qs);
+        enter(u"http://c/"_s);
+        QCOMPARE(m_fixture->buttons(), u"0000"_s);
     }
 };
 

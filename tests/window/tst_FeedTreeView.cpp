@@ -1,4 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "controls/ImageList.h"
+#include "platform/Literals.h"
 #include "window/FeedTreeView.h"
 
 #include <QContextMenuEvent>
@@ -27,12 +30,11 @@ private Q_SLOTS:
     {
         m_tree.remove(m_tree.root());
         m_view = std::make_unique<FeedTreeView>(m_tree, m_state, m_pictures);
-        const FeedNodePtr root = m_tree.addRoot(QStringLiteral("root"), QStringLiteral("Favoris"), NodeImage::Root);
-        const FeedNodePtr folder =
-            m_tree.addChild(root, QStringLiteral("1"), QStringLiteral("Presse"), NodeImage::Folder);
-        m_tree.addChild(folder, QStringLiteral("2"), QStringLiteral("Monde"), NodeImage::Feed);
-        m_tree.addChild(folder, QStringLiteral("3"), QStringLiteral("Matin"), NodeImage::Feed);
-        m_tree.addChild(root, QStringLiteral("4"), QStringLiteral("Blog"), NodeImage::Feed);
+        const FeedNodePtr root = m_tree.addRoot(u"root"_s, u"Favoris"_s, NodeImage::Root);
+        const FeedNodePtr folder = m_tree.addChild(root, u"1"_s, u"Presse"_s, NodeImage::Folder);
+        m_tree.addChild(folder, u"2"_s, u"Monde"_s, NodeImage::Feed);
+        m_tree.addChild(folder, u"3"_s, u"Matin"_s, NodeImage::Feed);
+        m_tree.addChild(root, u"4"_s, u"Blog"_s, NodeImage::Feed);
         m_state.bringIntoView(node("2"));
         m_view->resize(300, 400);
         m_view->show();
@@ -40,14 +42,14 @@ private Q_SLOTS:
 
         m_said.clear();
         connect(m_view.get(), &FeedTreeView::nodeClicked, this,
-                [this](const FeedNodePtr &n) { m_said.append(QStringLiteral("click ") + n->key()); });
+                [this](const FeedNodePtr &n) { m_said.append(u"click "_s + n->key()); });
         connect(m_view.get(), &FeedTreeView::arrowKeyTo, this, [this](const FeedNodePtr &n) {
-            m_said.append(QStringLiteral("arrow ") + n->key() + QStringLiteral(" from ") + m_state.selected()->key());
+            m_said.append(u"arrow "_s + n->key() + u" from "_s + m_state.selected()->key());
         });
         connect(m_view.get(), &FeedTreeView::nodeRightClicked, this,
-                [this](const FeedNodePtr &n) { m_said.append(QStringLiteral("right ") + n->key()); });
+                [this](const FeedNodePtr &n) { m_said.append(u"right "_s + n->key()); });
         connect(m_view.get(), &FeedTreeView::nodeDropped, this, [this](const FeedNodePtr &n, bool above) {
-            m_said.append(QStringLiteral("drop %1 %2").arg(n ? n->key() : QString()).arg(above));
+            m_said.append(u"drop %1 %2"_s.arg(n ? n->key() : QString()).arg(above));
         });
     }
 
@@ -56,8 +58,8 @@ private Q_SLOTS:
         QString selectedThen;
         connect(m_view.get(), &FeedTreeView::nodeClicked, this, [&] { selectedThen = m_state.selected()->key(); });
         QTest::mouseClick(m_view->viewport(), Qt::LeftButton, {}, placeOf("3"));
-        QCOMPARE(m_said, QStringList(QStringLiteral("click 3")));
-        QCOMPARE(selectedThen, QStringLiteral("3"));
+        QCOMPARE(m_said, QStringList(u"click 3"_s));
+        QCOMPARE(selectedThen, u"3"_s);
     }
 
     void aPressSelectsNothingUntilItIsReleased()
@@ -83,13 +85,13 @@ private Q_SLOTS:
     {
         m_state.select(node("3"));
         QTest::keyClick(m_view.get(), Qt::Key_Down);
-        QCOMPARE(m_said, QStringList(QStringLiteral("arrow 4 from 3")));
+        QCOMPARE(m_said, QStringList(u"arrow 4 from 3"_s));
         QCOMPARE(m_state.selected(), node("4"));
         QTest::keyClick(m_view.get(), Qt::Key_Down); // the last node has none behind it
         QCOMPARE(m_said.size(), 1);
         m_state.setExpanded(node("1"), false);
         QTest::keyClick(m_view.get(), Qt::Key_Up);
-        QCOMPARE(m_said.last(), QStringLiteral("arrow 1 from 4"));
+        QCOMPARE(m_said.last(), u"arrow 1 from 4"_s);
         QCOMPARE(m_state.selected(), node("1"));
     }
 
@@ -101,7 +103,7 @@ private Q_SLOTS:
         QCoreApplication::sendEvent(m_view->viewport(), &mouse);
         QContextMenuEvent keyboard(QContextMenuEvent::Keyboard, QPoint(), QPoint());
         QCoreApplication::sendEvent(m_view->viewport(), &keyboard);
-        QCOMPARE(m_said, QStringList({QStringLiteral("right 2"), QStringLiteral("right 4")}));
+        QCOMPARE(m_said, QStringList({u"right 2"_s, u"right 4"_s}));
         QCOMPARE(m_state.selected(), node("4"));
     }
 
@@ -121,9 +123,9 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("carried");
         QTest::addColumn<int>("offset");
         QTest::addColumn<QStringList>("told");
-        QTest::newRow("upper half") << QByteArray("2") << -4 << QStringList(QStringLiteral("drop 4 1"));
-        QTest::newRow("lower half") << QByteArray("2") << 4 << QStringList(QStringLiteral("drop 4 0"));
-        QTest::newRow("no node there") << QByteArray("2") << 200 << QStringList(QStringLiteral("drop  0"));
+        QTest::newRow("upper half") << QByteArray("2") << -4 << QStringList(u"drop 4 1"_s);
+        QTest::newRow("lower half") << QByteArray("2") << 4 << QStringList(u"drop 4 0"_s);
+        QTest::newRow("no node there") << QByteArray("2") << 200 << QStringList(u"drop  0"_s);
         QTest::newRow("not the dragged node") << QByteArray("3") << 4 << QStringList();
     }
 
@@ -134,7 +136,7 @@ private Q_SLOTS:
         m_state.select(node("3"));
         QTest::mousePress(m_view->viewport(), Qt::LeftButton, {}, placeOf("2"));
         QMimeData mime;
-        mime.setData(QStringLiteral("application/x-quillwire-node"), carried);
+        mime.setData(u"application/x-quillwire-node"_s, carried);
         const QPointF place = placeOf("4") + QPoint(0, offset);
         QDragEnterEvent enter(place.toPoint(), Qt::MoveAction, &mime, Qt::LeftButton, Qt::NoModifier);
         QCoreApplication::sendEvent(m_view->viewport(), &enter);

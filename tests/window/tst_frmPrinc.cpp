@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/Literals.h"
 #include "tests/window/PrincFixture.h"
 
 #include "controls/StatusBar.h"
@@ -23,19 +26,17 @@ private:
     std::unique_ptr<PrincFixture> m_fixture;
 
     /// A folder with two feeds and a feed beside it, each with a cache file of three items.
-    void writeThreeFeeds(const QString &address = QStringLiteral("http://127.0.0.1:9/x"))
+    void writeThreeFeeds(const QString &address = u"http://127.0.0.1:9/x"_s)
     {
-        QString text = QStringLiteral("<?xml version=\"1.0\"?><favoris>"
-                                      "<dir name=\"Presse\" key=\"1\" visible=\"1\">"
-                                      "<feed name=\"Monde\" url=\"%1\" key=\"2\" ttl=\"60\" cache=\"-7\"/>"
-                                      "<feed name=\"Matin\" url=\"%1\" key=\"3\" ttl=\"60\" cache=\"-7\"/></dir>"
-                                      "<feed name=\"Blog\" url=\"%1\" key=\"4\" ttl=\"60\" cache=\"-7\"/></favoris>")
-                           .arg(address);
+        QString text = u"<?xml version=\"1.0\"?><favoris>"
+                       "<dir name=\"Presse\" key=\"1\" visible=\"1\">"
+                       "<feed name=\"Monde\" url=\"%1\" key=\"2\" ttl=\"60\" cache=\"-7\"/>"
+                       "<feed name=\"Matin\" url=\"%1\" key=\"3\" ttl=\"60\" cache=\"-7\"/></dir>"
+                       "<feed name=\"Blog\" url=\"%1\" key=\"4\" ttl=\"60\" cache=\"-7\"/></favoris>"_s.arg(address);
         m_fixture->writeCatalogue(text.toUtf8());
         for (int key = 2; key <= 4; ++key)
             Files::write(m_fixture->data.cacheFile(QString::number(key)),
-                         FeedTexts::rss(QStringLiteral("Flux %1").arg(key),
-                                        FeedTexts::titles(QStringLiteral("f%1-").arg(key), 0, 3)));
+                         FeedTexts::rss(u"Flux %1"_s.arg(key), FeedTexts::titles(u"f%1-"_s.arg(key), 0, 3)));
     }
 
     void start()
@@ -44,7 +45,7 @@ private:
         m_fixture->start();
     }
 
-    QString catalogue() const { return QString::fromUtf8(m_fixture->data.read(QStringLiteral("feeds.xml"))); }
+    QString catalogue() const { return QString::fromUtf8(m_fixture->data.read(u"feeds.xml"_s)); }
 
     QString titleOf(int row) const { return m_fixture->list()->items().index(row, 0).data().toString(); }
 
@@ -94,27 +95,27 @@ private Q_SLOTS:
         start();
         m_fixture->click(m_fixture->node("3"));
         QCOMPARE(m_fixture->list()->items().rowCount(), 3);
-        QCOMPARE(m_fixture->buttons(), QStringLiteral("1110"));
-        const QByteArray title = AnsiText::toBytes(AnsiText::widenBytes(QStringLiteral("Flux 3")));
-        QVERIFY(m_fixture->data.read(QStringLiteral("tmp.htm")).contains(title));
+        QCOMPARE(m_fixture->buttons(), u"1110"_s);
+        const QByteArray title = AnsiText::toBytes(AnsiText::widenBytes(u"Flux 3"_s));
+        QVERIFY(m_fixture->data.read(u"tmp.htm"_s).contains(title));
         m_fixture->click(m_fixture->node("root"));
-        QCOMPARE(m_fixture->buttons(), QStringLiteral("0000"));
+        QCOMPARE(m_fixture->buttons(), u"0000"_s);
         QCOMPARE(m_fixture->list()->items().rowCount(), 3);
         m_fixture->click(m_fixture->node("1"));
-        QCOMPARE(m_fixture->buttons(), QStringLiteral("0100"));
+        QCOMPARE(m_fixture->buttons(), u"0100"_s);
         QCOMPARE(m_fixture->list()->items().rowCount(), 0);
 
         QTest::keyClick(m_fixture->tree(), Qt::Key_Down);
-        QCOMPARE(titleOf(0), QStringLiteral("f2-0"));
+        QCOMPARE(titleOf(0), u"f2-0"_s);
         QCOMPARE(m_fixture->selected(), m_fixture->node("2"));
-        QCOMPARE(m_fixture->buttons(), QStringLiteral("0100")); // arrow keys don't touch the buttons
-        QTest::keyClick(m_fixture->tree(), Qt::Key_Up);         // onto the folder: nothing changes on show
-        QCOMPARE(titleOf(0), QStringLiteral("f2-0"));
+        QCOMPARE(m_fixture->buttons(), u"0100"_s);      // arrow keys don't touch the buttons
+        QTest::keyClick(m_fixture->tree(), Qt::Key_Up); // onto the folder: nothing changes on show
+        QCOMPARE(titleOf(0), u"f2-0"_s);
 
         m_fixture->feedTree().setImages(m_fixture->node("3"), NodeImage::FeedUpdating, NodeImage::FeedUpdating);
         m_fixture->click(m_fixture->node("3"));
-        QCOMPARE(m_fixture->buttons(), QStringLiteral("0000"));
-        QCOMPARE(titleOf(0), QStringLiteral("f2-0"));
+        QCOMPARE(m_fixture->buttons(), u"0000"_s);
+        QCOMPARE(titleOf(0), u"f2-0"_s);
     }
 
     void theContextMenuFollowsTheKindOfTheNodeAndMakesFolders()
@@ -124,47 +125,47 @@ private Q_SLOTS:
         QStringList enabled;
         answerMenu(QString(), &enabled);
         askContextMenu("1");
-        QCOMPARE(enabled, QStringList({QStringLiteral("Supprimer"), QStringLiteral("Nouveau dossier")}));
-        QCOMPARE(m_fixture->buttons(), QStringLiteral("0100"));
+        QCOMPARE(enabled, QStringList({u"Supprimer"_s, u"Nouveau dossier"_s}));
+        QCOMPARE(m_fixture->buttons(), u"0100"_s);
         QCOMPARE(m_fixture->selected(), m_fixture->node("1"));
-        QCOMPARE(titleOf(0), QStringLiteral("f2-0")); // a right click on a folder leaves the list
+        QCOMPARE(titleOf(0), u"f2-0"_s); // a right click on a folder leaves the list
 
         enabled.clear();
-        answerMenu(QStringLiteral("Nouveau dossier"), &enabled); // an empty name makes none
+        answerMenu(u"Nouveau dossier"_s, &enabled); // an empty name makes none
         askContextMenu("3");
         QCOMPARE(enabled.size(), 4);
-        QCOMPARE(titleOf(0), QStringLiteral("f3-0"));
+        QCOMPARE(titleOf(0), u"f3-0"_s);
         QVERIFY(!m_fixture->node("5"));
-        m_fixture->inputAnswer = QStringLiteral("Été & co");
-        answerMenu(QStringLiteral("Nouveau dossier"));
+        m_fixture->inputAnswer = u"Été & co"_s;
+        answerMenu(u"Nouveau dossier"_s);
         askContextMenu("3");
         QCOMPARE(m_fixture->node("5")->parent(), m_fixture->node("1")); // beside the feed
-        QVERIFY(catalogue().contains(QStringLiteral("name=\"Été &amp; co\" key=\"5\" visible=\"1\"")));
+        QVERIFY(catalogue().contains(u"name=\"Été &amp; co\" key=\"5\" visible=\"1\""_s));
     }
 
     void aFeedIsDeletedWithoutAQuestionAndAFolderOnlyAfterAYes()
     {
         start();
         m_fixture->click(m_fixture->node("2"));
-        answerMenu(QStringLiteral("Supprimer"));
+        answerMenu(u"Supprimer"_s);
         askContextMenu("2");
         QVERIFY(m_fixture->messages.shown.empty());
         QVERIFY(!m_fixture->node("2") && !m_fixture->selected());
         QCOMPARE(m_fixture->list()->items().rowCount(), 0);
-        QVERIFY(!catalogue().contains(QStringLiteral("Monde")));
-        QVERIFY(!Files::exists(m_fixture->data.cacheFile(QStringLiteral("2"))));
+        QVERIFY(!catalogue().contains(u"Monde"_s));
+        QVERIFY(!Files::exists(m_fixture->data.cacheFile(u"2"_s)));
 
         m_fixture->click(m_fixture->node("1"));
         pressToolbar(1);
         QCOMPARE(m_fixture->messages.shown.size(), std::size_t(1));
-        QCOMPARE(m_fixture->messages.shown.front().title, QStringLiteral("Supprimer dossier"));
+        QCOMPARE(m_fixture->messages.shown.front().title, u"Supprimer dossier"_s);
         QVERIFY(m_fixture->node("3"));
         m_fixture->messages.answer = Messages::Answer::Yes;
         pressToolbar(1);
         QVERIFY(!m_fixture->node("3"));
-        QVERIFY(!catalogue().contains(QStringLiteral("Presse")));
-        QVERIFY(!Files::exists(m_fixture->data.cacheFile(QStringLiteral("3"))));
-        QVERIFY(Files::exists(m_fixture->data.cacheFile(QStringLiteral("4"))));
+        QVERIFY(!catalogue().contains(u"Presse"_s));
+        QVERIFY(!Files::exists(m_fixture->data.cacheFile(u"3"_s)));
+        QVERIFY(Files::exists(m_fixture->data.cacheFile(u"4"_s)));
     }
 
     void aDropOnAFolderMovesTheFeedInTreeAndFile()
@@ -174,7 +175,7 @@ private Q_SLOTS:
         Q_EMIT m_fixture->tree()->nodeDropped(m_fixture->node("1"), false);
         QCOMPARE(m_fixture->node("4")->parent(), m_fixture->node("1"));
         QVERIFY(m_fixture->node("4")->tag.isEmpty());
-        QVERIFY(catalogue().indexOf(QStringLiteral("Blog")) < catalogue().indexOf(QStringLiteral("</dir>")));
+        QVERIFY(catalogue().indexOf(u"Blog"_s) < catalogue().indexOf(u"</dir>"_s));
 
         Q_EMIT m_fixture->tree()->nodeDropped(m_fixture->node("root"),
                                               false); // the remembered node is gone: nothing moves
@@ -186,24 +187,22 @@ private Q_SLOTS:
     void aFeedOpenedByAddressIsSubscribedAndThereAtTheNextStart()
     {
         LocalHttpServer server;
-        const QStringList titles = FeedTexts::titles(QStringLiteral("a"), 0, 4);
-        server.setBody(QStringLiteral("/feed.xml"),
-                       FeedTexts::rss(QStringLiteral("Été"), titles, QStringLiteral("30")));
+        const QStringList titles = FeedTexts::titles(u"a"_s, 0, 4);
+        server.setBody(u"/feed.xml"_s, FeedTexts::rss(u"Été"_s, titles, u"30"_s));
         m_fixture->start();
-        QCOMPARE(m_fixture->buttons(), QStringLiteral("0000"));
-        enterAddress(server.url(QStringLiteral("/feed.xml")));
+        QCOMPARE(m_fixture->buttons(), u"0000"_s);
+        enterAddress(server.url(u"/feed.xml"_s));
         QTRY_COMPARE(m_fixture->list()->items().rowCount(), 4);
-        QCOMPARE(m_fixture->buttons(), QStringLiteral("0001"));
+        QCOMPARE(m_fixture->buttons(), u"0001"_s);
         QVERIFY(m_fixture->program->longLived().current.addressFeedShown);
 
         pressToolbar(3);
-        QCOMPARE(m_fixture->node("1")->text(), QStringLiteral("Été"));
+        QCOMPARE(m_fixture->node("1")->text(), u"Été"_s);
         QVERIFY(m_fixture->window->close());
         QCOMPARE(m_fixture->releases, 1);
 
         m_fixture->start();
-        QCOMPARE(m_fixture->program->longLived().catalogue.tables.updatettl.Item(QStringLiteral("1")),
-                 QStringLiteral("30"));
+        QCOMPARE(m_fixture->program->longLived().catalogue.tables.updatettl.Item(u"1"_s), u"30"_s);
         m_fixture->click(m_fixture->node("1"));
         QCOMPARE(m_fixture->list()->items().rowCount(), 4);
     }
@@ -214,7 +213,7 @@ private Q_SLOTS:
         start();
         m_fixture->click(m_fixture->node("2"));
         m_fixture->clickRow(1, 1);
-        QVERIFY(m_fixture->browserToolbar()->isButtonEnabled(QStringLiteral("send_mail")));
+        QVERIFY(m_fixture->browserToolbar()->isButtonEnabled(u"send_mail"_s));
         QTRY_VERIFY(m_fixture->list()->items().isShownRead(1));
         QVERIFY(!m_fixture->list()->items().isShownRead(0));
         m_fixture->window->close();
@@ -226,10 +225,9 @@ private Q_SLOTS:
     void anUpdateOfTheFeedOnShowKeepsTheSelectedItemAndAnnouncesTheNewOnes()
     {
         LocalHttpServer server;
-        writeThreeFeeds(server.url(QStringLiteral("/feed.xml")));
-        server.setBody(QStringLiteral("/feed.xml"),
-                       FeedTexts::rss(QStringLiteral("Le Monde"), FeedTexts::titles(QStringLiteral("new"), 0, 2) +
-                                                                      FeedTexts::titles(QStringLiteral("f2-"), 0, 3)));
+        writeThreeFeeds(server.url(u"/feed.xml"_s));
+        server.setBody(u"/feed.xml"_s, FeedTexts::rss(u"Le Monde"_s, FeedTexts::titles(u"new"_s, 0, 2) +
+                                                                         FeedTexts::titles(u"f2-"_s, 0, 3)));
         m_fixture->start();
         m_fixture->click(m_fixture->node("2"));
         m_fixture->list()->selectRow(1);
@@ -239,14 +237,13 @@ private Q_SLOTS:
 
         QTRY_COMPARE(m_fixture->node("2")->image(), int(NodeImage::Feed));
         QCOMPARE(m_fixture->list()->items().rowCount(), 5);
-        QCOMPARE(titleOf(0), QStringLiteral("new0"));
-        QCOMPARE(titleOf(m_fixture->list()->selectedRow()), QStringLiteral("f2-1"));
-        QCOMPARE(m_fixture->control<StatusBar>("stabPrinc")->findChild<QLabel *>(QStringLiteral("state"))->text(),
-                 QStringLiteral("Mise à jour de Monde terminée (2 nouveaux messages)"));
+        QCOMPARE(titleOf(0), u"new0"_s);
+        QCOMPARE(titleOf(m_fixture->list()->selectedRow()), u"f2-1"_s);
+        QCOMPARE(m_fixture->control<StatusBar>("stabPrinc")->findChild<QLabel *>(u"state"_s)->text(),
+                 u"Mise à jour de Monde terminée (2 nouveaux messages)"_s);
         QVERIFY(PrincFixture::popup());
-        QCOMPARE(PrincFixture::popup()->caption(),
-                 QStringLiteral("Mise à jour du flux\r\nLe Monde\r\n\r\n2 nouveaux messages"));
-        QVERIFY(Files::read(m_fixture->data.cacheFile(QStringLiteral("2"))).bytes.contains("new1"));
+        QCOMPARE(PrincFixture::popup()->caption(), u"Mise à jour du flux\r\nLe Monde\r\n\r\n2 nouveaux messages"_s);
+        QVERIFY(Files::read(m_fixture->data.cacheFile(u"2"_s)).bytes.contains("new1"));
         QVERIFY(!m_fixture->control<QProgressBar>("prbChargement")->isVisible());
     }
 
@@ -255,14 +252,14 @@ private Q_SLOTS:
         LocalHttpServer server;
         LocalHttpServer::Answer stalled;
         stalled.silent = true;
-        server.setAnswer(QStringLiteral("/feed.xml"), stalled);
-        writeThreeFeeds(server.url(QStringLiteral("/feed.xml")));
+        server.setAnswer(u"/feed.xml"_s, stalled);
+        writeThreeFeeds(server.url(u"/feed.xml"_s));
         m_fixture->start();
         QTimer::singleShot(200, m_fixture->window.get(), &QWidget::close);
         m_fixture->program->longLived().scheduler.updateAllFeeds(); // holds until the close has stopped it
         QVERIFY(m_fixture->program->isEnded());
-        QCOMPARE(server.hits(QStringLiteral("/feed.xml")), 1);
-        QVERIFY(m_fixture->data.exists(QStringLiteral("params.xml")));
+        QCOMPARE(server.hits(u"/feed.xml"_s), 1);
+        QVERIFY(m_fixture->data.exists(u"params.xml"_s));
     }
 
     // --- The frame
@@ -277,14 +274,14 @@ private Q_SLOTS:
         QTRY_COMPARE(ended.count(), 1);
         m_fixture->program->end(); // the road is taken once
         QCOMPARE(ended.count(), 1);
-        QVERIFY(m_fixture->data.read(QStringLiteral("params.xml")).contains("mode=\"Plein écran\""));
+        QVERIFY(m_fixture->data.read(u"params.xml"_s).contains("mode=\"Plein écran\""));
     }
 
     void whatTheUserChangedInTheFrameIsThereAtTheNextStart()
     {
         m_fixture->start();
-        m_fixture->choose(QStringLiteral("Standard"));
-        m_fixture->choose(QStringLiteral("Grandes"));
+        m_fixture->choose(u"Standard"_s);
+        m_fixture->choose(u"Grandes"_s);
         m_fixture->window->resize(900, 700);
         m_fixture->list()->setColumnWidthTwips(3, 150 * 15);
         m_fixture->window->close();
@@ -300,9 +297,9 @@ private Q_SLOTS:
     {
         m_fixture->start();
         m_fixture->program->abandon();
-        m_fixture->data.write(QStringLiteral("params.xml"), "untouched");
+        m_fixture->data.write(u"params.xml"_s, "untouched");
         m_fixture->window->close();
-        QCOMPARE(m_fixture->data.read(QStringLiteral("params.xml")), QByteArray("untouched"));
+        QCOMPARE(m_fixture->data.read(u"params.xml"_s), QByteArray("untouched"));
         QCOMPARE(m_fixture->releases, 0);
     }
 
@@ -310,7 +307,7 @@ private Q_SLOTS:
     {
         m_fixture->start();
         m_fixture->window->close();
-        QFile::remove(m_fixture->data.file(QStringLiteral("feeds.xml")));
+        QFile::remove(m_fixture->data.file(u"feeds.xml"_s));
         QVERIFY_EXCEPTION_THROWN(m_fixture->start(), RunTimeError);
         m_fixture->program->abandon();
     }
@@ -352,11 +349,11 @@ private Q_SLOTS:
     {
         m_fixture->start();
         m_fixture->toolbar()->setCommonControlsVersion({4, 70});
-        m_fixture->choose(QStringLiteral("Standard")); // the settings of a first start say Office XP
+        m_fixture->choose(u"Standard"_s); // the settings of a first start say Office XP
         QVERIFY(m_fixture->settings().officeStyle && m_fixture->browserToolbar()->drawStyle() != DrawStyle::Standard);
         QCOMPARE(m_fixture->messages.shown.size(), std::size_t(1));
         m_fixture->toolbar()->setCommonControlsVersion({4, 71});
-        m_fixture->choose(QStringLiteral("Standard"));
+        m_fixture->choose(u"Standard"_s);
         QVERIFY(!m_fixture->settings().officeStyle && m_fixture->browserToolbar()->drawStyle() == DrawStyle::Standard);
         QCOMPARE(m_fixture->messages.shown.size(), std::size_t(1));
     }
@@ -393,17 +390,17 @@ private Q_SLOTS:
         };
         m_fixture->window->activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(m_fixture->window.get()));
-        focusWith(QStringLiteral("HTTP://example.org/"));
-        QCOMPARE(txtURL->text(), QStringLiteral("http://"));
-        focusWith(QStringLiteral("http://example.org/a b"));
-        QCOMPARE(txtURL->text(), QStringLiteral("http://example.org/a b"));
+        focusWith(u"HTTP://example.org/"_s);
+        QCOMPARE(txtURL->text(), u"http://"_s);
+        focusWith(u"http://example.org/a b"_s);
+        QCOMPARE(txtURL->text(), u"http://example.org/a b"_s);
         QCOMPARE(QGuiApplication::clipboard()->text(), QString());
     }
 
     void theCommandLineIsOpenedAtTheStart()
     {
-        const QString path = m_fixture->data.file(QStringLiteral("été.rss"));
-        Files::write(path, FeedTexts::rss(QStringLiteral("Local"), FeedTexts::titles(QStringLiteral("l"), 0, 2)));
+        const QString path = m_fixture->data.file(u"été.rss"_s);
+        Files::write(path, FeedTexts::rss(u"Local"_s, FeedTexts::titles(u"l"_s, 0, 2)));
         m_fixture->start(u'"' + path + u'"');
         QCOMPARE(m_fixture->control<AddressBox>("txtURL")->text(), path);
         QCOMPARE(m_fixture->list()->items().rowCount(), 2);
@@ -412,9 +409,9 @@ private Q_SLOTS:
     void theChevronOfABandOpensWhatDoesNotFit()
     {
         m_fixture->adjustSettings = [](AppSettings &settings) {
-            settings.rebarLayout.replace(QLatin1String("right=\"202\""), QLatin1String("right=\"60\""));
-            settings.rebarLayout.replace(QLatin1String("left=\"206\""), QLatin1String("left=\"64\""));
-            settings.rebarLayout.replace(QLatin1String("MinWidth=\"94\""), QLatin1String("MinWidth=\"0\""));
+            settings.rebarLayout.replace("right=\"202\""_L1, "right=\"60\""_L1);
+            settings.rebarLayout.replace("left=\"206\""_L1, "left=\"64\""_L1);
+            settings.rebarLayout.replace("MinWidth=\"94\""_L1, "MinWidth=\"0\""_L1);
         };
         m_fixture->start();
         QVERIFY(m_fixture->toolbar()->idealWidth() > m_fixture->toolbar()->width());

@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/Literals.h"
 #include "platform/RunTimeError.h"
 #include "window/frmSysTray.h"
 
@@ -23,10 +26,10 @@ public:
     explicit FakeShell(std::vector<Call> &calls) : m_calls(calls) {}
     void setNotify(Notify taker) override { notify = std::move(taker); }
     void setMenu(QMenu *) override {}
-    void add(const TrayRecord &record) override { m_calls.push_back({QStringLiteral("add"), record}); }
-    void modify(const TrayRecord &record) override { m_calls.push_back({QStringLiteral("modify"), record}); }
-    void remove(const TrayRecord &record) override { m_calls.push_back({QStringLiteral("delete"), record}); }
-    void setVersion(const TrayRecord &record) override { m_calls.push_back({QStringLiteral("version"), record}); }
+    void add(const TrayRecord &record) override { m_calls.push_back({u"add"_s, record}); }
+    void modify(const TrayRecord &record) override { m_calls.push_back({u"modify"_s, record}); }
+    void remove(const TrayRecord &record) override { m_calls.push_back({u"delete"_s, record}); }
+    void setVersion(const TrayRecord &record) override { m_calls.push_back({u"version"_s, record}); }
     bool isAvailable() const override { return true; }
 
     Notify notify;
@@ -48,7 +51,7 @@ struct Fixture
     {
         auto fake = std::make_unique<FakeShell>(calls);
         shell = fake.get();
-        tray = std::make_unique<frmSysTray>(std::move(fake), icon(Qt::red), QStringLiteral("Quillwire"), version);
+        tray = std::make_unique<frmSysTray>(std::move(fake), icon(Qt::red), u"Quillwire"_s, version);
     }
     const TrayRecord &last() const { return calls.back().record; }
 
@@ -88,45 +91,45 @@ private Q_SLOTS:
         QCOMPARE(f.tray->isUnicodeShell(), isUnicode);
         QCOMPARE(f.tray->hasBalloons(), hasBalloons);
         const TrayRecord &added = f.calls.front().record;
-        QCOMPARE(f.calls.front().name, QStringLiteral("add"));
+        QCOMPARE(f.calls.front().name, u"add"_s);
         QCOMPARE(added.cbSize, size);
         QCOMPARE(added.uFlags, 7);
         QCOMPARE(added.uCallbackMessage, 512);
         QCOMPARE(added.uID, added.hIcon);
         QCOMPARE(added.uVersion, hasBalloons ? 3 : 0);
-        QCOMPARE(TrayRecord::textOf(added.szTip), QStringLiteral("Quillwire"));
+        QCOMPARE(TrayRecord::textOf(added.szTip), u"Quillwire"_s);
         QCOMPARE(f.calls.size(), hasBalloons ? 2U : 1U);
         if (hasBalloons)
-            QCOMPARE(f.calls.back().name, QStringLiteral("version"));
+            QCOMPARE(f.calls.back().name, u"version"_s);
         f.tray.reset();
-        QCOMPARE(f.calls.back().name, QStringLiteral("delete"));
+        QCOMPARE(f.calls.back().name, u"delete"_s);
         QCOMPARE(f.last().cbSize, size);
     }
 
     void wideTipsAreWrittenButNotReadBack()
     {
         Fixture f;
-        f.tray->setToolTip(QStringLiteral("Quillwire 3.1"));
-        QCOMPARE(f.calls.back().name, QStringLiteral("modify"));
+        f.tray->setToolTip(u"Quillwire 3.1"_s);
+        QCOMPARE(f.calls.back().name, u"modify"_s);
         QCOMPARE(f.last().uFlags, 4);
         QCOMPARE(f.last().szTip.size(), 128);
-        QCOMPARE(TrayRecord::textOf(f.last().szTip), QStringLiteral("Quillwire 3.1"));
+        QCOMPARE(TrayRecord::textOf(f.last().szTip), u"Quillwire 3.1"_s);
         QCOMPARE(f.tray->ToolTip(), QString());
         f.tray->setToolTip(QString()); // leaves the old text in place, and is sent all the same
         QCOMPARE(f.calls.size(), 4U);
-        QCOMPARE(TrayRecord::textOf(f.last().szTip), QStringLiteral("Quillwire 3.1"));
+        QCOMPARE(TrayRecord::textOf(f.last().szTip), u"Quillwire 3.1"_s);
         f.tray->setToolTip(QString(500, u'x'));
         QCOMPARE(TrayRecord::textOf(f.last().szTip), QString(127, u'x'));
-        f.tray->setToolTip(QStringLiteral("court"));
-        QCOMPARE(TrayRecord::textOf(f.last().szTip), QStringLiteral("court"));
+        f.tray->setToolTip(u"court"_s);
+        QCOMPARE(TrayRecord::textOf(f.last().szTip), u"court"_s);
     }
 
     void narrowTipsAreSentWhenTheyDiffer()
     {
         Fixture f(windows98);
-        QCOMPARE(f.tray->ToolTip(), QStringLiteral("Quillwire"));
+        QCOMPARE(f.tray->ToolTip(), u"Quillwire"_s);
         const std::size_t before = f.calls.size();
-        f.tray->setToolTip(QStringLiteral("Quillwire"));
+        f.tray->setToolTip(u"Quillwire"_s);
         QCOMPARE(f.calls.size(), before);
         f.tray->setToolTip(QString());
         QCOMPARE(f.calls.size(), before + 1);
@@ -154,18 +157,18 @@ private Q_SLOTS:
     void balloonsAreShownWhereTheShellHasThem()
     {
         Fixture f;
-        f.tray->ShowBalloonTip(QStringLiteral("Texte"), QStringLiteral("Titre"), 1, QStringLiteral("2500.5"));
+        f.tray->ShowBalloonTip(u"Texte"_s, u"Titre"_s, 1, u"2500.5"_s);
         QCOMPARE(f.last().uFlags, 16);
         QCOMPARE(f.last().uTimeout, 2500); // halves go to the even neighbour
         QCOMPARE(f.last().dwInfoFlags, 1);
-        QCOMPARE(TrayRecord::textOf(f.last().szInfo), QStringLiteral("Texte"));
-        QCOMPARE(TrayRecord::textOf(f.last().szInfoTitle), QStringLiteral("Titre"));
+        QCOMPARE(TrayRecord::textOf(f.last().szInfo), u"Texte"_s);
+        QCOMPARE(TrayRecord::textOf(f.last().szInfoTitle), u"Titre"_s);
         const std::size_t before = f.calls.size();
-        QVERIFY_EXCEPTION_THROWN(f.tray->ShowBalloonTip({}, {}, 0, QStringLiteral("bientôt")), RunTimeError);
+        QVERIFY_EXCEPTION_THROWN(f.tray->ShowBalloonTip({}, {}, 0, u"bientôt"_s), RunTimeError);
         QVERIFY_EXCEPTION_THROWN(f.tray->ShowBalloonTip({}, {}, 0, 1e12), RunTimeError);
         QCOMPARE(f.calls.size(), before);
         Fixture old(nt4);
-        old.tray->ShowBalloonTip(QStringLiteral("Texte"), QStringLiteral("Titre"), 1, QStringLiteral("bientôt"));
+        old.tray->ShowBalloonTip(u"Texte"_s, u"Titre"_s, 1, u"bientôt"_s);
         QCOMPARE(old.calls.size(), 1U);
     }
 
@@ -173,19 +176,19 @@ private Q_SLOTS:
     {
         QTest::addColumn<int>("value");
         QTest::addColumn<QString>("event");
-        QTest::newRow("move") << 512 << QStringLiteral("move");
+        QTest::newRow("move") << 512 << u"move"_s;
         QTest::newRow("left press") << 513 << QString();
-        QTest::newRow("left release") << 514 << QStringLiteral("down 1");
-        QTest::newRow("left double click") << 515 << QStringLiteral("double 1");
-        QTest::newRow("right press") << 516 << QStringLiteral("down 2");
-        QTest::newRow("right release") << 517 << QStringLiteral("up 2");
-        QTest::newRow("right double click") << 518 << QStringLiteral("double 2");
+        QTest::newRow("left release") << 514 << u"down 1"_s;
+        QTest::newRow("left double click") << 515 << u"double 1"_s;
+        QTest::newRow("right press") << 516 << u"down 2"_s;
+        QTest::newRow("right release") << 517 << u"up 2"_s;
+        QTest::newRow("right double click") << 518 << u"double 2"_s;
         QTest::newRow("middle press") << 519 << QString();
         QTest::newRow("key") << 1025 << QString();
-        QTest::newRow("balloon shown") << 1026 << QStringLiteral("shown");
-        QTest::newRow("balloon hidden") << 1027 << QStringLiteral("hidden");
-        QTest::newRow("balloon timed out") << 1028 << QStringLiteral("timed out");
-        QTest::newRow("balloon clicked") << 1029 << QStringLiteral("clicked");
+        QTest::newRow("balloon shown") << 1026 << u"shown"_s;
+        QTest::newRow("balloon hidden") << 1027 << u"hidden"_s;
+        QTest::newRow("balloon timed out") << 1028 << u"timed out"_s;
+        QTest::newRow("balloon clicked") << 1029 << u"clicked"_s;
     }
 
     void notificationsRaiseTheirEvents()
@@ -217,16 +220,16 @@ private Q_SLOTS:
     {
         Fixture f;
         QCOMPARE(f.tray->DefaultMenuIndex(), -1);
-        QCOMPARE(f.tray->AddMenuItem(QStringLiteral("&Ouvrir"), QStringLiteral("ouvrir"), true), 0);
-        QCOMPARE(f.tray->AddMenuItem(QStringLiteral("-"), QString(), false), 1);
-        QCOMPARE(f.tray->AddMenuItem(QStringLiteral("&Quitter"), QStringLiteral("quitter"), false), 2);
+        QCOMPARE(f.tray->AddMenuItem(u"&Ouvrir"_s, u"ouvrir"_s, true), 0);
+        QCOMPARE(f.tray->AddMenuItem(u"-"_s, QString(), false), 1);
+        QCOMPARE(f.tray->AddMenuItem(u"&Quitter"_s, u"quitter"_s, false), 2);
         const QList<QAction *> actions = f.tray->menu()->actions();
         QCOMPARE(f.tray->menu()->defaultAction(), actions.at(0));
         QVERIFY(actions.at(1)->isSeparator());
 
         QSignalSpy clicks(f.tray.get(), &frmSysTray::MenuClick);
         actions.at(2)->trigger();
-        QCOMPARE(clicks.takeFirst(), QVariantList({2, QStringLiteral("quitter")}));
+        QCOMPARE(clicks.takeFirst(), QVariantList({2, u"quitter"_s}));
         f.tray->EnableMenuItem(2, false);
         f.tray->EnableMenuItem(3, false);
         actions.at(2)->trigger();
@@ -241,23 +244,23 @@ private Q_SLOTS:
     void removingMovesTheLaterEntriesDown()
     {
         Fixture f;
-        for (const QString &name : {QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c"), QStringLiteral("d")})
+        for (const QString &name : {u"a"_s, u"b"_s, u"c"_s, u"d"_s})
             f.tray->AddMenuItem(name.toUpper(), name, false);
         f.tray->EnableMenuItem(1, false);
         f.tray->RemoveMenuItem(9);
         f.tray->RemoveMenuItem(1);
         const QList<QAction *> actions = f.tray->menu()->actions();
         QCOMPARE(actions.size(), 3);
-        QCOMPARE(actions.at(1)->text(), QStringLiteral("C"));
+        QCOMPARE(actions.at(1)->text(), u"C"_s);
         QVERIFY(!actions.at(1)->isEnabled()); // caption and key move, the state stays with the place
         QSignalSpy clicks(f.tray.get(), &frmSysTray::MenuClick);
         actions.at(2)->trigger();
-        QCOMPARE(clicks.takeFirst(), QVariantList({2, QStringLiteral("d")}));
+        QCOMPARE(clicks.takeFirst(), QVariantList({2, u"d"_s}));
 
         f.tray->RemoveMenuItem(0);
         QCOMPARE(f.tray->menu()->actions().size(), 3);
         QCOMPARE(f.tray->menu()->actions().at(0)->text(), QString());
-        QCOMPARE(f.tray->AddMenuItem(QStringLiteral("E"), QStringLiteral("e"), false), 3); // place 0 isn't used anew
+        QCOMPARE(f.tray->AddMenuItem(u"E"_s, u"e"_s, false), 3); // place 0 isn't used anew
     }
 };
 

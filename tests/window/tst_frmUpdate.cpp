@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/Literals.h"
 #include "window/frmUpdate.h"
 
 #include <QLabel>
@@ -22,7 +25,7 @@ private:
 
 struct Fixture
 {
-    Fixture() { settings.soundPath = QStringLiteral("C:/WINDOWS/MEDIA/notify.wav"); }
+    Fixture() { settings.soundPath = u"C:/WINDOWS/MEDIA/notify.wav"_s; }
 
     void slideToTheEnd()
     {
@@ -38,7 +41,7 @@ struct Fixture
 
 QString message(const QString &title, int count)
 {
-    return QStringLiteral("Mise à jour du flux\r\n%1\r\n\r\n%2 nouveaux messages").arg(title).arg(count);
+    return u"Mise à jour du flux\r\n%1\r\n\r\n%2 nouveaux messages"_s.arg(title).arg(count);
 }
 
 } // namespace
@@ -51,13 +54,13 @@ private Q_SLOTS:
     void theFirstMessageOpensTheCycle()
     {
         Fixture f;
-        f.popup.addMessageToQueue(QStringLiteral("Le Monde <b>"), 1);
-        QCOMPARE(f.popup.caption(), message(QStringLiteral("Le Monde <b>"), 1)); // no singular
+        f.popup.addMessageToQueue(u"Le Monde <b>"_s, 1);
+        QCOMPARE(f.popup.caption(), message(u"Le Monde <b>"_s, 1)); // no singular
         QVERIFY(f.popup.isVisible() && f.popup.popupRunning);
         QVERIFY(f.popup.timShow.isActive() && !f.popup.timHide.isActive());
         QCOMPARE(f.popup.timShow.interval(), 1);
         QCOMPARE(f.popup.timHide.interval(), 5000);
-        QCOMPARE(f.popup.popupQueue.Keys(), QStringList(QStringLiteral("0")));
+        QCOMPARE(f.popup.popupQueue.Keys(), QStringList(u"0"_s));
         QCOMPARE(f.played, QStringList(f.settings.soundPath));
         QVERIFY(f.popup.testAttribute(Qt::WA_ShowWithoutActivating));
     }
@@ -77,7 +80,7 @@ private Q_SLOTS:
         QFETCH(double, perPixel);
         Fixture f;
         f.area = {area, {perPixel, perPixel}};
-        f.popup.addMessageToQueue(QStringLiteral("t"), 2);
+        f.popup.addMessageToQueue(u"t"_s, 2);
         const int right = int((area.left() + area.width()) * perPixel);
         const int bottom = int((area.top() + area.height()) * perPixel);
         QCOMPARE(f.popup.placeInTwips(), QRect(right - 2700, bottom - 600, 2500, 400));
@@ -99,27 +102,27 @@ private Q_SLOTS:
     void laterMessagesWaitTheirTurnInSilence()
     {
         Fixture f;
-        f.popup.addMessageToQueue(QStringLiteral("un"), 1);
-        f.popup.addMessageToQueue(QStringLiteral("deux"), 2);
-        f.popup.addMessageToQueue(QStringLiteral("trois"), 3);
-        QCOMPARE(f.popup.caption(), message(QStringLiteral("un"), 1));
+        f.popup.addMessageToQueue(u"un"_s, 1);
+        f.popup.addMessageToQueue(u"deux"_s, 2);
+        f.popup.addMessageToQueue(u"trois"_s, 3);
+        QCOMPARE(f.popup.caption(), message(u"un"_s, 1));
         QCOMPARE(f.popup.lastQueued, qint16(2));
         f.slideToTheEnd();
         f.area.pixels.setWidth(700); // the work area is asked for anew
         f.popup.handleHideTick();
-        QCOMPARE(f.popup.caption(), message(QStringLiteral("deux"), 2));
+        QCOMPARE(f.popup.caption(), message(u"deux"_s, 2));
         QCOMPARE(f.popup.shownKey, qint16(1));
         QCOMPARE(f.popup.placeInTwips().left(), 700 * 15 - 2700);
         QVERIFY(f.popup.isVisible() && f.popup.timShow.isActive() && f.popup.timHide.isActive());
         f.popup.handleHideTick(); // this slide is cut short
         QCOMPARE(f.popup.placeInTwips().height(), 400);
-        QCOMPARE(f.popup.caption(), message(QStringLiteral("trois"), 3));
+        QCOMPARE(f.popup.caption(), message(u"trois"_s, 3));
         f.popup.handleHideTick();
         QVERIFY(!f.popup.isVisible() && !f.popup.popupRunning && !f.popup.timHide.isActive());
         QCOMPARE(f.popup.popupQueue.Count(), 0);
         QCOMPARE(f.played.size(), 1);
 
-        f.popup.addMessageToQueue(QStringLiteral("neuf"), 9);
+        f.popup.addMessageToQueue(u"neuf"_s, 9);
         QCOMPARE(f.popup.shownKey, qint16(0));
         QCOMPARE(f.popup.lastQueued, qint16(0));
         QCOMPARE(f.played.size(), 2);
@@ -129,8 +132,8 @@ private Q_SLOTS:
     {
         Fixture f;
         f.popup.timHide.setInterval(60000);
-        f.popup.addMessageToQueue(QStringLiteral("un"), 1);
-        f.popup.addMessageToQueue(QStringLiteral("deux"), 2);
+        f.popup.addMessageToQueue(u"un"_s, 1);
+        f.popup.addMessageToQueue(u"deux"_s, 2);
         f.slideToTheEnd();
         f.popup.handleHideTick();
         QTest::qWait(40);
@@ -144,12 +147,12 @@ private Q_SLOTS:
     void aClickDoesNothingAndClosingTheWindowLeavesTheCycleRunning()
     {
         Fixture f;
-        f.popup.addMessageToQueue(QStringLiteral("un"), 1);
-        f.popup.addMessageToQueue(QStringLiteral("deux"), 2);
+        f.popup.addMessageToQueue(u"un"_s, 1);
+        f.popup.addMessageToQueue(u"deux"_s, 2);
         QTRY_COMPARE(f.popup.placeInTwips().height(), 2000);
         f.slideToTheEnd();
         const QRect place = f.popup.placeInTwips();
-        QTest::mouseClick(f.popup.findChild<QLabel *>(QStringLiteral("lblInfos")), Qt::LeftButton);
+        QTest::mouseClick(f.popup.findChild<QLabel *>(u"lblInfos"_s), Qt::LeftButton);
         QVERIFY(f.popup.isVisible() && f.popup.timHide.isActive());
         QCOMPARE(f.popup.placeInTwips(), place);
 
@@ -157,14 +160,13 @@ private Q_SLOTS:
         QVERIFY(!f.popup.isVisible() && f.popup.popupRunning);
         f.popup.handleHideTick();
         QVERIFY(f.popup.isVisible());
-        QCOMPARE(f.popup.caption(), message(QStringLiteral("deux"), 2));
+        QCOMPARE(f.popup.caption(), message(u"deux"_s, 2));
     }
 
     void textsOfAnyLengthAndKindAreDrawn()
     {
         Fixture f;
-        for (const QString &title :
-             {QString(), QString(200000, u'W'), QStringLiteral("a\r\n\r\n\nb"), QString(QChar(0))}) {
+        for (const QString &title : {QString(), QString(200000, u'W'), u"a\r\n\r\n\nb"_s, QString(QChar(0))}) {
             f.popup.addMessageToQueue(title, -5);
             f.slideToTheEnd();
             const QImage image = f.popup.grab().toImage();
@@ -176,20 +178,20 @@ private Q_SLOTS:
     void tooManyMessagesOverflow()
     {
         Fixture f;
-        f.popup.addMessageToQueue(QStringLiteral("t"), 1);
+        f.popup.addMessageToQueue(u"t"_s, 1);
         f.popup.lastQueued = std::numeric_limits<qint16>::max();
-        QVERIFY_EXCEPTION_THROWN(f.popup.addMessageToQueue(QStringLiteral("t"), 1), RunTimeError);
+        QVERIFY_EXCEPTION_THROWN(f.popup.addMessageToQueue(u"t"_s, 1), RunTimeError);
     }
 
     void aSoundThatCannotBePlayedIsSilence()
     {
         QTemporaryDir folder;
-        const QString empty = folder.filePath(QStringLiteral("vide.wav"));
+        const QString empty = folder.filePath(u"vide.wav"_s);
         QVERIFY(QFile(empty).open(QIODevice::WriteOnly));
-        QTest::failOnWarning(QRegularExpression(QStringLiteral(".")));
+        QTest::failOnWarning(QRegularExpression(u"."_s));
         WaveSoundPlayer player;
         player.play(QString());
-        player.play(folder.filePath(QStringLiteral("absent.wav")));
+        player.play(folder.filePath(u"absent.wav"_s));
         player.play(folder.path());
         player.play(empty);
     }

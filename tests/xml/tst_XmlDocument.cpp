@@ -1,4 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
 #include "platform/Files.h"
+#include "platform/Literals.h"
 #include "platform/RunTimeError.h"
 #include "platform/xml/XmlDocument.h"
 
@@ -28,13 +31,13 @@ void tst_XmlDocument::absentUnreadableAndMalformedAreToldApart()
 {
     QTemporaryDir folder;
     XmlDocument document;
-    QCOMPARE(document.load(folder.filePath(QStringLiteral("none.xml"))), LoadResult::Absent);
+    QCOMPARE(document.load(folder.filePath(u"none.xml"_s)), LoadResult::Absent);
     QCOMPARE(document.load(folder.path()), LoadResult::Unreadable);
     QCOMPARE(document.loadXml(QByteArray("<a><b></a>")), LoadResult::Malformed);
     QVERIFY(document.documentElement().isNull());
     QCOMPARE(document.loadXml(QByteArray()), LoadResult::Malformed);
-    QCOMPARE(document.loadXml(QStringLiteral("<a é='1'/>")), LoadResult::Loaded);
-    QCOMPARE(document.documentElement().attribute(QStringLiteral("é")), QStringLiteral("1"));
+    QCOMPARE(document.loadXml(u"<a é='1'/>"_s), LoadResult::Loaded);
+    QCOMPARE(document.documentElement().attribute(u"é"_s), u"1"_s);
 }
 
 void tst_XmlDocument::aSaveKeepsWhatWasThere()
@@ -43,11 +46,11 @@ void tst_XmlDocument::aSaveKeepsWhatWasThere()
                               "<?pi x?><odd:feed xmlns:odd=\"urn:o\">a<![CDATA[<b>]]></odd:feed>\n</favoris>\n";
     XmlDocument document;
     QCOMPARE(document.loadXml(before), LoadResult::Loaded);
-    XmlNode root = document.selectSingleNode(QStringLiteral("favoris"));
+    XmlNode root = document.selectSingleNode(u"favoris"_s);
     QCOMPARE(root.childNodes().size(), std::size_t(3)); // white space isn't a child
-    QCOMPARE(root.selectSingleNode(QStringLiteral("odd:feed")).text(), u"a<b>");
-    root.setAttribute(QStringLiteral("other"), QStringLiteral("2"));
-    root.setAttribute(QStringLiteral("new"), QStringLiteral("a\r\nb"));
+    QCOMPARE(root.selectSingleNode(u"odd:feed"_s).text(), u"a<b>");
+    root.setAttribute(u"other"_s, u"2"_s);
+    root.setAttribute(u"new"_s, u"a\r\nb"_s);
     QByteArray expected = before;
     expected.replace("other=\"1\"", "other=\"2\" new=\"a&#13;&#10;b\"");
     QCOMPARE(document.toBytes(), expected);
@@ -58,7 +61,7 @@ void tst_XmlDocument::aDocumentKeepsItsEncoding()
     XmlDocument document;
     QCOMPARE(document.loadXml(QByteArray("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><a t=\"\xE9\"/>")),
              LoadResult::Loaded);
-    document.documentElement().setAttribute(QStringLiteral("u"), QStringLiteral("è€"));
+    document.documentElement().setAttribute(u"u"_s, u"è€"_s);
     QCOMPARE(document.toBytes(),
              QByteArray("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>\n<a t=\"\xE9\" u=\"\xE8&#8364;\"/>\n"));
 }
@@ -68,16 +71,16 @@ void tst_XmlDocument::nodesMoveBetweenPlaces()
     XmlDocument document;
     QCOMPARE(document.loadXml(QByteArray("<r><a/><b/><c><d/></c></r>")), LoadResult::Loaded);
     XmlNode root = document.documentElement();
-    const XmlNode c = root.selectSingleNode(QStringLiteral("c"));
-    const XmlNode d = document.selectSingleNode(QStringLiteral("r/c/d"));
+    const XmlNode c = root.selectSingleNode(u"c"_s);
+    const XmlNode d = document.selectSingleNode(u"r/c/d"_s);
     QCOMPARE(d.parentNode().nodeName(), u"c");
-    root.insertBefore(d, root.selectSingleNode(QStringLiteral("a")));
-    XmlNode made = document.createElement(QStringLiteral("e"));
-    made.setAttribute(QStringLiteral("k"), QStringLiteral("\"<&"));
+    root.insertBefore(d, root.selectSingleNode(u"a"_s));
+    XmlNode made = document.createElement(u"e"_s);
+    made.setAttribute(u"k"_s, u"\"<&"_s);
     root.replaceChild(made, c);
-    root.removeChild(root.selectSingleNode(QStringLiteral("b")));
+    root.removeChild(root.selectSingleNode(u"b"_s));
     XmlDocument other;
-    QCOMPARE(other.loadXml(QStringLiteral("<Bands count='1'><Band/></Bands>")), LoadResult::Loaded);
+    QCOMPARE(other.loadXml(u"<Bands count='1'><Band/></Bands>"_s), LoadResult::Loaded);
     root.appendChild(document.importNode(other.documentElement()));
     QCOMPARE(root.xml(), u"<r><d/><a/><e k=\"&quot;&lt;&amp;\"/><Bands count=\"1\"><Band/></Bands></r>");
     QVERIFY_EXCEPTION_THROWN(root.removeChild(c), RunTimeError); // it isn't there any more
@@ -87,22 +90,22 @@ void tst_XmlDocument::aMissingNodeRaisesTheErrorOfAMissingObject()
 {
     XmlDocument document;
     QCOMPARE(document.loadXml(QByteArray("<a/>")), LoadResult::Loaded);
-    XmlNode nothing = document.selectSingleNode(QStringLiteral("a/b"));
+    XmlNode nothing = document.selectSingleNode(u"a/b"_s);
     QVERIFY(nothing.isNull());
-    QVERIFY(document.selectSingleNode(QStringLiteral("b")).isNull());
+    QVERIFY(document.selectSingleNode(u"b"_s).isNull());
     QVERIFY_EXCEPTION_THROWN(nothing.text(), RunTimeError);
-    QVERIFY_EXCEPTION_THROWN(nothing.setAttribute(QStringLiteral("x"), QString()), RunTimeError);
-    QVERIFY_EXCEPTION_THROWN(document.documentElement().requiredAttribute(QStringLiteral("x")), RunTimeError);
+    QVERIFY_EXCEPTION_THROWN(nothing.setAttribute(u"x"_s, QString()), RunTimeError);
+    QVERIFY_EXCEPTION_THROWN(document.documentElement().requiredAttribute(u"x"_s), RunTimeError);
 }
 
 void tst_XmlDocument::charactersThatXmlCannotHoldAreLeftOut()
 {
     XmlDocument document;
     QCOMPARE(document.loadXml(QByteArray("<a/>")), LoadResult::Loaded);
-    document.documentElement().setAttribute(QStringLiteral("x"), QStringLiteral("a\x01\uFFFE b"));
+    document.documentElement().setAttribute(u"x"_s, u"a\x01\uFFFE b"_s);
     XmlDocument again;
     QCOMPARE(again.loadXml(document.toBytes()), LoadResult::Loaded);
-    QCOMPARE(again.documentElement().attribute(QStringLiteral("x")), QStringLiteral("a b"));
+    QCOMPARE(again.documentElement().attribute(u"x"_s), u"a b"_s);
 }
 
 void tst_XmlDocument::hostileDocumentsAreRefusedQuickly_data()
@@ -140,13 +143,13 @@ void tst_XmlDocument::hostileDocumentsAreRefusedQuickly()
 void tst_XmlDocument::anExternalEntityIsNeverRead()
 {
     QTemporaryDir folder;
-    const QString secret = folder.filePath(QStringLiteral("secret.txt"));
+    const QString secret = folder.filePath(u"secret.txt"_s);
     Files::write(secret, "secret");
     const QByteArray bytes = "<!DOCTYPE a [<!ENTITY e SYSTEM \"file://" + secret.toUtf8() +
                              "\"><!ENTITY % p SYSTEM \"file://" + secret.toUtf8() + "\">%p;]><a>[&e;]</a>";
     XmlDocument document;
     if (document.loadXml(bytes) == LoadResult::Loaded)
-        QVERIFY(!document.documentElement().text().contains(QStringLiteral("secret")));
+        QVERIFY(!document.documentElement().text().contains(u"secret"_s));
 }
 
 QTEST_GUILESS_MAIN(tst_XmlDocument)
