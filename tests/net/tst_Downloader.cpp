@@ -35,7 +35,7 @@ private Q_SLOTS:
 
     void wholeBodyReplacesTheDestination()
     {
-        const QByteArray body = QByteArray(3 * 1024 * 1024, 'x') + QByteArray("\0\r\n", 3);
+        const QByteArray body = QByteArray(3LL * 1024 * 1024, 'x') + QByteArray("\0\r\n", 3);
         m_server->setBody(u"/feed.xml?a=%C3%A9"_s, body);
         QCOMPARE(fetch(m_server->url(u"/feed.xml?a=é#part"_s)), 200);
         QCOMPARE(destinationBytes(), body);
@@ -147,7 +147,7 @@ private Q_SLOTS:
         endless.body = QByteArray(65536, 'x');
         QCOMPARE(statusOf(2, endless), Downloader::TooLarge);
         Answer swelling;
-        swelling.body = qCompress(QByteArray(40 * 1024 * 1024, 'x'), 9).mid(4);
+        swelling.body = qCompress(QByteArray(40LL * 1024 * 1024, 'x'), 9).mid(4);
         swelling.headers = {{"Content-Encoding", "deflate"}};
         const qint32 refused = statusOf(2, swelling);
         QVERIFY(refused == Downloader::TooLarge || refused == Downloader::ContentNotReadable);
