@@ -115,7 +115,8 @@ void UpdateScheduler::updateAllFeeds()
 
 void UpdateScheduler::updateFolder(const FeedNodePtr &node)
 {
-    const FeedNodePtr folder = node; // the argument may be a reference into a list that changes during the waits
+    // A copy: the argument may be a reference into a list that changes during the waits.
+    const FeedNodePtr folder = node; // NOLINT(performance-unnecessary-copy-initialization)
     for (std::size_t place = 0; folder && place < folder->children().size() && !m_stopped;) {
         const FeedNodePtr child = folder->children()[place];
         m_surroundings.wait(stepMs);

@@ -220,7 +220,7 @@ void MainFrame::showColumn(int column, bool shown)
 
 QString MainFrame::takeBandLayout()
 {
-    const QString layout = m_bands.layout();
+    QString layout = m_bands.layout();
     m_bandsTaken = true;
     m_bands.removeAllBands();
     return layout;

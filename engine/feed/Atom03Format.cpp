@@ -60,7 +60,7 @@ QString pageLink(const FoundElement &links)
     QString first;
     for (const xmlNode *link = links.element; link != nullptr; link = links.vocabulary.nextAlike(link)) {
         const QString relation = attributeOf(link, "rel");
-        const QString address = attributeOf(link, "href");
+        QString address = attributeOf(link, "href");
         if (address.isEmpty() || (!relation.isEmpty() && relation != "alternate"_L1))
             continue;
         if (mediaType(link) == "text/html"_L1)

@@ -36,7 +36,7 @@ QString trimmedUtf8(std::string_view text)
 QByteArray content(const xmlNode *node)
 {
     xmlChar *text = xmlNodeGetContent(node);
-    const QByteArray result(reinterpret_cast<const char *>(text));
+    QByteArray result(reinterpret_cast<const char *>(text));
     xmlFree(text);
     return result;
 }

@@ -82,6 +82,7 @@ QString FeedDocument::downloadDate(qsizetype index) const
 /// The element that items go into, made when the document has none.
 xmlNode *FeedDocument::itemParent()
 {
+    Q_ASSERT(m_root != nullptr); // what has none was never recognised as a feed
     xmlNode *parent = m_reader.itemParent(m_root);
     return parent != nullptr ? parent
                              : xmlNewChild(m_root, m_root->ns, xmlText(m_reader.format().channelName), nullptr);

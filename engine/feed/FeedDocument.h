@@ -27,7 +27,10 @@ public:
     bool uses(NamespaceTest isWanted) const;
 
     /// All items, those too that are past the last index that can be offered.
-    qsizetype itemCount() const { return static_cast<qsizetype>(m_added.size() + m_items.size()); }
+    qsizetype itemCount() const
+    {
+        return static_cast<qsizetype>(m_added.size()) + static_cast<qsizetype>(m_items.size());
+    }
     xmlNode *item(qsizetype index) const { return entry(index).node; }
     ItemElements itemElements(qsizetype index) const;
 

@@ -24,7 +24,7 @@ private Q_SLOTS:
 private:
     QString write(const char *name, const QByteArray &bytes) const
     {
-        const QString path = m_directory.filePath(QLatin1String(name));
+        QString path = m_directory.filePath(QLatin1String(name));
         Files::write(path, bytes);
         return path;
     }
