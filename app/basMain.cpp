@@ -36,13 +36,13 @@ void nameApplication()
     QGuiApplication::setQuitOnLastWindowClosed(false);
 }
 
-/// A wait that lets events run. `program` is set once it exists.
-Wait programWait(const Program *const &program)
+/// A wait that lets events run, and ends the process when the program ended in them: all is saved by then, and a loop
+/// that waits for what no longer comes must not hold it.
+Wait programWait(const std::shared_ptr<const bool> &ended)
 {
-    return [wait = Waiting::eventLoopWait(), &program](int milliseconds) {
+    return [wait = Waiting::eventLoopWait(), ended](int milliseconds) {
         wait(milliseconds);
-        // All is saved by then; a loop that waits for what no longer comes must not hold the process.
-        if (program && program->isEnded())
+        if (*ended)
             std::_Exit(0);
     };
 }
@@ -69,19 +69,17 @@ int run(ErrorTrap &application, Program &program, frmPrinc &form)
     return code;
 }
 
-int runFirstInstance(ErrorTrap &application, InstanceLock &lock)
+int runFirstInstance(ErrorTrap &application, MessageBoxes &messages, InstanceLock &lock)
 {
-    MessageBoxes messages;
-    application.setMessages(&messages);
     try {
         const DataDirectory directory = DataDirectory::ofProgram(QCoreApplication::applicationDirPath());
-        const Program *created = nullptr;
-        const Wait wait = programWait(created);
+        const auto ended = std::make_shared<bool>(false);
+        const Wait wait = programWait(ended);
         Program program({directory, Files::read(u":/data/params.xml"_s).bytes, DesktopSurroundings::screenScale(),
                          messages, Waiting::systemClock(), wait, isConnected,
                          [] { return std::make_unique<Downloader>(); }, runtimeDirectory(),
                          [&lock] { lock.release(); }});
-        created = &program;
+        QObject::connect(&program, &Program::ended, &program, [ended] { *ended = true; });
         if (!program.loadSettings())
             return 1;
         frmPrinc form(program.longLived(), DesktopSurroundings::desktop(directory, messages),
@@ -112,5 +110,7 @@ int main(int argc, char *argv[])
         handOver(commandLine());
         return 0;
     }
-    return runFirstInstance(application, lock);
+    MessageBoxes messages;
+    application.setMessages(&messages);
+    return runFirstInstance(application, messages, lock);
 }

@@ -45,7 +45,7 @@ DataDirectory::DataDirectory(QString path) : m_path(std::move(path)) {}
 
 DataDirectory DataDirectory::ofProgram(const QString &programDirectory)
 {
-    const DataDirectory chosen(chosenPath(programDirectory));
+    DataDirectory chosen(chosenPath(programDirectory));
     makeDirectory(chosen.path());
     makeDirectory(chosen.file(u"feeds"_s));
     for (const char *name : {"feeds.xml", "home.htm", "style.css", "slien.gif"}) {

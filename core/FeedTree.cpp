@@ -64,7 +64,7 @@ FeedNodePtr FeedTree::insert(const FeedNodePtr &parent, std::size_t place, const
 {
     if (m_byKey.contains(key))
         throw RunTimeError::keyNotUnique();
-    const auto node = std::make_shared<FeedNode>();
+    auto node = std::make_shared<FeedNode>();
     node->m_key = key;
     node->m_text = text;
     node->m_image = image;
@@ -85,7 +85,8 @@ void FeedTree::remove(const FeedNodePtr &node)
 {
     if (isGone(node))
         return;
-    const FeedNodePtr kept = node; // the argument may be a reference into the list of children
+    // A copy: the argument may be a reference into the list of children.
+    const FeedNodePtr kept = node; // NOLINT(performance-unnecessary-copy-initialization)
     Q_EMIT aboutToBeRemoved(kept);
     const FeedNodePtr parent = kept->parent();
     const int row = parent ? static_cast<int>(placeIn(parent->m_children, kept.get())) : 0;

@@ -25,9 +25,9 @@ MainCommands::MainCommands(Parts parts, QObject *parent) : QObject(parent), m_pa
     connect(m_parts.frame.cToolbar1, &cToolbar::ButtonClick, this, &MainCommands::handleButton);
 }
 
-void MainCommands::add(const char16_t *key, std::function<void()> action)
+void MainCommands::add(const char16_t *key, const std::function<void()> &action)
 {
-    m_actions.insert(QString::fromUtf16(key), std::move(action));
+    m_actions.insert(QString::fromUtf16(key), action);
 }
 
 void MainCommands::addWindowCommands()

@@ -42,7 +42,7 @@ private:
     void addWindowCommands();
     void addDialogCommands();
     void addItemAndTreeCommands();
-    void add(const char16_t *key, std::function<void()> action);
+    void add(const char16_t *key, const std::function<void()> &action);
     void connectMenu(cPopupMenu &menu);
     void handleButton(int index);
     void handleColumnEntry(int index);

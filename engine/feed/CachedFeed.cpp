@@ -107,9 +107,10 @@ QString CachedFeed::Language() const
 template <class Record>
 static bool handOver(std::optional<Record> found, Record &record)
 {
-    if (found)
-        record = *std::move(found);
-    return found.has_value();
+    if (!found)
+        return false;
+    record = *std::move(found);
+    return true;
 }
 
 bool CachedFeed::GetImage(FeedImage &image) const
