@@ -2,18 +2,15 @@
 
 #include "platform/net/Downloader.h"
 
-#include "platform/Build.h"
-#include <QNetworkReply>
-#include <QNetworkRequest>
+#include "platform/net/CurlLoop.h"
+#include "platform/net/HttpExchange.h"
+
 #include <QPointer>
 #include <QSaveFile>
 
-#include <chrono>
+#include <utility>
 
 namespace {
-
-constexpr qint64 ChunkSize = 64LL * 1024;
-constexpr qint64 UnreadLimit = 1024LL * 1024;
 
 bool isHttp(const QUrl &url)
 {
@@ -25,51 +22,25 @@ int portOf(const QUrl &url)
     return url.port(url.scheme() == u"https" ? 443 : 80);
 }
 
-bool isRedirection(int httpStatus)
+bool isRedirection(qint32 status)
 {
-    return httpStatus == 301 || httpStatus == 302 || httpStatus == 303 || httpStatus == 307 || httpStatus == 308;
-}
-
-int httpStatusOf(const QNetworkReply &reply)
-{
-    return reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-}
-
-qint32 statusOfError(QNetworkReply::NetworkError error)
-{
-    switch (error) {
-    case QNetworkReply::HostNotFoundError:
-        return Downloader::HostNotFound;
-    case QNetworkReply::ConnectionRefusedError:
-    case QNetworkReply::NetworkSessionFailedError:
-    case QNetworkReply::TemporaryNetworkFailureError:
-        return Downloader::ConnectionRefused;
-    case QNetworkReply::TimeoutError:
-        return Downloader::TimedOut;
-    case QNetworkReply::SslHandshakeFailedError:
-        return Downloader::SecureConnectionFailed;
-    case QNetworkReply::RemoteHostClosedError:
-        return Downloader::ConnectionLost;
-    case QNetworkReply::UnknownContentError:
-        return Downloader::ContentNotReadable;
-    default:
-        return Downloader::OtherFailure;
-    }
+    return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
 }
 
 } // namespace
 
-Downloader::Downloader(QObject *parent) : QObject(parent)
+Downloader::Downloader(QObject *parent) : QObject(parent), m_loop(std::make_unique<CurlLoop>())
 {
     m_stallTimer.setSingleShot(true);
     m_totalTimer.setSingleShot(true);
-    connect(&m_stallTimer, &QTimer::timeout, this, [this] { finish(TimedOut); });
+    connect(&m_stallTimer, &QTimer::timeout, this, &Downloader::handleStall);
     connect(&m_totalTimer, &QTimer::timeout, this, [this] { finish(TimedOut); });
+    connect(m_loop.get(), &CurlLoop::ended, this, [this](CURLcode result) { handleEnded(m_exchange->status(result)); });
 }
 
 Downloader::~Downloader()
 {
-    dropReply();
+    m_loop->stop();
 }
 
 void Downloader::setLimits(const Limits &limits)
@@ -99,11 +70,11 @@ void Downloader::CancelDownload()
 {
     if (m_running)
         finish(Cancelled);
-    else if (m_endings.isEmpty())
+    else if (m_events.isEmpty())
         return;
     else
-        m_endings.last() = Cancelled;
-    announceEndings();
+        m_events.last() = {Cancelled};
+    raiseEvents();
 }
 
 void Downloader::request(const QUrl &url)
@@ -116,35 +87,21 @@ void Downloader::request(const QUrl &url)
         finish(HostNotFound);
         return;
     }
-
-    // Credentials in the address would be sent by the library on its own, to whatever host asks for them.
-    QNetworkRequest request(url.adjusted(QUrl::RemoveUserInfo | QUrl::RemoveFragment));
-    request.setHeader(QNetworkRequest::UserAgentHeader, QString(u"Quillwire/" + Build::shortVersion));
-    request.setRawHeader("Accept", "*/*");
-    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
-    request.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
-    request.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
-    request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
-    request.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
-    request.setDecompressedSafetyCheckThreshold(qMin<qint64>(m_limits.maxBytes, 10 * 1024 * 1024));
-    if (!m_authorization.isEmpty() && mayCarryCredentials(url))
-        request.setRawHeader("Authorization", m_authorization);
-
-    m_written = 0;
-    m_file.reset();
-    m_reply = m_network.get(request);
-    m_reply->setReadBufferSize(UnreadLimit);
-    connect(m_reply, &QNetworkReply::requestSent, this, [this] { armStallTimer(m_limits.idleMs); });
-    connect(m_reply, &QNetworkReply::metaDataChanged, this, [this] { armStallTimer(m_limits.idleMs); });
-    connect(m_reply, &QNetworkReply::readyRead, this, &Downloader::handleBytes);
-    connect(m_reply, &QNetworkReply::downloadProgress, this, &Downloader::handleProgress);
-    connect(m_reply, &QNetworkReply::finished, this, &Downloader::handleFinished);
-    armStallTimer(m_limits.connectMs);
+    HttpExchange::Listener listener;
+    listener.sign = [this] { m_stallTimer.start(m_limits.idleMs); };
+    listener.body = [this](const char *bytes, qsizetype size) { return keepBytes(bytes, size); };
+    listener.flood = [this] { m_loop->cut(); };
+    listener.progress = [this](double percent) { tell({{}, percent}); };
+    const bool trusted = !m_authorization.isEmpty() && mayCarryCredentials(url);
+    m_url = url;
+    const HttpExchange::Request request{url, trusted ? m_authorization : QByteArray(), m_redirects == 0};
+    m_exchange = std::make_unique<HttpExchange>(request, m_limits, listener);
+    m_stallTimer.start(m_limits.connectMs);
+    m_loop->start(m_exchange->handle());
 }
 
 void Downloader::redirect(const QUrl &target)
 {
-    dropReply();
     if (target.isEmpty() || ++m_redirects > m_limits.maxRedirects)
         finish(TooManyRedirections);
     else
@@ -160,110 +117,72 @@ bool Downloader::mayCarryCredentials(const QUrl &url) const
     return url.scheme() == u"https" && portOf(url) == 443 && portOf(m_askedUrl) == 80;
 }
 
-void Downloader::handleBytes()
+bool Downloader::keepBytes(const char *bytes, qsizetype size)
 {
-    armStallTimer(m_limits.idleMs);
-    const bool wanted = httpStatusOf(*m_reply) == 200;
-    if (wanted && !m_file) {
-        m_file = std::make_unique<QSaveFile>(m_destination);
-        if (!m_file->open(QIODevice::WriteOnly)) {
-            finish(WriteFailed);
-            return;
-        }
-    }
-    char chunk[ChunkSize];
-    for (;;) {
-        const qint64 size = m_reply->read(chunk, ChunkSize);
-        if (size <= 0)
-            return;
-        m_written += size;
-        if (m_written > m_limits.maxBytes) {
-            finish(TooLarge);
-            return;
-        }
-        if (wanted && m_file->write(chunk, size) != size) {
-            finish(WriteFailed);
-            return;
-        }
-    }
+    return openFile() && m_file->write(bytes, size) == size;
 }
 
-void Downloader::handleProgress(qint64 received, qint64 total)
+bool Downloader::openFile()
 {
-    armStallTimer(m_limits.idleMs);
-    if (total <= 0 || httpStatusOf(*m_reply) != 200)
-        return;
-    const double percent = 100.0 * static_cast<double>(received) / static_cast<double>(total);
-    // Slots may throw, which must not pass through the library's own code.
-    QMetaObject::invokeMethod(
-        this,
-        [this, percent, job = m_job] {
-            if (m_running && job == m_job)
-                Q_EMIT DownloadProgress(qBound(0.0, percent, 100.0));
-        },
-        Qt::QueuedConnection);
+    if (m_file)
+        return true;
+    m_file = std::make_unique<QSaveFile>(m_destination);
+    return m_file->open(QIODevice::WriteOnly);
 }
 
-void Downloader::handleFinished()
+void Downloader::handleEnded(qint32 status)
 {
-    const int httpStatus = httpStatusOf(*m_reply);
-    if (isRedirection(httpStatus)) {
-        const QUrl target = QUrl::fromEncoded(m_reply->rawHeader("Location").trimmed());
-        redirect(target.isEmpty() ? target : m_reply->url().resolved(target));
+    if (isRedirection(status)) {
+        const QUrl target = QUrl::fromEncoded(m_exchange->location().trimmed());
+        redirect(target.isEmpty() ? target : m_url.resolved(target));
         return;
     }
-    handleBytes();
-    if (!m_running)
-        return;
-    const qint32 status = statusOf(*m_reply);
     // commit() alone would put a file cut short in place when its last bytes, still in a buffer, find no room.
-    if (status == 200 && !(m_file->flush() && m_file->commit()))
+    if (status == 200 && !(openFile() && m_file->flush() && m_file->commit()))
         finish(WriteFailed);
     else
         finish(status);
 }
 
-qint32 Downloader::statusOf(const QNetworkReply &reply) const
+void Downloader::handleStall()
 {
-    const int httpStatus = httpStatusOf(reply);
-    if (httpStatus == 401)
-        return AuthenticationAsked;
-    // The library reports every status from 400 on as an error, so that only its errors below count in their own right.
-    if (httpStatus >= 400 || reply.error() == QNetworkReply::NoError)
-        return httpStatus >= 100 ? httpStatus : OtherFailure;
-    return statusOfError(reply.error());
-}
-
-void Downloader::armStallTimer(int milliseconds)
-{
-    m_stallTimer.start(milliseconds);
-}
-
-void Downloader::dropReply()
-{
-    if (!m_reply)
-        return;
-    QNetworkReply *const reply = std::exchange(m_reply, nullptr);
-    reply->disconnect(this);
-    reply->abort();
-    reply->deleteLater();
+    // When it was us who were held, what has come meanwhile counts first.
+    m_loop->serve();
+    if (m_running && !m_stallTimer.isActive())
+        finish(TimedOut);
 }
 
 void Downloader::finish(qint32 status)
 {
     m_stallTimer.stop();
     m_totalTimer.stop();
-    dropReply();
+    m_loop->stop();
+    m_exchange.reset();
     m_file.reset();
     m_running = false;
-    ++m_job;
-    m_endings.append(status);
-    QMetaObject::invokeMethod(this, &Downloader::announceEndings, Qt::QueuedConnection);
+    if (status == 200)
+        tell({{}, 100});
+    tell({status});
 }
 
-void Downloader::announceEndings()
+/// Slots may throw and begin whatever they like, which must not pass through the library's own code.
+void Downloader::tell(const Event &event)
+{
+    if (m_events.isEmpty() || event.status)
+        QMetaObject::invokeMethod(this, &Downloader::raiseEvents, Qt::QueuedConnection);
+    if (!m_events.isEmpty() && !m_events.last().status && event.status != 200) // progress that nobody saw is old by now
+        m_events.removeLast();
+    m_events.append(event);
+}
+
+void Downloader::raiseEvents()
 {
     const QPointer<Downloader> self(this);
-    while (self && !m_endings.isEmpty())
-        Q_EMIT DownloadComplete(m_endings.takeFirst());
+    while (self && !m_events.isEmpty()) {
+        const Event event = m_events.takeFirst();
+        if (event.status)
+            Q_EMIT DownloadComplete(*event.status);
+        else
+            Q_EMIT DownloadProgress(event.percent);
+    }
 }

@@ -2,16 +2,19 @@
 
 #pragma once
 
+#include "platform/net/DownloadStatus.h"
+
 #include <QList>
-#include <QNetworkAccessManager>
 #include <QObject>
 #include <QString>
 #include <QTimer>
 #include <QUrl>
 
 #include <memory>
+#include <optional>
 
-class QNetworkReply;
+class CurlLoop;
+class HttpExchange;
 class QSaveFile;
 
 /// Fetches one address at a time over HTTP or HTTPS into a file.
@@ -25,31 +28,8 @@ class Downloader : public QObject
     Q_OBJECT
 
 public:
-    /// What DownloadComplete tells besides HTTP statuses, which are 100 or more.
-    enum Status : qint32 {
-        HostNotFound = 3,         ///< the host has no address, or the address names no host
-        AuthenticationAsked = 4,  ///< the server answered 401
-        ConnectionRefused = 5,    ///< nobody listens there, or the network has no way to the host
-        TimedOut = 6,             ///< one of the three time-outs of Limits ran out
-        TooLarge = 7,             ///< more bytes than Limits allows, counted after decoding
-        Cancelled = 8,            ///< CancelDownload(), or a new Download() before the old one had ended
-        TooManyRedirections = 9,  ///< also a redirection without a target
-        WriteFailed = 10,         ///< the destination can't be written
-        AddressNotSupported = 11, ///< neither http nor https, at the start or after a redirection
-        SecureConnectionFailed = 12,
-        ConnectionLost = 13,     ///< the connection broke before the whole answer was there
-        ContentNotReadable = 14, ///< a content coding that doesn't decode, or that swells beyond reason
-        OtherFailure = 15,
-    };
-
-    struct Limits
-    {
-        int connectMs = 30000;                ///< from the start of a request until it has been sent
-        int idleMs = 30000;                   ///< between two signs of life of the server
-        int totalMs = 300000;                 ///< the whole download, redirections included
-        qint64 maxBytes = 64LL * 1024 * 1024; ///< size of the body after decoding
-        int maxRedirects = 10;
-    };
+    using enum DownloadStatus;
+    using Limits = DownloadLimits;
 
     explicit Downloader(QObject *parent = nullptr);
     ~Downloader() override;
@@ -77,38 +57,44 @@ public:
     virtual void CancelDownload();
 
 Q_SIGNALS:
-    /// The download has ended: an HTTP status such as 200 or 404, or a value of Status.
+    /// The download has ended: an HTTP status such as 200 or 404, or a DownloadStatus.
     void DownloadComplete(qint32 status);
 
-    /// How much of the body has arrived, 0 to 100. Not raised when the server doesn't tell its size.
+    /// How much of the body has arrived, 0 to 100, and 100 before each DownloadComplete with 200. Nothing comes in
+    /// between when the server doesn't tell its size.
     void DownloadProgress(double percent);
 
 private:
+    /// What is still to be raised.
+    struct Event
+    {
+        std::optional<qint32> status; ///< of an end; none for progress
+        double percent = 0;
+    };
+
     void request(const QUrl &url);
     void redirect(const QUrl &target);
     bool mayCarryCredentials(const QUrl &url) const;
-    void handleBytes();
-    void handleProgress(qint64 received, qint64 total);
-    void handleFinished();
-    qint32 statusOf(const QNetworkReply &reply) const;
-    void armStallTimer(int milliseconds);
-    void dropReply();
+    bool keepBytes(const char *bytes, qsizetype size);
+    bool openFile();
+    void handleEnded(qint32 status);
+    void handleStall();
     void finish(qint32 status);
-    void announceEndings();
+    void tell(const Event &event);
+    void raiseEvents();
 
-    QNetworkAccessManager m_network;
     Limits m_nextLimits;
     Limits m_limits;
     QTimer m_stallTimer;
     QTimer m_totalTimer;
     bool m_running = false;
-    quint64 m_job = 0;
     QUrl m_askedUrl;
+    QUrl m_url; ///< of the request on its way
     QString m_destination;
     QByteArray m_authorization;
     int m_redirects = 0;
-    qint64 m_written = 0;
-    QNetworkReply *m_reply = nullptr;
+    std::unique_ptr<CurlLoop> m_loop;
+    std::unique_ptr<HttpExchange> m_exchange;
     std::unique_ptr<QSaveFile> m_file;
-    QList<qint32> m_endings;
+    QList<Event> m_events;
 };

@@ -3,14 +3,13 @@
 #include "platform/net/SmtpMail.h"
 
 #include "platform/Literals.h"
+#include "platform/net/CurlHandles.h"
 
 #include <QElapsedTimer>
 #include <QHostAddress>
 #include <QPointer>
 #include <QUrl>
 #include <QUuid>
-
-#include <curl/curl.h>
 
 #include <algorithm>
 #include <array>
@@ -23,23 +22,6 @@
 namespace {
 
 constexpr std::chrono::milliseconds KeepAliveEvery(10);
-
-struct EasyDeleter
-{
-    void operator()(CURL *handle) const { curl_easy_cleanup(handle); }
-};
-struct UrlDeleter
-{
-    void operator()(CURLU *handle) const { curl_url_cleanup(handle); }
-};
-struct ListDeleter
-{
-    void operator()(curl_slist *list) const { curl_slist_free_all(list); }
-};
-struct TextDeleter
-{
-    void operator()(char *text) const { curl_free(text); }
-};
 
 /// One attempt. All but `abandoned` belongs to the thread that runs it.
 struct Transfer
@@ -85,13 +67,13 @@ QByteArray serverUrl(const QString &host, quint16 port)
     const QByteArray name = number.protocol() == QAbstractSocket::IPv6Protocol
                                 ? '[' + number.toString().toLatin1() + ']'
                                 : QUrl::toAce(host.trimmed());
-    const std::unique_ptr<CURLU, UrlDeleter> url(curl_url());
+    const Curl::Url url(curl_url());
     char *text = nullptr;
     const bool made = !name.isEmpty() && curl_url_set(url.get(), CURLUPART_SCHEME, "smtp", 0) == CURLUE_OK &&
                       curl_url_set(url.get(), CURLUPART_HOST, name.constData(), 0) == CURLUE_OK &&
                       curl_url_set(url.get(), CURLUPART_PORT, QByteArray::number(port).constData(), 0) == CURLUE_OK &&
                       curl_url_get(url.get(), CURLUPART_URL, &text, 0) == CURLUE_OK;
-    const std::unique_ptr<char, TextDeleter> owned(text);
+    const Curl::Text owned(text);
     return made ? QByteArray(text) : QByteArray();
 }
 
@@ -107,9 +89,8 @@ int watch(void *data, curl_off_t, curl_off_t, curl_off_t, curl_off_t)
 std::optional<QString> run(Transfer &transfer)
 {
     std::array<char, CURL_ERROR_SIZE> errorText{};
-    const std::unique_ptr<curl_slist, ListDeleter> recipients(
-        curl_slist_append(nullptr, transfer.recipient.constData()));
-    const std::unique_ptr<CURL, EasyDeleter> easy(curl_easy_init());
+    const Curl::List recipients(curl_slist_append(nullptr, transfer.recipient.constData()));
+    const Curl::Easy easy(curl_easy_init());
     CURL *const handle = easy.get();
     curl_easy_setopt(handle, CURLOPT_URL, transfer.server.constData());
     curl_easy_setopt(handle, CURLOPT_PROTOCOLS_STR, "smtp");
@@ -159,8 +140,7 @@ QByteArray newMessageId(const QByteArray &sender)
 SmtpMail::SmtpMail(std::function<void()> keepAlive, QObject *parent)
     : MailSender(parent), m_keepAlive(std::move(keepAlive))
 {
-    static const CURLcode initialised = curl_global_init(CURL_GLOBAL_DEFAULT);
-    Q_UNUSED(initialised);
+    Curl::initialise();
 }
 
 void SmtpMail::Send()

@@ -1,0 +1,286 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "platform/Files.h"
+#include "platform/Literals.h"
+#include "platform/net/Downloader.h"
+#include "tests/fixtures/LocalHttpServer.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+
+#include <zlib.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstring>
+#include <dlfcn.h>
+#include <memory>
+#include <netdb.h>
+#include <thread>
+#include <unistd.h>
+
+using Answer = LocalHttpServer::Answer;
+
+namespace {
+
+constexpr qint64 megabyte = 1024LL * 1024;
+
+QByteArray gzip(const QByteArray &text)
+{
+    QByteArray coded(text.size() + 100, '\0');
+    z_stream stream = {};
+    deflateInit2(&stream, Z_BEST_COMPRESSION, Z_DEFLATED, MAX_WBITS + 16, MAX_MEM_LEVEL, Z_DEFAULT_STRATEGY);
+    stream.next_in = const_cast<Bytef *>(reinterpret_cast<const Bytef *>(text.constData()));
+    stream.avail_in = static_cast<uInt>(text.size());
+    stream.next_out = reinterpret_cast<Bytef *>(coded.data());
+    stream.avail_out = static_cast<uInt>(coded.size());
+    deflate(&stream, Z_FINISH);
+    coded.truncate(static_cast<qsizetype>(stream.total_out));
+    deflateEnd(&stream);
+    return coded;
+}
+
+qint64 residentBytes()
+{
+    QFile file(u"/proc/self/statm"_s);
+    return file.open(QIODevice::ReadOnly) ? file.readAll().split(' ').value(1).toLongLong() * ::sysconf(_SC_PAGESIZE)
+                                          : 0;
+}
+
+const QByteArray head = QByteArrayLiteral("HTTP/1.1 200 OK\r\nConnection: close\r\n");
+const QByteArray chunked = head + "Transfer-Encoding: chunked\r\n\r\n";
+
+Answer once(const QByteArray &raw)
+{
+    Answer answer;
+    answer.raw = raw;
+    return answer;
+}
+
+Answer coded(const char *coding, const QByteArray &body)
+{
+    return once(head + "Content-Encoding: " + coding + "\r\nContent-Length: " + QByteArray::number(body.size()) +
+                "\r\n\r\n" + body);
+}
+
+Answer endless(const QByteArray &raw, const QByteArray &portion, int trickleMs = 0)
+{
+    Answer answer = once(raw);
+    answer.body = trickleMs > 0 ? portion : portion.repeated(static_cast<int>(65536 / portion.size() + 1));
+    answer.endless = true;
+    answer.trickleMs = trickleMs;
+    return answer;
+}
+
+/// What the slow name server still holds.
+std::atomic<bool> nameServerIsSlow = false;
+
+} // namespace
+
+/// Stands before the one of the C library in this program, for the library that downloads as for everybody.
+extern "C" int getaddrinfo(const char *node, const char *service, const addrinfo *hints, addrinfo **result)
+{
+    for (int i = 0; nameServerIsSlow && node && std::strcmp(node, "slow.invalid") == 0 && i < 500; ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    static const auto real = reinterpret_cast<decltype(&getaddrinfo)>(::dlsym(RTLD_NEXT, "getaddrinfo"));
+    return real(node, service, hints, result);
+}
+
+/// What no server may do to us: slow or starve another download, swell the program, hold its end, or leave half of an
+/// answer in the place of a whole one.
+class tst_HostileServers : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_directory = std::make_unique<QTemporaryDir>();
+        m_destination = m_directory->filePath(u"tmp.xml"_s);
+        m_server = std::make_unique<LocalHttpServer>();
+        m_server->setBody(u"/healthy"_s, "healthy");
+        m_ends.reset();
+        m_downloader = std::make_unique<Downloader>();
+        m_ends = std::make_unique<QSignalSpy>(m_downloader.get(), &Downloader::DownloadComplete);
+        m_downloader->setLimits({.connectMs = 400, .idleMs = 300, .totalMs = 900, .maxBytes = megabyte});
+    }
+
+    void noAnswerHoldsTheNextDownload_data() { addAnswers(); }
+    void noAnswerHoldsTheNextDownload()
+    {
+        QFETCH(Answer, answer);
+        m_server->setAnswer(u"/"_s, answer);
+        QCOMPARE(fetch(u"/healthy"_s), 200);
+        Files::write(m_destination, "old");
+        const qint64 before = residentBytes();
+        QTEST(fetch(u"/"_s), "status");
+        QCOMPARE(Files::read(m_destination).bytes, QByteArray("old"));
+        QCOMPARE(fetch(u"/healthy"_s), 200);
+        QCOMPARE(Files::read(m_destination).bytes, QByteArray("healthy"));
+        const qint64 grown = residentBytes() - before;
+        QVERIFY2(grown < 6 * megabyte, QByteArray::number(grown));
+    }
+
+    void noAnswerHoldsTheEnd_data() { addAnswers(); }
+    void noAnswerHoldsTheEnd()
+    {
+        QFETCH(Answer, answer);
+        m_server->setAnswer(u"/"_s, answer);
+        m_downloader->setLimits({.maxBytes = 1024 * megabyte});
+        m_downloader->Download(m_server->url(u"/"_s), 0, m_destination, {}, {});
+        QTRY_COMPARE(m_server->totalHits(), 1);
+        QTest::qWait(20);
+        QElapsedTimer timer;
+        timer.start();
+        m_downloader.reset();
+        QVERIFY2(timer.elapsed() < 200, QByteArray::number(timer.elapsed()));
+    }
+
+    void oneFloodAmongFiftyDownloadsCostsNoOtherOne()
+    {
+        m_server->setAnswer(u"/flood"_s, endless(head, "X-A: b\r\n"));
+        const qint64 before = residentBytes();
+        int ended = 0;
+        for (int i = 1; i <= 52; ++i)
+            ended += i == 10 ? fetch(u"/flood"_s) < 100 : fetch(u"/healthy"_s) == 200;
+        QCOMPARE(ended, 52);
+        QVERIFY(residentBytes() - before < 6 * megabyte);
+    }
+
+    void whatComesBehindAnAnswerIsNotTheNextOne()
+    {
+        const QByteArray forged = "HTTP/1.1 200 OK\r\nContent-Length: 6\r\n\r\nforged";
+        Answer twice = once("HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\n");
+        twice.stallsAtEnd = true;
+        for (const QByteArray &behind : {forged, QByteArray()}) {
+            twice.body = "true" + behind;
+            m_server->setAnswer(u"/twice"_s, twice);
+            QCOMPARE(fetch(u"/twice"_s), 200);
+            QCOMPARE(Files::read(m_destination).bytes, QByteArray("true"));
+            m_server->sendToAll(forged);
+            QTest::qWait(20);
+            QCOMPARE(fetch(u"/healthy"_s), 200);
+            QCOMPARE(Files::read(m_destination).bytes, QByteArray("healthy"));
+        }
+    }
+
+    void aDownloadEndsAt32MiB()
+    {
+        m_downloader->setLimits({});
+        const QByteArray most(32 * megabyte, 'x');
+        m_server->setBody(u"/most"_s, most);
+        QCOMPARE(fetch(u"/most"_s), 200);
+        m_server->setBody(u"/more"_s, most + 'x');
+        QCOMPARE(fetch(u"/more"_s), Downloader::TooLarge);
+        m_server->setAnswer(u"/packed"_s, coded("gzip", gzip(most + 'x')));
+        QCOMPARE(fetch(u"/packed"_s), Downloader::TooLarge);
+        QCOMPARE(QFileInfo(m_destination).size(), most.size());
+    }
+
+    void aSlowNameServerHoldsNeitherTheWindowNorTheNextDownloadNorTheEnd()
+    {
+        nameServerIsSlow = true;
+        const auto longestGap = [this](const std::function<void()> &action) {
+            QElapsedTimer sinceLast;
+            qint64 longest = 0;
+            QTimer beat;
+            connect(&beat, &QTimer::timeout, this, [&] { longest = std::max(longest, sinceLast.restart()); });
+            beat.start(5);
+            sinceLast.start();
+            action();
+            return std::max(longest, sinceLast.elapsed());
+        };
+        const QString slow = u"http://slow.invalid/"_s;
+        const qint64 gap = longestGap([&] {
+            QCOMPARE(fetchUrl(slow), Downloader::TimedOut);
+            QCOMPARE(fetch(u"/healthy"_s), 200);
+            m_downloader->Download(slow, 0, m_destination, {}, {});
+            QTest::qWait(50);
+            m_downloader->CancelDownload();
+            m_downloader->Download(slow, 0, m_destination, {}, {});
+            QTest::qWait(50);
+            m_downloader.reset();
+        });
+        nameServerIsSlow = false;
+        QVERIFY2(gap < 150, QByteArray::number(gap));
+    }
+
+private:
+    static void addAnswers()
+    {
+        const QByteArray x = QByteArray(1024, 'x');
+        const QByteArray packed = gzip("<rss>" + x + "</rss>");
+        QTest::addColumn<Answer>("answer");
+        QTest::addColumn<qint32>("status");
+        const auto row = [](const char *name, const Answer &answer, qint32 status) {
+            QTest::newRow(name) << answer << status;
+        };
+        row("header lines without end", endless(head, "X-A: b\r\n"), Downloader::TooLarge);
+        row("header lines without end, after a 404", endless("HTTP/1.1 404 No\r\n", "X: b\r\n"), Downloader::TooLarge);
+        row("a header line without end", endless(head + "X: ", x), Downloader::TooLarge);
+        row("a status line without end", endless("HTTP/1.1 200 ", x), Downloader::TooLarge);
+        row("noise without end", endless("x", x), Downloader::OtherFailure);
+        row("interim answers without end", endless("HTTP/1.1 100 Continue\r\n\r\n", "HTTP/1.1 100 Continue\r\n\r\n"),
+            Downloader::TooLarge);
+        row("a chunk extension without end", endless(chunked + "5;", x), Downloader::TooLarge);
+        row("chunks that are all extension", endless(chunked, "1;" + x + "\r\ny\r\n"), Downloader::TooLarge);
+        row("a chunk size without end", endless(chunked, "0"), Downloader::ConnectionLost);
+        row("trailer lines without end", endless(chunked + "0\r\n", "X-A: b\r\n"), Downloader::TooLarge);
+        row("a trailer line without end", endless(chunked + "0\r\nX: ", x), Downloader::ConnectionLost);
+        row("a body without end", endless(head + "\r\n", x), Downloader::TooLarge);
+        row("a length beyond the bound", endless(head + "Content-Length: 999999999\r\n\r\n", "x", 10),
+            Downloader::TooLarge);
+        row("empty gzip streams without end", endless(head + "Content-Encoding: gzip\r\n\r\n", gzip("")),
+            Downloader::TooLarge);
+        row("a swelling body", coded("gzip", gzip(QByteArray(30 * megabyte, 'x'))), Downloader::TooLarge);
+        row("the page of a 404 without end", endless("HTTP/1.1 404 No\r\n\r\n", x), 404);
+
+        row("header lines drop by drop", endless(head, "X: b\r\n", 5), Downloader::TimedOut);
+        row("a status line drop by drop", endless("HTTP/1.1 200 ", "x", 5), Downloader::TimedOut);
+        row("a chunk extension drop by drop", endless(chunked + "5;", "x", 5), Downloader::TimedOut);
+        row("a body drop by drop", endless(head + "\r\n", "x", 5), Downloader::TimedOut);
+
+        row("a gzip stream cut short", coded("gzip", packed.chopped(10)), Downloader::ContentNotReadable);
+        row("a gzip stream without its sum", coded("gzip", packed.chopped(8)), Downloader::ContentNotReadable);
+        row("a gzip stream with a wrong sum", coded("gzip", packed.chopped(8) + QByteArray(8, 'x')),
+            Downloader::ContentNotReadable);
+        row("a second gzip stream cut short", coded("gzip", packed + packed.chopped(10)),
+            Downloader::ContentNotReadable);
+        row("a deflate stream cut short", coded("deflate", qCompress(x).mid(4).chopped(5)),
+            Downloader::ContentNotReadable);
+        row("a brotli stream cut short",
+            coded("br", QByteArray::fromHex("1b1300f8c55396ba754cb6d770758a2c5190fe365368e800").chopped(2)),
+            Downloader::ContentNotReadable);
+        row("no gzip at all", coded("gzip", x), Downloader::ContentNotReadable);
+        row("no brotli at all", coded("br", x), Downloader::ContentNotReadable);
+        row("a bad chunk size", once(chunked + "5\r\nhello\r\nzz\r\nhello\r\n0\r\n\r\n"), Downloader::ConnectionLost);
+        row("no last chunk", once(chunked + "5\r\nhello\r\n"), Downloader::ConnectionLost);
+        row("a body shorter than told", once(head + "Content-Length: 100\r\n\r\nshort"), Downloader::ConnectionLost);
+        row("a head cut short", once(head), Downloader::ConnectionLost);
+        row("a body without a head", once("<rss/>\r\n\r\n"), Downloader::OtherFailure);
+    }
+
+    /// The status with which the download ends; -1 when it doesn't end within two seconds.
+    qint32 fetch(const QString &path) { return fetchUrl(m_server->url(path)); }
+    qint32 fetchUrl(const QString &url)
+    {
+        m_ends->clear();
+        m_downloader->Download(url, 0, m_destination, {}, {});
+        return m_ends->wait(2000) ? m_ends->first().first().toInt() : -1;
+    }
+
+    std::unique_ptr<QTemporaryDir> m_directory;
+    std::unique_ptr<LocalHttpServer> m_server;
+    std::unique_ptr<Downloader> m_downloader;
+    std::unique_ptr<QSignalSpy> m_ends;
+    QString m_destination;
+};
+
+QTEST_GUILESS_MAIN(tst_HostileServers)
+#include "tst_HostileServers.moc"
