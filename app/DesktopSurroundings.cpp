@@ -2,6 +2,7 @@
 
 #include "app/DesktopSurroundings.h"
 
+#include "app/SignalWatch.h"
 #include "controls/SystemBrowser.h"
 #include "controls/Twips.h"
 #include "core/RunAtStartup.h"
@@ -81,5 +82,6 @@ Dialogs::Outside DesktopSurroundings::dialogs(const DataDirectory &directory, Wa
         return std::make_unique<HelpViewer>(candidates, HelpViewer::defaultCacheFolder(),
                                             [browser](const QString &url) { browser.openInSystemBrowser(url); });
     };
-    return {[] { return std::make_unique<Downloader>(); }, makeHelp, runAtStartup(), std::move(wait)};
+    return {[] { return std::make_unique<Downloader>(); }, makeHelp, runAtStartup(), std::move(wait),
+            SignalWatch::isEndAsked};
 }

@@ -12,8 +12,11 @@ namespace {
 constexpr std::array<int, 3> endingSignals = {SIGTERM, SIGINT, SIGHUP};
 std::array<int, 2> sockets = {-1, -1}; // written by the handler, read by the event loop
 
+volatile std::sig_atomic_t endIsAsked = 0;
+
 void handleSignal(int)
 {
+    endIsAsked = 1;
     const char byte = 1;
     [[maybe_unused]] const ssize_t written = ::write(sockets[0], &byte, sizeof byte);
 }
@@ -45,6 +48,11 @@ SignalWatch::~SignalWatch()
         ::close(socket);
         socket = -1;
     }
+}
+
+bool SignalWatch::isEndAsked()
+{
+    return endIsAsked != 0;
 }
 
 void SignalWatch::handleActivated()

@@ -17,6 +17,9 @@ public:
     explicit SignalWatch(QObject *parent = nullptr);
     ~SignalWatch() override;
 
+    /// Whether one of these signals has come, also when the event loop is held.
+    static bool isEndAsked();
+
 Q_SIGNALS:
     /// Raised from the event loop.
     void endAsked();

@@ -8,7 +8,6 @@
 #include "platform/MailSender.h"
 #include "platform/Messages.h"
 
-#include <QCoreApplication>
 #include <QGridLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -71,8 +70,9 @@ void frmSendMail::handleSend()
     m_cmdEnvoyer->setEnabled(false);
     m_lblEtat->setText(u"Connexion au serveur"_s);
 
-    // What the user types or clicks meanwhile waits until the attempt is over; the window is repainted.
-    m_poSendMail = m_makeMail([] { QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents); });
+    // All else waits until the attempt is over: an update that began in here would hold it, and let the user's input
+    // in again.
+    m_poSendMail = m_makeMail(Waiting::repaintWindows);
     connect(m_poSendMail.get(), &MailSender::SendSuccesful, this, &frmSendMail::poSendMail_SendSuccesful);
     connect(m_poSendMail.get(), &MailSender::SendFailed, this, &frmSendMail::poSendMail_SendFailed);
 
@@ -93,7 +93,7 @@ void frmSendMail::poSendMail_SendSuccesful()
 {
     m_lblEtat->setText(u"Envoi réussi"_s);
     m_cmdAnnuler->setEnabled(false);
-    QCoreApplication::processEvents();
+    Waiting::repaintWindows();
     m_wait(1000); // so that the words can be read
     accept();
 }

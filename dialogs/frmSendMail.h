@@ -26,7 +26,8 @@ public:
     using MakeMail = std::function<std::unique_ptr<MailSender>(std::function<void()> keepAlive)>;
 
     /// `body` is the text to begin with; zero characters are left out of it, as no text box and no mail can hold them.
-    /// `wait` is the pause after a sent mail. Server and sender come from `settings`.
+    /// `wait` is the pause after a sent mail, in which nothing but paints may happen. Server and sender come from
+    /// `settings`.
     frmSendMail(QWidget *owner, const AppSettings &settings, Messages &messages, const QString &body, Wait wait,
                 MakeMail makeMail);
     ~frmSendMail() override;

@@ -93,10 +93,14 @@ void Dialogs::showFeedProperties()
 
 void Dialogs::showMailDialog(const QString &text)
 {
-    const auto makeMail = [](std::function<void()> keepAlive) {
-        return std::make_unique<SmtpMail>(std::move(keepAlive));
+    const auto makeMail = [isEndAsked = m_outside.isEndAsked](std::function<void()> keepAlive) {
+        return std::make_unique<SmtpMail>([isEndAsked, keepAlive = std::move(keepAlive)] {
+            keepAlive();
+            return !isEndAsked();
+        });
     };
-    frmSendMail(&m_parts.form, m_parts.longLived.settings, m_parts.messages, text, m_outside.wait, makeMail).exec();
+    frmSendMail(&m_parts.form, m_parts.longLived.settings, m_parts.messages, text, Waiting::repaintingWait(), makeMail)
+        .exec();
 }
 
 void Dialogs::showAuthentication()

@@ -30,6 +30,7 @@ public:
         std::function<std::unique_ptr<HelpSystem>()> makeHelp; ///< called for the first request
         frmOptions::RunAtStartup runAtStartup;
         Wait wait;
+        std::function<bool()> isEndAsked = [] { return false; }; ///< of the process; a mail is given up for it
     };
 
     /// What the dialogs need of the main window. Nothing is owned.

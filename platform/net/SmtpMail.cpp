@@ -137,7 +137,7 @@ QByteArray newMessageId(const QByteArray &sender)
 
 } // namespace
 
-SmtpMail::SmtpMail(std::function<void()> keepAlive, QObject *parent)
+SmtpMail::SmtpMail(std::function<bool()> keepAlive, QObject *parent)
     : MailSender(parent), m_keepAlive(std::move(keepAlive))
 {
     Curl::initialise();
@@ -183,12 +183,11 @@ std::optional<QString> SmtpMail::attempt()
     // of the program but the transfer is touched from there, and the thread has ended when this returns.
     std::future<std::optional<QString>> outcome = std::async(std::launch::async, run, std::ref(transfer));
     const QPointer<SmtpMail> self(this);
-    const std::function<void()> keepAlive = m_keepAlive;
+    const std::function<bool()> keepAlive = m_keepAlive;
     while (outcome.wait_for(KeepAliveEvery) != std::future_status::ready) {
-        if (keepAlive && self)
-            keepAlive();
-        if (!self)
+        if (!self || (keepAlive && !keepAlive()) || !self)
             transfer.abandoned = true;
     }
-    return outcome.get();
+    const std::optional<QString> failure = outcome.get();
+    return failure && transfer.abandoned ? u"L'envoi a été interrompu."_s : failure;
 }

@@ -24,9 +24,10 @@ public:
         int totalMs = 300000;  ///< the whole attempt
     };
 
-    /// `keepAlive` is called at least every 50 ms while Send() works, so that the window can be repainted (typically it
-    /// runs the pending events less the user's input). May be empty.
-    explicit SmtpMail(std::function<void()> keepAlive = {}, QObject *parent = nullptr);
+    /// `keepAlive` is called at least every 50 ms while Send() works, so that the window can be repainted (as
+    /// Waiting::repaintWindows() does). False from it gives the attempt up,
+    /// which fails then. May be empty.
+    explicit SmtpMail(std::function<bool()> keepAlive = {}, QObject *parent = nullptr);
 
     void setSmtpHost(const QString &host) override { m_host = host; }
     void setFrom(const QString &address) override { m_fields.from = address; }
@@ -52,6 +53,6 @@ private:
     quint16 m_port = 25;
     MailMessage::Fields m_fields;
     Limits m_limits;
-    std::function<void()> m_keepAlive;
+    std::function<bool()> m_keepAlive;
     bool m_sending = false;
 };

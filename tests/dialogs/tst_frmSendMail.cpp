@@ -11,7 +11,25 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QTest>
+#include <QTimer>
+
+namespace {
+
+struct PaintCount : public QObject
+{
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        count += event->type() == QEvent::Paint ? 1 : 0;
+        return false;
+    }
+
+    int count = 0;
+};
+
+} // namespace
 
 class SendMailTest : public QObject
 {
@@ -28,8 +46,12 @@ private Q_SLOTS:
         m_settings.fromName = u"Moi"_s;
         m_onWait = [](int) {};
         const auto make = [this](std::function<void()> keepAlive) {
-            auto mail = std::make_unique<SmtpMail>(std::move(keepAlive));
+            auto mail = std::make_unique<SmtpMail>([keepAlive = std::move(keepAlive)] {
+                keepAlive();
+                return true;
+            });
             mail->setPort(m_server->port());
+            mail->setLimits({.idleMs = 300});
             return mail;
         };
         const QString body = u"Titre\r\n\r\nT"_s + QChar(0) + u"exte\r\n"_s;
@@ -67,7 +89,7 @@ private Q_SLOTS:
         QCOMPARE(waited, 1000);
         QVERIFY(!m_form->isVisible() && m_messages->shown.empty());
         QCOMPARE(m_server->mails().size(), 1);
-        const LocalSmtpServer::Mail &mail = m_server->mails().constFirst();
+        const LocalSmtpServer::Mail mail = m_server->mails().constFirst();
         QCOMPARE(mail.from, QByteArray("<moi@example.org>"));
         QCOMPARE(mail.recipients, QList<QByteArray>{"<toi@example.org>"});
         for (const char *const part : {"Subject: Une news", "Moi", "Toi", "Titre\r\n\r\nTexte"})
@@ -93,6 +115,45 @@ private Q_SLOTS:
         QVERIFY(m_form->isVisible() && button("cmdEnvoyer")->isEnabled());
         QCOMPARE(state(), QString());
         QCOMPARE(box("txtSujet")->text(), u"S"_s);
+    }
+
+    void onlyPaintsPassWhileAMailIsSent_data()
+    {
+        QTest::addColumn<LocalSmtpServer::Step>("slowStep");
+        QTest::newRow("until it fails") << LocalSmtpServer::Step::Greeting;
+        QTest::newRow("until a second after it is sent") << LocalSmtpServer::Step::Quit;
+    }
+
+    void onlyPaintsPassWhileAMailIsSent()
+    {
+        QFETCH(LocalSmtpServer::Step, slowStep);
+        QVERIFY(QTest::qWaitForWindowExposed(m_form.get()));
+        QCoreApplication::processEvents();
+        m_server->stallAt(slowStep);
+        box("txtDestMail")->setText(u"toi@example.org"_s);
+
+        // What an update or a page does in the middle of a mail, by each of the roads of the event loop.
+        QStringList passed;
+        QTimer::singleShot(0, this, [&] { passed.append(u"a timer"_s); });
+        QMetaObject::invokeMethod(
+            this, [&] { passed.append(u"a queued call"_s); }, Qt::QueuedConnection);
+        QTcpServer network;
+        QVERIFY(network.listen(QHostAddress::LocalHost));
+        connect(&network, &QTcpServer::newConnection, this, [&] { passed.append(u"the network"_s); });
+        QTcpSocket client;
+        client.connectToHost(QHostAddress::LocalHost, network.serverPort());
+        PaintCount paints;
+        m_form->findChild<QLabel *>(u"lblEtat"_s)->installEventFilter(&paints);
+        QStringList passedMeanwhile = {u"never looked"_s};
+        m_messages->onShow = [&](const Message &) { passedMeanwhile = passed; };
+        m_onWait = [&](int) {
+            Waiting::repaintingWait()(50);
+            passedMeanwhile = passed;
+        };
+        button("cmdEnvoyer")->click();
+        QCOMPARE(passedMeanwhile, QStringList());
+        QVERIFY(paints.count > 0);
+        QTRY_COMPARE(passed.size(), 3);
     }
 
     void theConnectionCanBeToldApart()

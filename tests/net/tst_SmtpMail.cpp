@@ -232,6 +232,8 @@ private Q_SLOTS:
         });
         connect(mail.get(), &SmtpMail::SendFailed, this, [&events] { events += 1; });
         connect(mail.get(), &SmtpMail::SendSuccesful, this, [&events] { events += 10; });
+        m_server->stallAt(Step::Quit);
+        mail->setLimits({.idleMs = 300});
         mail->Send();
         QCOMPARE(events, 11);
         QCOMPARE(m_server->mails().size(), 1);
@@ -243,12 +245,18 @@ private Q_SLOTS:
         });
         mail->Send();
         QVERIFY(!mail);
+
+        QCOMPARE(send(*newMail([] {}, false)), u"L'envoi a été interrompu.");
     }
 
 private:
-    std::unique_ptr<SmtpMail> newMail(std::function<void()> keepAlive = [] { QCoreApplication::processEvents(); })
+    std::unique_ptr<SmtpMail> newMail(
+        const std::function<void()> &keepAlive = [] { QCoreApplication::processEvents(); }, bool goesOn = true)
     {
-        auto mail = std::make_unique<SmtpMail>(std::move(keepAlive));
+        auto mail = std::make_unique<SmtpMail>([keepAlive, goesOn] {
+            keepAlive();
+            return goesOn;
+        });
         mail->setSmtpHost(u"127.0.0.1"_s);
         mail->setPort(m_server->port());
         mail->setFrom(u"me@here.example"_s);
