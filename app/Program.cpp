@@ -25,6 +25,7 @@ Program::~Program() = default;
 
 bool Program::loadSettings()
 {
+    m_surroundings.directory.sweepLeftovers();
     if (m_settingsFile.loadSettings(m_settings))
         return true;
     m_surroundings.releaseInstance();

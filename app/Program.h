@@ -48,8 +48,8 @@ public:
     explicit Program(Surroundings surroundings);
     ~Program() override;
 
-    /// Reads params.xml. False when it can't be used: the user was told then, the instance lock is given back, and
-    /// nothing else must be called.
+    /// Sweeps what a kill left behind, and reads params.xml. False when it can't be used: the user was told then, the
+    /// instance lock is given back, and nothing else must be called.
     bool loadSettings();
 
     const AppSettings &settings() const { return m_settings; }

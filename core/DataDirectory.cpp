@@ -9,7 +9,10 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QStandardPaths>
+
+#include <cstring>
 
 namespace {
 
@@ -39,6 +42,20 @@ QString chosenPath(const QString &programDirectory)
     return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/quillwire"_s;
 }
 
+/// Neither settings nor cache files are there.
+bool isFirstStart(const DataDirectory &directory)
+{
+    const QDir feeds(directory.file(u"feeds"_s));
+    return !isTaken(directory.file(u"params.xml"_s)) && feeds.isEmpty(QDir::Files | QDir::System | QDir::Hidden);
+}
+
+void removeMatching(const QDir &folder, const QRegularExpression &pattern)
+{
+    for (const QString &name : folder.entryList(QDir::Files | QDir::Hidden))
+        if (pattern.match(name).hasMatch())
+            QFile::remove(folder.filePath(name));
+}
+
 } // namespace
 
 DataDirectory::DataDirectory(QString path) : m_path(std::move(path)) {}
@@ -48,12 +65,26 @@ DataDirectory DataDirectory::ofProgram(const QString &programDirectory)
     DataDirectory chosen(chosenPath(programDirectory));
     makeDirectory(chosen.path());
     makeDirectory(chosen.file(u"feeds"_s));
+    const bool firstStart = isFirstStart(chosen);
     for (const char *name : {"feeds.xml", "home.htm", "style.css", "slien.gif"}) {
         const QString target = chosen.file(QString::fromLatin1(name));
-        if (!isTaken(target))
+        const bool isCatalogue = std::strcmp(name, "feeds.xml") == 0;
+        if (!isTaken(target) && (firstStart || !isCatalogue))
             Files::copy(u":/data/"_s + QString::fromLatin1(name), target);
     }
     return chosen;
+}
+
+void DataDirectory::sweepLeftovers() const
+{
+    // A file on its way bears its later name and six letters, large and small ones mixed. One that somebody could have
+    // named so ("feeds.xml.backup") is left alone, at the price of a few that chance has drawn alike.
+    const QString letters = u"\\.(?![a-z]+$|[A-Z]+$|[A-Z][a-z]+$|BackUp$|backUp$)[A-Za-z]{6}$"_s;
+    const QRegularExpression ofTheProgram(
+        u"^((feeds|params|tmp|tmpupd)\\.xml|tmp\\.opml|(tmp|home)\\.htm|style\\.css|slien\\.gif)"_s + letters);
+    const QRegularExpression ofAFeed(u"^[0-9]+\\.xml"_s + letters);
+    removeMatching(QDir(m_path), ofTheProgram);
+    removeMatching(QDir(file(u"feeds"_s)), ofAFeed);
 }
 
 QString DataDirectory::file(const QString &name) const

@@ -16,10 +16,16 @@ public:
     /// of the program, `programDirectory`, when it holds "feeds.xml" (a portable folder, the build tree); the user's
     /// data folder ($XDG_DATA_HOME/quillwire). The chosen one is made when it is missing, with its folder "feeds"; a
     /// file that it lacks is filled from the copies that the program carries (never params.xml, never an existing
-    /// file). Throws the RunTimeErrors of Files when that fails.
+    /// file, and feeds.xml only at a first start: a catalogue that is missing beside settings or cache files was lost,
+    /// and an empty one in its place would let the next subscription overwrite them). Throws the RunTimeErrors of
+    /// Files when that fails.
     static DataDirectory ofProgram(const QString &programDirectory);
 
     QString path() const { return m_path; }
+
+    /// Removes what a kill in the middle of a save left beside the program's files. Only the instance that holds the
+    /// lock may call it. What can't be removed stays.
+    void sweepLeftovers() const;
 
     /// The path of the file `name` in the directory.
     QString file(const QString &name) const;

@@ -50,6 +50,17 @@ XmlNode takeOut(const QString &key, const XmlNode &favoris)
     return element;
 }
 
+/// A copy of `from` that only has to take its name; null when `from` is absent.
+std::unique_ptr<Files::Staged> stagedCopy(const QString &from, const QString &to)
+{
+    const Files::Content content = Files::read(from);
+    if (content.result == Files::ReadResult::Absent)
+        return nullptr;
+    if (content.result == Files::ReadResult::Unreadable)
+        throw RunTimeError::deviceError();
+    return std::make_unique<Files::Staged>(to, content.bytes);
+}
+
 } // namespace
 
 FeedCatalogue::FeedCatalogue(DataDirectory directory, FeedTree &tree, FeedTreeState &treeState, clsDES &cipher,
@@ -163,6 +174,8 @@ void FeedCatalogue::addFeed(const NewFeed &feed)
     m_treeState.setExpanded(parent, true);
     node->tag = feed.address;
 
+    const std::unique_ptr<Files::Staged> cacheFile =
+        stagedCopy(m_directory.file(u"tmp.xml"_s), m_directory.cacheFile(key));
     const QString ttl = feed.ttl.isEmpty() ? u"60"_s : feed.ttl;
     const QString cache = u"-7"_s;
     XmlDocument document = loadFile();
@@ -185,7 +198,15 @@ void FeedCatalogue::addFeed(const NewFeed &feed)
     tables.havecache.Add(key, u"0"_s);
     tables.nodeByKey.Add(key, node);
 
-    Files::copy(m_directory.file(u"tmp.xml"_s), m_directory.cacheFile(key));
+    if (!cacheFile)
+        throw RunTimeError::fileNotFound();
+    try {
+        cacheFile->commit();
+    } catch (const RunTimeError &) {
+        takeOut(key, favorisOf(document)); // a feed without a cache file would hang the updates of every run
+        document.save(m_directory.file(fileName()));
+        throw;
+    }
     takeKey(key);
     nextFreeKey();
 }

@@ -48,7 +48,8 @@ public:
     /// Adds a feed under the folder that the tree's selection decides: nothing or the root selected, the first node; a
     /// feed, its parent; a folder, that folder; a feed being updated, no parent and so a run-time error. Writes the
     /// file, fills the tables (not those of the credentials: these come with the next start), copies tmp.xml to the
-    /// cache file.
+    /// cache file. The cache file's bytes are on the disk before the catalogue names the feed, so that a full disk
+    /// leaves both as they were; a missing tmp.xml is found at the end, as the last step.
     void addFeed(const NewFeed &feed);
 
     /// Removes the folder's element with all that it holds, and the cache files of its feeds. The nodes stay; the

@@ -9,17 +9,31 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
+#include <cerrno>
+
 namespace {
 
-[[noreturn]] void throwFor(const QString &path, QFileDevice::FileError error)
+/// A file that can't be begun or given its name: its folder is away, or it is protected.
+[[noreturn]] void throwForPlace(const QString &path, QFileDevice::FileError error)
 {
     if (!QFileInfo(path).dir().exists())
         throw RunTimeError::pathNotFound();
     if (error == QFileDevice::ResourceError)
         throw RunTimeError::diskFull();
-    if (error == QFileDevice::OpenError || error == QFileDevice::PermissionsError || error == QFileDevice::RenameError)
+    if (error == QFileDevice::OpenError || error == QFileDevice::PermissionsError ||
+        error == QFileDevice::RenameError || error == QFileDevice::WriteError)
         throw RunTimeError::permissionDenied();
     throw RunTimeError::deviceError();
+}
+
+/// A file that takes only a part of its bytes: the disk is full, or the share of it that the user may fill. The library
+/// tells the first case by its error, and the others, in which the system wrote some of the bytes, by no error or by
+/// the one for anything.
+[[noreturn]] void throwForBytes(int systemError)
+{
+    if (systemError == EIO || systemError == EBADF)
+        throw RunTimeError::deviceError();
+    throw RunTimeError::diskFull();
 }
 
 } // namespace
@@ -43,20 +57,31 @@ bool Files::exists(const QString &path)
     return QFileInfo(path).isFile();
 }
 
-void Files::write(const QString &path, const QByteArray &bytes)
+Files::Staged::Staged(const QString &path, const QByteArray &bytes) : m_file(std::make_unique<QSaveFile>(path))
 {
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        throwFor(path, file.error());
+    if (!m_file->open(QIODevice::WriteOnly))
+        throwForPlace(path, m_file->error());
     // What write() takes may still lie in a buffer, and commit() doesn't fail when that can't be written: it would put
     // a file cut short in the place of the old one.
-    if (file.write(bytes) != bytes.size() || !file.flush()) {
-        const QFileDevice::FileError error = file.error();
-        file.cancelWriting();
-        throwFor(path, error);
+    errno = 0;
+    if (m_file->write(bytes) != bytes.size() || !m_file->flush()) {
+        const int systemError = errno;
+        m_file->cancelWriting();
+        throwForBytes(systemError);
     }
-    if (!file.commit())
-        throwFor(path, file.error());
+}
+
+Files::Staged::~Staged() = default;
+
+void Files::Staged::commit()
+{
+    if (!m_file->commit())
+        throwForPlace(m_file->fileName(), m_file->error());
+}
+
+void Files::write(const QString &path, const QByteArray &bytes)
+{
+    Staged(path, bytes).commit();
 }
 
 void Files::copy(const QString &from, const QString &to)

@@ -5,6 +5,10 @@
 #include <QByteArray>
 #include <QString>
 
+#include <memory>
+
+class QSaveFile;
+
 /// Whole files. A file that is written is replaced in one step: after a crash, a kill or a full disk it is the old one
 /// or the new one, never half of either.
 namespace Files {
@@ -26,6 +30,26 @@ bool exists(const QString &path);
 /// Replaces the file by `bytes`. Throws RunTimeError: pathNotFound(), permissionDenied(), diskFull() or deviceError();
 /// the old file then stands unchanged.
 void write(const QString &path, const QByteArray &bytes);
+
+/// A file that is written and still lacks its name, so that several can be on the disk before any of them takes its
+/// place.
+class Staged final
+{
+public:
+    /// Writes `bytes` beside `path`. Throws as write(); nothing is left then.
+    Staged(const QString &path, const QByteArray &bytes);
+    Staged(const Staged &) = delete;
+    Staged &operator=(const Staged &) = delete;
+
+    /// Takes the bytes away again, unless commit() was called.
+    ~Staged();
+
+    /// Replaces the file in one step, which takes no room on the disk. Throws permissionDenied() or deviceError().
+    void commit();
+
+private:
+    std::unique_ptr<QSaveFile> m_file;
+};
 
 /// Copies `from` over `to`. Throws fileNotFound() when `from` is absent, otherwise as write().
 void copy(const QString &from, const QString &to);

@@ -15,7 +15,11 @@ bool InstanceLock::isFirstInstance()
 {
     if (!m_lock || m_lock->isLocked())
         return true;
-    return m_lock->tryLock(0) || m_lock->error() != QLockFile::LockFailedError;
+    if (m_lock->tryLock(0) || m_lock->error() != QLockFile::LockFailedError)
+        return true;
+    // What the file says (nothing, garbage, a number that was given to another process since) doesn't count. It goes
+    // unless a living process holds the system's own lock on it.
+    return m_lock->removeStaleLockFile() && m_lock->tryLock(0);
 }
 
 void InstanceLock::release()

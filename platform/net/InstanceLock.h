@@ -10,7 +10,7 @@
 #include <optional>
 
 /// The lock that makes sure that only one instance of the program lives in a session of the user. It is taken first,
-/// held for life and never waited on. One that a crashed process has left behind is taken over.
+/// held for life and never waited on. One that no living process holds is taken over, whatever it says.
 class InstanceLock
 {
 public:

@@ -36,6 +36,40 @@ private Q_SLOTS:
         QCOMPARE(chosen.cacheFile(u"12"_s), QString(chosen.path() + u"/feeds/12.xml"_s));
     }
 
+    void onlyAFirstStartMakesACatalogue_data()
+    {
+        QTest::addColumn<QString>("there");
+        QTest::newRow("settings") << u"params.xml"_s;
+        QTest::newRow("a cache file") << u"feeds/7.xml"_s;
+    }
+
+    void onlyAFirstStartMakesACatalogue()
+    {
+        QFETCH(QString, there);
+        DataDirectory chosen = DataDirectory::ofProgram(m_folder->path());
+        QFile::remove(chosen.file(u"feeds.xml"_s));
+        Files::write(chosen.file(there), "mine");
+        chosen = DataDirectory::ofProgram(m_folder->path());
+        QVERIFY(!Files::exists(chosen.file(u"feeds.xml"_s)));
+        QCOMPARE(Files::read(chosen.file(there)).bytes, QByteArray("mine"));
+    }
+
+    void whatAKillLeftBehindIsSwept()
+    {
+        const DataDirectory chosen = DataDirectory::ofProgram(m_folder->path());
+        const QStringList left = {u"feeds.xml.AbCdEf"_s, u"params.xml.xxXxxx"_s, u"tmpupd.xml.zZZZZZ"_s,
+                                  u"feeds/12.xml.QwErTy"_s};
+        const QStringList kept = {u"feeds.xml.backup"_s, u"feeds.xml.Backup"_s, u"notes.AbCdEf"_s, u"feeds/12.xml.1"_s,
+                                  u"feeds/mine.xml.AbCdEf"_s};
+        for (const QString &name : left + kept)
+            Files::write(chosen.file(name), "half");
+        chosen.sweepLeftovers();
+        for (const QString &name : left)
+            QVERIFY2(!Files::exists(chosen.file(name)), qPrintable(name));
+        for (const QString &name : kept)
+            QVERIFY2(Files::exists(chosen.file(name)), qPrintable(name));
+    }
+
     void aFolderWithACatalogueIsPortable()
     {
         Files::write(m_folder->filePath(u"feeds.xml"_s), "<favoris");

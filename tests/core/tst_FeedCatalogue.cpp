@@ -325,6 +325,26 @@ private Q_SLOTS:
         QCOMPARE(m_folder->read(u"feeds.xml"_s), before);
     }
 
+    /// The catalogue fits on the disk, the feed doesn't: without a cache file its updates would hang in every run.
+    void aFeedThatDoesNotFitIsNotSubscribedTo()
+    {
+        start("");
+        m_folder->write(u"tmp.xml"_s, "<rss>" + QByteArray(10000, ' ') + "</rss>");
+        const QByteArray before = m_folder->read(u"feeds.xml"_s);
+        const pid_t child = fork();
+        if (child == 0) {
+            signal(SIGXFSZ, SIG_IGN);
+            const rlimit limit{4096, 4096};
+            setrlimit(RLIMIT_FSIZE, &limit);
+            _exit(errorOf([this] { m_catalogue->addFeed({u"A"_s, {}, {}, {}, {}}); }));
+        }
+        int status = -1;
+        waitpid(child, &status, 0);
+        QCOMPARE(WEXITSTATUS(status), RunTimeError::diskFull().number());
+        QCOMPARE(m_folder->read(u"feeds.xml"_s), before);
+        QVERIFY(!Files::exists(m_folder->cacheFile(u"1"_s)));
+    }
+
     /// Deeper than what a reader of XML takes: refused, not crashed on.
     void aBottomlessCatalogueIsRefused()
     {

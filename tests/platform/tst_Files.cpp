@@ -9,9 +9,33 @@
 #include <QTest>
 
 #include <csignal>
+#include <functional>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+namespace {
+
+/// The number of the run-time error that writing the file raises in a process of its own, after `prepare`; 0 for none.
+int errorOfWriting(
+    const QString &path, const QByteArray &bytes, const std::function<void()> &prepare = [] {})
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        prepare();
+        try {
+            Files::write(path, bytes);
+        } catch (const RunTimeError &error) {
+            _exit(error.number());
+        }
+        _exit(0);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    return WEXITSTATUS(status);
+}
+
+} // namespace
 
 class tst_Files : public QObject
 {
@@ -27,39 +51,35 @@ void tst_Files::aFullDiskLeavesTheOldFile()
     QTemporaryDir folder;
     const QString path = folder.filePath(u"state.xml"_s);
     Files::write(path, "old");
-    const pid_t child = fork();
-    if (child == 0) {
-        std::signal(SIGXFSZ, SIG_IGN);
-        const rlimit limit{4096, 4096};
-        setrlimit(RLIMIT_FSIZE, &limit);
-        int outcome = 0;
-        try {
-            Files::write(path, QByteArray(100000, 'n'));
-        } catch (const RunTimeError &) {
-            outcome = 1;
-        }
-        _exit(outcome);
+    for (const rlim_t room : {0, 4096}) { // nothing fits, and a part does
+        const int number = errorOfWriting(path, QByteArray(100000, 'n'), [room] {
+            std::signal(SIGXFSZ, SIG_IGN);
+            const rlimit limit{room, room};
+            setrlimit(RLIMIT_FSIZE, &limit);
+        });
+        QCOMPARE(number, RunTimeError::diskFull().number());
+        QCOMPARE(Files::read(path).bytes, QByteArray("old"));
+        QCOMPARE(QDir(folder.path()).entryList(QDir::Files).size(), 1); // and no half of the new one beside it
     }
-    int status = 0;
-    waitpid(child, &status, 0);
-    QCOMPARE(WEXITSTATUS(status), 1);
-    QCOMPARE(Files::read(path).bytes, QByteArray("old"));
-    QCOMPARE(QDir(folder.path()).entryList(QDir::Files).size(), 1); // and no half of the new one beside it
 }
 
 void tst_Files::writingReportsWhatIsWrong()
 {
     QTemporaryDir folder;
-    const auto errorOfWriting = [](const QString &path) {
-        try {
-            Files::write(path, "x");
-        } catch (const RunTimeError &error) {
-            return error.number();
-        }
-        return 0;
-    };
-    QCOMPARE(errorOfWriting(folder.filePath(u"no/such/file"_s)), 76);
-    QVERIFY(errorOfWriting(folder.path()) != 0);
+    QCOMPARE(errorOfWriting(folder.filePath(u"no/such/file"_s), "x"), 76);
+    QVERIFY(errorOfWriting(folder.path(), "x") != 0);
+
+    const QString file = folder.filePath(u"protected.xml"_s);
+    Files::write(file, "old");
+    const auto asNobody = [] { [[maybe_unused]] const int changed = seteuid(geteuid() == 0 ? 65534 : geteuid()); };
+    QFile::setPermissions(folder.path(), QFile::Permissions(0x7755)); // another's file in another's folder
+    if (geteuid() == 0) {
+        QCOMPARE(errorOfWriting(file, "new", asNobody), RunTimeError::permissionDenied().number());
+    }
+    QFile::setPermissions(file, QFile::Permissions(0x4444));
+    QCOMPARE(errorOfWriting(file, "new", asNobody), RunTimeError::permissionDenied().number());
+    QCOMPARE(Files::read(file).bytes, QByteArray("old"));
+
     QVERIFY_EXCEPTION_THROWN(Files::remove(folder.filePath(u"none"_s)), RunTimeError);
     QVERIFY_EXCEPTION_THROWN(Files::copy(folder.filePath(u"none"_s), folder.filePath(u"to"_s)), RunTimeError);
     QVERIFY(!Files::exists(folder.path()));
