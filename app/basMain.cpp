@@ -53,10 +53,18 @@ int run(ErrorTrap &application, Program &program, frmPrinc &form)
 {
     application.setFreeze([&program] { program.abandon(); });
     QObject::connect(&form, &frmPrinc::closeAsked, &program, &Program::end);
-    QObject::connect(&program, &Program::ended, &application, &QCoreApplication::quit, Qt::QueuedConnection);
-    QObject::connect(&application, &QGuiApplication::commitDataRequest, &program, &Program::end);
+    // exit() and not quit(), which does nothing while a box of the start runs a loop of its own.
+    QObject::connect(
+        &program, &Program::ended, &application, [] { QCoreApplication::exit(0); }, Qt::QueuedConnection);
+    QObject::connect(&application, &QGuiApplication::commitDataRequest, &program, [&application, &program] {
+        application.endFailure();
+        program.end();
+    });
     SignalWatch signalWatch;
-    QObject::connect(&signalWatch, &SignalWatch::endAsked, &form, &frmPrinc::postClose);
+    QObject::connect(&signalWatch, &SignalWatch::endAsked, &form, [&application, &form] {
+        application.endFailure();
+        form.postClose();
+    });
     int code = 0;
     try {
         program.start(form, DesktopSurroundings::screens(), commandLine());

@@ -22,6 +22,12 @@ void ErrorTrap::fail(const RunTimeError &error)
     m_failing = false;
 }
 
+void ErrorTrap::endFailure()
+{
+    if (m_failing)
+        m_end(1);
+}
+
 bool ErrorTrap::notify(QObject *receiver, QEvent *event)
 {
     try {

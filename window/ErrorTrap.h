@@ -31,6 +31,9 @@ public:
     /// Shows the error and ends the process with code 1.
     void fail(const RunTimeError &error);
 
+    /// Ends the process now if the message of an error stands, as its OK does. Otherwise nothing happens.
+    void endFailure();
+
     bool notify(QObject *receiver, QEvent *event) override;
 
 private:

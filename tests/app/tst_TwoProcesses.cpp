@@ -92,12 +92,19 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(m_data->exists(u"params.xml"_s), 20000);
         QTest::qWait(500); // the box stands and waits for its OK
         QCOMPARE(first->state(), QProcess::Running);
-        first->terminate(); // no road out any more
-        QTest::qWait(200);
+        first->terminate(); // ends it as the OK does: there is no road out any more
+        QVERIFY(ended(*first));
+        QCOMPARE(first->exitCode(), 1);
         QVERIFY(!m_data->read(u"params.xml"_s).contains("<start"));
         QCOMPARE(m_data->read(u"feeds.xml"_s), QByteArray("<favoris><feed"));
-        first->kill();
-        QVERIFY(ended(*first));
+    }
+
+    void aTermSignalEndsAStartThatShowsABox()
+    {
+        const auto first = startFirst({u"\"/no/such/file\""_s});
+        QTest::qWait(500); // "Le fichier que vous tentez d'ouvrir n'existe pas" stands
+        end(*first);
+        QVERIFY(m_data->read(u"params.xml"_s).contains("<start"));
     }
 
     void aSecondStartHandsItsTextOverUnchanged()

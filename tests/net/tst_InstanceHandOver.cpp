@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "platform/Files.h"
 #include "platform/Literals.h"
 #include "platform/net/HandOver.h"
 #include "platform/net/InstanceLock.h"
@@ -38,6 +39,23 @@ class tst_InstanceHandOver : public QObject
 
 private Q_SLOTS:
     void init() { m_directory = std::make_unique<QTemporaryDir>(); }
+
+    void aLockThatNoLivingProcessHoldsDoesNotCount_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::newRow("empty") << QByteArray();
+        QTest::newRow("garbled") << QByteArray("\x00\xff not a lock", 13);
+        QTest::newRow("a process that is gone") << QByteArray("999999999\nquillwire\nhost\n");
+    }
+
+    void aLockThatNoLivingProcessHoldsDoesNotCount()
+    {
+        QFETCH(QByteArray, content);
+        Files::write(m_directory->filePath(u"Quillwire3.0_APPLICATION_MUTEX"_s), content);
+        InstanceLock lock(path());
+        QVERIFY(lock.isFirstInstance());
+        QVERIFY(!InstanceLock(path()).isFirstInstance()); // and holds from then on
+    }
 
     void withoutAPlaceForTheLockTheProgramStartsAllTheSame()
     {
