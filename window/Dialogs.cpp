@@ -84,6 +84,8 @@ void Dialogs::showAbout()
 void Dialogs::showFeedProperties()
 {
     const CurrentFeed &current = m_parts.longLived.current;
+    if (!current.addressFeedShown && !m_parts.longLived.treeState.selected())
+        return;
     frmProprietes form(&m_parts.form, {current.document, current.addressFeedShown, m_parts.opening.addressText(),
                                        [&state = m_parts.longLived.treeState] { return state.selected(); },
                                        m_parts.longLived.catalogue.tables, m_parts.longLived.cipher});

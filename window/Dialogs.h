@@ -54,7 +54,7 @@ public:
     void showHelp();
     void showAbout();
 
-    /// Does nothing when no feed is loaded. Throws as frmProprietes::fillFrom().
+    /// Does nothing when no feed is loaded, nor when it is one of the tree and nothing is selected there.
     void showFeedProperties();
 
     void showMailDialog(const QString &text);

@@ -85,12 +85,18 @@ void TreeCommands::handleArrowKey(const FeedNodePtr &node)
 void TreeCommands::handleDrop(const FeedNodePtr &target, bool insertAbove)
 {
     const FeedNodePtr dragged = m_parts.frame.tvwFavoris->draggedNode();
-    if (dragged)
-        m_parts.catalogue.moveFeed(dragged, target, insertAbove);
+    if (!dragged)
+        return;
+    const bool wasSelected = m_parts.treeState.selected() == dragged;
+    m_parts.catalogue.moveFeed(dragged, target, insertAbove);
+    if (wasSelected) // the move has made the node anew
+        m_parts.treeState.select(m_parts.tree.find(dragged->key()));
 }
 
 void TreeCommands::deleteSelectedNode(const FeedNodePtr &node)
 {
+    if (!node)
+        return;
     if (node->image() == NodeImage::Folder) {
         const Messages::Answer answer =
             m_parts.messages.show({u"Êtes-vous sur de vouloir supprimer ce dossier et tout son contenu ?"_s,
@@ -109,6 +115,8 @@ void TreeCommands::deleteSelectedNode(const FeedNodePtr &node)
 
 void TreeCommands::createFolder(const FeedNodePtr &node)
 {
+    if (!node)
+        return;
     const QString name = m_parts.inputBox(u"Entrez un nom pour le nouveau dossier"_s, u"Nouveau dossier"_s);
     if (!name.isEmpty())
         m_parts.catalogue.createFolder(node, name);

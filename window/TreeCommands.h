@@ -42,10 +42,12 @@ public:
 
     explicit TreeCommands(Parts parts, QObject *parent = nullptr);
 
-    /// A folder only after a question, a feed without one; any other node isn't deleted. Throws as FeedCatalogue.
+    /// A folder only after a question, a feed without one; any other node isn't deleted, nor is a null one. Throws as
+    /// FeedCatalogue.
     void deleteSelectedNode(const FeedNodePtr &node);
 
-    /// Asks for a name and makes a folder beside a feed, otherwise below the node. Throws as FeedCatalogue.
+    /// Asks for a name and makes a folder beside a feed, otherwise below the node. Does nothing for a null node. Throws
+    /// as FeedCatalogue.
     void createFolder(const FeedNodePtr &node);
 
 private:

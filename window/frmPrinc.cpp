@@ -6,6 +6,7 @@
 #include "engine/CurrentFeed.h"
 #include "platform/Literals.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 
 frmPrinc::frmPrinc(const LongLived &longLived, Desktop desktop, Dialogs::Outside outside)
@@ -137,8 +138,10 @@ void frmPrinc::resizeEvent(QResizeEvent *)
 void frmPrinc::changeEvent(QEvent *event)
 {
     QWidget::changeEvent(event);
-    // Without an icon that leads back to it the window stays minimised, as other windows do.
-    if (event->type() == QEvent::WindowStateChange && isMinimized() && m_trayIcon && m_trayIcon->isAvailable())
+    // Without an icon that leads back to it the window stays minimised, as other windows do. So it does under a dialog:
+    // that would go with it, and while it is open the icon can't bring either back.
+    if (event->type() == QEvent::WindowStateChange && isMinimized() && m_trayIcon && m_trayIcon->isAvailable() &&
+        !QApplication::activeModalWidget())
         QMetaObject::invokeMethod(
             this,
             [this] {

@@ -11,6 +11,7 @@
 #include "window/SplitBar.h"
 
 #include <QClipboard>
+#include <QDialog>
 #include <QLabel>
 #include <QMenu>
 #include <QProgressBar>
@@ -180,6 +181,27 @@ private Q_SLOTS:
         Q_EMIT m_fixture->tree()->nodeDropped(m_fixture->node("root"),
                                               false); // the remembered node is gone: nothing moves
         QCOMPARE(m_fixture->node("4")->parent(), m_fixture->node("1"));
+    }
+
+    void aMovedFeedStaysSelectedAndWithNothingSelectedNothingHappens()
+    {
+        start();
+        m_fixture->click(m_fixture->node("4"));
+        QTest::mousePress(m_fixture->tree()->viewport(), Qt::LeftButton, {}, m_fixture->placeOf(m_fixture->node("4")));
+        Q_EMIT m_fixture->tree()->nodeDropped(m_fixture->node("1"), false);
+        QVERIFY(m_fixture->selected());
+        QCOMPARE(m_fixture->selected(), m_fixture->node("4"));
+        QCOMPARE(m_fixture->list()->items().rowCount(), 3);
+
+        pressToolbar(1); // deleted; the buttons stay enabled
+        QVERIFY(!m_fixture->selected());
+        const QString before = catalogue();
+        for (const int button : {0, 1, 2})
+            pressToolbar(button);
+        for (const char *entry : {"Rafraichir", "Propriétés", "Nouveau dossier"})
+            m_fixture->choose(QString::fromUtf8(entry));
+        QVERIFY(m_fixture->messages.shown.empty());
+        QCOMPARE(catalogue(), before);
     }
 
     // --- Journeys
@@ -377,6 +399,17 @@ private Q_SLOTS:
         m_fixture->window->hide(); // hidden, but not iconic: a double click doesn't show it
         m_fixture->tray->raise(leftDoubleClick);
         QVERIFY(m_fixture->window->isHidden());
+    }
+
+    void aDialogKeepsAMinimisedWindowWithinReach()
+    {
+        m_fixture->start();
+        QDialog dialog(m_fixture->window.get());
+        dialog.open();
+        m_fixture->window->showMinimized();
+        QTest::qWait(20);
+        QVERIFY(!m_fixture->window->isHidden()); // the icon's menu is dead while a dialog is open
+        dialog.close();
     }
 
     void theAddressBoxTakesAnAddressFromTheClipboardOnce()
