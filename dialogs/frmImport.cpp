@@ -129,6 +129,7 @@ QWidget *frmImport::buildRunPanel()
     m_lblTitre->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred); // no name widens the window
     m_vbalProgressBar1 = named(new ProgressBar, u"vbalProgressBar1"_s);
     m_vbalProgressBar1->setAccessibleName(u"Importation en cours"_s);
+    m_vbalProgressBar1->setFocusPolicy(Qt::TabFocus);
     m_cmdCanceller = button(u"cmdCanceller"_s, u"Annuler"_s);
     auto *column = new QVBoxLayout(panel);
     column->addWidget(m_lblTitre);
@@ -249,7 +250,8 @@ void frmImport::handleFinish()
     m_cmdAnnuler->hide();
     m_cmdTerminer->hide();
     m_cmdCanceller->show();
-    m_cmdCanceller->setFocus();
+    // Not on the button: the key that pressed "Terminer" may still be held, and would press this one.
+    m_vbalProgressBar1->setFocus();
 
     m_run.run(m_list->ticked()); // ends by closing the dialog
 }
