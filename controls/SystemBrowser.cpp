@@ -2,9 +2,31 @@
 
 #include "controls/SystemBrowser.h"
 
+#include "platform/Literals.h"
+
 #include <QDesktopServices>
 #include <QDir>
 #include <QFileInfo>
+#include <QSet>
+#include <QUrlQuery>
+
+namespace {
+
+/// Some mail programs attach the file that an address names; only what the user sees in the mail is kept of it.
+QUrl withPlainFields(QUrl mail)
+{
+    static const QSet<QString> plain = {u"to"_s, u"cc"_s, u"bcc"_s, u"subject"_s, u"body"_s, u"in-reply-to"_s};
+    QUrlQuery kept;
+    const QList<QPair<QString, QString>> fields = QUrlQuery(mail).queryItems();
+    for (const auto &[name, value] : fields) {
+        if (plain.contains(name.toLower()))
+            kept.addQueryItem(name, value);
+    }
+    mail.setQuery(kept.isEmpty() ? QString() : kept.query());
+    return mail;
+}
+
+} // namespace
 
 SystemBrowser::SystemBrowser(const QString &pagesFolder, Opener opener)
     : m_pagesFolder(pagesFolder), m_opener(std::move(opener))
@@ -19,7 +41,7 @@ bool SystemBrowser::openInSystemBrowser(const QString &url) const
     if (address.startsWith(u"www.", Qt::CaseInsensitive))
         address.prepend(u"http://");
     const QUrl parsed(address);
-    return isAllowed(parsed) && m_opener(parsed);
+    return isAllowed(parsed) && m_opener(parsed.scheme() == u"mailto" ? withPlainFields(parsed) : parsed);
 }
 
 bool SystemBrowser::isAllowed(const QUrl &url) const

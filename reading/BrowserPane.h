@@ -18,8 +18,10 @@ class Messages;
 /// The browser engine is started with the first page that is shown while the pane is visible, so that the window, and a
 /// program in the tray, don't wait for it or hold it. Until then the last navigation asked for is remembered.
 ///
-/// The two questions of the pane (a link to a feed, a pop-up) are modal and run inside the engine's event. A navigation
-/// that the program asks for meanwhile is remembered and made when the question is answered.
+/// The boxes of the pane (a link to a feed, a pop-up, a download, what a page says itself) are modal and run inside the
+/// engine's event. They draw on one budget, which only an act of the user renews; a navigation that the program asks
+/// for counts as one. One that it asks for while a box is open is remembered and made when the box is closed. No page
+/// is asked, or asks, whether the program may leave it.
 class BrowserPane : public QWidget
 {
     Q_OBJECT

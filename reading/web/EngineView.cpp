@@ -3,14 +3,10 @@
 #include "reading/web/EngineView.h"
 
 #include "platform/Literals.h"
+#include "reading/web/Addresses.h"
 
 #include <QAction>
-#include <QDir>
-#include <QFileInfo>
-#include <QStandardPaths>
 #include <QTimer>
-#include <QWebEngineDownloadRequest>
-#include <QWebEngineHistory>
 #include <QWebEngineNewWindowRequest>
 #include <QWebEngineProfile>
 #include <QWebEngineScript>
@@ -36,7 +32,7 @@ struct ActionText
 /// The context menu of a page speaks French; what makes no sense in a pane is left out of it.
 void setUpActions(QWebEnginePage &page)
 {
-    const std::array<ActionText, 20> texts = {{
+    const std::array<ActionText, 19> texts = {{
         {QWebEnginePage::Back, u"Précédent"_s},
         {QWebEnginePage::Forward, u"Suivant"_s},
         {QWebEnginePage::Reload, u"Actualiser"_s},
@@ -48,7 +44,6 @@ void setUpActions(QWebEnginePage &page)
         {QWebEnginePage::Undo, u"Annuler"_s},
         {QWebEnginePage::Redo, u"Rétablir"_s},
         {QWebEnginePage::SelectAll, u"Tout sélectionner"_s},
-        {QWebEnginePage::OpenLinkInThisWindow, u"Suivre le lien"_s},
         {QWebEnginePage::OpenLinkInNewWindow, u"Ouvrir le lien dans une nouvelle fenêtre"_s},
         {QWebEnginePage::CopyLinkToClipboard, u"Copier l'adresse du lien"_s},
         {QWebEnginePage::DownloadLinkToDisk, u"Enregistrer la cible du lien..."_s},
@@ -68,17 +63,19 @@ void setUpActions(QWebEnginePage &page)
 } // namespace
 
 EngineView::EngineView(const Folder &folder, Messages &messages, QWidget *parent, Events events)
-    : m_scheme(folder), m_messages(messages), m_events(std::move(events))
+    : m_scheme(folder), m_boxes(messages), m_events(std::move(events)), m_downloads(m_boxes, m_events)
 {
     m_profile = new QWebEngineProfile(&m_context); // off the record: nothing of the web stays on the disk
     m_profile->installUrlSchemeHandler(PaneScheme::name(), &m_scheme);
-    m_page = new PanePage(m_profile, m_messages, PanePage::Kind::Pane);
+    m_profile->setUrlRequestInterceptor(&m_guard);
+    m_page = new PanePage(m_profile, m_boxes, PanePage::Kind::Pane);
     m_page->setBackgroundColor(parent->palette().color(QPalette::Base));
     connectPage();
 
     m_view = new QWebEngineView(parent);
     m_view->setPage(m_page);
     m_view->setAccessibleName(parent->accessibleName());
+    m_page->acts().watch(*m_view);
     setUpActions(*m_page);
     m_events.commandState(forwardCommand, false);
     m_events.commandState(backCommand, false);
@@ -125,8 +122,8 @@ void EngineView::connectPage()
                      [this](const QString &url) { m_events.feedLinkAccepted(url); });
     QObject::connect(m_page, &PanePage::systemLinkActivated, &m_context,
                      [this](const QString &url) { m_events.systemLinkActivated(url); });
-    QObject::connect(m_page, &PanePage::linkFollowed, &m_context, [this] { m_rendererDeaths = 0; });
-    QObject::connect(m_page, &PanePage::questionAnswered, &m_context, [this] {
+    QObject::connect(&m_page->acts(), &UserActs::acted, &m_context, [this] { m_rendererDeaths = 0; });
+    QObject::connect(&m_boxes, &PageBoxes::closed, &m_context, [this] {
         if (!m_pending.isEmpty())
             navigate(std::exchange(m_pending, {}));
     });
@@ -135,51 +132,51 @@ void EngineView::connectPage()
     QObject::connect(m_page, &QWebEnginePage::renderProcessTerminated, &m_context,
                      [this](QWebEnginePage::RenderProcessTerminationStatus status) { handleRendererGone(status); });
     QObject::connect(m_profile, &QWebEngineProfile::downloadRequested, &m_context,
-                     [this](QWebEngineDownloadRequest *download) { handleDownload(*download); });
+                     [this](QWebEngineDownloadRequest *download) { m_downloads.handle(*download); });
 }
 
 void EngineView::navigate(const QString &target)
 {
-    m_rendererDeaths = 0;
-    if (isBusyAsking()) {
+    if (m_boxes.isOpen()) {
         m_pending = target;
         return;
     }
+    m_page->acts().command();
     QUrl url = m_scheme.addressOf(target);
     if (!url.isValid())
         url = QUrl::fromUserInput(target);
-    if (PanePage::canShow(url)) {
+    if (Addresses::canShow(url)) {
         // The engine takes the address on show for a reload and would scroll the next item's page to where this one
         // stood. The script runs in a world of its own, out of the page's reach and free of its policy.
         if (PaneScheme::owns(url) && url == m_page->url())
             m_page->runJavaScript(u"window.scrollTo(0, 0)"_s, QWebEngineScript::ApplicationWorld);
-        m_page->load(url);
-    } else if (PanePage::belongsToSystem(url)) {
+        m_page->go(url);
+    } else if (Addresses::belongsToSystem(url)) {
         m_events.systemLinkActivated(url.toString(QUrl::FullyEncoded));
     }
 }
 
 void EngineView::goBack()
 {
-    if (!isBusyAsking())
-        m_page->history()->back();
+    if (!m_boxes.isOpen())
+        m_page->triggerAction(QWebEnginePage::Back);
 }
 
 void EngineView::goForward()
 {
-    if (!isBusyAsking())
-        m_page->history()->forward();
+    if (!m_boxes.isOpen())
+        m_page->triggerAction(QWebEnginePage::Forward);
 }
 
 void EngineView::refresh()
 {
-    if (!isBusyAsking())
+    if (!m_boxes.isOpen())
         m_page->triggerAction(QWebEnginePage::Reload);
 }
 
 void EngineView::stop()
 {
-    if (!isBusyAsking())
+    if (!m_boxes.isOpen())
         m_page->triggerAction(QWebEnginePage::Stop);
 }
 
@@ -191,13 +188,14 @@ QString EngineView::location() const
 void EngineView::handleNewWindow(QWebEngineNewWindowRequest &request, PanePage &opener)
 {
     const QPointer<QObject> alive = &m_context;
-    if (!opener.popupIsAllowed() || !alive)
+    if (!opener.popupIsAllowed(request.requestedUrl()) || !alive)
         return;
     // A window of its own that nothing here follows any more, but for its end: it can't outlive the profile.
     auto *window = new QWebEngineView;
     window->setAttribute(Qt::WA_DeleteOnClose);
-    auto *content = new PanePage(m_profile, m_messages, PanePage::Kind::Popup, window);
+    auto *content = new PanePage(m_profile, m_boxes, PanePage::Kind::Popup, window);
     window->setPage(content);
+    content->acts().watch(*window);
     setUpActions(*content);
     QObject::connect(content, &QWebEnginePage::windowCloseRequested, window, &QWidget::close);
     QObject::connect(content, &QWebEnginePage::titleChanged, window, &QWidget::setWindowTitle);
@@ -211,32 +209,6 @@ void EngineView::handleNewWindow(QWebEngineNewWindowRequest &request, PanePage &
     m_popups.append(window);
     request.openIn(content);
     window->show();
-}
-
-void EngineView::handleDownload(QWebEngineDownloadRequest &download)
-{
-    if (m_choosingDownload)
-        return; // one question at a time; a request that isn't accepted is dropped by the engine
-    m_choosingDownload = true;
-    const QPointer<QObject> alive = &m_context;
-    const QPointer<QWebEngineDownloadRequest> request = &download;
-    const QDir folder(QStandardPaths::writableLocation(QStandardPaths::DownloadLocation));
-    const auto ask = m_events.askDownloadPath; // outlives this object, should the pane go meanwhile
-    const QString path = ask(folder.filePath(QFileInfo(download.downloadFileName()).fileName()));
-    if (!alive)
-        return;
-    m_choosingDownload = false;
-    if (path.isEmpty() || !request)
-        return;
-    const QFileInfo chosen(path);
-    request->setDownloadDirectory(chosen.absolutePath());
-    request->setDownloadFileName(chosen.fileName());
-    QObject::connect(request, &QWebEngineDownloadRequest::isFinishedChanged, &m_context, [this, request, chosen] {
-        const bool complete = request && request->state() == QWebEngineDownloadRequest::DownloadCompleted;
-        m_events.statusText(
-            (complete ? u"Téléchargement terminé : %1"_s : u"Échec du téléchargement : %1"_s).arg(chosen.fileName()));
-    });
-    request->accept();
 }
 
 /// A page whose process is gone is loaded once more, then replaced by the start page, then left: the next navigation
@@ -255,8 +227,8 @@ void EngineView::handleRendererGone(QWebEnginePage::RenderProcessTerminationStat
         return;
     QTimer::singleShot(0, m_page, [this, again = m_rendererDeaths == 1] {
         if (again)
-            m_page->triggerAction(QWebEnginePage::Reload);
+            m_page->QWebEnginePage::triggerAction(QWebEnginePage::Reload); // no act of the user
         else
-            m_page->load(m_scheme.startPage());
+            m_page->go(m_scheme.startPage());
     });
 }

@@ -3,13 +3,15 @@
 #pragma once
 
 #include "reading/WebPane.h"
+#include "reading/web/PageBoxes.h"
+#include "reading/web/PaneDownloads.h"
 #include "reading/web/PanePage.h"
 #include "reading/web/PaneScheme.h"
+#include "reading/web/RequestGuard.h"
 
 #include <QList>
 #include <QPointer>
 
-class QWebEngineDownloadRequest;
 class QWebEngineNewWindowRequest;
 class QWebEngineProfile;
 class QWebEngineView;
@@ -35,20 +37,19 @@ public:
 private:
     void connectPage();
     void handleNewWindow(QWebEngineNewWindowRequest &request, PanePage &opener);
-    void handleDownload(QWebEngineDownloadRequest &download);
     void handleRendererGone(QWebEnginePage::RenderProcessTerminationStatus status);
-    bool isBusyAsking() const { return m_page->isAsking(); }
 
     QObject m_context; ///< of all connections: with it they end
     PaneScheme m_scheme;
-    Messages &m_messages;
+    RequestGuard m_guard;
+    PageBoxes m_boxes;
     Events m_events;
+    PaneDownloads m_downloads;
     QPointer<QWebEngineProfile> m_profile;
     QPointer<PanePage> m_page;
     QPointer<QWebEngineView> m_view;
     QList<QPointer<QWebEngineView>> m_popups;
-    QString m_pending; ///< asked for while a question is on show
+    QString m_pending; ///< asked for while a box is open
     bool m_loading = false;
-    bool m_choosingDownload = false;
-    int m_rendererDeaths = 0; ///< since the program or the user last went somewhere
+    int m_rendererDeaths = 0; ///< since the last act of the user
 };

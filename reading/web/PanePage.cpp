@@ -3,32 +3,52 @@
 #include "reading/web/PanePage.h"
 
 #include "platform/Literals.h"
-#include "platform/Messages.h"
+#include "reading/web/Addresses.h"
+#include "reading/web/PageBoxes.h"
 #include "reading/web/PaneScheme.h"
 
+#include <QAction>
+#include <QAuthenticator>
+#include <QCoreApplication>
 #include <QPointer>
-#include <QSet>
+#include <QWebEngineDownloadRequest>
+#include <QWebEngineLoadingInfo>
 #include <QWebEngineSettings>
 
 namespace {
 
-constexpr qint64 popupRefusalHolds = 1000; ///< milliseconds
-constexpr int mostScriptDialogs = 5;       ///< of one page; a page can't hold the program with an endless row of boxes
+constexpr qsizetype mostBegun = 100; ///< addresses that are remembered
 
-bool runsScripts(const QUrl &url)
+bool isLeaving(QWebEnginePage::WebAction action)
 {
-    return !PaneScheme::owns(url) && !url.isLocalFile();
+    return action == QWebEnginePage::Back || action == QWebEnginePage::Forward || action == QWebEnginePage::Reload;
 }
 
-bool isWeb(const QUrl &url)
+/// Of a command of the program or of the context menu, which scripts can only repeat for what was on show before.
+bool isByProgram(QWebEnginePage::NavigationType type)
 {
-    return url.scheme() == "http"_L1 || url.scheme() == "https"_L1;
+    return type == QWebEnginePage::NavigationTypeTyped || type == QWebEnginePage::NavigationTypeBackForward ||
+           type == QWebEnginePage::NavigationTypeReload;
+}
+
+/// What the context menu saves: the press that counts was in the menu.
+bool isSaving(QWebEnginePage::WebAction action)
+{
+    return action == QWebEnginePage::DownloadLinkToDisk || action == QWebEnginePage::DownloadImageToDisk ||
+           action == QWebEnginePage::DownloadMediaToDisk || action == QWebEnginePage::SavePage;
 }
 
 } // namespace
 
-PanePage::PanePage(QWebEngineProfile *profile, Messages &messages, Kind kind, QObject *parent)
-    : QWebEnginePage(profile, parent), m_messages(messages), m_kind(kind)
+PanePage::PanePage(QWebEngineProfile *profile, PageBoxes &boxes, Kind kind, QObject *parent)
+    : QWebEnginePage(profile, parent), m_boxes(boxes), m_kind(kind), m_course(*settings()), m_acts(boxes)
+{
+    limitRights();
+    followCourse();
+    connect(&m_acts, &UserActs::acted, &m_boxes, &PageBoxes::renew);
+}
+
+void PanePage::limitRights()
 {
     QWebEngineSettings *options = settings();
     options->setAttribute(QWebEngineSettings::LocalContentCanAccessFileUrls, false);
@@ -40,71 +60,117 @@ PanePage::PanePage(QWebEngineProfile *profile, Messages &messages, Kind kind, QO
     options->setAttribute(QWebEngineSettings::WebRTCPublicInterfacesOnly, true);
     options->setUnknownUrlSchemePolicy(QWebEngineSettings::AllowUnknownUrlSchemesFromUserInteraction);
 
-    connect(this, &QWebEnginePage::urlChanged, this, &PanePage::allowScripts);
     connect(this, &QWebEnginePage::featurePermissionRequested, this, [this](const QUrl &origin, Feature feature) {
         setFeaturePermission(origin, feature, PermissionDeniedByUser);
     });
+    // Left as it comes, it counts as an empty name and password, which the engine would try again and again.
+    const auto refuse = [](const QUrl &, QAuthenticator *answer) { *answer = QAuthenticator(); };
+    connect(this, &QWebEnginePage::authenticationRequired, this, refuse);
+    connect(this, &QWebEnginePage::proxyAuthenticationRequired, this, refuse);
 }
 
-bool PanePage::canShow(const QUrl &url)
+void PanePage::followCourse()
 {
-    return isWeb(url) || url.isLocalFile() || PaneScheme::isServed(url);
+    connect(this, &QWebEnginePage::urlChanged, this, [this](const QUrl &url) {
+        if (m_course.isAwaited(url))
+            m_acts.pass();
+        if (m_course.arrive(url))
+            QMetaObject::invokeMethod(
+                this, [this] { QWebEnginePage::triggerAction(Reload); }, Qt::QueuedConnection);
+    });
+    connect(this, &QWebEnginePage::loadingChanged, this, [this](const QWebEngineLoadingInfo &loading) {
+        if (loading.status() != QWebEngineLoadingInfo::LoadStartedStatus)
+            m_course.end(loading.url());
+    });
 }
 
-bool PanePage::belongsToSystem(const QUrl &url)
+void PanePage::go(const QUrl &url)
 {
-    static const QSet<QString> schemes = {u"mailto"_s, u"news"_s, u"nntp"_s,   u"ftp"_s,    u"ftps"_s, u"tel"_s,
-                                          u"callto"_s, u"sip"_s,  u"sips"_s,   u"sms"_s,    u"xmpp"_s, u"irc"_s,
-                                          u"ircs"_s,   u"feed"_s, u"magnet"_s, u"webcal"_s, u"geo"_s};
-    return schemes.contains(url.scheme());
+    m_allowed = url;
+    leave();
+    load(url);
+}
+
+/// The program sends the page on show away. What the next one does comes from no press, be it at the same address.
+void PanePage::leave()
+{
+    m_acts.pass();
+    m_course.leave();
+}
+
+void PanePage::triggerAction(WebAction action, bool checked)
+{
+    if (isSaving(action))
+        m_acts.press();
+    else
+        m_acts.command();
+    if (isLeaving(action) && this->action(action)->isEnabled())
+        leave();
+    QWebEnginePage::triggerAction(action, checked);
+    if (action == Stop)
+        m_course.giveUp();
 }
 
 bool PanePage::acceptNavigationRequest(const QUrl &url, NavigationType type, bool isMainFrame)
 {
-    if (belongsToSystem(url)) {
+    const bool byClick = type == NavigationTypeLinkClicked || type == NavigationTypeFormSubmitted;
+    if (byClick && !Addresses::runsScripts(m_course.onShow()) && !m_course.scriptsAreOn())
+        m_acts.press(); // nothing but the user clicks there, be it by an aid that presses nothing
+    const QPointer<PanePage> alive = this;
+    const bool goes = mayGo(url, type, isMainFrame) && !isTakenOver(url, type, isMainFrame);
+    if (!alive)
+        return false;
+    if (goes && isMainFrame)
+        m_course.begin(url);
+    else if (isByProgram(type) && isMainFrame)
+        m_course.giveUp();
+    return goes;
+}
+
+/// What goes on elsewhere: in a program of the system, or in ours as a feed.
+bool PanePage::isTakenOver(const QUrl &url, NavigationType type, bool isMainFrame)
+{
+    if (Addresses::belongsToSystem(url)) {
         if (type == NavigationTypeLinkClicked)
             QMetaObject::invokeMethod(
                 this, [this, url] { Q_EMIT systemLinkActivated(url.toString(QUrl::FullyEncoded)); },
                 Qt::QueuedConnection);
-        return false;
+        return true;
     }
-    if (!mayGo(url, type, isMainFrame))
-        return false;
-
-    const QPointer<PanePage> alive = this;
-    const bool taken = m_kind == Kind::Pane && isFeedForTheProgram(url);
-    if (!alive || taken)
-        return false;
-
-    if (isMainFrame) {
-        if (type == NavigationTypeLinkClicked || type == NavigationTypeFormSubmitted)
-            Q_EMIT linkFollowed();
-        m_leaving = !PaneScheme::owns(url);
-        m_scriptDialogs = 0;
-        allowScripts(url);
-    }
-    return true;
+    noteWhatBegan(url, type, isMainFrame);
+    return m_kind == Kind::Pane && isFeedForTheProgram(url);
 }
 
-bool PanePage::mayGo(const QUrl &url, NavigationType type, bool isMainFrame)
+bool PanePage::mayGo(const QUrl &url, NavigationType type, bool isMainFrame) const
 {
-    const bool byProgramOrHistory =
-        type == NavigationTypeTyped || type == NavigationTypeBackForward || type == NavigationTypeReload;
+    const QUrl &onShow = m_course.onShow();
+    const bool again = type == NavigationTypeBackForward || type == NavigationTypeReload;
+    const bool allowed = again || (type == NavigationTypeTyped && url == m_allowed);
     if (url.isLocalFile())
-        return isMainFrame && byProgramOrHistory;
-    const bool onOwnPage = PaneScheme::owns(this->url());
+        return isMainFrame && allowed;
     if (PaneScheme::owns(url))
-        return isMainFrame && PaneScheme::isServed(url) && (byProgramOrHistory || onOwnPage);
-    if (isWeb(url)) {
+        return isMainFrame && m_kind == Kind::Pane && PaneScheme::isServed(url) &&
+               (allowed || PaneScheme::owns(onShow));
+    if (Addresses::isWeb(url)) {
         // A refresh element in a feed's text comes as a redirection without a click before it.
         const bool byUser =
-            byProgramOrHistory || type == NavigationTypeLinkClicked || type == NavigationTypeFormSubmitted;
-        return !isMainFrame || byUser || !onOwnPage || m_leaving;
+            isByProgram(type) || type == NavigationTypeLinkClicked || type == NavigationTypeFormSubmitted;
+        return !isMainFrame || byUser || !PaneScheme::owns(onShow) || Addresses::isWeb(m_course.target());
     }
-    // What scripts make: empty frames, texts of their own. A page of the data directory has no use for them.
-    const bool madeByScript =
-        url.scheme() == "about"_L1 || url.scheme() == "blob"_L1 || (url.scheme() == "data"_L1 && !isMainFrame);
-    return madeByScript && !(isMainFrame && onOwnPage);
+    // A page of the data directory has no use for what scripts make.
+    const bool isMade = Addresses::isMadeByPages(url, isMainFrame) && !(isMainFrame && PaneScheme::owns(onShow));
+    return isMade || Addresses::belongsToSystem(url);
+}
+
+/// Remembers what a press, or the program, sent for: it may turn out to be a download, and servers may be slow.
+void PanePage::noteWhatBegan(const QUrl &url, NavigationType type, bool isMainFrame)
+{
+    const bool ledOn = isMainFrame && type == NavigationTypeRedirect && m_begunByUser.contains(m_course.target());
+    if (type != NavigationTypeTyped && !ledOn && !m_acts.isFresh())
+        return;
+    if (m_begunByUser.size() == mostBegun)
+        m_begunByUser.clear();
+    m_begunByUser.insert(url);
 }
 
 bool PanePage::isFeedForTheProgram(const QUrl &url)
@@ -114,69 +180,80 @@ bool PanePage::isFeedForTheProgram(const QUrl &url)
     if (ending != ".rdf"_L1 && ending != ".xml"_L1 && ending != ".rss"_L1)
         return false;
     const QPointer<PanePage> alive = this;
-    if (!ask(u"Le fichier semble être un fichier RSS, voulez-vous tenter de l'ouvrir ?"_s) || !alive)
+    const bool taken =
+        m_boxes.ask(u"Le fichier semble être un fichier RSS, voulez-vous tenter de l'ouvrir ?"_s, address)
+            .value_or(false);
+    if (!alive || !taken)
         return false;
     QMetaObject::invokeMethod(
         this, [this, address] { Q_EMIT feedLinkAccepted(address); }, Qt::QueuedConnection);
     return true;
 }
 
-bool PanePage::popupIsAllowed()
+bool PanePage::popupIsAllowed(const QUrl &url)
 {
-    // A page that tries again and again must not keep the user behind an endless row of boxes.
-    if (m_sincePopupRefused.isValid() && m_sincePopupRefused.elapsed() < popupRefusalHolds) {
-        m_sincePopupRefused.start();
-        return false;
-    }
-    const QPointer<PanePage> alive = this;
-    if (ask(u"Le navigateur essaie d'ouvrir un pop-up, voulez-vous l'autoriser ?"_s))
-        return !alive.isNull();
-    if (alive)
-        m_sincePopupRefused.start();
-    return false;
+    return !m_course.isLeft() && Addresses::mayOpenWindow(url) &&
+           m_boxes.ask(u"Le navigateur essaie d'ouvrir un pop-up, voulez-vous l'autoriser ?"_s, u"pop-up"_s)
+               .value_or(false);
 }
 
-/// Yes or no. A second question while one is on show counts as answered with no.
-bool PanePage::ask(const QString &question)
+bool PanePage::mayDownload(const QWebEngineDownloadRequest &download)
 {
-    if (m_asking)
-        return false;
-    m_asking = true;
-    const QPointer<PanePage> alive = this;
-    const Messages::Answer answer =
-        m_messages.show({question, u"Information"_s, Message::Icon::Information, Message::Buttons::YesNo});
-    if (alive) {
-        m_asking = false;
-        QMetaObject::invokeMethod(this, &PanePage::questionAnswered, Qt::QueuedConnection);
-    }
-    return answer == Messages::Answer::Yes;
+    const QUrl url = download.url();
+    m_course.end(url); // there is no page behind it
+    if (download.isSavePageDownload())
+        return true;
+    return Addresses::maySave(url) && (m_begunByUser.remove(url) || m_acts.isFresh());
 }
 
-void PanePage::allowScripts(const QUrl &url)
+bool PanePage::mayBeLeft()
 {
-    settings()->setAttribute(QWebEngineSettings::JavascriptEnabled, runsScripts(url));
+    return m_course.isLeft() ||
+           m_boxes.ask(u"Cette page demande une confirmation avant d'être quittée. Voulez-vous la quitter ?"_s)
+               .value_or(true);
 }
 
-bool PanePage::scriptMayInterrupt()
+/// A box of the page's own. A page that the program leaves has none any more.
+std::optional<bool> PanePage::showOwn(const std::function<bool()> &box, const QString &matter)
 {
-    return !m_asking && ++m_scriptDialogs <= mostScriptDialogs;
+    return m_course.isLeft() ? std::nullopt : m_boxes.show(box, matter);
+}
+
+QStringList PanePage::chooseFiles(FileSelectionMode mode, const QStringList &oldFiles,
+                                  const QStringList &acceptedMimeTypes)
+{
+    QStringList chosen;
+    const auto choose = [&] {
+        chosen = QWebEnginePage::chooseFiles(mode, oldFiles, acceptedMimeTypes);
+        return !chosen.isEmpty();
+    };
+    showOwn(choose, u"files"_s);
+    return chosen;
 }
 
 void PanePage::javaScriptAlert(const QUrl &securityOrigin, const QString &text)
 {
-    if (scriptMayInterrupt())
+    showOwn([&] {
         QWebEnginePage::javaScriptAlert(securityOrigin, text);
+        return true;
+    });
 }
 
 bool PanePage::javaScriptConfirm(const QUrl &securityOrigin, const QString &text)
 {
-    return scriptMayInterrupt() && QWebEnginePage::javaScriptConfirm(securityOrigin, text);
+    // The engine passes its question before leaving on as one of the page, known by its text.
+    if (text ==
+        QCoreApplication::translate(
+            "QWebEnginePage", "Are you sure you want to leave this page? Changes that you made may not be saved."))
+        return mayBeLeft();
+    return showOwn([&] { return QWebEnginePage::javaScriptConfirm(securityOrigin, text); }).value_or(false);
 }
 
 bool PanePage::javaScriptPrompt(const QUrl &securityOrigin, const QString &text, const QString &standard,
                                 QString *result)
 {
-    return scriptMayInterrupt() && QWebEnginePage::javaScriptPrompt(securityOrigin, text, standard, result);
+    return showOwn([&] { return QWebEnginePage::javaScriptPrompt(securityOrigin, text, standard, result); })
+        .value_or(false);
 }
 
 void PanePage::javaScriptConsoleMessage(JavaScriptConsoleMessageLevel, const QString &, int, const QString &)

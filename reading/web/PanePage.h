@@ -2,16 +2,24 @@
 
 #pragma once
 
-#include <QElapsedTimer>
+#include "reading/web/PageCourse.h"
+#include "reading/web/UserActs.h"
+
+#include <QSet>
 #include <QWebEnginePage>
 
-class Messages;
+#include <functional>
+#include <optional>
+
+class PageBoxes;
+class QWebEngineDownloadRequest;
 
 /// A page of the browser pane, or of a window that the user allowed it to open: decides where it may go.
 ///
 /// Pages of the data directory and local files run no script. A local file or a page of the data directory is reached
-/// only when the program navigates there or the user goes back to it, never by a link of a page of the web; the address
-/// of another program's scheme is handed out and not followed. Markup of a feed can't lead away without a click.
+/// only when the program navigates there or the user goes back to it, never by a link of a page of the web nor by a
+/// command of the context menu; the address of another program's scheme is handed out and not followed. Markup of a
+/// feed can't lead away without a click. Servers that want a password are told that there is none.
 class PanePage final : public QWebEnginePage
 {
     Q_OBJECT
@@ -19,35 +27,32 @@ class PanePage final : public QWebEnginePage
 public:
     enum class Kind { Pane, Popup };
 
-    /// `profile` and `messages` outlive the page. Only a page of the pane asks about feeds.
-    PanePage(QWebEngineProfile *profile, Messages &messages, Kind kind, QObject *parent = nullptr);
+    /// `profile` and `boxes` outlive the page. Only a page of the pane asks about feeds and shows what is local.
+    PanePage(QWebEngineProfile *profile, PageBoxes &boxes, Kind kind, QObject *parent = nullptr);
 
-    /// True for an address that a navigation of the program may go to: http, https, a local file, the private scheme.
-    static bool canShow(const QUrl &url);
+    /// Loads `url` for the program. It may be local, and the page on show is left without a question.
+    void go(const QUrl &url);
 
-    /// True for a scheme that another program of the system takes (mailto and the like) and that is safe to hand over.
-    static bool belongsToSystem(const QUrl &url);
+    UserActs &acts() { return m_acts; }
 
-    /// True while a question of this page is on show. The engine is then in the middle of a navigation, so that no
-    /// other may be begun.
-    bool isAsking() const { return m_asking; }
+    /// The user's answer to whether a window may open with `url`. A refusal holds until the next act of the user.
+    bool popupIsAllowed(const QUrl &url);
 
-    /// The user's answer to whether a pop-up may open. A refusal holds for the attempts that follow it closely.
-    bool popupIsAllowed();
+    /// Whether the user may be asked about `download`: an act of theirs began it, and it brings nothing that is local.
+    bool mayDownload(const QWebEngineDownloadRequest &download);
+
+    /// Carries out a command of the program or of the context menu, which counts as an act of the user.
+    void triggerAction(WebAction action, bool checked = false) override;
 
 Q_SIGNALS:
     /// See BrowserPane. Both come after the engine has finished with the navigation.
     void feedLinkAccepted(const QString &url);
     void systemLinkActivated(const QString &url);
 
-    /// A question was answered and closed.
-    void questionAnswered();
-
-    /// The user followed a link.
-    void linkFollowed();
-
 protected:
     bool acceptNavigationRequest(const QUrl &url, NavigationType type, bool isMainFrame) override;
+    QStringList chooseFiles(FileSelectionMode mode, const QStringList &oldFiles,
+                            const QStringList &acceptedMimeTypes) override;
     void javaScriptAlert(const QUrl &securityOrigin, const QString &text) override;
     bool javaScriptConfirm(const QUrl &securityOrigin, const QString &text) override;
     bool javaScriptPrompt(const QUrl &securityOrigin, const QString &text, const QString &standard,
@@ -56,17 +61,20 @@ protected:
                                   const QString &source) override;
 
 private:
-    bool mayGo(const QUrl &url, NavigationType type, bool isMainFrame);
+    void limitRights();
+    void followCourse();
+    void leave();
+    bool mayGo(const QUrl &url, NavigationType type, bool isMainFrame) const;
+    bool isTakenOver(const QUrl &url, NavigationType type, bool isMainFrame);
+    void noteWhatBegan(const QUrl &url, NavigationType type, bool isMainFrame);
     bool isFeedForTheProgram(const QUrl &url);
-    bool ask(const QString &question);
-    bool scriptMayInterrupt();
-    void allowScripts(const QUrl &url);
+    bool mayBeLeft();
+    std::optional<bool> showOwn(const std::function<bool()> &box, const QString &matter = {});
 
-    Messages &m_messages;
+    PageBoxes &m_boxes;
     Kind m_kind;
-    bool m_asking = false;
-    bool m_leaving =
-        false; ///< a click or the program leads from a page of the folder to the web; redirections may follow
-    int m_scriptDialogs = 0;
-    QElapsedTimer m_sincePopupRefused;
+    PageCourse m_course;
+    UserActs m_acts;
+    QUrl m_allowed;           ///< what the program navigated to last
+    QSet<QUrl> m_begunByUser; ///< addresses that may turn out to be downloads
 };

@@ -11,7 +11,8 @@
 /// slien.gif by exactly these names and nothing else, and only to pages of its own.
 ///
 /// tmp.htm is served without its zero bytes, as text of the ANSI code page. Both pages are served with a policy that
-/// forbids scripts, plug-ins and other frames than those of the web, whatever markup a feed has put into them.
+/// forbids scripts, plug-ins, styles but the one sheet, and other frames than those of the web, whatever markup a feed
+/// has put into them.
 class PaneScheme final : public QWebEngineUrlSchemeHandler
 {
     Q_OBJECT

@@ -116,6 +116,9 @@ private Q_SLOTS:
         row(" HTTPS://exemple.fr ", "https://exemple.fr");
         row("www.exemple.fr", "http://www.exemple.fr");
         row("mailto:moi@exemple.fr", "mailto:moi@exemple.fr");
+        row("mailto:moi@exemple.fr?Subject=a&body=b%26c", "mailto:moi@exemple.fr?Subject=a&body=b%26c");
+        row("mailto:moi@exemple.fr?%61ttach=/etc/passwd&cc=x@y.fr&Attachment=a", "mailto:moi@exemple.fr?cc=x@y.fr");
+        row("mailto:moi@exemple.fr?attach=/etc/passwd", "mailto:moi@exemple.fr");
         row("file:///data/tmp.htm", "file:///data/tmp.htm");
         row("file:///data/../etc/tmp.htm", "");
         row("file:///data/feeds/tmp.htm", "");

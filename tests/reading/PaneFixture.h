@@ -13,6 +13,7 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
+#include <QWebEngineScript>
 #include <QWebEngineView>
 
 #include <csignal>
@@ -24,8 +25,8 @@ inline constexpr int patience = 15000; ///< milliseconds; a page takes a few doz
 /// What stands in every test page: a big link in the upper left corner, where the tests click.
 inline QByteArray linkPage(const QByteArray &target, const QByteArray &attributes = {})
 {
-    return "<html><body style='margin:0'><a href=\"" + target + "\" " + attributes +
-           "><div style='width:300px;height:200px'>lien</div></a></body></html>";
+    return "<html><body topmargin=0 leftmargin=0><a href=\"" + target + "\" " + attributes +
+           "><table width=300 height=200><tr><td>lien</table></a></body></html>";
 }
 
 inline QByteArray wideBytes(const QString &text)
@@ -69,9 +70,14 @@ protected:
     public:
         using BrowserPane::BrowserPane;
         QString downloadPath;
+        int downloadQuestions = 0;
 
     protected:
-        QString askDownloadPath(const QString &) override { return downloadPath; }
+        QString askDownloadPath(const QString &) override
+        {
+            ++downloadQuestions;
+            return downloadPath;
+        }
     };
 
     TemporaryDataDirectory m_data;
@@ -88,17 +94,20 @@ protected:
 
     QWebEngineView *view() const { return m_pane->findChild<QWebEngineView *>(); }
 
-    /// The page's visible text.
-    QString text() const
+    /// What a script out of the page's reach says.
+    QString evaluate(const QString &script) const
     {
         QString result;
         bool done = false;
-        view()->page()->toPlainText([&](const QString &plain) {
-            result = plain;
+        view()->page()->runJavaScript(script, QWebEngineScript::ApplicationWorld, [&](const QVariant &value) {
+            result = value.toString();
             done = true;
         });
         return eventually([&done] { return done; }) ? result : u"no answer"_s;
     }
+
+    /// The page's visible text, also while it still loads.
+    QString text() const { return evaluate(u"document.body ? document.body.innerText : ''"_s); }
 
     bool goAndWait(const QString &address)
     {
@@ -123,8 +132,18 @@ protected:
         return false;
     }
 
+    /// Before a page is painted the engine throws input away.
+    void waitForPaint() const
+    {
+        const QString painted = u"performance.getEntriesByName('first-contentful-paint').length > 0"_s;
+        QElapsedTimer waited;
+        for (waited.start(); waited.elapsed() < patience && evaluate(painted) != u"true"_s;)
+            letPass(10);
+    }
+
     void clickLink() const
     {
+        waitForPaint();
         QWidget *target = view()->focusProxy();
         QTest::mouseMove(target, QPoint(20, 20));
         QTest::mouseClick(target, Qt::LeftButton, {}, QPoint(20, 20));
@@ -147,5 +166,7 @@ protected:
         m_data.write(u"slien.gif"_s, "GIF89a");
         if (!m_pane)
             makePane();
+        m_pane->downloadPath.clear();
+        m_pane->downloadQuestions = 0;
     }
 };

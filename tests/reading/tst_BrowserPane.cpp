@@ -27,9 +27,10 @@ private Q_SLOTS:
 
     void aLocalFileThatTheProgramOpensIsShownWithoutItsScripts()
     {
-        m_data.write(u"feed page.html"_s, "<html><body><p id=t>sans</p><script>document.getElementById('t')"
-                                          ".textContent='avec script'</script></body></html>");
-        QVERIFY(goAndWait(m_data.file(u"feed page.html"_s)));
+        const QString name = u"un été à 50 % [a|b] ^{c} #1.html"_s; // as the engine writes it otherwise than we do
+        m_data.write(name, "<html><body><p id=t>sans</p><script>document.getElementById('t')"
+                           ".textContent='avec script'</script></body></html>");
+        QVERIFY(goAndWait(m_data.file(name)));
         QCOMPARE(text(), u"sans"_s);
     }
 
@@ -126,6 +127,10 @@ private Q_SLOTS:
                           "<html><body><p id=t>sans</p><script>document.getElementById('t').textContent='avec script';"
                           "</script><iframe src='quillwire://pages/tmp.htm'></iframe>"
                           "<img src='quillwire://pages/slien.gif' onload=\"document.title='image'\">"
+                          "<img src='qrc:/qt-project.org/styles/commonstyle/images/left-32.png' "
+                          "onload=\"document.title='image'\"><iframe sandbox='allow-scripts' srcdoc=\"<img "
+                          "src='quillwire://pages/slien.gif' onload='parent.postMessage(1, `*`)'>\"></iframe>"
+                          "<script>onmessage = () => document.title = 'image'</script>"
                           "<script src='quillwire://pages/style.css'></script></body></html>",
                           "text/html");
         m_server->setAnswer(u"/moved"_s, LocalHttpServer::Answer::redirect(u"/web.html"_s));
@@ -157,6 +162,7 @@ private Q_SLOTS:
         const QString address = m_server->url(u"/nothing"_s);
         m_server->close();
         QVERIFY(goAndWait(address));
+        QVERIFY(!text().isEmpty()); // the engine says what is the matter
         QVERIFY(goAndWait(m_data.file(u"home.htm"_s)));
         QCOMPARE(text(), u"Départ"_s);
         QSignalSpy finished(m_pane.get(), &BrowserPane::DocumentComplete);
@@ -171,12 +177,7 @@ private Q_SLOTS:
         m_data.write(u"tmp.htm"_s, "<html><head><link rel=\"stylesheet\" href=\"style.css\" type=\"text/css\" /></head>"
                                    "<body><p>texte</p></body></html>");
         QVERIFY(goAndWait(page()));
-        QString colour;
-        view()->page()->runJavaScript(u"getComputedStyle(document.querySelector('p')).color"_s,
-                                      QWebEngineScript::ApplicationWorld,
-                                      [&colour](const QVariant &value) { colour = value.toString(); });
-        QVERIFY(eventually([&colour] { return !colour.isEmpty(); }));
-        QCOMPARE(colour, u"rgb(1, 2, 3)"_s);
+        QCOMPARE(evaluate(u"getComputedStyle(document.querySelector('p')).color"_s), u"rgb(1, 2, 3)"_s);
     }
 };
 

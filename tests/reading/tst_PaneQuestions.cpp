@@ -153,8 +153,9 @@ private Q_SLOTS:
     void aPageThatOpensPopUpsWithoutEndAsksOnce()
     {
         m_server->setBody(u"/flood.html"_s,
-                          "<html><body><script>for (let i = 0; i < 50; ++i) window.open('/p' + i);</script>fin"
-                          "</body></html>",
+                          "<html><body><script>for (let i = 0; i < 50; ++i) window.open('/p' + i);"
+                          "setTimeout(() => { open('/p'); document.body.textContent = 'fin' }, 1200)</script></body>"
+                          "</html>",
                           "text/html");
         QVERIFY(goAndWait(m_server->url(u"/flood.html"_s)));
         QVERIFY(showsText(u"fin"_s));
