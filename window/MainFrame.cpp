@@ -18,7 +18,6 @@
 #include "window/MainToolbar.h"
 #include "window/PaneLayout.h"
 #include "window/SplitBar.h"
-#include "window/StatusPanels.h"
 
 namespace {
 
@@ -28,6 +27,8 @@ constexpr int smallHostHeight = 26;
 constexpr int bigHostHeight = 50;
 constexpr int smallBandHeight = 22;
 constexpr int bigBandHeight = 46;
+const QString statePanel = u"state"_s;
+const QString progressPanel = u"progressbar"_s;
 
 } // namespace
 
@@ -105,9 +106,9 @@ void MainFrame::build()
 
 void MainFrame::buildStatusBar()
 {
-    stabPrinc->addPanel(StatusPanels::state, 500);
-    stabPrinc->addPanel(StatusPanels::progressBar, 150);
-    stabPrinc->addPanel(StatusPanels::glue, 200, StatusBar::Panel::Glue);
+    stabPrinc->addPanel(statePanel, 500);
+    stabPrinc->addPanel(progressPanel, 150);
+    stabPrinc->addPanel(u"glue"_s, 200, StatusBar::Panel::Glue);
     prbChargement->setValue(50);
     prbChargement->hide();
     placeProgressBar();
@@ -116,7 +117,7 @@ void MainFrame::buildStatusBar()
 
 void MainFrame::placeProgressBar()
 {
-    prbChargement->setGeometry(stabPrinc->panelRect(StatusPanels::progressBar).adjusted(1, 1, -1, -1));
+    prbChargement->setGeometry(stabPrinc->panelRect(progressPanel).adjusted(1, 1, -1, -1));
 }
 
 void MainFrame::recalcLayout()
@@ -207,7 +208,7 @@ void MainFrame::setToolbarSize(const QString &key)
 
 void MainFrame::setStatusText(const QString &text)
 {
-    stabPrinc->setPanelText(StatusPanels::state, text);
+    stabPrinc->setPanelText(statePanel, text);
 }
 
 void MainFrame::showColumn(int column, bool shown)
