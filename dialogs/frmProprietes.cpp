@@ -22,6 +22,7 @@
 #include <QPushButton>
 
 #include <cmath>
+#include <limits>
 
 using namespace DialogParts;
 
@@ -84,6 +85,16 @@ QString extensionNames(const CachedFeed &feed)
     if (feed.HasItunes())
         names += u"itunes\n"_s;
     return names;
+}
+
+/// What the updates can read as a period; any other text would end the program within a minute of each start.
+bool isPeriod(const QString &minutes)
+{
+    if (!Numbers::isNumeric(minutes))
+        return false;
+    const double number = Numbers::toDouble(minutes);
+    using Limits = std::numeric_limits<qint16>;
+    return number == std::floor(number) && number >= Limits::min() && number <= Limits::max();
 }
 
 } // namespace
@@ -212,6 +223,7 @@ bool frmProprietes::fillFrom()
         m_chkNoDel->hide();
         m_lblCache->hide();
     }
+    m_period = m_txtMaj->text();
     if (node)
         fillAuthentication(node->key());
     // Last: filling the boxes has enabled it.
@@ -248,6 +260,8 @@ void frmProprietes::enableCache(bool enabled)
 
 void frmProprietes::handleApply()
 {
+    if (!isPeriod(m_txtMaj->text()))
+        m_txtMaj->setText(m_period);
     m_cmdAppliquer->setEnabled(false);
     const FeedNodePtr node = m_port.selectedNode();
     if (!node)
@@ -259,7 +273,10 @@ void frmProprietes::handleApply()
         table.Remove(key);
         table.Add(key, value);
     };
-    replace(tables.updatettl, m_txtMaj->text());
+    if (isPeriod(m_txtMaj->text())) {
+        m_period = m_txtMaj->text();
+        replace(tables.updatettl, m_period);
+    }
     // What the user typed is kept as typed, even where the next opening can't read it, and "never" is lost at zero
     // days, which has no sign; applyingWritesTheTables holds both.
     replace(tables.updatecache, m_chkNoDel->isChecked()

@@ -51,8 +51,9 @@ public:
     /// Adds the tab of the credentials.
     void addAuthentication();
 
-    /// What "Appliquer" does, to the tables of the tree's selected node, whatever that is. Throws RunTimeError when
-    /// nothing is selected, when the tables don't know its key, and when the retention to negate is no number.
+    /// What "Appliquer" does, to the tables of the tree's selected node, whatever that is. A period that is no whole
+    /// number of 16 bits isn't stored, and its box shows what it held before. Throws RunTimeError when nothing is
+    /// selected, when the tables don't know its key, and when the retention to negate is no number.
     void handleApply();
 
 protected:
@@ -69,6 +70,7 @@ private:
     void enableCache(bool enabled);
 
     Port m_port;
+    QString m_period; ///< what its box held when it was filled, or was stored since
     TabControl *m_tstrProp = nullptr;
     QWidget *m_picAuthentication = nullptr;
     QLineEdit *m_txtTitle = nullptr;

@@ -145,7 +145,7 @@ private Q_SLOTS:
             noDel()->click();
         QVERIFY(!apply()->isEnabled()); // the tick alone enables nothing
         box("txtCache")->setText(days);
-        box("txtMaj")->setText(u"quatre"_s);
+        box("txtMaj")->setText(u"4"_s);
         box("txtUsername")->setText(u"x"_s); // credentials are never created
         if (stored.isEmpty()) {
             QVERIFY_EXCEPTION_THROWN(m_form->handleApply(), RunTimeError);
@@ -154,9 +154,40 @@ private Q_SLOTS:
         apply()->click();
         const QString key = u"3"_s;
         QCOMPARE(m_feeds->tables.updatecache.Item(key), stored);
-        QCOMPARE(m_feeds->tables.updatettl.Item(key), u"quatre"_s);
+        QCOMPARE(m_feeds->tables.updatettl.Item(key), u"4"_s);
         QCOMPARE(m_feeds->tables.havecache.Item(key), u"0"_s);
         QCOMPARE(m_feeds->tables.usernames.Count() + m_feeds->tables.passwords.Count(), 0);
+    }
+
+    void aPeriodThatIsNoWholeNumberOf16BitsIsNotStored_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<bool>("stored");
+        for (const char *const stored : {"4", "-32768", "32767", "0", " 90 ", "6e1"})
+            QTest::newRow(stored) << QString::fromLatin1(stored) << true;
+        for (const char *const refused : {"quatre", "", "4,5", "4.5", "32768", "-32769", "1e400", "60 min"})
+            QTest::newRow(refused) << QString::fromLatin1(refused) << false;
+    }
+
+    void aPeriodThatIsNoWholeNumberOf16BitsIsNotStored()
+    {
+        QFETCH(QString, typed);
+        QFETCH(bool, stored);
+        m_form->fillFrom();
+        for (const char *const first : {"", "30"}) { // what an earlier "Appliquer" stored is the old value then
+            if (*first) {
+                box("txtMaj")->setText(QString::fromLatin1(first));
+                apply()->click();
+            }
+            const QString old = text("txtMaj");
+            box("txtMaj")->setText(typed);
+            box("txtCache")->setText(u"12"_s);
+            apply()->click();
+            QCOMPARE(m_feeds->tables.updatettl.Item(u"3"_s), stored ? typed : old);
+            QCOMPARE(text("txtMaj"), stored ? typed : old);
+            QVERIFY(!apply()->isEnabled());
+            QCOMPARE(m_feeds->tables.updatecache.Item(u"3"_s), u"12"_s); // the rest is applied
+        }
     }
 
     void credentialsAreShownAndStored()
