@@ -67,7 +67,7 @@ void frmSendMail::handleSend()
         m_messages.show({u"Veuillez spécifier l'email du destinataire"_s, u"Attention"_s, Message::Icon::Exclamation});
         return;
     }
-    m_cmdEnvoyer->setEnabled(false);
+    enableButtons(false); // nothing gets through to "Annuler" either
     m_lblEtat->setText(u"Connexion au serveur"_s);
 
     // All else waits until the attempt is over: an update that began in here would hold it, and let the user's input
@@ -92,7 +92,6 @@ void frmSendMail::handleSend()
 void frmSendMail::poSendMail_SendSuccesful()
 {
     m_lblEtat->setText(u"Envoi réussi"_s);
-    m_cmdAnnuler->setEnabled(false);
     Waiting::repaintWindows();
     m_wait(1000); // so that the words can be read
     accept();
@@ -103,7 +102,7 @@ void frmSendMail::poSendMail_SendFailed(const QString &Explanation)
     m_messages.show({u"Une erreur est survenue pendant l'envoi du mail :\n\n"_s + Explanation, u"Erreur"_s,
                      Message::Icon::Critical});
     m_lblEtat->clear();
-    m_cmdEnvoyer->setEnabled(true);
+    enableButtons(true);
 }
 
 void frmSendMail::showConnectionState(bool connected)
@@ -115,7 +114,13 @@ void frmSendMail::showConnectionState(bool connected)
     m_messages.show({u"L'envoi du message a échoué, la connexion avec le serveur est impossible !"_s,
                      u"Connexion impossible"_s, Message::Icon::Exclamation});
     m_lblEtat->clear();
-    m_cmdEnvoyer->setEnabled(true);
+    enableButtons(true);
+}
+
+void frmSendMail::enableButtons(bool enabled)
+{
+    m_cmdEnvoyer->setEnabled(enabled);
+    m_cmdAnnuler->setEnabled(enabled);
 }
 
 void frmSendMail::reject()

@@ -45,6 +45,7 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
+    void enableButtons(bool enabled);
     void poSendMail_SendSuccesful();
     void poSendMail_SendFailed(const QString &Explanation);
 

@@ -103,7 +103,7 @@ private Q_SLOTS:
         box("txtSujet")->setText(u"S"_s);
         m_messages->onShow = [this](const Message &) {
             QCOMPARE(state(), u"Connexion au serveur"_s);
-            QVERIFY(!button("cmdEnvoyer")->isEnabled());
+            QVERIFY(!button("cmdEnvoyer")->isEnabled() && !button("cmdAnnuler")->isEnabled());
         };
         button("cmdEnvoyer")->click();
         QCOMPARE(m_messages->shown.size(), 1U);
@@ -112,7 +112,7 @@ private Q_SLOTS:
         QVERIFY2(message.text.contains(u"No such user"_s), qPrintable(message.text));
         QCOMPARE(message.title, u"Erreur"_s);
         QCOMPARE(message.icon, Message::Icon::Critical);
-        QVERIFY(m_form->isVisible() && button("cmdEnvoyer")->isEnabled());
+        QVERIFY(m_form->isVisible() && button("cmdEnvoyer")->isEnabled() && button("cmdAnnuler")->isEnabled());
         QCOMPARE(state(), QString());
         QCOMPARE(box("txtSujet")->text(), u"S"_s);
     }
