@@ -91,16 +91,18 @@ QWidget *ImportList::buildDetails()
     return picDetails;
 }
 
-void ImportList::fill()
+bool ImportList::fill()
 {
+    const std::optional<OpmlDocument::List> list = m_opmlDocument.list();
+    if (!list)
+        return false;
     const QSignalBlocker quiet(m_tvwListeFlux);
     m_tvwListeFlux->clear();
-    const OpmlDocument::List list = m_opmlDocument.list();
-    m_txtTitre->setText(list.title);
+    m_txtTitre->setText(list->title);
     m_txtTitre->setCursorPosition(0);
     QList<QTreeWidgetItem *> items;
-    items.reserve(static_cast<qsizetype>(list.feeds.size()));
-    for (const OpmlDocument::Feed &feed : list.feeds) {
+    items.reserve(static_cast<qsizetype>(list->feeds.size()));
+    for (const OpmlDocument::Feed &feed : list->feeds) {
         auto *item = new QTreeWidgetItem({feed.text});
         item->setData(0, KeyRole, QString::number(feed.position));
         item->setData(0, TagRole, feed.address);
@@ -110,6 +112,7 @@ void ImportList::fill()
     }
     m_tvwListeFlux->addTopLevelItems(items);
     m_checkedCount = 0;
+    return true;
 }
 
 std::vector<ImportRun::Feed> ImportList::ticked() const

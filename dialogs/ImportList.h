@@ -28,8 +28,8 @@ public:
     ImportList(const QString &caption, const OpmlDocument &document);
 
     /// Replaces the list by that of the document, nothing ticked; the box for all and the description stay what they
-    /// were. Throws as OpmlDocument::list(), by which time the old list is gone.
-    void fill();
+    /// were. False, with nothing changed, when the document is no list.
+    bool fill();
 
     /// The feeds that are ticked, from above.
     std::vector<ImportRun::Feed> ticked() const;

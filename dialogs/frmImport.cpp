@@ -212,15 +212,24 @@ void frmImport::handleBack()
     }
 }
 
+void frmImport::refuse(const QString &reason)
+{
+    m_messages.show({reason, u"Avertissement"_s, Message::Icon::Exclamation});
+    showPage(m_previousPage);
+}
+
 void frmImport::takeOpmlFile(const QString &path)
 {
     if (!m_opmlDocument.load(path)) {
-        m_messages.show(
-            {u"Le fichier "_s + path + u" est incorrect"_s, u"Avertissement"_s, Message::Icon::Exclamation});
-        showPage(m_previousPage);
+        refuse(u"Le fichier "_s + path + u" est incorrect"_s);
         return;
     }
-    m_list->fill();
+    if (!m_list->fill()) {
+        refuse(u"Ce document n'est pas une liste OPML que Quillwire sait importer.\n\n"
+               "Il faut un fichier OPML dont l'en-tête porte un titre (« title ») et dont chaque flux porte un nom "
+               "(« text »)."_s);
+        return;
+    }
     m_cmdSuivant->hide();
     m_cmdTerminer->show();
     showPage(3);

@@ -33,8 +33,7 @@ public:
     frmImport(QWidget *owner, Messages &messages, OpmlDownload &download, ImportRun &run, AskFile askPath = {});
     ~frmImport() override;
 
-    /// What the buttons do. They throw RunTimeError for a well-formed document that isn't the OPML which the reader
-    /// takes.
+    /// What the buttons do.
     void handleNext();
     void handleBack();
 
@@ -54,6 +53,7 @@ private:
     QWidget *buildRunPanel();
     QLayout *buildButtons();
     void showPage(qint16 number);
+    void refuse(const QString &reason);
     void takeOpmlFile(const QString &path);
     void connectImport();
     void handleFetched(const QString &path);

@@ -30,8 +30,11 @@ void ImportRun::run(const std::vector<Feed> &feeds)
     for (const Feed &feed : feeds) {
         if (!fetch(feed))
             return;
-        Q_EMIT passed(++count);
+        ++count;
+        m_outcome.silent = count - m_outcome.added - m_outcome.noFeed;
+        Q_EMIT passed(count);
     }
+    m_complete = true;
     Q_EMIT ended();
 }
 
@@ -60,8 +63,12 @@ void ImportRun::handleComplete(qint32 status)
 {
     if (status == 200 && !m_stopped) {
         const auto document = std::make_shared<CachedFeed>();
-        if (document->Load(m_temporaryFile) == LoadOk)
+        if (document->Load(m_temporaryFile) == LoadOk) {
             m_addFeed(document, m_currentFeedUrl);
+            ++m_outcome.added;
+        } else {
+            ++m_outcome.noFeed;
+        }
     }
     m_feedBusy = false;
 }

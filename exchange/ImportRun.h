@@ -27,6 +27,14 @@ public:
         QString address;
     };
 
+    /// What became of the feeds that are done with.
+    struct Outcome
+    {
+        int added = 0;
+        int noFeed = 0; ///< they answered, but with something else
+        int silent = 0; ///< no answer in time, or a refusal
+    };
+
     /// Subscribes to a feed that was fetched from `url`.
     using AddFeed = std::function<void(const std::shared_ptr<CachedFeed> &document, const QString &url)>;
 
@@ -46,6 +54,11 @@ public:
     /// True from the call of run() on, for good.
     bool hasBegun() const { return m_begun; }
 
+    /// True once all feeds are done with.
+    bool isComplete() const { return m_complete; }
+
+    const Outcome &outcome() const { return m_outcome; }
+
 Q_SIGNALS:
     void began(const QString &name); ///< the download of the feed of that name is about to start
     void passed(int count);          ///< so many feeds are done with, failures among them
@@ -60,7 +73,9 @@ private:
     Wait m_wait;
     AddFeed m_addFeed;
     QString m_currentFeedUrl;
+    Outcome m_outcome;
     bool m_begun = false;
     bool m_feedBusy = false;
     bool m_stopped = false;
+    bool m_complete = false;
 };

@@ -29,15 +29,20 @@ bool OpmlDocument::loadXml(const QByteArray &bytes)
     return m_document->loadXml(bytes) == XmlDocument::LoadResult::Loaded;
 }
 
-OpmlDocument::List OpmlDocument::list() const
+std::optional<OpmlDocument::List> OpmlDocument::list() const
 {
-    const XmlNode opml = m_document->selectSingleNode(u"opml"_s);
-    List list;
-    list.title = opml.selectSingleNode(u"head"_s).selectSingleNode(u"title"_s).text();
+    const XmlNode title = m_document->selectSingleNode(u"opml/head/title"_s);
+    if (!title || !m_document->selectSingleNode(u"opml/body"_s))
+        return std::nullopt;
+    List list{title.text(), {}};
     int position = 0;
     for (const XmlNode &outline : outlinesOf(*m_document)) {
-        if (const auto address = outline.attribute(u"xmlUrl"_s))
-            list.feeds.push_back({position, outline.requiredAttribute(u"text"_s), *address});
+        if (const auto address = outline.attribute(u"xmlUrl"_s)) {
+            const auto text = outline.attribute(u"text"_s);
+            if (!text)
+                return std::nullopt;
+            list.feeds.push_back({position, *text, *address});
+        }
         ++position;
     }
     return list;

@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 class XmlDocument;
@@ -42,9 +43,9 @@ public:
     /// Likewise from bytes in memory.
     bool loadXml(const QByteArray &bytes);
 
-    /// The title and the feeds, in the order of the document. A document that lacks one of the nodes, or that has a
-    /// feed without `text`, isn't tolerated: throws RunTimeError::objectNotSet().
-    List list() const;
+    /// The title and the feeds, in the order of the document. Nothing when the document isn't the OPML that is read:
+    /// one of the nodes is missing, or a feed has no `text`.
+    std::optional<List> list() const;
 
     /// The attribute `description` of the outline at that position; "/" when it has none. Throws objectNotSet() when
     /// there is no such outline.

@@ -5,7 +5,6 @@
 #include "exchange/ImportRun.h"
 #include "exchange/OpmlDownload.h"
 #include "platform/Literals.h"
-#include "platform/RunTimeError.h"
 #include "tests/fixtures/FakeDownloader.h"
 #include "tests/fixtures/FakeMessages.h"
 #include "tests/fixtures/FeedTexts.h"
@@ -78,7 +77,38 @@ private Q_SLOTS:
         QVERIFY(shown("fraWizard_1"));
     }
 
-    void aFileThatIsNoListFails() { QVERIFY_EXCEPTION_THROWN(open("<rss/>"), RunTimeError); }
+    void whatIsNoListIsToldAndTheListBeforeItStays_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::newRow("a feed") << FeedTexts::rss(u"Un flux"_s, {u"a"_s});
+        QTest::newRow("a list without a title") << "<opml><head/><body>"_ba + outlines(1) + "</body></opml>";
+        QTest::newRow("a feed without a name") << opml("<outline title=\"A\" xmlUrl=\"http://h/a\"/>");
+        QTest::newRow("a list without a body") << "<opml><head><title/></head></opml>"_ba;
+    }
+
+    void whatIsNoListIsToldAndTheListBeforeItStays()
+    {
+        QFETCH(QByteArray, bytes);
+        open(opml(outlines(2)));
+        press("cmdPrecedent");
+        m_data.write(u"in.opml"_s, bytes);
+        press("cmdSuivant");
+        QVERIFY(shown("fraWizard_1") && shown("cmdSuivant"));
+        press("cmdPrecedent");
+        press("cmdPrecedent");
+        find<QRadioButton>("optSource_1")->setChecked(true);
+        press("cmdSuivant");
+        press("cmdSuivant");
+        m_downloaders[0]->finish(200, bytes);
+        QVERIFY(shown("fraWizard_2") && shown("cmdSuivant"));
+        QCOMPARE(m_messages->shown.size(), 2U);
+        for (const Message &message : m_messages->shown) {
+            QVERIFY(message.text.contains(u"OPML"_s));
+            QCOMPARE(message.title, u"Avertissement"_s);
+            QCOMPARE(message.icon, Message::Icon::Exclamation);
+        }
+        QCOMPARE(list()->topLevelItemCount(), 2);
+    }
 
     void pagesAreWalkedForwardAndBack()
     {

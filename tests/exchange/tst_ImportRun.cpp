@@ -51,6 +51,8 @@ private Q_SLOTS:
             QVERIFY(request.username.isEmpty() && request.password.isEmpty());
         }
         QVERIFY(m_run->hasBegun());
+        const ImportRun::Outcome outcome = m_run->outcome();
+        QVERIFY(outcome.added == 2 && outcome.noFeed == 1 && outcome.silent == 1);
     }
 
     void aFeedThatStallsIsGivenUpAfterAHundredPasses()
@@ -65,6 +67,7 @@ private Q_SLOTS:
         m_run->run(feeds({0, 1}));
         QCOMPARE(m_passes, 101);
         QCOMPARE(m_log.join(u' '), u">F0 1 >F1 +One:http://h/1 2 end"_s);
+        QCOMPARE(m_run->outcome().silent, 1);
     }
 
     void aStoppedRunKeepsWhatWasAdded()
@@ -77,7 +80,7 @@ private Q_SLOTS:
                 m_run->stop();
         };
         m_run->run(feeds({0, 1, 2}));
-        QVERIFY(!m_downloader->isRunning());
+        QVERIFY(!m_downloader->isRunning() && !m_run->isComplete());
         QCOMPARE(m_log.join(u' '), u">F0 +Zero:http://h/0 1 >F1"_s);
     }
 
@@ -92,10 +95,10 @@ private Q_SLOTS:
     {
         LocalHttpServer server;
         server.setBody(u"/a.xml"_s, FeedTexts::rss(u"A"_s, {u"one"_s}));
-        QByteArray list = "<opml><head><title/></head><body>";
+        QByteArray served = "<opml><head><title/></head><body>";
         for (const char *const path : {"/a.xml", "/none.xml"})
-            list += "<outline text=\"x\" xmlUrl=\"" + server.url(QString::fromLatin1(path)).toUtf8() + "\"/>";
-        server.setBody(u"/list.opml"_s, list + "</body></opml>");
+            served += "<outline text=\"x\" xmlUrl=\"" + server.url(QString::fromLatin1(path)).toUtf8() + "\"/>";
+        server.setBody(u"/list.opml"_s, served + "</body></opml>");
 
         OpmlDownload download(std::make_unique<Downloader>(), m_data.file(u"tmp.opml"_s));
         QSignalSpy fetched(&download, &OpmlDownload::fetched);
@@ -104,7 +107,8 @@ private Q_SLOTS:
         OpmlDocument document;
         QVERIFY(document.load(fetched[0][0].toString()));
         std::vector<ImportRun::Feed> found;
-        for (const OpmlDocument::Feed &feed : document.list().feeds)
+        const auto list = document.list();
+        for (const OpmlDocument::Feed &feed : list->feeds)
             found.push_back({feed.text, feed.address});
         ImportRun(std::make_unique<Downloader>(), temporaryFile(), Waiting::eventLoopWait(), add()).run(found);
         QCOMPARE(m_log, QStringList{u"+A:"_s + server.url(u"/a.xml"_s)});

@@ -3,7 +3,6 @@
 #include "exchange/OpmlDocument.h"
 
 #include "platform/Literals.h"
-#include "platform/RunTimeError.h"
 #include "tests/fixtures/TemporaryDataDirectory.h"
 
 #include <QStringEncoder>
@@ -69,15 +68,17 @@ private Q_SLOTS:
         OpmlDocument document;
         QVERIFY(document.loadXml(bytes));
         QStringList found;
-        for (const OpmlDocument::Feed &feed : document.list().feeds)
+        const auto list = document.list();
+        QVERIFY(list.has_value());
+        for (const OpmlDocument::Feed &feed : list->feeds)
             found.append(QString::number(feed.position) + u' ' + feed.text + u' ' + feed.address);
         QCOMPARE(found, expected);
     }
 
-    void aFileThatIsNoListIsRefusedOrFails_data()
+    void aFileThatIsNoListIsRefused_data()
     {
         QTest::addColumn<QByteArray>("bytes"); // none: no such file
-        QTest::addColumn<bool>("loads");       // and its list fails
+        QTest::addColumn<bool>("loads");       // and yet is no list
         QTest::newRow("absent") << QByteArray() << false;
         QTest::newRow("not well-formed") << opml("<outline text=\"a & b\" xmlUrl=\"http://h/\"/>") << false;
         QTest::newRow("no markup") << QByteArray("Bonjour") << false;
@@ -90,7 +91,7 @@ private Q_SLOTS:
         QTest::newRow("no text") << opml("<outline text=\"A\"/><outline xmlUrl=\"http://h/\"/>") << true;
     }
 
-    void aFileThatIsNoListIsRefusedOrFails()
+    void aFileThatIsNoListIsRefused()
     {
         QFETCH(QByteArray, bytes);
         QFETCH(bool, loads);
@@ -99,7 +100,7 @@ private Q_SLOTS:
             data.write(u"bad.opml"_s, bytes);
         OpmlDocument document;
         QCOMPARE(document.load(data.file(u"bad.opml"_s)), loads);
-        QVERIFY_EXCEPTION_THROWN(document.list(), RunTimeError);
+        QVERIFY(!document.list());
     }
 };
 

@@ -58,7 +58,8 @@ private Q_SLOTS:
             OpmlDocument document;
             document.load(target());
             QStringList texts;
-            for (const OpmlDocument::Feed &feed : document.list().feeds)
+            const auto list = document.list();
+            for (const OpmlDocument::Feed &feed : list->feeds)
                 texts.append(feed.text + u' ' + feed.address);
             return texts;
         };
