@@ -22,6 +22,25 @@
 #include "window/LongLived.h"
 #include "window/ReadingSide.h"
 
+namespace {
+
+/// What the status bar says of an import that is over.
+QString importSummary(const ImportRun &run)
+{
+    const ImportRun::Outcome outcome = run.outcome();
+    QString text = run.isComplete() ? u"Importation terminée\u00a0: "_s : u"Importation interrompue\u00a0: "_s;
+    text += outcome.added == 0   ? u"aucun flux ajouté"_s
+            : outcome.added == 1 ? u"1 flux ajouté"_s
+                                 : QString::number(outcome.added) + u" flux ajoutés"_s;
+    if (outcome.silent > 0)
+        text += u", "_s + QString::number(outcome.silent) + u" sans réponse"_s;
+    if (outcome.noFeed > 0)
+        text += u", "_s + QString::number(outcome.noFeed) + (outcome.noFeed == 1 ? u" illisible"_s : u" illisibles"_s);
+    return text;
+}
+
+} // namespace
+
 Dialogs::Dialogs(Parts parts, Outside outside) : m_parts(std::move(parts)), m_outside(std::move(outside)) {}
 
 QString Dialogs::file(const QString &name) const
@@ -62,6 +81,8 @@ void Dialogs::showImport()
     OpmlDownload download(m_outside.makeDownloader(), file(u"tmp.opml"_s));
     ImportRun run(m_outside.makeDownloader(), file(u"tmp.xml"_s), m_outside.wait, m_parts.AddFeed);
     frmImport(&m_parts.form, m_parts.messages, download, run).exec();
+    if (run.hasBegun())
+        m_parts.setStatusText(importSummary(run));
 }
 
 void Dialogs::showExport()

@@ -43,6 +43,7 @@ public:
         ReadingSide &reading;
         std::function<void(const QString &url)> openInSystemBrowser;
         ImportRun::AddFeed AddFeed;
+        std::function<void(const QString &text)> setStatusText;
     };
 
     Dialogs(Parts parts, Outside outside);

@@ -33,7 +33,8 @@ Dialogs::Parts frmPrinc::dialogParts()
             m_opening,
             m_reading,
             [this](const QString &url) { openInSystemBrowser(url); },
-            [this](const std::shared_ptr<CachedFeed> &document, const QString &url) { AddFeed(document, url); }};
+            [this](const std::shared_ptr<CachedFeed> &document, const QString &url) { AddFeed(document, url); },
+            [this](const QString &text) { m_frame.setStatusText(text); }};
 }
 
 FeedOpening::Parts frmPrinc::openingParts()

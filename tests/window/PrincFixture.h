@@ -83,7 +83,10 @@ public:
 
     Dialogs::Outside dialogs()
     {
-        return {[this] { return makeDownloader(); }, [] { return std::unique_ptr<HelpSystem>(); }, {}, {}};
+        return {[this] { return makeDownloader(); },
+                [] { return std::unique_ptr<HelpSystem>(); },
+                {},
+                [](int milliseconds) { QTest::qWait(qMin(milliseconds, 5)); }};
     }
 
     /// What the program holds for the window, to be looked at and changed.
