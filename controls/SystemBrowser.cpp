@@ -2,6 +2,7 @@
 
 #include "controls/SystemBrowser.h"
 
+#include "platform/AddressScheme.h"
 #include "platform/Literals.h"
 
 #include <QDesktopServices>
@@ -26,6 +27,17 @@ QUrl withPlainFields(QUrl mail)
     return mail;
 }
 
+/// True unless the address is one of nothing: a server's without a server, a mail to nobody.
+bool namesSomething(const QUrl &url)
+{
+    const QString scheme = url.scheme();
+    if (scheme == u"http" || scheme == u"https" || scheme == u"ftp" || scheme == u"ftps")
+        return !url.host().isEmpty();
+    if (scheme == u"mailto")
+        return !url.path().isEmpty();
+    return !url.host().isEmpty() || !url.path().isEmpty() || url.hasQuery();
+}
+
 } // namespace
 
 SystemBrowser::SystemBrowser(const QString &pagesFolder, Opener opener)
@@ -48,11 +60,8 @@ bool SystemBrowser::isAllowed(const QUrl &url) const
 {
     if (!url.isValid())
         return false;
-    const QString scheme = url.scheme(); // in lower case
-    if (scheme == u"http" || scheme == u"https" || scheme == u"ftp")
-        return !url.host().isEmpty();
-    if (scheme == u"mailto")
-        return !url.path().isEmpty();
+    if (AddressScheme::useOf(url.scheme()) != AddressScheme::Use::None)
+        return namesSomething(url);
     if (!url.isLocalFile() || !url.host().isEmpty())
         return false;
     const QFileInfo page(url.toLocalFile());

@@ -16,10 +16,10 @@ public:
     /// `pagesFolder` is the folder of the program's own pages. Without an opener the desktop's is used.
     explicit SystemBrowser(const QString &pagesFolder, Opener opener = {});
 
-    /// Opens `url` if it is one of the web, of ftp or of mail, or one of the program's own pages ("home.htm",
-    /// "tmp.htm"); addresses come from feeds, so that anything else (another file, a script, a program) is refused. An
-    /// address that begins with "www." counts as one of the web; of one of mail only the fields that the user sees are
-    /// kept, no attachment. Returns whether it was opened.
+    /// Opens `url` if AddressScheme knows its scheme, or if it is one of the program's own pages ("home.htm",
+    /// "tmp.htm"); anything else (another file, a script, a program) is refused. An address that begins with "www."
+    /// counts as one of the web; of one of mail only the fields that the user sees are kept, no attachment. Returns
+    /// whether it was opened.
     bool openInSystemBrowser(const QString &url) const;
 
 private:

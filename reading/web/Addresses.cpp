@@ -2,10 +2,12 @@
 
 #include "reading/web/Addresses.h"
 
+#include "platform/AddressScheme.h"
 #include "platform/Literals.h"
 #include "reading/web/PaneScheme.h"
 
-#include <QSet>
+using AddressScheme::Use;
+using AddressScheme::useOf;
 
 namespace {
 
@@ -18,7 +20,7 @@ bool isBlank(const QUrl &url)
 
 bool Addresses::isWeb(const QUrl &url)
 {
-    return url.scheme() == "http"_L1 || url.scheme() == "https"_L1;
+    return useOf(url.scheme()) == Use::Pane;
 }
 
 bool Addresses::canShow(const QUrl &url)
@@ -28,10 +30,18 @@ bool Addresses::canShow(const QUrl &url)
 
 bool Addresses::belongsToSystem(const QUrl &url)
 {
-    static const QSet<QString> schemes = {u"mailto"_s, u"news"_s, u"nntp"_s,   u"ftp"_s,    u"ftps"_s, u"tel"_s,
-                                          u"callto"_s, u"sip"_s,  u"sips"_s,   u"sms"_s,    u"xmpp"_s, u"irc"_s,
-                                          u"ircs"_s,   u"feed"_s, u"magnet"_s, u"webcal"_s, u"geo"_s};
-    return schemes.contains(url.scheme());
+    return useOf(url.scheme()) == Use::System;
+}
+
+bool Addresses::isOfFeed(const QUrl &url)
+{
+    return useOf(url.scheme()) == Use::Feed;
+}
+
+bool Addresses::endsLikeFeed(const QUrl &url)
+{
+    const QString ending = url.toString(QUrl::FullyEncoded).right(4);
+    return ending == ".rdf"_L1 || ending == ".xml"_L1 || ending == ".rss"_L1;
 }
 
 bool Addresses::isMadeByPages(const QUrl &url, bool isMainFrame)

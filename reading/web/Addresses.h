@@ -14,8 +14,15 @@ bool isWeb(const QUrl &url);
 /// True for what a navigation of the program may go to: http, https, a local file, one of our own pages.
 bool canShow(const QUrl &url);
 
-/// True for a scheme that another program of the system takes (mailto and the like) and that is safe to hand over.
+/// True for a scheme that another program of the system takes (mailto and the like).
 bool belongsToSystem(const QUrl &url);
+
+/// True for the address of a feed by its scheme, which the pane can't go to.
+bool isOfFeed(const QUrl &url);
+
+/// True for an address that ends as files of feeds do, whatever its scheme. Capitals and a query behind the name are
+/// no match.
+bool endsLikeFeed(const QUrl &url);
 
 /// True for what scripts of the web make: empty pages and pages of their own. A frame may hold a text of its own too.
 bool isMadeByPages(const QUrl &url, bool isMainFrame);

@@ -151,8 +151,8 @@ void EngineView::navigate(const QString &target)
         if (PaneScheme::owns(url) && url == m_page->url())
             m_page->runJavaScript(u"window.scrollTo(0, 0)"_s, QWebEngineScript::ApplicationWorld);
         m_page->go(url);
-    } else if (Addresses::belongsToSystem(url)) {
-        m_events.systemLinkActivated(url.toString(QUrl::FullyEncoded));
+    } else {
+        m_page->handOver(url);
     }
 }
 
@@ -188,6 +188,10 @@ QString EngineView::location() const
 void EngineView::handleNewWindow(QWebEngineNewWindowRequest &request, PanePage &opener)
 {
     const QPointer<QObject> alive = &m_context;
+    if (Addresses::isOfFeed(request.requestedUrl())) {
+        opener.handOver(request.requestedUrl()); // nothing that a window could show
+        return;
+    }
     if (!opener.popupIsAllowed(request.requestedUrl()) || !alive)
         return;
     // A window of its own that nothing here follows any more, but for its end: it can't outlive the profile.
@@ -199,6 +203,8 @@ void EngineView::handleNewWindow(QWebEngineNewWindowRequest &request, PanePage &
     setUpActions(*content);
     QObject::connect(content, &QWebEnginePage::windowCloseRequested, window, &QWidget::close);
     QObject::connect(content, &QWebEnginePage::titleChanged, window, &QWidget::setWindowTitle);
+    QObject::connect(content, &PanePage::feedLinkAccepted, &m_context,
+                     [this](const QString &url) { m_events.feedLinkAccepted(url); });
     QObject::connect(content, &PanePage::systemLinkActivated, &m_context,
                      [this](const QString &url) { m_events.systemLinkActivated(url); });
     QObject::connect(content, &QWebEnginePage::newWindowRequested, &m_context,

@@ -117,7 +117,7 @@ bool PanePage::acceptNavigationRequest(const QUrl &url, NavigationType type, boo
     if (byClick && !Addresses::runsScripts(m_course.onShow()) && !m_course.scriptsAreOn())
         m_acts.press(); // nothing but the user clicks there, be it by an aid that presses nothing
     const QPointer<PanePage> alive = this;
-    const bool goes = mayGo(url, type, isMainFrame) && !isTakenOver(url, type, isMainFrame);
+    const bool goes = !isTakenOver(url, type, isMainFrame);
     if (!alive)
         return false;
     if (goes && isMainFrame)
@@ -127,18 +127,26 @@ bool PanePage::acceptNavigationRequest(const QUrl &url, NavigationType type, boo
     return goes;
 }
 
-/// What goes on elsewhere: in a program of the system, or in ours as a feed.
+/// What goes on elsewhere, in ours as a feed or in a program of the system, or nowhere.
 bool PanePage::isTakenOver(const QUrl &url, NavigationType type, bool isMainFrame)
 {
-    if (Addresses::belongsToSystem(url)) {
-        if (type == NavigationTypeLinkClicked)
-            QMetaObject::invokeMethod(
-                this, [this, url] { Q_EMIT systemLinkActivated(url.toString(QUrl::FullyEncoded)); },
-                Qt::QueuedConnection);
+    const bool goes = mayGo(url, type, isMainFrame);
+    if (!goes && Addresses::isWeb(url))
+        return true; // nobody clicked
+    if (goes)
+        noteWhatBegan(url, type, isMainFrame);
+    if (isFeedForTheProgram(url))
         return true;
-    }
-    noteWhatBegan(url, type, isMainFrame);
-    return m_kind == Kind::Pane && isFeedForTheProgram(url);
+    if (Addresses::belongsToSystem(url) && type == NavigationTypeLinkClicked)
+        QMetaObject::invokeMethod(
+            this, [this, url] { Q_EMIT systemLinkActivated(url.toString(QUrl::FullyEncoded)); }, Qt::QueuedConnection);
+    return !goes;
+}
+
+void PanePage::handOver(const QUrl &url)
+{
+    if (!isFeedForTheProgram(url) && Addresses::belongsToSystem(url))
+        Q_EMIT systemLinkActivated(url.toString(QUrl::FullyEncoded));
 }
 
 bool PanePage::mayGo(const QUrl &url, NavigationType type, bool isMainFrame) const
@@ -159,7 +167,7 @@ bool PanePage::mayGo(const QUrl &url, NavigationType type, bool isMainFrame) con
     }
     // A page of the data directory has no use for what scripts make.
     const bool isMade = Addresses::isMadeByPages(url, isMainFrame) && !(isMainFrame && PaneScheme::owns(onShow));
-    return isMade || Addresses::belongsToSystem(url);
+    return isMade;
 }
 
 /// Remembers what a press, or the program, sent for: it may turn out to be a download, and servers may be slow.
@@ -173,12 +181,13 @@ void PanePage::noteWhatBegan(const QUrl &url, NavigationType type, bool isMainFr
     m_begunByUser.insert(url);
 }
 
+/// Asks about the address of a feed, which one of ours in the folder never is. Windows of the web's own aren't
+/// followed; but an address that only a program for feeds takes is this program's there as well.
 bool PanePage::isFeedForTheProgram(const QUrl &url)
 {
-    const QString address = url.toString(QUrl::FullyEncoded);
-    const QString ending = address.right(4);
-    if (ending != ".rdf"_L1 && ending != ".xml"_L1 && ending != ".rss"_L1)
+    if (!Addresses::isOfFeed(url) && (m_kind != Kind::Pane || PaneScheme::owns(url) || !Addresses::endsLikeFeed(url)))
         return false;
+    const QString address = url.toString(QUrl::FullyEncoded);
     const QPointer<PanePage> alive = this;
     const bool taken =
         m_boxes.ask(u"Le fichier semble être un fichier RSS, voulez-vous tenter de l'ouvrir ?"_s, address)

@@ -119,6 +119,12 @@ private Q_SLOTS:
         row("mailto:moi@exemple.fr?Subject=a&body=b%26c", "mailto:moi@exemple.fr?Subject=a&body=b%26c");
         row("mailto:moi@exemple.fr?%61ttach=/etc/passwd&cc=x@y.fr&Attachment=a", "mailto:moi@exemple.fr?cc=x@y.fr");
         row("mailto:moi@exemple.fr?attach=/etc/passwd", "mailto:moi@exemple.fr");
+        row("feed:exemple.fr/a", "feed:exemple.fr/a");
+        row("tel:+33123456789", "tel:+33123456789");
+        row("magnet:?xt=urn:btih:a", "magnet:?xt=urn:btih:a");
+        row("feed:", "");
+        row("mailto:?subject=a", "");
+        row("ftp:///a", "");
         row("file:///data/tmp.htm", "file:///data/tmp.htm");
         row("file:///data/../etc/tmp.htm", "");
         row("file:///data/feeds/tmp.htm", "");

@@ -65,6 +65,51 @@ private Q_SLOTS:
         QVERIFY(eventually([&] { return accepted.size() == 3; }));
     }
 
+    void anAddressOfAFeedAsksWhateverItsScheme_data()
+    {
+        QTest::addColumn<QString>("target");
+        QTest::addColumn<QByteArray>("attributes");
+        QTest::addColumn<bool>("isHandedOut"); // to the system, after No
+        const auto row = [](const QByteArray &target, bool isHandedOut, const QByteArray &attributes = {}) {
+            QTest::newRow(QByteArray(target + attributes).constData())
+                << QString::fromLatin1(target) << attributes << isHandedOut;
+        };
+        row("feed:http://h/a", false);
+        row("feed://h/a.rss", false);
+        row("feed:h/a", false, "target=_blank");
+        row("ftp://h/a.xml", true);
+        row("news:a.rdf", true);
+        row("itpc://h/a.xml", false);
+    }
+
+    void anAddressOfAFeedAsksWhateverItsScheme()
+    {
+        QFETCH(QString, target);
+        QFETCH(QByteArray, attributes);
+        QFETCH(bool, isHandedOut);
+        QSignalSpy accepted(m_pane.get(), &BrowserPane::feedLinkAccepted);
+        QSignalSpy system(m_pane.get(), &BrowserPane::systemLinkActivated);
+        m_server->setBody(u"/link.html"_s, linkPage(target.toUtf8(), attributes), "text/html");
+        for (const auto answer : {Messages::Answer::No, Messages::Answer::Yes}) {
+            m_messages.answer = answer;
+            QVERIFY(goAndWait(m_server->url(u"/link.html"_s)));
+            QVERIFY(showsText(u"lien"_s));
+            const std::size_t before = m_messages.shown.size();
+            clickLink();
+            QVERIFY(eventually([&] { return m_messages.shown.size() > before; }));
+            letPass(100);
+            QCOMPARE(m_messages.shown.size(), before + 1);
+            QVERIFY(m_messages.shown.back().text.startsWith(u"Le fichier semble être un fichier RSS"_s));
+            const bool yes = answer == Messages::Answer::Yes;
+            QCOMPARE(accepted.size(), yes ? 1 : 0);
+            QCOMPARE(system.size(), isHandedOut ? 1 : 0);
+        }
+        QCOMPARE(accepted.last().first().toString(), target);
+        m_pane->Navigate(target); // by the program itself
+        QVERIFY(eventually([&] { return accepted.size() == 2; }));
+        QCOMPARE(text(), u"lien"_s);
+    }
+
     void theProgramMayNavigateWhileAQuestionIsOnShow()
     {
         // As the delay timer, an update or a second start of the program do behind a modal box.

@@ -44,7 +44,10 @@ private:
     {
         return dialog.findChild<QLineEdit *>(QString::fromLatin1(name));
     }
-    QString statusText() const { return m_fixture->control<QWidget>("stabPrinc")->findChild<QLabel *>(u"state"_s)->text(); }
+    QString statusText() const
+    {
+        return m_fixture->control<QWidget>("stabPrinc")->findChild<QLabel *>(u"state"_s)->text();
+    }
 
 private Q_SLOTS:
     void init() { m_fixture = std::make_unique<PrincFixture>(); }
@@ -77,11 +80,13 @@ private Q_SLOTS:
             answers->start(1);
             return downloader;
         };
-        m_fixture->data.write(u"untitled.opml"_s, "<opml><head/><body><outline text=\"A\" xmlUrl=\"http://h/a\"/></body>"
-                                                  "</opml>");
-        m_fixture->data.write(u"list.opml"_s, "<opml><head><title/></head><body><outline text=\"A\" xmlUrl=\"http://h/a\"/>"
-                                              "<outline text=\"B\" xmlUrl=\"http://h/b\"/>"
-                                              "<outline text=\"C\" xmlUrl=\"http://h/c\"/></body></opml>");
+        m_fixture->data.write(u"untitled.opml"_s,
+                              "<opml><head/><body><outline text=\"A\" xmlUrl=\"http://h/a\"/></body>"
+                              "</opml>");
+        m_fixture->data.write(u"list.opml"_s,
+                              "<opml><head><title/></head><body><outline text=\"A\" xmlUrl=\"http://h/a\"/>"
+                              "<outline text=\"B\" xmlUrl=\"http://h/b\"/>"
+                              "<outline text=\"C\" xmlUrl=\"http://h/c\"/></body></opml>");
         m_fixture->start();
         walk<frmImport>(u"&Importer des flux RSS..."_s, [this](frmImport &dialog) {
             press(dialog, "cmdSuivant");
@@ -97,7 +102,44 @@ private Q_SLOTS:
         QCOMPARE(m_fixture->feedTree().root()->children().size(), std::size_t(1));
         QCOMPARE(m_fixture->messages.shown.size(), 1U);
     }
+
+    void aFeedLinkOfAPageComesBackToTheAddressBox()
+    {
+        FakeDownloader *dwlFeed = nullptr;
+        m_fixture->makeDownloader = [&dwlFeed] {
+            auto downloader = std::make_unique<FakeDownloader>();
+            dwlFeed = dwlFeed ? dwlFeed : downloader.get();
+            return downloader;
+        };
+        m_fixture->start();
+        m_fixture->messages.answer = Messages::Answer::Yes;
+        m_fixture->data.write(u"tmp.htm"_s, "<html><body topmargin=0 leftmargin=0><a href=\"feed://h/fil\"><table "
+                                            "width=300 height=200><tr><td>lien</table></a></body></html>");
+        auto *pane = m_fixture->control<BrowserPane>("WebBrowser1");
+        QSignalSpy complete(pane, &BrowserPane::DocumentComplete);
+        pane->show();
+        pane->Navigate(m_fixture->data.file(u"tmp.htm"_s));
+        QTRY_VERIFY_WITH_TIMEOUT(!complete.isEmpty(), 15000);
+        // The engine throws input away before the page is painted.
+        for (int tries = 0; tries < 100 && dwlFeed->requests.empty(); ++tries) {
+            QTest::mouseClick(pane->focusProxy()->focusProxy(), Qt::LeftButton, {}, QPoint(20, 20));
+            QTest::qWait(100);
+        }
+        QCOMPARE(dwlFeed->requests.size(), 1U);
+        QCOMPARE(dwlFeed->requests[0].url, u"http://h/fil"_s);
+        QCOMPARE(m_fixture->control<AddressBox>("txtURL")->text(), u"feed://h/fil"_s);
+        QVERIFY(m_fixture->messages.shown.at(0).text.startsWith(u"Le fichier semble être un fichier RSS"_s));
+        dwlFeed->finish(200, FeedTexts::rss(u"F"_s, {u"a"_s}));
+        QCOMPARE(m_fixture->buttons(), u"0001"_s);
+    }
 };
 
-QTEST_MAIN(tst_DialogJourneys)
+int main(int argc, char *argv[])
+{
+    qputenv("QTWEBENGINE_CHROMIUM_FLAGS", "--disable-gpu");
+    QApplication app(argc, argv);
+    tst_DialogJourneys test;
+    return QTest::qExec(&test, argc, argv);
+}
+
 #include "tst_DialogJourneys.moc"
