@@ -10,8 +10,10 @@ void AddFeed(const std::shared_ptr<CachedFeed> &document, const QString &address
 {
     if (!document && !current.addressFeedShown)
         return;
-    if (document)
+    if (document) {
+        current.document->Save();
         current.document = document;
+    }
     catalogue.addFeed(
         {current.document->Title(), current.document->Ttl(), address, current.strUsername, current.strPassword});
 }

@@ -18,10 +18,6 @@ struct CurrentFeed
     /// a feed of the tree was opened.
     bool addressFeedShown = false;
 
-    /// The document is tmp.xml and must not be saved before a download replaces it: true after a download that loaded,
-    /// cleared by a selection in the tree.
-    bool addressFeedUnsaved = false;
-
     QString strUsername; ///< credentials of the next download from the address box
     QString strPassword;
 };

@@ -139,12 +139,10 @@ void FeedOpener::handleDownloadComplete(qint32 status)
 
 void FeedOpener::openDownloaded()
 {
-    if (!m_current.addressFeedUnsaved)
-        m_current.document->Save();
+    m_current.document->Save(); // an address or a local file on show is stale now: the download has replaced it
     switch (m_current.document->Load(m_directory.file(u"tmp.xml"_s))) {
     case LoadOk:
         m_current.addressFeedShown = true;
-        m_current.addressFeedUnsaved = true;
         Q_EMIT opened(Source::Network);
         break;
     case LoadFileNotFound:

@@ -157,8 +157,26 @@ void UpdateScheduler::updateFeed(const FeedNodePtr &node)
 
 bool UpdateScheduler::isOnShow(const QString &key) const
 {
+    return m_surroundings.current.document->Path() == m_surroundings.directory.cacheFile(key);
+}
+
+/// The feed is to be seen with its new items: it is on show and selected, or was selected while it was in flight, when
+/// it couldn't be opened. An address or a local file stays on show whatever is selected.
+bool UpdateScheduler::shouldBeShown(const QString &key) const
+{
     const FeedNodePtr selected = m_surroundings.treeState.selected();
-    return selected && selected->key() == key && !m_surroundings.current.addressFeedShown;
+    return selected && selected->key() == key && !m_surroundings.current.addressFeedShown &&
+           m_surroundings.current.document->Path() != m_surroundings.directory.file(u"tmp.xml"_s);
+}
+
+/// Loads the feed into the document on show. Marks that were set in it while its update was in flight go with what was
+/// held, as ever; those of another feed don't.
+bool UpdateScheduler::showAfresh(const QString &key)
+{
+    CachedFeed &document = *m_surroundings.current.document;
+    if (!isOnShow(key))
+        document.Save();
+    return document.Load(m_surroundings.directory.cacheFile(key)) == LoadOk;
 }
 
 void UpdateScheduler::handleDownloadProgress(double percent)
@@ -195,7 +213,7 @@ void UpdateScheduler::handleDownloadComplete(qint32 status)
 
     if (newItems >= 1)
         Q_EMIT newItemsFound(fresh.Title(), newItems);
-    if (isOnShow(key) && m_surroundings.current.document->Load(cacheFile) == LoadOk)
+    if (shouldBeShown(key) && showAfresh(key))
         Q_EMIT feedOnShowReloaded(newItems);
     endUpdate(newItems);
 }

@@ -95,6 +95,8 @@ private:
     void handleDownloadProgress(double percent);
     void handleDownloadComplete(qint32 status);
     bool isOnShow(const QString &key) const;
+    bool shouldBeShown(const QString &key) const;
+    bool showAfresh(const QString &key);
     void endUpdate(qint16 newItems);
     void waitForUpdate();
 

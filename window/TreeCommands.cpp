@@ -5,7 +5,6 @@
 #include "controls/cToolbar.h"
 #include "core/FeedCatalogue.h"
 #include "core/FeedTreeState.h"
-#include "engine/CurrentFeed.h"
 #include "engine/FeedOpener.h"
 #include "platform/Literals.h"
 #include "platform/Messages.h"
@@ -20,7 +19,7 @@ TreeCommands::TreeCommands(Parts parts, QObject *parent) : QObject(parent), m_pa
     const FeedTreeView *tree = m_parts.frame.tvwFavoris;
     connect(tree, &FeedTreeView::nodeClicked, this, &TreeCommands::handleNodeClick);
     connect(tree, &FeedTreeView::nodeRightClicked, this, &TreeCommands::handleNodeRightClick);
-    connect(tree, &FeedTreeView::arrowKeyTo, this, &TreeCommands::handleArrowKey);
+    connect(tree, &FeedTreeView::arrowKeyTo, &m_parts.opener, &FeedOpener::openFeedNode);
     connect(tree, &FeedTreeView::nodeDropped, this, &TreeCommands::handleDrop);
 }
 
@@ -39,17 +38,10 @@ void TreeCommands::disableSendMail()
     m_parts.frame.tlbBrowser->setButtonEnabled(u"send_mail"_s, false);
 }
 
-void TreeCommands::openByUser(const FeedNodePtr &node)
-{
-    m_parts.current.addressFeedUnsaved = false;
-    m_parts.opener.openFeedNode(node);
-}
-
 void TreeCommands::handleNodeClick(const FeedNodePtr &node)
 {
     enableButtons(node);
     if (node->image() == NodeImage::Feed) {
-        m_parts.current.addressFeedUnsaved = false;
         disableSendMail();
         m_parts.opener.openFeedNode(node);
     } else if (node->image() == NodeImage::Folder) {
@@ -71,15 +63,10 @@ void TreeCommands::handleNodeRightClick(const FeedNodePtr &node, const QPoint &g
     enable(u"mnuProprietes"_s, feed);
     const FeedNodePtr selected = m_parts.treeState.selected();
     if (!selected || selected->key() != node->key()) {
-        openByUser(node);
+        m_parts.opener.openFeedNode(node);
         m_parts.treeState.select(node);
     }
     m_parts.frame.menus.mnuTreeView.ShowPopupMenu(globalPosition + QPoint(5, 5));
-}
-
-void TreeCommands::handleArrowKey(const FeedNodePtr &node)
-{
-    openByUser(node);
 }
 
 void TreeCommands::handleDrop(const FeedNodePtr &target, bool insertAbove)

@@ -15,7 +15,6 @@ class FeedOpener;
 class FeedTreeState;
 class MainFrame;
 class Messages;
-struct CurrentFeed;
 
 /// What the user's doings in the feed tree lead to: opening, enabling, deleting, new folders and moves.
 class TreeCommands : public QObject
@@ -33,7 +32,6 @@ public:
         FeedTreeState &treeState;
         FeedCatalogue &catalogue;
         FeedOpener &opener;
-        CurrentFeed &current;
         MainFrame &frame;
         Messages &messages;
         InputBox inputBox;
@@ -53,9 +51,7 @@ public:
 private:
     void handleNodeClick(const FeedNodePtr &node);
     void handleNodeRightClick(const FeedNodePtr &node, const QPoint &globalPosition);
-    void handleArrowKey(const FeedNodePtr &node);
     void handleDrop(const FeedNodePtr &target, bool insertAbove);
-    void openByUser(const FeedNodePtr &node);
     void enableButtons(const FeedNodePtr &node);
     void disableSendMail();
 

@@ -58,7 +58,6 @@ TreeCommands::Parts frmPrinc::treeCommandParts()
             m_longLived.treeState,
             m_longLived.catalogue,
             m_longLived.opener,
-            m_longLived.current,
             m_frame,
             m_desktop.messages,
             inputBox,

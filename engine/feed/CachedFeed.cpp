@@ -7,9 +7,11 @@
 #include "engine/feed/FeedFormats.h"
 #include "engine/feed/FeedItem.h"
 #include "engine/feed/ItemMarks.h"
+#include "engine/feed/MarkCarrying.h"
 #include "platform/DateText.h"
 #include "platform/Files.h"
 
+#include <QDir>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -43,6 +45,7 @@ FeedLoadResult CachedFeed::Load(const QString &path)
 {
     m_document.reset();
     m_path.clear();
+    const std::optional<FileStamp> stamp = FileStamp::of(path); // first: a file replaced meanwhile is a later one
     const QDateTime written = QFileInfo(path).lastModified();
     XmlDocPtr tree;
     {
@@ -59,13 +62,47 @@ FeedLoadResult CachedFeed::Load(const QString &path)
     m_document =
         std::make_shared<FeedDocument>(std::move(tree), *recognised.reader, written.isValid() ? written : m_clock());
     m_path = path;
+    m_stamp = stamp;
     return LoadOk;
 }
 
 void CachedFeed::Save()
 {
-    if (m_document)
-        Files::write(m_path, m_document->prepareForSaving());
+    if (!m_document)
+        return;
+    if (IsStale())
+        carryMarks();
+    else
+        write(m_document->prepareForSaving());
+}
+
+bool CachedFeed::IsStale() const
+{
+    if (!m_document)
+        return false;
+    const std::optional<FileStamp> stamp = FileStamp::of(m_path);
+    // Where the folder is gone with the file nobody has deleted a feed: a save is tried, and fails aloud.
+    return stamp != m_stamp && (stamp || QFileInfo(m_path).dir().exists());
+}
+
+void CachedFeed::write(const QByteArray &bytes)
+{
+    Files::write(m_path, bytes);
+    m_stamp = FileStamp::of(m_path);
+    m_document->forgetMarkChanges();
+}
+
+/// Saves what was marked since the document was loaded or saved, and nothing else, into the file that took its place.
+/// The document stays what it is: rows of a list name its items by their indices.
+void CachedFeed::carryMarks()
+{
+    if (!m_document->marksChanged())
+        return;
+    CachedFeed newer(m_clock);
+    if (newer.Load(m_path) != LoadOk || !MarkCarrying::carry(*m_document, *newer.m_document))
+        return;
+    newer.Save();
+    m_document->forgetMarkChanges();
 }
 
 bool CachedFeed::IsLoaded() const
@@ -234,11 +271,11 @@ QString CachedFeed::ItemDownloadDate(qint16 index) const
 void CachedFeed::SetItemRead(qint16 index, bool read)
 {
     if (holds(index))
-        ItemMarks::setRead(m_document->item(index), read);
+        m_document->setRead(index, read);
 }
 
 void CachedFeed::DeleteItem(qint16 index)
 {
     if (holds(index))
-        ItemMarks::setDeleted(m_document->item(index));
+        m_document->setDeleted(index);
 }

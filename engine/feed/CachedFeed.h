@@ -3,9 +3,11 @@
 #pragma once
 
 #include "engine/feed/FeedTypes.h"
+#include "platform/FileStamp.h"
 #include "platform/Waiting.h"
 
 #include <memory>
+#include <optional>
 
 class FeedItem;
 class FeedDocument;
@@ -42,9 +44,17 @@ public:
     /// them move up. Items that bear no date of download are given the one that ItemDownloadDate() tells. Does nothing
     /// when nothing is held. Throws the RunTimeErrors of Files::write(); the file is then unchanged, what is held stays
     /// usable.
+    ///
+    /// A stale document leaves the newer file as it is but for the read and deleted marks that were changed since
+    /// Load() or the last Save(): they are set there, by title, and nothing is written when there is none to set, when
+    /// the newer file doesn't load or is a download, or when the file was deleted.
     void Save();
 
     bool IsLoaded() const;
+    QString Path() const { return m_path; } ///< That of the last successful Load(); "" when nothing is held.
+
+    /// True when the file was replaced or deleted since Load() or the last Save().
+    bool IsStale() const;
     FeedVersion Version() const;
 
     QString Title() const;
@@ -94,8 +104,11 @@ public:
 
 private:
     bool holds(qint16 index) const;
+    void write(const QByteArray &bytes);
+    void carryMarks();
 
     Clock m_clock;
     QString m_path;
+    std::optional<FileStamp> m_stamp;         ///< of the file that holds what is held but for changes in memory
     std::shared_ptr<FeedDocument> m_document; ///< null when nothing is held
 };

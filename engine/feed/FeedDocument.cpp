@@ -79,6 +79,30 @@ QString FeedDocument::downloadDate(qsizetype index) const
     return notedDate(item(index)).text;
 }
 
+void FeedDocument::setRead(qsizetype index, bool read)
+{
+    Entry &item = entry(index);
+    if (ItemMarks::isRead(item.node) != read)
+        m_marksChanged = item.changes.read = true;
+    ItemMarks::setRead(item.node, read);
+}
+
+void FeedDocument::setDeleted(qsizetype index)
+{
+    Entry &item = entry(index);
+    if (!ItemMarks::isDeleted(item.node))
+        m_marksChanged = item.changes.deleted = true;
+    ItemMarks::setDeleted(item.node);
+}
+
+void FeedDocument::forgetMarkChanges()
+{
+    for (std::vector<Entry> *items : {&m_items, &m_added})
+        for (Entry &item : *items)
+            item.changes = {};
+    m_marksChanged = false;
+}
+
 /// The element that items go into, made when the document has none.
 xmlNode *FeedDocument::itemParent()
 {

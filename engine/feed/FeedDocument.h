@@ -38,6 +38,18 @@ public:
     QString downloadDate(qsizetype index) const;
     void markForRemoval(qsizetype index) { entry(index).removed = true; }
 
+    /// Which marks of an item are others than when the document was loaded or forgetMarkChanges() was called.
+    struct MarkChanges
+    {
+        bool read = false;
+        bool deleted = false;
+    };
+    void setRead(qsizetype index, bool read);
+    void setDeleted(qsizetype index);
+    MarkChanges markChanges(qsizetype index) const { return entry(index).changes; }
+    bool marksChanged() const { return m_marksChanged; }
+    void forgetMarkChanges();
+
     /// Takes a copy of the item in, behind those added since the document was loaded or saved, in front of all others.
     void add(const FeedDocument &from, const xmlNode *node, const QDateTime &now);
 
@@ -50,6 +62,7 @@ private:
         xmlNode *node;
         mutable std::unique_ptr<ChildElements> elements; ///< found when first asked for
         bool removed = false;
+        MarkChanges changes = {};
     };
 
     /// The date that a mark stands for; that of the file when the mark isn't to be read.
@@ -79,5 +92,6 @@ private:
     std::vector<Entry> m_added; ///< those added since, which stand in front
     QDateTime m_addedAt;        ///< when the last item was added, and its mark
     QString m_addedMark;
+    bool m_marksChanged = false;      ///< those of any item
     std::vector<xmlNode *> m_dropped; ///< outside the tree; FeedItems may still name them
 };

@@ -266,6 +266,35 @@ private Q_SLOTS:
         QVERIFY(!m_fixture->control<QProgressBar>("prbChargement")->isVisible());
     }
 
+    void whatAnUpdateStoresOutlivesAFeedThatStayedLoaded_data()
+    {
+        QTest::addColumn<bool>("quit");
+        QTest::newRow("another feed is clicked") << false;
+        QTest::newRow("the program ends") << true;
+    }
+
+    void whatAnUpdateStoresOutlivesAFeedThatStayedLoaded()
+    {
+        QFETCH(const bool, quit);
+        LocalHttpServer server;
+        writeThreeFeeds(server.url(u"/feed.xml"_s));
+        server.setBody(u"/feed.xml"_s, FeedTexts::rss(u"Le Monde"_s, {u"new"_s}));
+        m_fixture->start();
+        m_fixture->click(m_fixture->node("2"));
+        m_fixture->click(m_fixture->node("1")); // the folder: the list is empty, the feed still loaded
+        m_fixture->program->longLived().scheduler.updateAllFeeds();
+        QTRY_COMPARE(server.hits(u"/feed.xml"_s), 3);
+        if (quit) {
+            m_fixture->window->close();
+            m_fixture->start();
+        } else {
+            m_fixture->click(m_fixture->node("3"));
+        }
+        m_fixture->click(m_fixture->node("2"));
+        QCOMPARE(m_fixture->list()->items().rowCount(), 4);
+        QCOMPARE(titleOf(0), u"new"_s);
+    }
+
     void closingInTheMiddleOfAnUpdateOfAllFeedsEndsIt()
     {
         LocalHttpServer server;
