@@ -54,7 +54,7 @@ function(quillwire_room target)
   elseif(room_MODULE)
     add_library(${target} MODULE ${files})
   elseif(room_SOURCES)
-    add_library(${target} STATIC ${files})
+    add_library(${target} ${files}) # static, but where BUILD_SHARED_LIBS says otherwise
   else()
     add_library(${target} INTERFACE)
   endif()
