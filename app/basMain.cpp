@@ -3,7 +3,9 @@
 #include "app/DesktopSurroundings.h"
 #include "app/Program.h"
 #include "app/SignalWatch.h"
+#include "controls/FrenchTexts.h"
 #include "controls/MessageBoxes.h"
+#include "controls/PlainButtonStyle.h"
 #include "platform/Build.h"
 #include "platform/Files.h"
 #include "platform/Literals.h"
@@ -13,9 +15,6 @@
 #include "platform/net/NetworkState.h"
 #include "window/ErrorTrap.h"
 #include "window/frmPrinc.h"
-
-#include <QLibraryInfo>
-#include <QTranslator>
 
 #include <cstdlib>
 
@@ -109,9 +108,8 @@ int main(int argc, char *argv[])
         qputenv("TZ", ":/etc/localtime");
     ErrorTrap application(argc, argv);
     nameApplication();
-    QTranslator french;
-    if (french.load(u"qtbase_fr"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
-        QCoreApplication::installTranslator(&french);
+    FrenchTexts::install(application);
+    QApplication::setStyle(new PlainButtonStyle); // owned by the application
 
     InstanceLock lock;
     if (!lock.isFirstInstance()) {

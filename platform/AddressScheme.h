@@ -8,8 +8,8 @@
 
 #include <array>
 
-/// What becomes of an address, by its scheme: the one table of the browser pane and of what goes to the system. Addresses
-/// come from feeds and pages, so that whatever isn't named here is refused.
+/// What becomes of an address, by its scheme: the one table of the browser pane and of what goes to the system.
+/// Addresses come from feeds and pages, so that whatever isn't named here is refused.
 namespace AddressScheme {
 
 enum class Use {
@@ -27,10 +27,10 @@ struct Entry
 
 /// Those of the system are the ones that browsers hand over too: programs expect addresses of strangers there.
 inline constexpr std::array<Entry, 19> table{{
-    {"http"_L1, Use::Pane},     {"https"_L1, Use::Pane},  {"feed"_L1, Use::Feed},   {"mailto"_L1, Use::System},
-    {"news"_L1, Use::System},   {"nntp"_L1, Use::System}, {"ftp"_L1, Use::System},  {"ftps"_L1, Use::System},
-    {"tel"_L1, Use::System},    {"sms"_L1, Use::System},  {"callto"_L1, Use::System}, {"sip"_L1, Use::System},
-    {"sips"_L1, Use::System},   {"xmpp"_L1, Use::System}, {"irc"_L1, Use::System},  {"ircs"_L1, Use::System},
+    {"http"_L1, Use::Pane},     {"https"_L1, Use::Pane},    {"feed"_L1, Use::Feed},     {"mailto"_L1, Use::System},
+    {"news"_L1, Use::System},   {"nntp"_L1, Use::System},   {"ftp"_L1, Use::System},    {"ftps"_L1, Use::System},
+    {"tel"_L1, Use::System},    {"sms"_L1, Use::System},    {"callto"_L1, Use::System}, {"sip"_L1, Use::System},
+    {"sips"_L1, Use::System},   {"xmpp"_L1, Use::System},   {"irc"_L1, Use::System},    {"ircs"_L1, Use::System},
     {"magnet"_L1, Use::System}, {"webcal"_L1, Use::System}, {"geo"_L1, Use::System},
 }};
 

@@ -12,7 +12,6 @@
 #include <QWebEngineScript>
 #include <QWebEngineView>
 
-#include <array>
 #include <utility>
 
 namespace {
@@ -23,41 +22,24 @@ constexpr int backCommand = 2;
 constexpr QSize smallestPopup(200, 150);
 constexpr QSize standardPopup(800, 600);
 
-struct ActionText
-{
-    QWebEnginePage::WebAction action;
-    QString text;
-};
-
-/// The context menu of a page speaks French; what makes no sense in a pane is left out of it.
+/// What makes no sense in a pane is left out of the context menu of a page.
 void setUpActions(QWebEnginePage &page)
 {
-    const std::array<ActionText, 19> texts = {{
-        {QWebEnginePage::Back, u"Précédent"_s},
-        {QWebEnginePage::Forward, u"Suivant"_s},
-        {QWebEnginePage::Reload, u"Actualiser"_s},
-        {QWebEnginePage::Stop, u"Arrêter"_s},
-        {QWebEnginePage::Cut, u"Couper"_s},
-        {QWebEnginePage::Copy, u"Copier"_s},
-        {QWebEnginePage::Paste, u"Coller"_s},
-        {QWebEnginePage::PasteAndMatchStyle, u"Coller sans mise en forme"_s},
-        {QWebEnginePage::Undo, u"Annuler"_s},
-        {QWebEnginePage::Redo, u"Rétablir"_s},
-        {QWebEnginePage::SelectAll, u"Tout sélectionner"_s},
-        {QWebEnginePage::OpenLinkInNewWindow, u"Ouvrir le lien dans une nouvelle fenêtre"_s},
-        {QWebEnginePage::CopyLinkToClipboard, u"Copier l'adresse du lien"_s},
-        {QWebEnginePage::DownloadLinkToDisk, u"Enregistrer la cible du lien..."_s},
-        {QWebEnginePage::CopyImageToClipboard, u"Copier l'image"_s},
-        {QWebEnginePage::CopyImageUrlToClipboard, u"Copier l'adresse de l'image"_s},
-        {QWebEnginePage::DownloadImageToDisk, u"Enregistrer l'image..."_s},
-        {QWebEnginePage::CopyMediaUrlToClipboard, u"Copier l'adresse du média"_s},
-        {QWebEnginePage::SavePage, u"Enregistrer la page..."_s},
-    }};
-    for (const ActionText &entry : texts)
-        page.action(entry.action)->setText(entry.text);
     for (const auto action : {QWebEnginePage::ViewSource, QWebEnginePage::OpenLinkInNewTab,
                               QWebEnginePage::OpenLinkInNewBackgroundTab, QWebEnginePage::InspectElement})
         page.action(action)->setVisible(false);
+}
+
+/// The window bears the title of its page, or the page's address; until there is one, the address that it comes from.
+void keepNamed(QWidget &window, const QWebEnginePage &page, const QUrl &origin)
+{
+    const auto name = [&window, &page, origin] {
+        const QUrl url = Addresses::isWeb(page.url()) ? page.url() : origin;
+        window.setWindowTitle(page.title().isEmpty() ? url.toDisplayString() : page.title());
+    };
+    QObject::connect(&page, &QWebEnginePage::titleChanged, &window, name);
+    QObject::connect(&page, &QWebEnginePage::urlChanged, &window, name);
+    name();
 }
 
 } // namespace
@@ -66,6 +48,7 @@ EngineView::EngineView(const Folder &folder, Messages &messages, QWidget *parent
     : m_scheme(folder), m_boxes(messages), m_events(std::move(events)), m_downloads(m_boxes, m_events)
 {
     m_profile = new QWebEngineProfile(&m_context); // off the record: nothing of the web stays on the disk
+    m_profile->setHttpAcceptLanguage(u"fr-FR,fr;q=0.9,en;q=0.5"_s);
     m_profile->installUrlSchemeHandler(PaneScheme::name(), &m_scheme);
     m_profile->setUrlRequestInterceptor(&m_guard);
     m_page = new PanePage(m_profile, m_boxes, PanePage::Kind::Pane);
@@ -202,7 +185,7 @@ void EngineView::handleNewWindow(QWebEngineNewWindowRequest &request, PanePage &
     content->acts().watch(*window);
     setUpActions(*content);
     QObject::connect(content, &QWebEnginePage::windowCloseRequested, window, &QWidget::close);
-    QObject::connect(content, &QWebEnginePage::titleChanged, window, &QWidget::setWindowTitle);
+    keepNamed(*window, *content, Addresses::isWeb(request.requestedUrl()) ? request.requestedUrl() : opener.url());
     QObject::connect(content, &PanePage::feedLinkAccepted, &m_context,
                      [this](const QString &url) { m_events.feedLinkAccepted(url); });
     QObject::connect(content, &PanePage::systemLinkActivated, &m_context,

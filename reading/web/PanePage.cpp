@@ -6,6 +6,7 @@
 #include "reading/web/Addresses.h"
 #include "reading/web/PageBoxes.h"
 #include "reading/web/PaneScheme.h"
+#include "reading/web/ScriptBoxes.h"
 
 #include <QAction>
 #include <QAuthenticator>
@@ -14,6 +15,7 @@
 #include <QWebEngineDownloadRequest>
 #include <QWebEngineLoadingInfo>
 #include <QWebEngineSettings>
+#include <QWebEngineView>
 
 namespace {
 
@@ -243,7 +245,7 @@ QStringList PanePage::chooseFiles(FileSelectionMode mode, const QStringList &old
 void PanePage::javaScriptAlert(const QUrl &securityOrigin, const QString &text)
 {
     showOwn([&] {
-        QWebEnginePage::javaScriptAlert(securityOrigin, text);
+        ScriptBoxes::alert(QWebEngineView::forPage(this), securityOrigin, text);
         return true;
     });
 }
@@ -255,14 +257,17 @@ bool PanePage::javaScriptConfirm(const QUrl &securityOrigin, const QString &text
         QCoreApplication::translate(
             "QWebEnginePage", "Are you sure you want to leave this page? Changes that you made may not be saved."))
         return mayBeLeft();
-    return showOwn([&] { return QWebEnginePage::javaScriptConfirm(securityOrigin, text); }).value_or(false);
+    return showOwn([&] { return ScriptBoxes::confirm(QWebEngineView::forPage(this), securityOrigin, text); })
+        .value_or(false);
 }
 
 bool PanePage::javaScriptPrompt(const QUrl &securityOrigin, const QString &text, const QString &standard,
                                 QString *result)
 {
-    return showOwn([&] { return QWebEnginePage::javaScriptPrompt(securityOrigin, text, standard, result); })
-        .value_or(false);
+    const auto box = [&] {
+        return ScriptBoxes::prompt(QWebEngineView::forPage(this), securityOrigin, text, standard, *result);
+    };
+    return showOwn(box).value_or(false);
 }
 
 void PanePage::javaScriptConsoleMessage(JavaScriptConsoleMessageLevel, const QString &, int, const QString &)

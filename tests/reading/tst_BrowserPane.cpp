@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "controls/FrenchTexts.h"
 #include "platform/Literals.h"
 #include "tests/reading/PaneFixture.h"
 
@@ -171,6 +172,20 @@ private Q_SLOTS:
         QVERIFY(showsText(u"Départ"_s));
     }
 
+    void pagesAndTheEngineAreSpokenToInFrench()
+    {
+        m_server->setBody(u"/form.html"_s, "<html><body><input required></body></html>", "text/html");
+        QVERIFY(goAndWait(m_server->url(u"/form.html"_s)));
+        QVERIFY(m_server->lastRequest(u"/form.html"_s).header("accept-language").startsWith("fr-FR,fr;q=0.9"));
+        QCOMPARE(evaluate(u"navigator.language"_s), u"fr-FR"_s);
+        QVERIFY(evaluate(u"document.querySelector('input').validationMessage"_s).startsWith(u"Veuillez"_s));
+        QStringList shown;
+        for (int number = QWebEnginePage::Back; number <= QWebEnginePage::SavePage; ++number)
+            shown += view()->page()->action(static_cast<QWebEnginePage::WebAction>(number))->text();
+        for (const char *const english : {"Back", "Open link in this window", "Save media", "Loop", "Unselect"})
+            QVERIFY2(!shown.contains(QString::fromLatin1(english)), english);
+    }
+
     void aRenderedPageWearsTheStyleSheetOfTheDataDirectory()
     {
         m_data.write(u"style.css"_s, "p { color: rgb(1, 2, 3); }");
@@ -185,6 +200,7 @@ int main(int argc, char *argv[])
 {
     qputenv("QTWEBENGINE_CHROMIUM_FLAGS", "--disable-gpu");
     QApplication app(argc, argv);
+    FrenchTexts::install(app);
     TestBrowserPane test;
     return QTest::qExec(&test, argc, argv);
 }

@@ -20,6 +20,7 @@ public:
         connect(&m_look, &QTimer::timeout, this, [this] {
             if (auto *box = qobject_cast<QDialog *>(QApplication::activeModalWidget())) {
                 ++closed;
+                titles += box->windowTitle();
                 box->reject();
             }
         });
@@ -27,6 +28,7 @@ public:
     }
 
     int closed = 0;
+    QStringList titles;
 
 private:
     QTimer m_look;
@@ -149,6 +151,17 @@ private Q_SLOTS:
         letPass(50);
         QVERIFY2(boxes(engine) <= most, QByteArray::number(boxes(engine)));
         QVERIFY(boxes(engine) > 0);
+    }
+
+    void theBoxesOfAPageAreNamedAfterIt()
+    {
+        serve(u"/three.html"_s, "<html><body><script>alert(1); document.body.append(confirm(2), prompt(3), ' fin')"
+                                "</script></body></html>");
+        EngineBoxes engine;
+        QVERIFY(goAndWait(m_server->url(u"/three.html"_s)));
+        QVERIFY(showsText(u"falsenull fin"_s));
+        const QString title = u"Message de la page de "_s + QUrl(m_server->url({})).authority();
+        QCOMPARE(engine.titles, QStringList(3, title));
     }
 
     void aPressInThePageRenewsWhatItMayAsk()

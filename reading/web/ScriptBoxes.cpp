@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "reading/web/ScriptBoxes.h"
+
+#include "platform/Literals.h"
+
+#include <QInputDialog>
+#include <QMessageBox>
+#include <QPointer>
+#include <QPushButton>
+#include <QUrl>
+
+namespace {
+
+constexpr qsizetype longestText = 2000;
+constexpr qsizetype mostLines = 20;
+
+QString title(const QUrl &page)
+{
+    const QString place = page.authority();
+    return place.isEmpty() ? u"Message de la page"_s : u"Message de la page de "_s + place;
+}
+
+QString readable(const QString &text)
+{
+    const QString part = text.left(longestText);
+    const QString shown = part.section(u'\n', 0, mostLines - 1);
+    return shown.size() < text.size() ? shown + u'…' : shown;
+}
+
+bool ask(QWidget *parent, const QUrl &page, const QString &text, bool canCancel)
+{
+    const QPointer<QMessageBox> box = new QMessageBox(parent);
+    box->setWindowTitle(title(page));
+    box->setTextFormat(Qt::PlainText);
+    box->setText(readable(text));
+    box->setIcon(canCancel ? QMessageBox::Question : QMessageBox::Information);
+    const QPushButton *const ok = box->addButton(u"OK"_s, QMessageBox::AcceptRole);
+    if (canCancel)
+        box->addButton(u"Annuler"_s, QMessageBox::RejectRole);
+    box->exec();
+    if (!box)
+        return false;
+    const bool agreed = box->clickedButton() == ok;
+    delete box;
+    return agreed;
+}
+
+} // namespace
+
+void ScriptBoxes::alert(QWidget *parent, const QUrl &page, const QString &text)
+{
+    ask(parent, page, text, false);
+}
+
+bool ScriptBoxes::confirm(QWidget *parent, const QUrl &page, const QString &text)
+{
+    return ask(parent, page, text, true);
+}
+
+bool ScriptBoxes::prompt(QWidget *parent, const QUrl &page, const QString &text, const QString &standard,
+                         QString &result)
+{
+    const QPointer<QInputDialog> box = new QInputDialog(parent);
+    box->setWindowTitle(title(page));
+    box->setLabelText(readable(text));
+    box->setTextValue(standard);
+    box->setOkButtonText(u"OK"_s);
+    box->setCancelButtonText(u"Annuler"_s);
+    const bool agreed = box->exec() == QDialog::Accepted && box;
+    if (agreed)
+        result = box->textValue();
+    delete box;
+    return agreed;
+}
