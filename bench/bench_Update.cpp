@@ -66,6 +66,7 @@ BENCHMARK_DEFINE_F(UpdateParts, mergeAndSave)(benchmark::State &state)
         QString havecache = u"0"_s;
         state.ResumeTiming();
         benchmark::DoNotOptimize(ItemStore::merge(fresh, store, u"7"_s, havecache, QDate::currentDate()));
+        store.Save();
     }
 }
 

@@ -103,6 +103,5 @@ qint16 ItemStore::merge(const CachedFeed &fresh, CachedFeed &store, const QStrin
         havecache = u"1"_s;
     }
     clearTombstones(store, titles);
-    store.Save();
     return count;
 }

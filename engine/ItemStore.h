@@ -15,12 +15,12 @@ namespace ItemStore {
 bool ItemExists(qint16 index, const CachedFeed &source, const CachedFeed &target);
 
 /// Merges the items of `fresh` into `store`, in front, in the order of `fresh`, those whose titles `store` doesn't hold
-/// yet (of two with one title the first), then retention, then clearing of the tombstones that `fresh` no longer lists,
-/// then Save() of `store`. Returns the number of new items. Linear in the items of both.
+/// yet (of two with one title the first), then retention, then clearing of the tombstones that `fresh` no longer lists.
+/// What is left to do is to save `store`. Returns the number of new items. Linear in the items of both.
 ///
 /// Retention runs only when `havecache` is "0"; it marks as deleted the items downloaded more than `updatecache` days
 /// before `today`, unless that number is negative, and sets `havecache` to "1". Throws RunTimeError when `updatecache`
-/// is no 16-bit number, or when Save() fails.
+/// is no 16-bit number.
 qint16 merge(const CachedFeed &fresh, CachedFeed &store, const QString &updatecache, QString &havecache, QDate today);
 
 } // namespace ItemStore

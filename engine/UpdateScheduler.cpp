@@ -4,7 +4,7 @@
 
 #include "core/FeedCatalogue.h"
 #include "core/FeedTreeState.h"
-#include "engine/ItemStore.h"
+#include "engine/FeedUpdate.h"
 #include "platform/Literals.h"
 #include "platform/Numbers.h"
 #include "platform/RunTimeError.h"
@@ -20,6 +20,7 @@ namespace {
 constexpr int tickMs = 60000;
 constexpr int globalTickMs = 1000;
 constexpr int stepMs = 100;
+constexpr int breathMs = 10; // enough for what was asked meanwhile, and for a window to be painted
 
 /// Whole-minute boundaries between two times: from 12:00:59 to 12:01:00 there is one.
 qint16 minuteBoundaries(const QDateTime &from, const QDateTime &to)
@@ -53,6 +54,8 @@ UpdateScheduler::UpdateScheduler(Surroundings surroundings, QObject *parent)
     connect(&m_surroundings.dwlUpdate, &Downloader::DownloadProgress, this, &UpdateScheduler::handleDownloadProgress);
     connect(&m_surroundings.dwlUpdate, &Downloader::DownloadComplete, this, &UpdateScheduler::handleDownloadComplete);
 }
+
+UpdateScheduler::~UpdateScheduler() = default;
 
 void UpdateScheduler::start(bool updateAtStart)
 {
@@ -190,32 +193,50 @@ void UpdateScheduler::handleDownloadComplete(qint32 status)
     if (m_stopped || !m_updateRunning)
         return;
     Q_EMIT fetchEnded();
-    // One moment for all items of the update: asking the clock for each costs about as much as copying the item.
-    const Clock now = [moment = m_surroundings.clock()] { return moment; };
-    CachedFeed fresh(now);
-    if (status != 200 || fresh.Load(m_surroundings.directory.file(u"tmpupd.xml"_s)) != LoadOk) {
+    if (status != 200) {
         endUpdate(0);
         return;
     }
     const QString key = m_updatingNode->key();
-    const QString cacheFile = m_surroundings.directory.cacheFile(key);
-    CachedFeed store(now);
+    const DataDirectory &directory = m_surroundings.directory;
+    m_update = std::make_unique<FeedUpdate>(
+        FeedUpdate::Surroundings{key, directory.file(u"tmpupd.xml"_s), directory.cacheFile(key), m_surroundings.tables,
+                                 m_surroundings.clock(), m_surroundings.largestCacheFile});
+    goOnWithUpdate();
+}
+
+/// Does the parts of the update in one go as long as they are quick. Where they aren't, the window has its events
+/// before the next one; the update still runs then, so that no other begins.
+void UpdateScheduler::goOnWithUpdate()
+{
+    if (m_stopped)
+        return;
+    const QDateTime begin = m_surroundings.clock();
+    FeedUpdate::State state = m_update->goOn();
+    while (state == FeedUpdate::State::Unfinished) {
+        if (begin.msecsTo(m_surroundings.clock()) > stepMs) {
+            QTimer::singleShot(breathMs, this, &UpdateScheduler::goOnWithUpdate);
+            return;
+        }
+        state = m_update->goOn();
+    }
+    const std::unique_ptr<FeedUpdate> update = std::move(m_update);
     // Without its cache file the feed stays in flight, and no other update begins until the program ends: a store that
     // can't be read isn't started anew over the user's items (the scheduler's tests hold it).
-    if (store.Load(cacheFile) != LoadOk)
+    if (state == FeedUpdate::State::NoStore)
         return;
-    QString havecache = m_surroundings.tables.havecache.Item(key);
-    const QString before = havecache;
-    const qint16 newItems =
-        ItemStore::merge(fresh, store, m_surroundings.tables.updatecache.Item(key), havecache, now().date());
-    if (havecache != before)
-        m_surroundings.tables.havecache.Replace(key, havecache);
+    if (state == FeedUpdate::State::Merged)
+        showUpdate(update->title(), update->newItems());
+    endUpdate(state == FeedUpdate::State::Merged ? update->newItems() : qint16(0));
+}
 
+void UpdateScheduler::showUpdate(const QString &title, qint16 newItems)
+{
     if (newItems >= 1)
-        Q_EMIT newItemsFound(fresh.Title(), newItems);
+        Q_EMIT newItemsFound(title, newItems);
+    const QString key = m_updatingNode->key();
     if (shouldBeShown(key) && showAfresh(key))
         Q_EMIT feedOnShowReloaded(newItems);
-    endUpdate(newItems);
 }
 
 void UpdateScheduler::endUpdate(qint16 newItems)

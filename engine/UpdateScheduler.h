@@ -12,10 +12,12 @@
 #include <QTimer>
 
 #include <functional>
+#include <memory>
 
 class clsDES;
 class Downloader;
 class FeedTreeState;
+class FeedUpdate;
 
 /// Refreshes the feeds of the catalogue, one at a time: each on its own period, all at once, or one that the user asks
 /// for. It tells by signals what it does and has no words for the user.
@@ -37,9 +39,11 @@ public:
         std::function<bool()> isConnected;
         Clock clock;
         Wait wait;
+        qint64 largestCacheFile = 256LL * 1024 * 1024; ///< bytes; a merge that would carry one past it is left out
     };
 
     explicit UpdateScheduler(Surroundings surroundings, QObject *parent = nullptr);
+    ~UpdateScheduler() override;
 
     /// Turns on exactly one timer: timGlobalUpdate (once, after 1000 ms) when all feeds are to be updated at the start,
     /// otherwise timUpdate (each 60000 ms).
@@ -97,6 +101,8 @@ private:
     bool isOnShow(const QString &key) const;
     bool shouldBeShown(const QString &key) const;
     bool showAfresh(const QString &key);
+    void goOnWithUpdate();
+    void showUpdate(const QString &title, qint16 newItems);
     void endUpdate(qint16 newItems);
     void waitForUpdate();
 
@@ -104,6 +110,7 @@ private:
     QTimer m_timUpdate{this};
     QTimer m_timGlobalUpdate{this};
     FeedNodePtr m_updatingNode;
+    std::unique_ptr<FeedUpdate> m_update; ///< from the end of the download to that of the update
     bool m_updateRunning = false;
     bool m_updateAllRunning = false;
     bool m_stopped = false;

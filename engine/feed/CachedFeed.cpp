@@ -76,6 +76,17 @@ void CachedFeed::Save()
         write(m_document->prepareForSaving());
 }
 
+bool CachedFeed::SaveWithin(qint64 most)
+{
+    if (!m_document || IsStale())
+        return false;
+    const QByteArray bytes = m_document->prepareForSaving();
+    if (bytes.size() > most && (!m_stamp || bytes.size() > m_stamp->size))
+        return false;
+    write(bytes);
+    return true;
+}
+
 bool CachedFeed::IsStale() const
 {
     if (!m_document)

@@ -50,6 +50,10 @@ public:
     /// the newer file doesn't load or is a download, or when the file was deleted.
     void Save();
 
+    /// Save() of a document that isn't stale, unless the file would grow past `most` bytes. False when nothing was
+    /// written.
+    bool SaveWithin(qint64 most);
+
     bool IsLoaded() const;
     QString Path() const { return m_path; } ///< That of the last successful Load(); "" when nothing is held.
 

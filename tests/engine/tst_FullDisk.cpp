@@ -128,6 +128,7 @@ private:
         fresh.DeleteItem(0);
         QString havecache = u"0"_s;
         ItemStore::merge(fresh, store, u"-7"_s, havecache, QDate::currentDate());
+        store.Save();
     }
 
     void mark() const

@@ -41,6 +41,14 @@ qint16 mergeByTheRules(const CachedFeed &fresh, CachedFeed &store, const QString
     return added;
 }
 
+/// As an update does it.
+qint16 merge(const CachedFeed &fresh, CachedFeed &store, const QString &updatecache, QString &havecache, QDate today)
+{
+    const qint16 added = ItemStore::merge(fresh, store, updatecache, havecache, today);
+    store.Save();
+    return added;
+}
+
 } // namespace
 
 class ItemStoreTest : public QObject
@@ -84,7 +92,7 @@ private Q_SLOTS:
                 }
             CachedFeed fresh(m_clock);
             load(fresh, u"f.xml"_s, FeedTexts::rss(u"T"_s, randomTitles(random.bounded(15))));
-            const qint16 added = ItemStore::merge(fresh, stores[0], cache, have[0], m_now.date());
+            const qint16 added = merge(fresh, stores[0], cache, have[0], m_now.date());
             QCOMPARE(added, mergeByTheRules(fresh, stores[1], cache, have[1], m_now.date()));
             QCOMPARE(have[0], u"1"_s);
             QCOMPARE(m_folder->read(u"a.xml"_s), m_folder->read(u"b.xml"_s));
@@ -105,7 +113,7 @@ private Q_SLOTS:
         CachedFeed store(m_clock);
         load(store, u"a.xml"_s, full);
         QString have = u"1"_s;
-        const qint16 added = ItemStore::merge(fresh, store, u"-7"_s, have, m_now.date());
+        const qint16 added = merge(fresh, store, u"-7"_s, have, m_now.date());
         load(store, u"b.xml"_s, full);
         QCOMPARE(added, mergeByTheRules(fresh, store, u"-7"_s, have, m_now.date()));
         QCOMPARE(m_folder->read(u"a.xml"_s), m_folder->read(u"b.xml"_s));
@@ -122,13 +130,13 @@ private Q_SLOTS:
         store.DeleteItem(0);
         QString have = u"1"_s;
         load(fresh, u"f.xml"_s, both);
-        QCOMPARE(ItemStore::merge(fresh, store, u"-7"_s, have, m_now.date()), qint16(0));
+        QCOMPARE(merge(fresh, store, u"-7"_s, have, m_now.date()), qint16(0));
         QCOMPARE(titles(u"s.xml"_s), (QStringList{u"a*"_s, u"b"_s}));
         load(fresh, u"f.xml"_s, FeedTexts::rss(u"T"_s, {u"b"_s}));
-        ItemStore::merge(fresh, store, u"-7"_s, have, m_now.date());
+        merge(fresh, store, u"-7"_s, have, m_now.date());
         QCOMPARE(titles(u"s.xml"_s), QStringList{u"b"_s});
         load(fresh, u"f.xml"_s, both);
-        QCOMPARE(ItemStore::merge(fresh, store, u"-7"_s, have, m_now.date()), qint16(1));
+        QCOMPARE(merge(fresh, store, u"-7"_s, have, m_now.date()), qint16(1));
         QCOMPARE(titles(u"s.xml"_s), (QStringList{u"a"_s, u"b"_s}));
     }
 
@@ -160,9 +168,9 @@ private Q_SLOTS:
         load(fresh, u"f.xml"_s, FeedTexts::rss(u"T"_s, {u"dropped"_s, listed}));
         QString have = u"1"_s;
         m_now = QDateTime(QDate(2004, 7, 1), QTime(23, 59));
-        ItemStore::merge(fresh, store, cache, have, m_now.date());
+        merge(fresh, store, cache, have, m_now.date());
         load(fresh, u"f.xml"_s, FeedTexts::rss(u"T"_s, {listed}));
-        ItemStore::merge(fresh, store, cache, havecache, m_now.date().addDays(daysLater));
+        merge(fresh, store, cache, havecache, m_now.date().addDays(daysLater));
         QCOMPARE(titles(u"s.xml"_s), stays ? (QStringList{u"dropped"_s, listed}) : QStringList{u"listed*"_s});
     }
 
@@ -175,8 +183,7 @@ private Q_SLOTS:
         load(fresh, u"f.xml"_s, before);
         for (const char *cache : {"", "x", "32768"}) {
             QString have = u"0"_s;
-            QVERIFY_EXCEPTION_THROWN(ItemStore::merge(fresh, store, QLatin1String(cache), have, m_now.date()),
-                                     RunTimeError);
+            QVERIFY_EXCEPTION_THROWN(merge(fresh, store, QLatin1String(cache), have, m_now.date()), RunTimeError);
         }
         QCOMPARE(m_folder->read(u"s.xml"_s), before);
     }
@@ -194,7 +201,7 @@ private Q_SLOTS:
             load(store, u"s.xml"_s, text);
             load(fresh, u"f.xml"_s, text);
             QString have = u"0"_s;
-            QCOMPARE(ItemStore::merge(fresh, store, u"7"_s, have, m_now.date()), qint16(0));
+            QCOMPARE(merge(fresh, store, u"7"_s, have, m_now.date()), qint16(0));
             QVERIFY2(DateText::isDate(store.ItemDownloadDate(0)), forged);
         }
     }

@@ -46,6 +46,7 @@ QString item(int number)
                 _Exit(1);
             QString havecache = u"0"_s;
             ItemStore::merge(fresh, store, u"-7"_s, havecache, QDate::currentDate());
+            store.Save();
         }
         if (number % 4 == 0)
             catalogue.createFolder(tree.root(), item(number));

@@ -1,70 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "core/FeedCatalogue.h"
-#include "core/FeedTreeState.h"
-#include "engine/AddFeed.h"
-#include "engine/UpdateScheduler.h"
-#include "platform/Literals.h"
 #include "platform/RunTimeError.h"
-#include "support/clsDES.h"
-#include "tests/fixtures/FakeDownloader.h"
-#include "tests/fixtures/FeedTexts.h"
-#include "tests/fixtures/TemporaryDataDirectory.h"
+#include "tests/engine/SchedulerFixture.h"
 
 #include <QTest>
 
-#include <functional>
-
-class UpdateSchedulerTest : public QObject
+class UpdateSchedulerTest : public QObject, private SchedulerFixture
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        m_scheduler.reset();
-        m_catalogue.reset();
-        m_folder = std::make_unique<TemporaryDataDirectory>();
-        m_folder->write(u"feeds.xml"_s, "<favoris/>");
-        m_downloader = std::make_unique<FakeDownloader>();
-        m_tree = std::make_unique<FeedTree>();
-        m_state = std::make_unique<FeedTreeState>(*m_tree);
-        m_current = std::make_unique<CurrentFeed>();
-        m_now = QDateTime(QDate(2004, 7, 1), QTime(12, 0));
-        m_connected = true;
-        m_waits = 0;
-        m_duringWait = [this] { m_downloader->answer(); };
-        m_catalogue = std::make_unique<FeedCatalogue>(m_folder->directory(), *m_tree, *m_state, m_cipher,
-                                                      [this] { return m_now; });
-        m_catalogue->loadCatalogue();
-        const Wait wait = [this](int milliseconds) {
-            QCOMPARE(milliseconds, 100);
-            m_now = m_now.addMSecs(milliseconds);
-            ++m_waits;
-            m_duringWait();
-        };
-        m_scheduler = std::make_unique<UpdateScheduler>(UpdateScheduler::Surroundings{
-            m_folder->directory(), *m_tree, *m_state, m_catalogue->tables, *m_current, m_cipher, *m_downloader,
-            [this] { return m_connected; }, [this] { return m_now; }, wait});
-        m_said.clear();
-        const auto note = [this](const QString &text) { return [this, text] { m_said.append(text); }; };
-        const UpdateScheduler *scheduler = m_scheduler.get();
-        connect(scheduler, &UpdateScheduler::began, this,
-                [this](const FeedNodePtr &n) { m_said.append(u"began "_s + n->text()); });
-        connect(scheduler, &UpdateScheduler::fetchBegan, this, note(u"fetch"_s));
-        connect(scheduler, &UpdateScheduler::fetchEnded, this, note(u"fetched"_s));
-        connect(scheduler, &UpdateScheduler::newItemsFound, this,
-                [this](const QString &title, qint16 count) { m_said.append(u"found %1: %2"_s.arg(title).arg(count)); });
-        connect(scheduler, &UpdateScheduler::feedOnShowReloaded, this, [this](qint16 newItems) {
-            QVERIFY(m_scheduler->updateRunning());
-            m_said.append(u"reloaded %1"_s.arg(newItems));
-        });
-        connect(scheduler, &UpdateScheduler::ended, this, [this](const FeedNodePtr &n, qint16 newItems) {
-            m_said.append(u"ended %1: %2"_s.arg(n->text()).arg(newItems));
-        });
-        connect(scheduler, &UpdateScheduler::allBegan, this, note(u"all began"_s));
-        connect(scheduler, &UpdateScheduler::allEnded, this, note(u"all ended"_s));
-    }
+    void init() { start(); }
 
     void anUpdateMergesAnnouncesAndReports()
     {
@@ -111,6 +57,8 @@ private Q_SLOTS:
         QTest::newRow("authentication") << 4 << QByteArray();
         QTest::newRow("not modified") << 304 << QByteArray();
         QTest::newRow("not a feed") << 200 << QByteArray("<html>");
+        QTest::newRow("more than a cache file may hold")
+            << 200 << FeedTexts::rss(u"Feed"_s, FeedTexts::titles(u"new"_s, 0, 1000));
     }
 
     void failuresEndQuietlyAndCountAsUpdated()
@@ -165,61 +113,6 @@ private Q_SLOTS:
         QCOMPARE(m_downloader->requests[0].url, u"http://example.org/feed://"_s);
         QCOMPARE(m_downloader->requests[0].username, u"user"_s);
         QCOMPARE(m_downloader->requests[0].password, u"pässword"_s);
-    }
-
-    void anUpdateAndTheDocumentOnShowShareOneFile_data()
-    {
-        QTest::addColumn<QString>("onShow");
-        QTest::addColumn<QString>("selected");
-        QTest::addColumn<bool>("addressFeedShown");
-        QTest::addColumn<bool>("reloaded");
-        QTest::newRow("its own") << u"feeds/1.xml"_s << u"1"_s << false << true;
-        QTest::newRow("its own, a folder selected") << u"feeds/1.xml"_s << u"root"_s << false << false;
-        QTest::newRow("its own, nothing selected") << u"feeds/1.xml"_s << QString() << false << false;
-        QTest::newRow("another, this one selected in flight") << u"feeds/2.xml"_s << u"1"_s << false << true;
-        QTest::newRow("an address") << u"tmp.xml"_s << u"1"_s << true << false;
-        QTest::newRow("a local file") << u"tmp.xml"_s << u"1"_s << false << false;
-    }
-
-    void anUpdateAndTheDocumentOnShowShareOneFile()
-    {
-        QFETCH(QString, onShow);
-        QFETCH(QString, selected);
-        QFETCH(bool, reloaded);
-        addFeed(1, FeedTexts::titles(u"i"_s, 0, 7));
-        addFeed(2, FeedTexts::titles(u"i"_s, 0, 7));
-        QCOMPARE(m_current->document->Load(m_folder->file(onShow)), LoadOk);
-        QFETCH(const bool, addressFeedShown);
-        m_current->addressFeedShown = addressFeedShown;
-        m_current->document->SetItemRead(0, true);
-        serve(1, FeedTexts::titles(u"new"_s, 0, 3)); // the server lists the seven no longer
-        m_scheduler->updateFeed(node(1));
-        m_state->select(m_tree->find(selected));
-        m_current->document->SetItemRead(1, true);
-        m_downloader->answer();
-        QCOMPARE(m_said.filter(u"reloaded"_s), reloaded ? QStringList{u"reloaded 3"_s} : QStringList());
-        QCOMPARE(m_current->document->ItemCount(), qint16(reloaded ? 10 : 7));
-        m_current->document->Save(); // another feed is clicked, or the program ends
-        QCOMPARE(storedItems(1), qint16(10));
-        CachedFeed stored;
-        QCOMPARE(stored.Load(m_folder->file(onShow)), LoadOk);
-        const qint16 first = onShow == u"feeds/1.xml" ? 3 : 0;
-        QVERIFY(stored.IsItemRead(first));
-        // A mark of its own set in flight goes with the document that is loaded afresh.
-        QCOMPARE(stored.IsItemRead(first + 1), first == 0 || !reloaded);
-    }
-
-    void theFeedThatAnImportTakesFromShowIsSaved()
-    {
-        addFeed(1, {u"a"_s});
-        QCOMPARE(m_current->document->Load(m_folder->cacheFile(u"1"_s)), LoadOk);
-        m_current->document->SetItemRead(0, true);
-        const auto imported = std::make_shared<CachedFeed>();
-        QCOMPARE(imported->Load(m_folder->file(u"tmp.xml"_s)), LoadOk);
-        AddFeed(imported, address(2), *m_current, *m_catalogue);
-        CachedFeed stored;
-        QCOMPARE(stored.Load(m_folder->cacheFile(u"1"_s)), LoadOk);
-        QVERIFY(stored.IsItemRead(0));
     }
 
     void aFeedIsDueOnlyAfterItsWholePeriod()
@@ -396,53 +289,6 @@ private Q_SLOTS:
         QCOMPARE(m_downloader->requests.size(), std::size_t(2));
     }
 
-private:
-    void addFeed(int key, const QStringList &items, int ttl = 60)
-    {
-        m_folder->write(u"tmp.xml"_s, FeedTexts::rss(u"Feed"_s, items));
-        m_catalogue->addFeed({name(key), QString::number(ttl), address(key), {}, {}});
-        QCOMPARE(m_tree->find(QString::number(key))->tag, address(key));
-        serve(key, items);
-    }
-    void serve(int key, const QStringList &items)
-    {
-        m_downloader->pages[address(key)] = FeedTexts::rss(name(key), items);
-    }
-    static QString name(int key) { return u"Feed %1"_s.arg(key); }
-    static QString address(int key) { return u"http://example.org/%1"_s.arg(key); }
-    FeedNodePtr node(int key) const { return m_tree->find(QString::number(key)); }
-    QStringList fetched() const
-    {
-        QStringList keys;
-        for (const FakeDownloader::Request &request : m_downloader->requests)
-            keys.append(request.url.section(u'/', -1));
-        return keys;
-    }
-    qint16 storedItems(int key) const
-    {
-        CachedFeed feed;
-        return feed.Load(m_folder->cacheFile(QString::number(key))) == LoadOk ? feed.ItemCount() : qint16(-1);
-    }
-    void setUpdated(int key, const QDateTime &when)
-    {
-        m_catalogue->tables.updatedate.Replace(QString::number(key), UpdateDate(when));
-    }
-
-    std::unique_ptr<TemporaryDataDirectory> m_folder;
-    std::unique_ptr<FakeDownloader> m_downloader;
-    std::unique_ptr<FeedTree> m_tree;
-    std::unique_ptr<FeedTreeState> m_state;
-    std::unique_ptr<FeedCatalogue> m_catalogue;
-    std::unique_ptr<CurrentFeed> m_current;
-    std::unique_ptr<UpdateScheduler> m_scheduler;
-    QStringList m_said; ///< the signals
-    clsDES m_cipher;
-    QDateTime m_now;
-    bool m_connected = true;
-    int m_waits = 0;
-    std::function<void()> m_duringWait; ///< what happens in a wait; by default the running download is answered
-
-private Q_SLOTS:
     void aDayOfTwoHundredFeeds()
     {
         constexpr int feeds = 200;
