@@ -6,8 +6,8 @@
 
 class QCoreApplication;
 
-/// The French of what the libraries show by themselves (file dialogs, colours, the menu of a page), whatever language the
-/// system speaks: the program has no other.
+/// The French of what the libraries show by themselves (file dialogs, colours, the menu of a page), whatever language
+/// the system speaks: the program has no other.
 class FrenchTexts final : public QTranslator
 {
     Q_OBJECT

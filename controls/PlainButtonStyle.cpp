@@ -5,6 +5,5 @@
 int PlainButtonStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
                                 QStyleHintReturn *returnData) const
 {
-    return hint == SH_DialogButtonBox_ButtonsHaveIcons ? 0
-                                                       : QProxyStyle::styleHint(hint, option, widget, returnData);
+    return hint == SH_DialogButtonBox_ButtonsHaveIcons ? 0 : QProxyStyle::styleHint(hint, option, widget, returnData);
 }

@@ -15,11 +15,11 @@ class FeedUpdate final
 public:
     struct Surroundings
     {
-        QString key;            ///< the feed's
-        QString freshFile;      ///< what was downloaded
-        QString cacheFile;      ///< where it goes
-        FeedTables &tables;     ///< retention is read there, and that it ran is noted
-        QDateTime moment;       ///< now, for all items of the update
+        QString key;             ///< the feed's
+        QString freshFile;       ///< what was downloaded
+        QString cacheFile;       ///< where it goes
+        FeedTables &tables;      ///< retention is read there, and that it ran is noted
+        QDateTime moment;        ///< now, for all items of the update
         qint64 largestCacheFile; ///< bytes
     };
 

@@ -43,23 +43,24 @@ protected:
             ++m_waits;
             m_duringWait();
         };
-        m_scheduler = std::make_unique<UpdateScheduler>(UpdateScheduler::Surroundings{
-            m_folder->directory(), *m_tree, *m_state, m_catalogue->tables, *m_current, m_cipher, *m_downloader,
-            [this] { return m_connected; },
-            [this] {
-                ++m_looks;
-                return m_now = m_now.addMSecs(m_slowness);
-            },
-            wait, largestCacheFile});
+        m_scheduler = std::make_unique<UpdateScheduler>(
+            UpdateScheduler::Surroundings{m_folder->directory(), *m_tree, *m_state, m_catalogue->tables, *m_current,
+                                          m_cipher, *m_downloader, [this] { return m_connected; },
+                                          [this] {
+                                              ++m_looks;
+                                              return m_now = m_now.addMSecs(m_slowness);
+                                          },
+                                          wait, largestCacheFile});
         m_said.clear();
         const auto note = [this](const QString &text) { return [this, text] { m_said.append(text); }; };
         const UpdateScheduler *scheduler = m_scheduler.get();
         QObject::connect(scheduler, &UpdateScheduler::began, scheduler,
-                [this](const FeedNodePtr &n) { m_said.append(u"began "_s + n->text()); });
+                         [this](const FeedNodePtr &n) { m_said.append(u"began "_s + n->text()); });
         QObject::connect(scheduler, &UpdateScheduler::fetchBegan, scheduler, note(u"fetch"_s));
         QObject::connect(scheduler, &UpdateScheduler::fetchEnded, scheduler, note(u"fetched"_s));
-        QObject::connect(scheduler, &UpdateScheduler::newItemsFound, scheduler,
-                [this](const QString &title, qint16 count) { m_said.append(u"found %1: %2"_s.arg(title).arg(count)); });
+        QObject::connect(
+            scheduler, &UpdateScheduler::newItemsFound, scheduler,
+            [this](const QString &title, qint16 count) { m_said.append(u"found %1: %2"_s.arg(title).arg(count)); });
         QObject::connect(scheduler, &UpdateScheduler::feedOnShowReloaded, scheduler, [this](qint16 newItems) {
             QVERIFY(m_scheduler->updateRunning());
             m_said.append(u"reloaded %1"_s.arg(newItems));
@@ -116,8 +117,7 @@ protected:
     QDateTime m_now;
     bool m_connected = true;
     int m_waits = 0;
-    int m_looks = 0;    ///< at the clock
-    int m_slowness = 0; ///< milliseconds that pass between two of them
+    int m_looks = 0;                    ///< at the clock
+    int m_slowness = 0;                 ///< milliseconds that pass between two of them
     std::function<void()> m_duringWait; ///< what happens in a wait; by default the running download is answered
-
 };

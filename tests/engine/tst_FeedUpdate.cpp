@@ -101,7 +101,8 @@ private Q_SLOTS:
         else
             QTRY_VERIFY(!m_scheduler->updateRunning());
         QCOMPARE(m_downloader->requests.size(), std::size_t(1));
-        QCOMPARE(m_said.mid(3), ends ? QStringList() : (QStringList{u"found Feed 1: 3"_s, u"reloaded 3"_s, u"ended Feed 1: 3"_s}));
+        QCOMPARE(m_said.mid(3),
+                 ends ? QStringList() : (QStringList{u"found Feed 1: 3"_s, u"reloaded 3"_s, u"ended Feed 1: 3"_s}));
         CachedFeed stored;
         QCOMPARE(stored.Load(m_folder->cacheFile(u"1"_s)), LoadOk);
         const qint16 newItems = ends && afterPart < 4 ? 0 : 3;
