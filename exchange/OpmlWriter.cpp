@@ -2,11 +2,11 @@
 
 #include "exchange/OpmlWriter.h"
 
-#include "platform/AnsiText.h"
 #include "platform/Files.h"
 #include "platform/Literals.h"
-#include "platform/RunTimeError.h"
 #include "platform/xml/XmlDocument.h"
+
+#include <QList>
 
 namespace {
 
@@ -35,6 +35,22 @@ void exportNode(const XmlNode &node, bool structured, QString &stream)
     }
 }
 
+/// The text as the file's declaration says, which every reader goes by. What the encoding lacks stands as its number.
+QByteArray inLatin1(const QString &text)
+{
+    constexpr uint lastOfLatin1 = 0xFF;
+    QByteArray bytes;
+    const QList<uint> characters = text.toUcs4();
+    bytes.reserve(characters.size());
+    for (const uint character : characters) {
+        if (character <= lastOfLatin1)
+            bytes += static_cast<char>(character);
+        else
+            bytes += "&#" + QByteArray::number(character) + ';';
+    }
+    return bytes;
+}
+
 } // namespace
 
 bool writeOpml(const OpmlExport &what, const QString &path)
@@ -44,7 +60,6 @@ bool writeOpml(const OpmlExport &what, const QString &path)
         return false;
 
     QString stream;
-    // Declared so whatever the code page of the system is.
     writeLine(stream, u"<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>"_s);
     writeLine(stream, u"<opml version=\"1.1\">"_s);
     writeLine(stream, u"<head>"_s);
@@ -57,8 +72,6 @@ bool writeOpml(const OpmlExport &what, const QString &path)
     writeLine(stream, u"</body>"_s);
     writeLine(stream, u"</opml>"_s);
 
-    if (!AnsiText::holds(stream))
-        throw RunTimeError::invalidCall();
-    Files::write(path, AnsiText::toBytes(stream));
+    Files::write(path, inLatin1(stream));
     return true;
 }

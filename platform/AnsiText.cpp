@@ -49,14 +49,6 @@ QString AnsiText::fromBytes(const QByteArray &bytes)
     return text;
 }
 
-bool AnsiText::holds(const QString &text)
-{
-    for (const QChar c : text)
-        if (byteOf(c.unicode()) == noByte)
-            return false;
-    return true;
-}
-
 QString AnsiText::widenBytes(const QString &text)
 {
     QString wide(text.size() * 2, Qt::Uninitialized);

@@ -15,9 +15,6 @@ QByteArray toBytes(const QString &text);
 /// The text of `bytes`. Every byte gives one character.
 QString fromBytes(const QByteArray &bytes);
 
-/// True when the code page holds every character of `text`.
-bool holds(const QString &text);
-
 /// The bytes of `text` as it lies in memory, two for each UTF-16 code unit, low byte first, each turned
 /// into one character of the code page. "é" becomes "é" and a zero character. Pages and mails take their texts through
 /// this, the page being a file of single bytes whose zeros the pane drops; lists show them as they are.

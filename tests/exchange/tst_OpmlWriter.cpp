@@ -77,11 +77,27 @@ private Q_SLOTS:
         QVERIFY(!OpmlDocument().load(target()));
     }
 
+    void whatLatin1LacksIsWrittenAsItsNumberAndReadBack()
+    {
+        m_title = u"été \U0001F600"_s + QChar(0xD800);
+        QVERIFY(write(
+            "<favoris><feed name='L\u2019\u00e9t\u00e9, \u0153uvre \u2013 5\u00a0\u20ac \u0141 \U0001F600' url='u'/>"
+            "<feed name='&#x81;&#x92;' url='\u65e5'/></favoris>"));
+        const QByteArray bytes = m_data.read(u"out.opml"_s);
+        QVERIFY(bytes.contains("<title>\xE9t\xE9 &#128512;&#65533;</title>"));
+        QVERIFY(bytes.contains(
+            "\"L&#8217;\xE9t\xE9, &#339;uvre &#8211; 5\xA0&#8364; &#321; &#128512;\" xmlUrl=\"u\" />\r\n"));
+        QVERIFY(bytes.contains("\"\x81\x92\" xmlUrl=\"&#26085;\" />\r\n"));
+        OpmlDocument document;
+        QVERIFY(document.load(target()));
+        QCOMPARE(document.list().feeds.at(0).text, u"L\u2019été, œuvre \u2013 5\u00a0€ Ł \U0001F600"_s);
+        QCOMPARE(document.list().feeds.at(1).text, u"\u0081\u0092"_s);
+        QCOMPARE(document.list().feeds.at(1).address, u"\u65e5"_s);
+    }
+
     void anOldFileStandsWhenTheExportFails_data()
     {
         QTest::addColumn<QByteArray>("catalogue");
-        QTest::newRow("a character outside the code page")
-            << QByteArray("<favoris><feed name=\"&#26085;\" url=\"u\"/></favoris>");
         QTest::newRow("a feed without address") << QByteArray("<favoris><feed name=\"A\"/></favoris>");
         QTest::newRow("another root") << QByteArray("<feeds/>");
     }

@@ -60,8 +60,6 @@ void TextAndNumbersTest::aCharacterOutsideTheCodePageBecomesAQuestionMark()
 {
     QCOMPARE(AnsiText::toBytes(u"Łódź €"_s), QByteArray("?\xF3"
                                                         "d? \x80"));
-    QVERIFY(!AnsiText::holds(u"Łódź"_s));
-    QVERIFY(AnsiText::holds(u"œuvre à 5 €"_s));
 }
 
 void TextAndNumbersTest::wideningGivesTheLowByteFirst()
