@@ -14,6 +14,18 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QTextDocument>
+
+namespace {
+
+/// What stands in the box. Its own plain text has ordinary blanks in place of those that don't break.
+QString textOf(const QPlainTextEdit &box)
+{
+    QString text = box.document()->toRawText();
+    return text.replace(QChar::ParagraphSeparator, u'\n').replace(QChar::LineSeparator, u'\n');
+}
+
+} // namespace
 
 frmSendMail::frmSendMail(QWidget *owner, const AppSettings &settings, Messages &messages, const QString &body,
                          Wait wait, MakeMail makeMail)
@@ -82,7 +94,7 @@ void frmSendMail::handleSend()
     m_poSendMail->setRecipient(m_txtDestMail->text());
     m_poSendMail->setRecipientDisplayName(m_txtDestName->text());
     m_poSendMail->setSubject(m_txtSujet->text());
-    m_poSendMail->setMessage(m_txtContent->toPlainText());
+    m_poSendMail->setMessage(textOf(*m_txtContent));
     // The port of the settings is only kept: mail goes by the mail object's own, which servers listen on whatever
     // a user has put there.
     m_poSendMail->Send();

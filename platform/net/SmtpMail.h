@@ -4,6 +4,7 @@
 
 #include "platform/MailSender.h"
 #include "platform/net/MailMessage.h"
+#include "platform/net/SmtpLimits.h"
 
 #include <QString>
 
@@ -17,12 +18,7 @@ class SmtpMail : public MailSender
     Q_OBJECT
 
 public:
-    struct Limits
-    {
-        int connectMs = 30000; ///< until the server's address is found and the connection stands
-        int idleMs = 60000;    ///< between two signs of life of the server, to the second
-        int totalMs = 300000;  ///< the whole attempt
-    };
+    using Limits = SmtpLimits;
 
     /// `keepAlive` is called at least every 50 ms while Send() works, so that the window can be repainted (as
     /// Waiting::repaintWindows() does). False from it gives the attempt up,
@@ -42,8 +38,8 @@ public:
     void setLimits(const Limits &limits) { m_limits = limits; }
 
     /// A call from within another one (through keepAlive) fails and leaves that other one alone. The object may be
-    /// destroyed from within keepAlive. The explanation of a failure is the library's text, and on a line of its own
-    /// the server's answer where there is one; or, before anything was sent, what is wrong with an address.
+    /// destroyed from within keepAlive. The explanation of a failure is French; a refusal is followed by the server's
+    /// own words, on lines of their own.
     void Send() override;
 
 private:

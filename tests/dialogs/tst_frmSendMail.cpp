@@ -54,7 +54,7 @@ private Q_SLOTS:
             mail->setLimits({.idleMs = 300});
             return mail;
         };
-        const QString body = u"Titre\r\n\r\nT"_s + QChar(0) + u"exte\r\n"_s;
+        const QString body = u"Titre\r\n\r\nT"_s + QChar(0) + u"exte\u00a0:\u2028fin\r\n"_s;
         m_form = std::make_unique<frmSendMail>(
             &m_window, m_settings, *m_messages, body, [this](int ms) { m_onWait(ms); }, make);
         m_form->show();
@@ -92,7 +92,7 @@ private Q_SLOTS:
         const LocalSmtpServer::Mail mail = m_server->mails().constFirst();
         QCOMPARE(mail.from, QByteArray("<moi@example.org>"));
         QCOMPARE(mail.recipients, QList<QByteArray>{"<toi@example.org>"});
-        for (const char *const part : {"Subject: Une news", "Moi", "Toi", "Titre\r\n\r\nTexte"})
+        for (const char *const part : {"Subject: Une news", "Moi", "Toi", "Titre\r\n\r\nTexte=C2=A0:\r\nfin\r\n"})
             QVERIFY2(mail.data.contains(part), mail.data.constData());
     }
 

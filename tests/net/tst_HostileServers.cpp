@@ -4,9 +4,9 @@
 #include "platform/Literals.h"
 #include "platform/net/Downloader.h"
 #include "tests/fixtures/LocalHttpServer.h"
+#include "tests/fixtures/ResidentMemory.h"
 
 #include <QElapsedTimer>
-#include <QFile>
 #include <QFileInfo>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -23,7 +23,6 @@
 #include <memory>
 #include <netdb.h>
 #include <thread>
-#include <unistd.h>
 
 using Answer = LocalHttpServer::Answer;
 
@@ -44,13 +43,6 @@ QByteArray gzip(const QByteArray &text)
     coded.truncate(static_cast<qsizetype>(stream.total_out));
     deflateEnd(&stream);
     return coded;
-}
-
-qint64 residentBytes()
-{
-    QFile file(u"/proc/self/statm"_s);
-    return file.open(QIODevice::ReadOnly) ? file.readAll().split(' ').value(1).toLongLong() * ::sysconf(_SC_PAGESIZE)
-                                          : 0;
 }
 
 const QByteArray head = QByteArrayLiteral("HTTP/1.1 200 OK\r\nConnection: close\r\n");

@@ -2,8 +2,8 @@
 
 #include "platform/Literals.h"
 #include "platform/net/SmtpMail.h"
-
 #include "tests/fixtures/LocalSmtpServer.h"
+#include "tests/fixtures/ResidentMemory.h"
 
 #include <QElapsedTimer>
 #include <QJsonDocument>
@@ -14,6 +14,7 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <functional>
 #include <memory>
 
 using Step = LocalSmtpServer::Step;
@@ -177,46 +178,80 @@ private Q_SLOTS:
     {
         for (const Step step : {Step::Greeting, Step::MailFrom, Step::RcptTo, Step::Data, Step::EndOfData}) {
             m_server = std::make_unique<LocalSmtpServer>();
-            m_server->refuseAt(step, "554 5.7.1 Not today");
-            const QString explanation = send(*newMail());
-            QVERIFY2(explanation.endsWith(u"\n554 5.7.1 Not today"), qPrintable(explanation));
+            m_server->refuseAt(step, "554-5.7.1 Not today\r\n554-Ask the postm\xE4ster\r\n554 ");
+            QCOMPARE(send(*newMail()),
+                     u"Le serveur SMTP a refusé le mail\u00a0:\n554 5.7.1 Not today\nAsk the postmäster"_s);
             QVERIFY(m_server->mails().isEmpty());
         }
     }
 
-    void stallingServerIsGivenUp()
+    void noServerHoldsOrSwellsASending_data()
     {
-        for (const Step step : {Step::Greeting, Step::EndOfData, Step::Quit}) {
-            m_server = std::make_unique<LocalSmtpServer>();
-            m_server->stallAt(step);
-            const auto mail = newMail();
-            SmtpMail::Limits limits;
-            limits.idleMs = 300;
-            mail->setLimits(limits);
-            QElapsedTimer timer;
-            timer.start();
-            const QString outcome = send(*mail);
-            QVERIFY(timer.elapsed() < 3000);
-            if (step == Step::Quit) // that it forgets to say good-bye is no failure
-                QCOMPARE(outcome, u"sent");
-            else
-                QVERIFY2(outcome.contains(u"Timeout") || outcome.contains(u"timed out"), qPrintable(outcome));
+        QTest::addColumn<std::function<void(LocalSmtpServer &)>>("hostility");
+        QTest::addColumn<QString>("outcome");
+        const auto row = [](const QByteArray &name, const std::function<void(LocalSmtpServer &)> &hostility,
+                            const QString &outcome) { QTest::newRow(name.constData()) << hostility << outcome; };
+        const auto flood = [&row](const char *name, Step step, const QByteArray &portion, const QString &outcome,
+                                  int everyMs = 0) {
+            row(
+                name, [=](LocalSmtpServer &server) { server.floodAt(step, portion, everyMs); }, outcome);
+        };
+        const QString endless = u"La réponse du serveur SMTP n'a pas de fin."_s;
+        const QString late = u"Le serveur SMTP n'a pas répondu à temps."_s;
+        const QString cut = u"La connexion avec le serveur SMTP a été coupée."_s;
+        flood("a greeting without end", Step::Greeting, "220-hello\r\n", endless);
+        // Which of the bounds comes first in these two is up to the library.
+        flood("a greeting in one line without end", Step::Greeting, "220 hello", u"L"_s);
+        flood("offers without end", Step::Hello, "250-X\r\n", u"L"_s);
+        flood("a greeting that drips", Step::Greeting, "220-hello\r\n", late, 50);
+        flood("noise without end", Step::RcptTo, "x\r\n", endless);
+        flood("a refusal without end", Step::MailFrom, "550-no\r\n",
+              u"Le serveur SMTP a refusé le mail\u00a0:\n550 no\nno\n"_s);
+        flood("an answer to the mail without end", Step::EndOfData, "250-ok\r\n", endless);
+        flood("a good-bye without end", Step::Quit, "221-x\r\n", u"sent"_s);
+        for (const Step step : {Step::Greeting, Step::Hello, Step::MailFrom, Step::Data, Step::EndOfData, Step::Quit}) {
+            const QByteArray name = QByteArray::number(int(step));
+            const bool isTaken = step == Step::Quit;
+            row(
+                "silence at step " + name, [=](LocalSmtpServer &server) { server.stallAt(step); },
+                isTaken ? u"sent"_s : late);
+            row(
+                "a break at step " + name, [=](LocalSmtpServer &server) { server.dropAt(step); },
+                isTaken ? u"sent"_s : cut);
         }
+    }
+
+    void noServerHoldsOrSwellsASending()
+    {
+        QFETCH(std::function<void(LocalSmtpServer &)>, hostility);
+        QFETCH(QString, outcome);
+        hostility(*m_server);
+        const auto mail = newMail();
+        mail->setLimits({.idleMs = 300, .totalMs = 900});
+        const qint64 before = residentBytes();
+        QElapsedTimer timer;
+        timer.start();
+        const QString told = send(*mail);
+        const qint64 took = timer.elapsed();
+        const qint64 grown = residentBytes() - before;
+        QVERIFY2(told.startsWith(outcome) && told.size() < 1200, qPrintable(told));
+        QVERIFY2(took < (outcome == u"sent" ? 250 : 2000), QByteArray::number(took));
+        QVERIFY2(grown < 6LL * 1024 * 1024, QByteArray::number(grown));
     }
 
     void unreachableServerIsAFailure()
     {
         const QString incorrect = u"Le nom du serveur SMTP est incorrect : "_s;
-        const QList<QPair<QString, QString>> hosts = {{u"127.0.0.1"_s, u"connect"_s},
-                                                      {u"no-such-host.invalid"_s, u"resolve"_s},
-                                                      {QString(), incorrect},
-                                                      {u"127.0.0.1/x?y@z"_s, incorrect}};
+        const QList<QPair<QString, QString>> hosts = {
+            {u"127.0.0.1"_s, u"Le serveur SMTP ne peut pas être joint."_s},
+            {u"no-such-host.invalid"_s, u"Le serveur SMTP est introuvable."_s},
+            {QString(), incorrect},
+            {u"127.0.0.1/x?y@z"_s, incorrect + u"127.0.0.1/x?y@z"}};
         const auto mail = newMail();
         m_server.reset();
         for (const auto &[host, explanation] : hosts) {
             mail->setSmtpHost(host);
-            const QString told = send(*mail);
-            QVERIFY2(told.contains(explanation), qPrintable(told));
+            QCOMPARE(send(*mail), explanation);
         }
     }
 
@@ -292,7 +327,7 @@ private Q_SLOTS:
         limits.idleMs = 600;
         mail->setLimits(limits);
         send(*mail);
-        QVERIFY2(longest > 0 && longest <= 100, QByteArray::number(longest).constData());
+        QVERIFY2(longest > 0 && longest <= 250, QByteArray::number(longest).constData());
     }
 };
 
