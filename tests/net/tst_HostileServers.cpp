@@ -3,6 +3,7 @@
 #include "platform/Files.h"
 #include "platform/Literals.h"
 #include "platform/net/Downloader.h"
+#include "tests/fixtures/HostileAnswers.h"
 #include "tests/fixtures/LocalHttpServer.h"
 #include "tests/fixtures/ResidentMemory.h"
 
@@ -13,8 +14,6 @@
 #include <QTest>
 #include <QTimer>
 
-#include <zlib.h>
-
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -24,51 +23,9 @@
 #include <netdb.h>
 #include <thread>
 
-using Answer = LocalHttpServer::Answer;
+using namespace HostileAnswers;
 
 namespace {
-
-constexpr qint64 megabyte = 1024LL * 1024;
-
-QByteArray gzip(const QByteArray &text)
-{
-    QByteArray coded(text.size() + 100, '\0');
-    z_stream stream = {};
-    deflateInit2(&stream, Z_BEST_COMPRESSION, Z_DEFLATED, MAX_WBITS + 16, MAX_MEM_LEVEL, Z_DEFAULT_STRATEGY);
-    stream.next_in = const_cast<Bytef *>(reinterpret_cast<const Bytef *>(text.constData()));
-    stream.avail_in = static_cast<uInt>(text.size());
-    stream.next_out = reinterpret_cast<Bytef *>(coded.data());
-    stream.avail_out = static_cast<uInt>(coded.size());
-    deflate(&stream, Z_FINISH);
-    coded.truncate(static_cast<qsizetype>(stream.total_out));
-    deflateEnd(&stream);
-    return coded;
-}
-
-const QByteArray head = QByteArrayLiteral("HTTP/1.1 200 OK\r\nConnection: close\r\n");
-const QByteArray chunked = head + "Transfer-Encoding: chunked\r\n\r\n";
-
-Answer once(const QByteArray &raw)
-{
-    Answer answer;
-    answer.raw = raw;
-    return answer;
-}
-
-Answer coded(const char *coding, const QByteArray &body)
-{
-    return once(head + "Content-Encoding: " + coding + "\r\nContent-Length: " + QByteArray::number(body.size()) +
-                "\r\n\r\n" + body);
-}
-
-Answer endless(const QByteArray &raw, const QByteArray &portion, int trickleMs = 0)
-{
-    Answer answer = once(raw);
-    answer.body = trickleMs > 0 ? portion : portion.repeated(static_cast<int>(65536 / portion.size() + 1));
-    answer.endless = true;
-    answer.trickleMs = trickleMs;
-    return answer;
-}
 
 /// What the slow name server still holds.
 std::atomic<bool> nameServerIsSlow = false;
@@ -206,56 +163,11 @@ private Q_SLOTS:
 private:
     static void addAnswers()
     {
-        const QByteArray x = QByteArray(1024, 'x');
-        const QByteArray packed = gzip("<rss>" + x + "</rss>");
         QTest::addColumn<Answer>("answer");
         QTest::addColumn<qint32>("status");
-        const auto row = [](const char *name, const Answer &answer, qint32 status) {
-            QTest::newRow(name) << answer << status;
-        };
-        row("header lines without end", endless(head, "X-A: b\r\n"), Downloader::TooLarge);
-        row("header lines without end, after a 404", endless("HTTP/1.1 404 No\r\n", "X: b\r\n"), Downloader::TooLarge);
-        row("a header line without end", endless(head + "X: ", x), Downloader::TooLarge);
-        row("a status line without end", endless("HTTP/1.1 200 ", x), Downloader::TooLarge);
-        row("noise without end", endless("x", x), Downloader::OtherFailure);
-        row("interim answers without end", endless("HTTP/1.1 100 Continue\r\n\r\n", "HTTP/1.1 100 Continue\r\n\r\n"),
-            Downloader::TooLarge);
-        row("a chunk extension without end", endless(chunked + "5;", x), Downloader::TooLarge);
-        row("chunks that are all extension", endless(chunked, "1;" + x + "\r\ny\r\n"), Downloader::TooLarge);
-        row("a chunk size without end", endless(chunked, "0"), Downloader::ConnectionLost);
-        row("trailer lines without end", endless(chunked + "0\r\n", "X-A: b\r\n"), Downloader::TooLarge);
-        row("a trailer line without end", endless(chunked + "0\r\nX: ", x), Downloader::ConnectionLost);
-        row("a body without end", endless(head + "\r\n", x), Downloader::TooLarge);
-        row("a length beyond the bound", endless(head + "Content-Length: 999999999\r\n\r\n", "x", 10),
-            Downloader::TooLarge);
-        row("empty gzip streams without end", endless(head + "Content-Encoding: gzip\r\n\r\n", gzip("")),
-            Downloader::TooLarge);
-        row("a swelling body", coded("gzip", gzip(QByteArray(30 * megabyte, 'x'))), Downloader::TooLarge);
-        row("the page of a 404 without end", endless("HTTP/1.1 404 No\r\n\r\n", x), 404);
-
-        row("header lines drop by drop", endless(head, "X: b\r\n", 5), Downloader::TimedOut);
-        row("a status line drop by drop", endless("HTTP/1.1 200 ", "x", 5), Downloader::TimedOut);
-        row("a chunk extension drop by drop", endless(chunked + "5;", "x", 5), Downloader::TimedOut);
-        row("a body drop by drop", endless(head + "\r\n", "x", 5), Downloader::TimedOut);
-
-        row("a gzip stream cut short", coded("gzip", packed.chopped(10)), Downloader::ContentNotReadable);
-        row("a gzip stream without its sum", coded("gzip", packed.chopped(8)), Downloader::ContentNotReadable);
-        row("a gzip stream with a wrong sum", coded("gzip", packed.chopped(8) + QByteArray(8, 'x')),
-            Downloader::ContentNotReadable);
-        row("a second gzip stream cut short", coded("gzip", packed + packed.chopped(10)),
-            Downloader::ContentNotReadable);
-        row("a deflate stream cut short", coded("deflate", qCompress(x).mid(4).chopped(5)),
-            Downloader::ContentNotReadable);
-        row("a brotli stream cut short",
-            coded("br", QByteArray::fromHex("1b1300f8c55396ba754cb6d770758a2c5190fe365368e800").chopped(2)),
-            Downloader::ContentNotReadable);
-        row("no gzip at all", coded("gzip", x), Downloader::ContentNotReadable);
-        row("no brotli at all", coded("br", x), Downloader::ContentNotReadable);
-        row("a bad chunk size", once(chunked + "5\r\nhello\r\nzz\r\nhello\r\n0\r\n\r\n"), Downloader::ConnectionLost);
-        row("no last chunk", once(chunked + "5\r\nhello\r\n"), Downloader::ConnectionLost);
-        row("a body shorter than told", once(head + "Content-Length: 100\r\n\r\nshort"), Downloader::ConnectionLost);
-        row("a head cut short", once(head), Downloader::ConnectionLost);
-        row("a body without a head", once("<rss/>\r\n\r\n"), Downloader::OtherFailure);
+        for (const auto &answers : {floods(), drips(), fragments()})
+            for (const HostileAnswer &hostile : answers)
+                QTest::newRow(hostile.name) << hostile.answer << hostile.status;
     }
 
     /// The status with which the download ends; -1 when it doesn't end within two seconds.
