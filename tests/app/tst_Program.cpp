@@ -106,6 +106,27 @@ private Q_SLOTS:
         QTEST(m_window->log.back(), "last");
     }
 
+    void aCatalogueOfAnotherLocaleOutlivesTheFirstMinute()
+    {
+        QByteArray feeds;
+        const QList<QByteArray> dates = {"6/30/2004 13:00:00",
+                                         "1.7.2004 11:30:00",
+                                         "01. 07. 2004. 11:30:00",
+                                         "2004. 7. 1. 11:30:00",
+                                         "2004-07-01 11:30:00",
+                                         "1.07.2004 г. 11:30:00",
+                                         "١‏/٧‏/٢٠٠٤ ١١:٣٠:٠٠"};
+        for (const QByteArray &date : dates)
+            feeds += "<feed name='F' url='u' key='" + QByteArray::number(feeds.size() + 1) +
+                     "' ttl='2000' lastupdate='" + date + "'/>";
+        m_folder->write(u"feeds.xml"_s, "<favoris>" + feeds + "</favoris>");
+        QVERIFY(m_program->loadSettings());
+        start();
+        m_program->longLived().scheduler.handleUpdateTick();
+        m_program->end();
+        QVERIFY(m_folder->read(u"feeds.xml"_s).contains("2004. 7. 1. 11:30:00"));
+    }
+
     void settingsThatCannotBeUsedEndTheStart()
     {
         m_folder->write(u"params.xml"_s, "<Quillwire/>");

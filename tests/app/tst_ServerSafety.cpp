@@ -158,7 +158,7 @@ private:
         environment.insert(u"QUILLWIRE_RUNTIME_DIR"_s, m_runtime->path());
         environment.insert(u"XDG_CONFIG_HOME"_s, m_runtime->path());
         program.setProcessEnvironment(environment);
-        program.setProcessChannelMode(QProcess::ForwardedChannels);
+        program.setStandardErrorFile(QProcess::nullDevice()); // the browser engine tells much there
         program.start(QString::fromUtf8(PROGRAM), {});
     }
 

@@ -7,6 +7,7 @@
 #include "platform/Numbers.h"
 #include "platform/RunTimeError.h"
 
+#include <QLocale>
 #include <QTest>
 
 namespace {
@@ -43,6 +44,8 @@ private Q_SLOTS:
     void aSingleIsWrittenShort();
     void datesReadBackWhatTheyWrite_data();
     void datesReadBackWhatTheyWrite();
+    void datesOfOtherLocalesAreRead_data();
+    void datesOfOtherLocalesAreRead();
     void whatIsNoDateIsATypeMismatch();
     void aReplacedEntryOfADictionaryStandsLast();
 };
@@ -144,9 +147,45 @@ void TextAndNumbersTest::datesReadBackWhatTheyWrite()
     QCOMPARE(DateText::fromText(u"01/07/2004"_s), QDateTime({2004, 7, 1}, {0, 0}));
 }
 
+void TextAndNumbersTest::datesOfOtherLocalesAreRead_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QDateTime>("when");
+    const QDateTime july({2004, 7, 31}, {14, 5, 9});
+    QMap<QString, QDateTime> texts = {{u"99-12-31"_s, QDateTime({1999, 12, 31}, {0, 0})}};
+    for (const QString &text : {u"31/7/04 14:05:09"_s, u"31-7-2004 14.05.09"_s, u"07/31/2004 2:05:09 PM"_s,
+                                u"7/31/2004 02:05:09 p.m."_s, u"2004年7月31日 14:05:09"_s})
+        texts.insert(text, july);
+    for (const QLocale &locale :
+         QLocale::matchingLocales(QLocale::AnyLanguage, QLocale::AnyScript, QLocale::AnyCountry)) {
+        QString format = locale.dateFormat(QLocale::ShortFormat);
+        if (!format.contains(u"yyyy"_s))
+            format.replace(u"yy"_s, u"yyyy"_s);
+        if (!format.contains(u"MMM"_s)) // of the locale that stands for none
+            texts.insert(locale.toString(july, format + u" HH:mm:ss"_s), july);
+    }
+    for (auto text = texts.cbegin(); text != texts.cend(); ++text)
+        QTest::newRow(qPrintable(text.key())) << text.key() << text.value();
+    const bool dayFirst = QLocale::system().language() != QLocale::English;
+    const QDate misread = dayFirst ? QDate(2004, 2, 1) : QDate(2004, 1, 2);
+    QTest::newRow("either order") << u"1.2.2004 12:00 AM"_s << QDateTime(misread, {0, 0});
+    QTest::newRow("noon") << u"01-02-04 12:30 PM"_s << QDateTime(misread, {12, 30});
+    QTest::newRow("the year first") << u"2004 2 1"_s << QDateTime({2004, 2, 1}, {0, 0});
+    QTest::newRow("an hour that was left out") << u"28/03/2004 02:30:00"_s << QDateTime({2004, 3, 28}, {3, 30});
+}
+
+/// Runs under French and under American dates.
+void TextAndNumbersTest::datesOfOtherLocalesAreRead()
+{
+    QFETCH(QString, text);
+    QVERIFY2(DateText::isDate(text), qPrintable(text));
+    QTEST(DateText::fromText(text), "when");
+}
+
 void TextAndNumbersTest::whatIsNoDateIsATypeMismatch()
 {
-    for (const QString &text : {u""_s, u"hier"_s, u"32/01/2004 10:00:00"_s}) {
+    for (const QString &text : {u""_s, u"hier"_s, u"32/01/2004 10:00:00"_s, u"31/12/2004 10:00 avant"_s,
+                                u"30/02/2004"_s, u"1/2"_s, u"1/2/20045"_s, u"1/2/2004 24:00"_s, u"1 2 3 4 5 6 7"_s}) {
         QVERIFY(!DateText::isDate(text));
         QCOMPARE(errorOf([&] { DateText::fromText(text); }), typeMismatch);
     }
