@@ -90,9 +90,9 @@ private Q_SLOTS:
         QVERIFY(bytes.contains("\"\x81\x92\" xmlUrl=\"&#26085;\" />\r\n"));
         OpmlDocument document;
         QVERIFY(document.load(target()));
-        QCOMPARE(document.list().feeds.at(0).text, u"L\u2019été, œuvre \u2013 5\u00a0€ Ł \U0001F600"_s);
-        QCOMPARE(document.list().feeds.at(1).text, u"\u0081\u0092"_s);
-        QCOMPARE(document.list().feeds.at(1).address, u"\u65e5"_s);
+        QCOMPARE(document.list()->feeds.at(0).text, u"L\u2019été, œuvre \u2013 5\u00a0€ Ł \U0001F600"_s);
+        QCOMPARE(document.list()->feeds.at(1).text, u"\u0081\u0092"_s);
+        QCOMPARE(document.list()->feeds.at(1).address, u"\u65e5"_s);
     }
 
     void anOldFileStandsWhenTheExportFails_data()
