@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "app/DesktopSurroundings.h"
 #include "app/Program.h"
 #include "controls/cToolbar.h"
 #include "platform/Literals.h"
@@ -62,9 +63,17 @@ public:
         window = std::make_unique<frmPrinc>(program->longLived(), desktop(), dialogs());
         QObject::connect(window.get(), &frmPrinc::closeAsked, program.get(), &Program::end);
         window->findChild<BrowserPane *>()->hide(); // an engine isn't started for a pane that nobody sees
-        program->start(*window, {}, commandLine);
+        program->start(*window, DesktopSurroundings::screens(), commandLine);
         window->show();
         QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+    }
+
+    /// Likewise, with the keyboard in the window.
+    void startActive()
+    {
+        start();
+        window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(window.get()));
     }
 
     Desktop desktop()
