@@ -261,8 +261,9 @@ void frmSysTray::loadElement()
 void frmSysTray::refresh()
 {
     for (const Element &element : m_mnuSysTray) {
-        element.action->setSeparator(element.caption == u"-");
-        element.action->setText(element.caption);
+        const bool separator = element.caption == u"-";
+        element.action->setSeparator(separator);
+        element.action->setText(separator ? QString() : element.caption);
         element.action->setVisible(element.visible);
     }
     m_mnuPopup.setDefaultAction(
