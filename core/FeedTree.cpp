@@ -2,6 +2,7 @@
 
 #include "core/FeedTree.h"
 
+#include "platform/Literals.h"
 #include "platform/RunTimeError.h"
 
 #include <algorithm>
@@ -13,6 +14,21 @@ std::size_t placeIn(const std::vector<FeedNodePtr> &siblings, const FeedNode *no
     const auto found = std::find_if(siblings.begin(), siblings.end(),
                                     [node](const FeedNodePtr &sibling) { return sibling.get() == node; });
     return static_cast<std::size_t>(found - siblings.begin());
+}
+
+/// The name of a node with what its picture shows.
+QString spoken(const FeedNode &node)
+{
+    switch (node.image()) {
+    case NodeImage::Folder:
+        return node.text() + u", dossier"_s;
+    case NodeImage::Feed:
+        return node.text() + u", flux"_s;
+    case NodeImage::FeedUpdating:
+        return node.text() + u", flux, mise à jour en cours"_s;
+    default:
+        return node.text();
+    }
 }
 
 bool isGone(const FeedNodePtr &node)
@@ -117,7 +133,7 @@ void FeedTree::setImages(const FeedNodePtr &node, int image, int selectedImage)
     node->m_image = image;
     node->m_selectedImage = selectedImage;
     const QModelIndex index = indexOf(node);
-    Q_EMIT dataChanged(index, index, {ImageRole});
+    Q_EMIT dataChanged(index, index, {ImageRole, Qt::AccessibleTextRole});
 }
 
 FeedNodePtr FeedTree::node(const QModelIndex &index) const
@@ -169,6 +185,8 @@ QVariant FeedTree::data(const QModelIndex &index, int role) const
     switch (role) {
     case Qt::DisplayRole:
         return shown->text();
+    case Qt::AccessibleTextRole:
+        return spoken(*shown);
     case ImageRole:
         return shown->image();
     default:

@@ -15,6 +15,8 @@
 
 namespace {
 
+constexpr int pictureAside = 16; // pixels
+constexpr int markHeight = 4;    // pixels
 const QString nodeMimeType = u"application/x-quillwire-node"_s;
 
 class NodeDelegate final : public QStyledItemDelegate
@@ -45,7 +47,7 @@ private:
 } // namespace
 
 FeedTreeView::FeedTreeView(FeedTree &tree, FeedTreeState &state, const ImageList &pictures, QWidget *parent)
-    : QTreeView(parent), m_tree(tree), m_state(state)
+    : QTreeView(parent), m_tree(tree), m_state(state), m_drop(*this, tree)
 {
     setModel(&tree);
     setItemDelegate(new NodeDelegate(tree, pictures, this));
@@ -187,24 +189,18 @@ void FeedTreeView::startNodeDrag()
     auto *drag = new QDrag(this);
     drag->setMimeData(carried);
     const QModelIndex index = m_tree.indexOf(m_draggedNode);
-    drag->setPixmap(viewport()->grab(visualRect(index).intersected(viewport()->rect())));
+    const QPixmap picture = viewport()->grab(visualRect(index).intersected(viewport()->rect()));
+    drag->setPixmap(picture);
+    // Below the pointer and to its right, so that neither the target nor its mark is covered.
+    drag->setHotSpot(QPoint(-pictureAside, -picture.height() / qCeil(picture.devicePixelRatio()) - markHeight));
     drag->exec(Qt::MoveAction, Qt::MoveAction);
-    m_mark.reset();
-    viewport()->update();
+    m_drop.end();
     setState(NoState);
 }
 
 bool FeedTreeView::carriesDraggedNode(const QMimeData &carried) const
 {
     return m_draggedNode && carried.data(nodeMimeType) == m_draggedNode->key().toUtf8();
-}
-
-FeedTreeView::DropPlace FeedTreeView::dropPlace(const QPoint &position) const
-{
-    const QModelIndex index = indexAt(position);
-    if (!index.isValid())
-        return {};
-    return {m_tree.node(index), position.y() < visualRect(index).center().y()};
 }
 
 void FeedTreeView::dragEnterEvent(QDragEnterEvent *event)
@@ -217,50 +213,41 @@ void FeedTreeView::dragEnterEvent(QDragEnterEvent *event)
 
 void FeedTreeView::dragMoveEvent(QDragMoveEvent *event)
 {
-    QTreeView::dragMoveEvent(event); // scrolls near the edges
-    m_mark = dropPlace(event->position().toPoint());
-    viewport()->update();
-    if (carriesDraggedNode(*event->mimeData()))
+    const bool acts = m_drop.moveTo(m_draggedNode, event->position().toPoint());
+    if (acts && carriesDraggedNode(*event->mimeData()))
         event->acceptProposedAction();
     else
         event->ignore();
 }
 
-void FeedTreeView::dragLeaveEvent(QDragLeaveEvent *event)
+void FeedTreeView::dragLeaveEvent(QDragLeaveEvent *)
 {
-    QTreeView::dragLeaveEvent(event);
-    m_mark.reset();
-    viewport()->update();
+    m_drop.end();
 }
 
 void FeedTreeView::dropEvent(QDropEvent *event)
 {
-    m_mark.reset();
-    stopAutoScroll();
-    viewport()->update();
+    m_drop.end();
     if (!carriesDraggedNode(*event->mimeData())) {
         event->ignore();
         return;
     }
     event->acceptProposedAction();
-    const DropPlace place = dropPlace(event->position().toPoint());
+    const NodeDrop::Place place = m_drop.placeAt(event->position().toPoint());
     Q_EMIT nodeDropped(place.target, place.insertAbove);
 }
 
 void FeedTreeView::paintEvent(QPaintEvent *event)
 {
     QTreeView::paintEvent(event);
-    if (!m_mark || !m_mark->target)
-        return;
-    const QRect rect = visualRect(m_tree.indexOf(m_mark->target));
     QPainter painter(viewport());
-    painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
-    if (m_mark->target->image() == NodeImage::Feed) {
-        const int y = m_mark->insertAbove ? rect.top() : rect.bottom();
-        painter.drawLine(rect.left(), y, viewport()->width() - 4, y);
-    } else {
-        painter.drawRect(rect.adjusted(1, 1, -1, -1));
-    }
+    m_drop.paint(painter);
+}
+
+void FeedTreeView::scrollContentsBy(int dx, int dy)
+{
+    QTreeView::scrollContentsBy(dx, dy);
+    m_drop.follow();
 }
 
 void FeedTreeView::drawBranches(QPainter *painter, const QRect &rect, const QModelIndex &index) const

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "core/FeedTreeState.h"
+#include "window/NodeDrop.h"
 
 #include <QTreeView>
 
@@ -50,20 +51,14 @@ protected:
     void dragLeaveEvent(QDragLeaveEvent *event) override;
     void dropEvent(QDropEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
+    void scrollContentsBy(int dx, int dy) override;
     void drawBranches(QPainter *painter, const QRect &rect, const QModelIndex &index) const override;
     void rowsAboutToBeRemoved(const QModelIndex &parent, int start, int end) override;
     QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex &index, const QEvent *event) const override;
 
 private:
-    struct DropPlace
-    {
-        FeedNodePtr target;
-        bool insertAbove = false;
-    };
-
     FeedNodePtr nodeAt(const QPoint &position) const;
     bool carriesDraggedNode(const QMimeData &carried) const;
-    DropPlace dropPlace(const QPoint &position) const;
     void startNodeDrag();
     void makeSelectedCurrent();
     void handleBringIntoView(const FeedNodePtr &node);
@@ -75,5 +70,5 @@ private:
     QPersistentModelIndex m_wantedInView;
     FeedNodePtr m_draggedNode;
     std::optional<QPoint> m_pressedAt; ///< of a left press over a node, until its release or drag
-    std::optional<DropPlace> m_mark;
+    NodeDrop m_drop;
 };

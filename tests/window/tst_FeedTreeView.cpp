@@ -4,11 +4,15 @@
 #include "platform/Literals.h"
 #include "window/FeedTreeView.h"
 
+#include <QAccessible>
 #include <QContextMenuEvent>
+#include <QDrag>
 #include <QDropEvent>
 #include <QMimeData>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
 
 class tst_FeedTreeView : public QObject
 {
@@ -144,6 +148,94 @@ private Q_SLOTS:
         QCoreApplication::sendEvent(m_view->viewport(), &drop);
         QTEST(m_said, "told");
         QCOMPARE(m_state.selected(), node("3")); // a drag neither clicks nor selects
+    }
+
+    void aMarkStandsOnlyWhereADropActs_data()
+    {
+        QTest::addColumn<QByteArray>("dragged");
+        QTest::addColumn<QByteArray>("over");
+        QTest::addColumn<bool>("taken");
+        QTest::addColumn<bool>("marked");
+        QTest::newRow("feed on a feed") << QByteArray("4") << QByteArray("3") << true << true;
+        QTest::newRow("feed on a folder") << QByteArray("4") << QByteArray("1") << true << true;
+        QTest::newRow("feed on the root") << QByteArray("2") << QByteArray("root") << true << true;
+        QTest::newRow("feed on itself") << QByteArray("4") << QByteArray("4") << false << false;
+        QTest::newRow("feed on no node") << QByteArray("4") << QByteArray() << false << false;
+        QTest::newRow("folder on a feed") << QByteArray("1") << QByteArray("4") << false << false;
+        QTest::newRow("feed right under the root") << QByteArray("2") << QByteArray("4") << true << false;
+    }
+
+    void aMarkStandsOnlyWhereADropActs()
+    {
+        QFETCH(QByteArray, dragged);
+        QFETCH(QByteArray, over);
+        QFETCH(bool, taken);
+        QFETCH(bool, marked);
+        QTest::mousePress(m_view->viewport(), Qt::LeftButton, {}, placeOf(dragged));
+        const QImage before = m_view->viewport()->grab().toImage();
+        QMimeData mime;
+        mime.setData(u"application/x-quillwire-node"_s, dragged);
+        const QPoint place = over.isEmpty() ? QPoint(50, 390) : placeOf(over);
+        QDragEnterEvent enter(place, Qt::MoveAction, &mime, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(m_view->viewport(), &enter);
+        QVERIFY(enter.isAccepted()); // or no move would be told
+        QDragMoveEvent move(place, Qt::MoveAction, &mime, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(m_view->viewport(), &move);
+        QCOMPARE(move.isAccepted(), taken);
+        QCOMPARE(m_view->viewport()->grab().toImage() != before, marked);
+        QDragLeaveEvent leave;
+        QCoreApplication::sendEvent(m_view->viewport(), &leave);
+        QCOMPARE(m_view->viewport()->grab().toImage(), before);
+    }
+
+    void aDragThatRestsAtTheEdgeScrollsToTheEnd()
+    {
+        m_view->resize(300, 60);
+        QScrollBar *bar = m_view->verticalScrollBar();
+        QTRY_VERIFY(bar->maximum() > 1);
+        bar->setValue(0);
+        QTest::mousePress(m_view->viewport(), Qt::LeftButton, {}, placeOf("2"));
+        QMimeData mime;
+        mime.setData(u"application/x-quillwire-node"_s, "2");
+        const auto rest = [&](int y) {
+            QDragEnterEvent enter(QPoint(60, y), Qt::MoveAction, &mime, Qt::LeftButton, Qt::NoModifier);
+            QCoreApplication::sendEvent(m_view->viewport(), &enter);
+            QDragMoveEvent move(QPoint(60, y), Qt::MoveAction, &mime, Qt::LeftButton, Qt::NoModifier);
+            QCoreApplication::sendEvent(m_view->viewport(), &move);
+        };
+        rest(m_view->viewport()->height() - 3);
+        QTRY_COMPARE(bar->value(), bar->maximum());
+        rest(2);
+        QTRY_COMPARE(bar->value(), 0);
+        rest(m_view->viewport()->height() - 3);
+        QDragLeaveEvent leave;
+        QCoreApplication::sendEvent(m_view->viewport(), &leave);
+        QTest::qWait(150);
+        QCOMPARE(bar->value(), 0);
+    }
+
+    void thePictureOfADragLeavesTheTargetInSight()
+    {
+        QTest::mousePress(m_view->viewport(), Qt::LeftButton, {}, placeOf("2"));
+        QTimer::singleShot(0, this, [] { QDrag::cancel(); }); // where the platform has a loop for drags
+        QMouseEvent move(QEvent::MouseMove, placeOf("2") + QPointF(30, 30), QPointF(), Qt::NoButton, Qt::LeftButton,
+                         Qt::NoModifier);
+        QCoreApplication::sendEvent(m_view->viewport(), &move);
+        const auto *drag = m_view->findChild<QDrag *>();
+        QVERIFY(drag && drag->hotSpot().y() <= -m_view->visualRect(m_tree.indexOf(node("2"))).height());
+    }
+
+    void aNodeTellsItsKindAndState()
+    {
+        const auto told = [this](const char *key) {
+            m_state.select(node(key));
+            return QAccessible::queryAccessibleInterface(m_view.get())->focusChild()->text(QAccessible::Name);
+        };
+        QCOMPARE(told("root"), u"Favoris"_s);
+        QCOMPARE(told("1"), u"Presse, dossier"_s);
+        QCOMPARE(told("2"), u"Monde, flux"_s);
+        m_tree.setImages(node("2"), NodeImage::FeedUpdating, NodeImage::FeedUpdating);
+        QCOMPARE(told("2"), u"Monde, flux, mise à jour en cours"_s);
     }
 };
 
