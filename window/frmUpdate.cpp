@@ -4,10 +4,12 @@
 
 #include "controls/Twips.h"
 #include "platform/Literals.h"
+#include "window/InfoLabel.h"
+#include "window/TaskBar.h"
 
+#include <QAccessibleWidget>
 #include <QLabel>
 #include <QPainter>
-#include <QTextLayout>
 #include <QToolButton>
 
 #include <cmath>
@@ -23,63 +25,24 @@ constexpr int firstHeight = 400;
 constexpr int lastHeight = 2000;
 constexpr int step = 10;
 constexpr QRect labelPlace(120, 120, 2415, 1455);
+constexpr int titleBarHeight = 270;
 
-constexpr int titleBarHeight = 18; // pixels
 const QColor background(0xFF, 0xFF, 0xC0);
 const QColor titleColour(0xF0, 0xE0, 0x90);
 const QColor textColour(0x20, 0x20, 0x20);
 
-/// Draws its text by lines, each wrapped. A long title gives way, with an ellipsis, so that the count below it stays in
-/// sight.
-class InfoLabel final : public QLabel
+/// What a screen reader announces by itself when it appears.
+class AccessiblePopup final : public QAccessibleWidget
 {
 public:
-    explicit InfoLabel(QWidget *parent) : QLabel(parent) { setTextFormat(Qt::PlainText); }
-
-protected:
-    void paintEvent(QPaintEvent *) override
-    {
-        QPainter painter(this);
-        painter.setPen(textColour);
-        QStringList paragraphs = text().split(u"\r\n"_s);
-        const int lineHeight = fontMetrics().lineSpacing();
-        // What the window leaves uncovered, which is less than the label itself.
-        const int room = std::min(width(), parentWidget()->width() - 2 * x());
-        const auto lines = static_cast<int>(height() / std::max(1, lineHeight));
-        const int forTitle = std::max(1, lines - static_cast<int>(paragraphs.size()) + 1);
-        int y = 0;
-        for (qsizetype i = 0; i < paragraphs.size(); ++i) {
-            const bool isTitle = i > 0 && i + 2 < paragraphs.size();
-            y = drawParagraph(painter, paragraphs.at(i), y, room, isTitle ? forTitle : 1);
-        }
-    }
-
-private:
-    int drawParagraph(QPainter &painter, const QString &paragraph, int top, int room, int maxLines) const
-    {
-        const int lineHeight = fontMetrics().lineSpacing();
-        const QString shown = paragraph.left(1000); // more doesn't fit, and a title may be of any length
-        QTextLayout layout(shown, font());
-        QTextOption option;
-        option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-        layout.setTextOption(option);
-        layout.beginLayout();
-        int y = top;
-        for (int i = 0; i < maxLines; ++i, y += lineHeight) {
-            QTextLine line = layout.createLine();
-            if (!line.isValid())
-                break;
-            line.setLineWidth(room);
-            const int start = line.textStart();
-            QString part = shown.mid(start, line.textLength());
-            if (i + 1 == maxLines)
-                part = fontMetrics().elidedText(shown.mid(start), Qt::ElideRight, room);
-            painter.drawText(QRect(0, y, room, lineHeight), Qt::AlignLeft | Qt::AlignTop | Qt::TextSingleLine, part);
-        }
-        layout.endLayout();
-        return std::max(y, top + lineHeight);
-    }
+    explicit AccessiblePopup(QWidget *popup) : QAccessibleWidget(popup, QAccessible::AlertMessage) {}
 };
+
+QAccessibleInterface *makeAccessible(const QString &, QObject *object)
+{
+    auto *popup = qobject_cast<frmUpdate *>(object);
+    return popup ? new AccessiblePopup(popup) : nullptr;
+}
 
 } // namespace
 
@@ -115,6 +78,10 @@ frmUpdate::frmUpdate(FindWorkArea findWorkArea, const AppSettings &settings, std
     timHide.setTimerType(Qt::PreciseTimer);
     connect(&timShow, &QTimer::timeout, this, &frmUpdate::handleShowTick);
     connect(&timHide, &QTimer::timeout, this, &frmUpdate::handleHideTick);
+    [[maybe_unused]] static const bool isKnown = [] {
+        QAccessible::installFactory(makeAccessible);
+        return true;
+    }();
 }
 
 frmUpdate::~frmUpdate() = default;
@@ -146,7 +113,7 @@ void frmUpdate::addMessageToQueue(const QString &title, qint16 count)
     setCaption(message);
     placeWindow();
     m_player->play(m_settings.soundPath);
-    show();
+    announce();
     timShow.start();
     popupRunning = true;
 }
@@ -182,7 +149,7 @@ void frmUpdate::handleHideTick()
     ++shownKey;
     setCaption(popupQueue.Item(QString::number(shownKey)));
     placeWindow();
-    show();
+    announce();
     if (!timShow.isActive())
         timShow.start();
 }
@@ -191,19 +158,42 @@ void frmUpdate::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.fillRect(rect(), background);
-    painter.fillRect(QRect(0, 0, width(), titleBarHeight), titleColour);
-    painter.setPen(textColour);
-    painter.drawRect(rect().adjusted(0, 0, -1, -1));
+    painter.fillRect(QRect(0, 0, width(), pixelsY(titleBarHeight)), titleColour);
+    // Filled and not drawn: a pen's line lies astride the edge, half of it outside, where a pixel is several dots.
+    painter.fillRect(QRect(0, 0, width(), 1), textColour);
+    painter.fillRect(QRect(0, height() - 1, width(), 1), textColour);
+    painter.fillRect(QRect(0, 0, 1, height()), textColour);
+    painter.fillRect(QRect(width() - 1, 0, 1, height()), textColour);
 }
 
 void frmUpdate::resizeEvent(QResizeEvent *)
 {
-    m_titleBar->setGeometry(1, 1, width() - titleBarHeight - 2, titleBarHeight - 1);
-    m_closeButton->setGeometry(width() - titleBarHeight - 1, 1, titleBarHeight, titleBarHeight - 1);
-    lblInfos->setGeometry(static_cast<int>(std::lround(labelPlace.x() / m_scale.twipsPerPixelX)),
-                          titleBarHeight + static_cast<int>(std::lround(labelPlace.y() / m_scale.twipsPerPixelY)),
-                          static_cast<int>(std::lround(labelPlace.width() / m_scale.twipsPerPixelX)),
-                          static_cast<int>(std::lround(labelPlace.height() / m_scale.twipsPerPixelY)));
+    const int bar = pixelsY(titleBarHeight);
+    const QRect title(1, 1, width() - bar - 2, bar - 1);
+    m_titleBar->setGeometry(title);
+    m_titleBar->setFont(InfoLabel::fittingFont(font(), {m_titleBar->text()}, title.size()));
+    m_closeButton->setFont(m_titleBar->font());
+    m_closeButton->setGeometry(width() - bar - 1, 1, bar, bar - 1);
+    lblInfos->setGeometry(pixelsX(labelPlace.x()), bar + pixelsY(labelPlace.y()), pixelsX(labelPlace.width()),
+                          pixelsY(labelPlace.height()));
+}
+
+int frmUpdate::pixelsX(int twips) const
+{
+    return static_cast<int>(std::lround(twips / m_scale.twipsPerPixelX));
+}
+
+int frmUpdate::pixelsY(int twips) const
+{
+    return static_cast<int>(std::lround(twips / m_scale.twipsPerPixelY));
+}
+
+void frmUpdate::announce()
+{
+    leaveOutOfTaskBar(*this);
+    show();
+    QAccessibleEvent alert(this, QAccessible::Alert);
+    QAccessible::updateAccessibility(&alert);
 }
 
 void frmUpdate::setCaption(const QString &text)
@@ -225,11 +215,10 @@ void frmUpdate::placeWindow()
 
 void frmUpdate::applyPlace()
 {
-    const auto pixels = [](int twips, double perPixel) { return static_cast<int>(std::lround(twips / perPixel)); };
     // The edges are rounded, not the sizes, so that the bottom edge stands still.
-    const int left = pixels(m_place.left(), m_scale.twipsPerPixelX);
-    const int top = pixels(m_place.top(), m_scale.twipsPerPixelY);
-    const int right = pixels(m_place.left() + m_place.width(), m_scale.twipsPerPixelX);
-    const int bottom = pixels(m_place.top() + m_place.height(), m_scale.twipsPerPixelY);
+    const int left = pixelsX(m_place.left());
+    const int top = pixelsY(m_place.top());
+    const int right = pixelsX(m_place.left() + m_place.width());
+    const int bottom = pixelsY(m_place.top() + m_place.height());
     setGeometry(left, top, right - left, bottom - top);
 }

@@ -62,6 +62,9 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
+    void announce();
+    int pixelsX(int twips) const;
+    int pixelsY(int twips) const;
     void setCaption(const QString &text);
     void placeWindow();
     void applyPlace();

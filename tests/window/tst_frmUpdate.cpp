@@ -3,6 +3,7 @@
 #include "platform/Literals.h"
 #include "window/frmUpdate.h"
 
+#include <QAccessible>
 #include <QLabel>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -63,6 +64,8 @@ private Q_SLOTS:
         QCOMPARE(f.popup.popupQueue.Keys(), QStringList(u"0"_s));
         QCOMPARE(f.played, QStringList(f.settings.soundPath));
         QVERIFY(f.popup.testAttribute(Qt::WA_ShowWithoutActivating));
+        QCOMPARE(QAccessible::queryAccessibleInterface(&f.popup)->role(), QAccessible::AlertMessage);
+        QCOMPARE(QAccessible::queryAccessibleInterface(&f.popup)->text(QAccessible::Name), f.popup.caption());
     }
 
     void itGrowsUpwardFromTheCornerOfTheWorkArea_data()
@@ -173,6 +176,43 @@ private Q_SLOTS:
             QCOMPARE(image.pixelColor(image.width() - 4, image.height() - 4), QColor(0xFF, 0xFF, 0xC0));
             f.popup.handleHideTick();
         }
+    }
+
+    void itsLinesFitWhateverTheFont_data()
+    {
+        QTest::addColumn<QString>("family");
+        QTest::addColumn<int>("pixels");
+        for (const int pixels : {5, 11, 16, 30, 80})
+            QTest::addRow("sans %d", pixels) << u"DejaVu Sans"_s << pixels;
+        QTest::newRow("mono") << u"DejaVu Sans Mono"_s << 20;
+    }
+
+    void itsLinesFitWhateverTheFont()
+    {
+        QFETCH(QString, family);
+        QFETCH(int, pixels);
+        Fixture f;
+        QFont font(family);
+        font.setPixelSize(pixels);
+        f.popup.setFont(font);
+        f.popup.addMessageToQueue(QString(300, u'W'), 32767);
+        f.slideToTheEnd();
+        auto *label = f.popup.findChild<QLabel *>(u"lblInfos"_s);
+        const QImage image = label->grab(QRect(0, 0, f.popup.width() - label->x() - 1, label->height())).toImage();
+        const auto isInk = [&](int x, int y) { return image.pixelColor(x, y).lightness() < 160; };
+        int lines = 0; // rows of ink with free rows between them
+        bool inLine = false;
+        for (int y = 0; y < image.height(); ++y) {
+            bool ink = false;
+            for (int x = 0; x < image.width(); ++x)
+                ink = ink || isInk(x, y);
+            lines += ink && !inLine;
+            inLine = ink;
+        }
+        QVERIFY2(!inLine, "the last line is cut");
+        QVERIFY2(lines >= 3, qPrintable(QString::number(lines)));
+        for (int y = 0; y < image.height(); ++y)
+            QVERIFY2(!isInk(image.width() - 1, y), "a line is cut at its end");
     }
 
     void tooManyMessagesOverflow()
