@@ -110,6 +110,20 @@ void BandMoves::drag(int number, int grip, const QPoint &position, int height)
     }
 }
 
+void BandMoves::showAll(int number, int room)
+{
+    band(number).width = band(number).fullWidth + columnGap;
+    const std::vector<int> &row = m_rows[placeOf(number).row];
+    int excess = -columnGap - room;
+    for (const int other : row)
+        excess += band(other).width + columnGap;
+    for (auto other = row.rbegin(); other != row.rend() && excess > 0; ++other) {
+        const int cut = *other == number ? 0 : std::clamp(band(*other).width - band(*other).minWidth, 0, excess);
+        band(*other).width -= cut;
+        excess -= cut;
+    }
+}
+
 bool BandMoves::canGoLeft(int number) const
 {
     return placeOf(number).column > 0;

@@ -30,6 +30,10 @@ public:
     /// another, or into a row of its own beyond the edges of a rebar that is `height` high.
     void drag(int number, int grip, const QPoint &position, int height);
 
+    /// Gives the band the width that shows all of its child, in a row that is `room` wide; its neighbours give way, the
+    /// last ones first and none below its minimum.
+    void showAll(int number, int room);
+
     bool canGoLeft(int number) const;
     bool canGoRight(int number) const;
     bool canGoUp(int number) const;

@@ -74,13 +74,6 @@ struct cReBar::Private
         return -1;
     }
 
-    /// From now on the bands want the widths that they have.
-    void keepWidths()
-    {
-        for (ReBarBand &band : bands)
-            band.width = band.rect.width();
-    }
-
     BandMoves moves()
     {
         std::vector<BandMoves::Band> facts;
@@ -209,6 +202,12 @@ void cReBar::setBandMinimumSize(int number, int width, int height)
         band.minimumChildWidth = width;
     band.minHeight = std::max(0, height);
     d->layOut();
+}
+
+void cReBar::showAllOfBand(int number)
+{
+    if (d->has(number))
+        d->move([this, number](BandMoves &moves) { moves.showAll(number, width()); });
 }
 
 int cReBar::rebarHeight() const
@@ -372,12 +371,8 @@ void cReBar::mouseDoubleClickEvent(QMouseEvent *event)
 {
     // A double click on a gripper gives the band the width that shows all of its child.
     const int number = d->movableAt(event->position().toPoint());
-    if (number < 0)
-        return;
-    d->keepWidths();
-    ReBarBand &band = d->band(number);
-    band.width = band.fullWidth() + columnGap;
-    d->layOut();
+    if (number >= 0)
+        showAllOfBand(number);
 }
 
 void cReBar::contextMenuEvent(QContextMenuEvent *event)

@@ -30,6 +30,10 @@ public:
     /// number that there isn't does nothing.
     void setBandMinimumSize(int number, int width, int height);
 
+    /// Gives a band the width that shows all of its control, as far as its row has room. A number that there isn't does
+    /// nothing.
+    void showAllOfBand(int number);
+
     /// Height of all rows, in pixels.
     int rebarHeight() const;
 

@@ -54,9 +54,8 @@ QFont InfoLabel::fittingFont(const QFont &wanted, const QStringList &lines, cons
     const auto fits = [&] {
         const QFontMetrics metrics(font);
         return metrics.lineSpacing() * lines.size() <= room.height() &&
-               std::all_of(lines.begin(), lines.end(), [&](const QString &line) {
-                   return metrics.horizontalAdvance(line) <= room.width();
-               });
+               std::all_of(lines.begin(), lines.end(),
+                           [&](const QString &line) { return metrics.horizontalAdvance(line) <= room.width(); });
     };
     for (int size = QFontInfo(wanted).pixelSize(); size > smallestFont && !fits(); --size)
         font.setPixelSize(size - 1);

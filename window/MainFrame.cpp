@@ -96,12 +96,22 @@ void MainFrame::build()
     for (int column = 1; column <= itemColumnCount; ++column)
         lvwItems->setColumnWidthTwips(column, settings.columnWidth[static_cast<std::size_t>(column)]);
     buildStatusBar();
-    QWidget::setTabOrder(tvwFavoris, lvwItems);
-    QWidget::setTabOrder(lvwItems, WebBrowser1);
-    QWidget::setTabOrder(WebBrowser1, &fraToolbar->txtURL());
+    setPaneOrder();
     tvwFavoris->setFocus();
     m_built = true;
     recalcLayout();
+}
+
+std::vector<QWidget *> MainFrame::panes() const
+{
+    return {tvwFavoris, lvwItems, WebBrowser1, &fraToolbar->txtURL()};
+}
+
+void MainFrame::setPaneOrder()
+{
+    const std::vector<QWidget *> order = panes();
+    for (std::size_t i = 1; i < order.size(); ++i)
+        QWidget::setTabOrder(order[i - 1], order[i]);
 }
 
 void MainFrame::buildStatusBar()
@@ -202,7 +212,7 @@ void MainFrame::setToolbarSize(const QString &key)
     ToolbarLook::applySize(*cToolbar1, smallToolbars);
     ToolbarLook::applySize(*tlbBrowser, smallToolbars);
     setHostHeight();
-    m_bands.setToolbarHeight(smallToolbars ? smallBandHeight : bigBandHeight);
+    m_bands.fitToolbar(smallToolbars ? smallBandHeight : bigBandHeight);
     recalcLayout();
 }
 

@@ -9,6 +9,8 @@
 #include <QObject>
 #include <QString>
 
+#include <vector>
+
 class AddressBand;
 class BrowserPane;
 class DataDirectory;
@@ -51,6 +53,12 @@ public:
     /// Places bands, panes and status bar for the form's present size. Does nothing before build(), nor once the bands
     /// were taken or while the rebar isn't docked along the top.
     void recalcLayout();
+
+    /// The panes, in the order in which the keyboard goes through them.
+    std::vector<QWidget *> panes() const;
+
+    /// Makes Tab go through the panes in that order. To be called again when the page may have got other widgets.
+    void setPaneOrder();
 
     /// "mnuOffice" or "mnuStandard".
     void setStyle(const QString &key);

@@ -64,9 +64,10 @@ void RebarBands::removeAllBands()
     m_cReBar1->RemoveAllBands();
 }
 
-void RebarBands::setToolbarHeight(int pixels)
+void RebarBands::fitToolbar(int minimumHeight)
 {
-    m_cReBar1->setBandMinimumSize(toolBandNumber, -1, pixels);
+    m_cReBar1->setBandMinimumSize(toolBandNumber, -1, minimumHeight);
+    m_cReBar1->showAllOfBand(toolBandNumber);
     m_cReBar1->RebarSize();
 }
 

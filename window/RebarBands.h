@@ -39,8 +39,9 @@ public:
 
     void removeAllBands();
 
-    /// Minimum height of the band "ToolBar".
-    void setToolbarHeight(int pixels);
+    /// The buttons of the band "ToolBar" have another size: gives the band that minimum height, and the width that
+    /// shows them all.
+    void fitToolbar(int minimumHeight);
 
     /// Gives the rebar that width, lets it lay its bands out, and returns its height in pixels.
     int resize(int width);

@@ -2,19 +2,59 @@
 
 #include "window/SplitBar.h"
 
+#include <QAccessibleWidget>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QtMath>
+
+#include <algorithm>
 
 namespace {
-constexpr int keyStep = 10; // pixels
+
+class AccessibleSplitBar final : public QAccessibleWidget, public QAccessibleValueInterface
+{
+public:
+    explicit AccessibleSplitBar(SplitBar *bar) : QAccessibleWidget(bar, QAccessible::Splitter) {}
+
+    void *interface_cast(QAccessible::InterfaceType type) override
+    {
+        if (type == QAccessible::ValueInterface)
+            return static_cast<QAccessibleValueInterface *>(this);
+        return QAccessibleWidget::interface_cast(type);
+    }
+    QVariant currentValue() const override { return bar().position(); }
+    void setCurrentValue(const QVariant &value) override { bar().moveAndRelease(value.toInt()); }
+    QVariant minimumValue() const override { return bar().lowest(); }
+    QVariant maximumValue() const override { return bar().highest(); }
+    QVariant minimumStepSize() const override { return SplitBar::keyStep; }
+
+private:
+    SplitBar &bar() const { return *static_cast<SplitBar *>(widget()); }
+};
+
+QAccessibleInterface *makeAccessible(const QString &, QObject *object)
+{
+    auto *bar = qobject_cast<SplitBar *>(object);
+    return bar ? new AccessibleSplitBar(bar) : nullptr;
 }
+
+} // namespace
 
 SplitBar::SplitBar(Qt::Orientation moves, ScreenScale scale, std::function<SplitBounds()> bounds, QWidget *parent)
     : QWidget(parent), m_moves(moves), m_scale(scale), m_bounds(std::move(bounds))
 {
     setCursor(moves == Qt::Horizontal ? Qt::SplitHCursor : Qt::SplitVCursor);
     setFocusPolicy(Qt::TabFocus);
+    [[maybe_unused]] static const bool isKnown = [] {
+        QAccessible::installFactory(makeAccessible);
+        return true;
+    }();
+}
+
+double SplitBar::twipsPerPixel() const
+{
+    return m_moves == Qt::Horizontal ? m_scale.twipsPerPixelX : m_scale.twipsPerPixelY;
 }
 
 int SplitBar::position() const
@@ -24,13 +64,28 @@ int SplitBar::position() const
 
 double SplitBar::positionTwips() const
 {
-    return position() * (m_moves == Qt::Horizontal ? m_scale.twipsPerPixelX : m_scale.twipsPerPixelY);
+    return position() * twipsPerPixel();
+}
+
+int SplitBar::lowest() const
+{
+    return qCeil(m_bounds().lowest / twipsPerPixel());
+}
+
+int SplitBar::highest() const
+{
+    return std::max(lowest(), qFloor(m_bounds().highest / twipsPerPixel()));
+}
+
+void SplitBar::moveAndRelease(int pixels)
+{
+    moveTo(std::clamp(pixels, lowest(), highest()));
+    Q_EMIT released();
 }
 
 void SplitBar::moveTo(int pixels)
 {
-    const double twips = pixels * (m_moves == Qt::Horizontal ? m_scale.twipsPerPixelX : m_scale.twipsPerPixelY);
-    if (!m_bounds().allows(twips))
+    if (!m_bounds().allows(pixels * twipsPerPixel()))
         return;
     if (m_moves == Qt::Horizontal)
         move(pixels, y());
@@ -77,6 +132,11 @@ void SplitBar::keyPressEvent(QKeyEvent *event)
         QWidget::keyPressEvent(event);
         return;
     }
-    moveTo(position() + (event->key() == back ? -keyStep : keyStep));
-    Q_EMIT released();
+    moveAndRelease(position() + (event->key() == back ? -keyStep : keyStep));
+}
+
+void SplitBar::moveEvent(QMoveEvent *)
+{
+    QAccessibleValueChangeEvent moved(this, position());
+    QAccessible::updateAccessibility(&moved);
 }

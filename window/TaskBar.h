@@ -4,6 +4,6 @@
 
 class QWidget;
 
-/// Asks the desktop to leave `window`, which isn't shown yet, out of its task bar and pager. The desktop forgets it when
-/// the window is hidden. Does nothing where windows can't ask for that.
+/// Asks the desktop to leave `window`, which isn't shown yet, out of its task bar and pager. The desktop forgets it
+/// when the window is hidden. Does nothing where windows can't ask for that.
 void leaveOutOfTaskBar(QWidget &window);

@@ -17,7 +17,7 @@ frmPrinc::frmPrinc(const LongLived &longLived, Desktop desktop, Dialogs::Outside
                  [this](const QString &url) { openInSystemBrowser(url); }}),
       m_opening(openingParts()),
       m_updateDisplay({*this, m_longLived.scheduler, m_longLived.settings, m_frame, m_reading.pane()}),
-      m_treeCommands(treeCommandParts())
+      m_treeCommands(treeCommandParts()), m_keys(*this, m_frame.panes())
 {
     setWindowTitle(u"Quillwire"_s);
     setWindowIcon(QIcon(u":/icons/quillwire.svg"_s));
@@ -125,6 +125,15 @@ void frmPrinc::closeEvent(QCloseEvent *event)
 {
     Q_EMIT closeAsked();
     event->accept();
+}
+
+// --- The keyboard
+
+bool frmPrinc::focusNextPrevChild(bool next)
+{
+    // The engine of the page makes its widgets late, and others with each process: they would come last.
+    m_frame.setPaneOrder();
+    return QWidget::focusNextPrevChild(next);
 }
 
 // --- Minimising and coming back

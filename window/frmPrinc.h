@@ -13,6 +13,7 @@
 #include "window/TrayIcon.h"
 #include "window/TreeCommands.h"
 #include "window/UpdateDisplay.h"
+#include "window/WindowKeys.h"
 
 #include <QWidget>
 
@@ -54,6 +55,7 @@ protected:
     void closeEvent(QCloseEvent *event) override;
     void changeEvent(QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    bool focusNextPrevChild(bool next) override;
 
 private:
     Dialogs::Parts dialogParts();
@@ -73,6 +75,7 @@ private:
     FeedOpening m_opening;
     UpdateDisplay m_updateDisplay;
     TreeCommands m_treeCommands;
+    WindowKeys m_keys;
     std::unique_ptr<MainCommands> m_commands; ///< made when the frame is built
     std::unique_ptr<TrayIcon> m_trayIcon;
     bool m_iconic = false; ///< hidden because it was minimised

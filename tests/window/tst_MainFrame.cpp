@@ -5,7 +5,9 @@
 #include "tests/window/PrincFixture.h"
 #include "window/SplitBar.h"
 
+#include <QAccessible>
 #include <QMenu>
+#include <QTimer>
 #include <QToolButton>
 
 /// The frame of the real window: bars, bands and panes.
@@ -82,6 +84,168 @@ private Q_SLOTS:
         auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
         QVERIFY(menu && !menu->actions().isEmpty());
         menu->close();
+    }
+
+    void aWindowStoredOutOfSightComesUpInSight_data()
+    {
+        QTest::addColumn<QRect>("stored");
+        QTest::addColumn<QRect>("shown");
+        const QRect screen = DesktopSurroundings::screens().first();
+        QTest::newRow("in sight") << QRect(120, 70, 500, 400) << QRect(120, 70, 500, 400);
+        QTest::newRow("no size") << QRect(120, 70, 0, -600) << QRect(120, 70, 800, 600);
+        QTest::newRow("beyond the screens") << QRect(9000, 70, 500, 400) << QRect(screen.topLeft(), QSize(500, 400));
+    }
+
+    void aWindowStoredOutOfSightComesUpInSight()
+    {
+        QFETCH(QRect, stored);
+        QByteArray params = Files::read(QString::fromUtf8(SAMPLES_DIR "/../resources/data/params.xml")).bytes;
+        const auto set = [&params](const char *from, const char *to, int first, int second) {
+            params.replace(from, QString::asprintf(to, first, second).toUtf8());
+        };
+        set("width=\"816\" height=\"604\"", "width=\"%d\" height=\"%d\"", stored.width(), stored.height());
+        set("x=\"99\" y=\"113\"", "x=\"%d\" y=\"%d\"", stored.x(), stored.y());
+        m_fixture->data.write(u"params.xml"_s, params);
+        m_fixture->start();
+        QTEST(QRect(m_fixture->window->pos(), m_fixture->window->size()), "shown");
+    }
+
+    void theShortcutsOfTheMenusWorkFromEveryPane_data()
+    {
+        QTest::addColumn<QByteArray>("pane");
+        for (const char *pane : {"tvwFavoris", "lvwItems", "txtURL", "picVerticalSplit"})
+            QTest::newRow(pane) << QByteArray(pane);
+    }
+
+    void theShortcutsOfTheMenusWorkFromEveryPane()
+    {
+        QFETCH(QByteArray, pane);
+        m_fixture->startActive();
+        auto *focused = m_fixture->control<QWidget>(pane);
+        focused->setFocus();
+        int actions = 0;
+        for (QAction *action : m_fixture->window->actions()) {
+            action->disconnect(); // it is only to be reached
+            QSignalSpy triggered(action, &QAction::triggered);
+            // One that the box would take for itself (copy) stands beside the one of the menu.
+            for (const QKeySequence &keys : {action->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_C)}) {
+                action->setShortcut(keys);
+                QTest::keyClick(focused, keys[0].key(), keys[0].keyboardModifiers());
+            }
+            action->setShortcut({});
+            QCOMPARE(triggered.size(), 2);
+            ++actions;
+        }
+        QCOMPARE(actions, 4);
+    }
+
+    void bigButtonsAndSmallOnesAllFitTheirBand()
+    {
+        m_fixture->start();
+        for (const QString &size : {u"Grandes"_s, u"Petites"_s, u"Grandes"_s}) {
+            m_fixture->choose(size);
+            const int spare = m_fixture->toolbar()->width() - m_fixture->toolbar()->idealWidth();
+            QVERIFY2(spare >= 0 && spare <= 2, qPrintable(QString::number(spare)));
+        }
+        // Also where the band stands behind the address, which had all the room.
+        auto *rebar = m_fixture->control<cReBar>("cReBar1");
+        QString layout = rebar->saveLayout();
+        layout.replace(u"\"ToolBar\""_s, u"\"X\""_s)
+            .replace(u"\"StyleBar\""_s, u"\"ToolBar\""_s)
+            .replace(u"\"X\""_s, u"\"StyleBar\""_s);
+        QVERIFY(rebar->restoreLayout(layout));
+        m_fixture->choose(u"Grandes"_s);
+        QVERIFY(m_fixture->toolbar()->width() >= m_fixture->toolbar()->idealWidth());
+    }
+
+    void f6AndTabGoThroughThePanesInOrderAlsoWithALivePage()
+    {
+        m_fixture->startActive();
+        auto *page = m_fixture->control<BrowserPane>("WebBrowser1");
+        QSignalSpy loaded(page, &BrowserPane::DocumentComplete);
+        page->show();
+        QTRY_VERIFY_WITH_TIMEOUT(!loaded.isEmpty(), 20000);
+        const QList<QWidget *> panes = {m_fixture->tree(), m_fixture->list(), page,
+                                        m_fixture->control<AddressBox>("txtURL")};
+        const auto paneWithFocus = [&panes] {
+            for (qsizetype i = 0; i < panes.size(); ++i)
+                if (QWidget *focus = QApplication::focusWidget(); panes[i] == focus || panes[i]->isAncestorOf(focus))
+                    return i;
+            return qsizetype(-1);
+        };
+        panes.first()->setFocus();
+        for (const qsizetype next : {1, 2, 3, 0}) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_F6);
+            QCOMPARE(paneWithFocus(), next);
+        }
+        for (const qsizetype next : {3, 2, 1, 0}) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_F6, Qt::ShiftModifier);
+            QCOMPARE(paneWithFocus(), next);
+        }
+        // In the page itself Tab goes from link to link, so that it is entered from both sides.
+        m_fixture->list()->setFocus();
+        QTest::keyClick(m_fixture->list(), Qt::Key_Tab);
+        QCOMPARE(paneWithFocus(), qsizetype(2));
+        panes.last()->setFocus();
+        QTest::keyClick(panes.last(), Qt::Key_Backtab, Qt::ShiftModifier);
+        QCOMPARE(paneWithFocus(), qsizetype(2));
+        panes.first()->setFocus();
+        QTest::keyClick(panes.first(), Qt::Key_Tab);
+        QCOMPARE(paneWithFocus(), qsizetype(1));
+    }
+
+    void shiftF10OpensTheMenuOfWhatHasTheFocus_data()
+    {
+        QTest::addColumn<QByteArray>("control");
+        QTest::addColumn<QString>("entry");
+        QTest::newRow("tree") << QByteArray("tvwFavoris") << u"Nouveau dossier"_s;
+        QTest::newRow("list") << QByteArray("lvwItems") << u"Auteur"_s; // nothing is selected
+        QTest::newRow("address") << QByteArray("txtURL") << u"Paste"_s;
+    }
+
+    void shiftF10OpensTheMenuOfWhatHasTheFocus()
+    {
+        QFETCH(QByteArray, control);
+        QFETCH(QString, entry);
+        m_fixture->startActive();
+        m_fixture->click(m_fixture->node("root"));
+        auto *focused = m_fixture->control<QWidget>(control);
+        focused->setFocus();
+        QStringList entries;
+        QTimer::singleShot(0, qApp, [&entries] {
+            auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+            if (!menu)
+                return;
+            for (const QAction *action : menu->actions())
+                entries.append(action->text());
+            menu->close();
+        });
+        QTest::keyClick(focused, Qt::Key_F10, Qt::ShiftModifier);
+        QTRY_VERIFY2(!entries.filter(entry).isEmpty(), qPrintable(entries.join(u'|')));
+    }
+
+    void theBarsTellWhatTheyAreAndMoveByKeysAndByTools()
+    {
+        m_fixture->start();
+        for (const char *name : {"picHorizontalSplit", "picVerticalSplit"}) {
+            auto *bar = m_fixture->control<SplitBar>(name);
+            const bool across = name[3] == 'H';
+            const auto edge = [&] { return across ? bar->x() : bar->y(); };
+            QAccessibleInterface *told = QAccessible::queryAccessibleInterface(bar);
+            QCOMPARE(told->role(), QAccessible::Splitter);
+            QVERIFY(told->text(QAccessible::Name).startsWith(u"Séparation"_s));
+            QAccessibleValueInterface *value = told->valueInterface();
+            QVERIFY(value);
+            const int before = edge();
+            QCOMPARE(value->currentValue().toInt(), before);
+            QTest::keyClick(bar, across ? Qt::Key_Right : Qt::Key_Down);
+            QCOMPARE(edge(), before + value->minimumStepSize().toInt());
+            value->setCurrentValue(value->minimumValue());
+            QCOMPARE(edge(), value->minimumValue().toInt());
+            QVERIFY(edge() < before && m_fixture->list()->isVisible());
+            value->setCurrentValue(1000000); // past the end is the end
+            QCOMPARE(edge(), value->maximumValue().toInt());
+        }
     }
 };
 
