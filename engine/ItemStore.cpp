@@ -45,9 +45,8 @@ qint16 addNewItems(const CachedFeed &fresh, CachedFeed &store, ListedTitles &tit
         ListedTitle &title = titles[fresh.ItemTitle(i)];
         // An addition moves the items of the store up by one; what moves past the last index is no longer seen.
         const bool stored = title.storeIndex >= 0 && title.storeIndex + count < std::numeric_limits<qint16>::max();
-        if (stored || title.added)
+        if (stored || title.added || !store.AddItem(fresh.GetItemNode(i)))
             continue;
-        store.AddItem(fresh.GetItemNode(i));
         title.added = true;
         ++count;
     }

@@ -17,6 +17,7 @@
 /// - `SettingsFile::loadSettings`: the box that the settings can't be read, and the program doesn't start;
 /// - `RunAtStartup`: a step that fails is passed over, and the next one is taken;
 /// - `clsDES`, the operations on files: false, and the file stays as it was;
+/// - `FeedReading`: a document that could not be saved is none;
 /// - `FileRegistryStore` and `AutostartRegistryStore`: a file that can't be written is a result of the call.
 /// `cRegistry::EnumerateSections` raises what it meets anew, under a number of its own.
 class RunTimeError final : public std::exception

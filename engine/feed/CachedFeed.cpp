@@ -2,10 +2,10 @@
 
 #include "engine/feed/CachedFeed.h"
 
-#include "engine/feed/FeedBounds.h"
 #include "engine/feed/FeedDocument.h"
 #include "engine/feed/FeedFormats.h"
 #include "engine/feed/FeedItem.h"
+#include "engine/feed/FeedReading.h"
 #include "engine/feed/ItemMarks.h"
 #include "engine/feed/MarkCarrying.h"
 #include "platform/DateText.h"
@@ -52,7 +52,7 @@ FeedLoadResult CachedFeed::Load(const QString &path)
         const Files::Content content = Files::read(path);
         if (content.result != Files::ReadResult::Read)
             return LoadFileNotFound;
-        tree = XmlGate::parse(content.bytes, feedBounds);
+        tree = FeedReading::read(content.bytes);
     }
     if (!tree)
         return LoadNotAFeed;
@@ -202,10 +202,9 @@ std::shared_ptr<const FeedItem> CachedFeed::GetItemNode(qint16 index) const
     return holds(index) ? std::make_shared<const FeedItem>(m_document, m_document->item(index)) : nullptr;
 }
 
-void CachedFeed::AddItem(const std::shared_ptr<const FeedItem> &node)
+bool CachedFeed::AddItem(const std::shared_ptr<const FeedItem> &node)
 {
-    if (m_document && node)
-        m_document->add(node->document(), node->node(), m_clock());
+    return m_document && node && m_document->add(node->document(), node->node(), m_clock());
 }
 
 static QString itemText(const FeedDocument &document, qint16 index, ItemField field)

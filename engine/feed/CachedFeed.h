@@ -41,8 +41,10 @@ public:
 
     /// Writes the document back to the path of the last successful Load(), in one step, in its own encoding and with
     /// all that this class doesn't know. Items taken out by RemoveItem() are dropped here, and the indices behind
-    /// them move up. Items that bear no date of download are given the one that ItemDownloadDate() tells. Does nothing
-    /// when nothing is held. Throws the RunTimeErrors of Files::write(); the file is then unchanged, what is held stays
+    /// them move up; then those past the last index are dropped. Items that bear no date of download are given the one
+    /// that ItemDownloadDate() tells. What was written is read back before it takes the file's place. Does nothing when
+    /// nothing is held. Throws the RunTimeErrors of Files::write(), and RunTimeError::deviceError() when what was
+    /// written doesn't load with the same items, marks and titles; the file is then unchanged, what is held stays
     /// usable.
     ///
     /// A stale document leaves the newer file as it is but for the read and deleted marks that were changed since
@@ -71,7 +73,7 @@ public:
     QString WebMaster() const;
     QString Ttl() const; ///< Minutes between updates as the feed proposes them, as it writes them.
 
-    /// Number of items, deleted ones included, at most 32767; what a document holds past that is kept but not offered.
+    /// Number of items, deleted ones included, at most 32767; what a document holds past that isn't offered.
     qint16 ItemCount() const;
 
     /// The item's node, to be handed to AddItem() of another instance, whose copy it is. It keeps its document alive.
@@ -81,7 +83,10 @@ public:
     /// An item of another format is carried over into this document's own format. Items added one after the other stand
     /// in front of those that were there before, in the order in which they were added: after n additions the item that
     /// stood at index p stands at p + n. A Save() ends such a run: what is added after it stands in front of all.
-    void AddItem(const std::shared_ptr<const FeedItem> &node);
+    /// False, and nothing is added, for an item that couldn't be written so that it is read again: one with addresses
+    /// of hundreds of kilobytes that would come to stand in attributes, or with more names or namespaces than the
+    /// document has room for.
+    bool AddItem(const std::shared_ptr<const FeedItem> &node);
 
     QString ItemTitle(qint16 index) const;
     QString ItemLink(qint16 index) const;

@@ -3,10 +3,13 @@
 #include "engine/feed/FeedDocument.h"
 
 #include "engine/feed/FeedBounds.h"
+#include "engine/feed/FeedDigest.h"
 #include "engine/feed/ItemMarks.h"
 #include "engine/feed/ItemTransfer.h"
 #include "platform/DateText.h"
 #include "platform/xml/TreeWalk.h"
+
+#include <limits>
 
 FeedDocument::FeedDocument(XmlDocPtr tree, const FormatReader &reader, QDateTime written)
     : m_tree(std::move(tree)), m_reader(reader), m_written(std::move(written)),
@@ -112,7 +115,7 @@ xmlNode *FeedDocument::itemParent()
                              : xmlNewChild(m_root, m_root->ns, xmlText(m_reader.format().channelName), nullptr);
 }
 
-void FeedDocument::add(const FeedDocument &from, const xmlNode *node, const QDateTime &now)
+bool FeedDocument::add(const FeedDocument &from, const xmlNode *node, const QDateTime &now)
 {
     ChildElements elements(from.reader().vocabulary(), node);
     elements.addAll();
@@ -122,6 +125,8 @@ void FeedDocument::add(const FeedDocument &from, const xmlNode *node, const QDat
     xmlNode *item = &from.reader() == &m_reader
                         ? ItemTransfer::copy(original, m_reader, parent, enter)
                         : ItemTransfer::convert(from.reader().content(original), m_reader.format(), parent, enter);
+    if (item == nullptr)
+        return false;
     // To the second, and by the fields: going through the time zone for each item costs as much as copying it.
     if (now.date() != m_addedAt.date() ||
         now.time().msecsSinceStartOfDay() / 1000 != m_addedAt.time().msecsSinceStartOfDay() / 1000) {
@@ -130,6 +135,7 @@ void FeedDocument::add(const FeedDocument &from, const xmlNode *node, const QDat
     }
     ItemMarks::setDownloadMark(item, m_addedMark);
     m_added.push_back({item, nullptr});
+    return true;
 }
 
 /// Puts the item behind those added before, on a line of its own.
@@ -146,13 +152,18 @@ void FeedDocument::insert(xmlNode *item)
         xmlAddNextSibling(item, xmlNewDocText(m_tree.get(), xmlText("\n")));
 }
 
-/// Takes the items marked for removal out of the tree.
+/// Takes the items marked for removal out of the tree, and those behind them that no index names.
 std::vector<xmlNode *> FeedDocument::takeOutRemovedItems()
 {
+    constexpr qsizetype most = std::numeric_limits<qint16>::max();
     std::vector<xmlNode *> dropped;
-    for (const Entry &item : m_items) {
-        if (!item.removed)
+    qsizetype kept = 0;
+    for (Entry &item : m_items) {
+        item.removed = item.removed || kept == most;
+        if (!item.removed) {
+            ++kept;
             continue;
+        }
         xmlNode *blank = item.node->next;
         if (blank != nullptr && xmlIsBlankNode(blank) != 0) {
             xmlUnlinkNode(blank);
@@ -186,5 +197,12 @@ QByteArray FeedDocument::prepareForSaving()
     for (const Entry &item : m_items)
         if (!notedDate(item.node).readable)
             ItemMarks::setDownloadMark(item.node, writtenMark);
-    return XmlGate::toBytes(m_tree.get(), feedBounds);
+    std::vector<const xmlNode *> items;
+    items.reserve(m_items.size());
+    for (const Entry &item : m_items)
+        items.push_back(item.node);
+    const quint64 digest = FeedDigest::ofTree(m_root, m_reader, items);
+    return XmlGate::toBytes(m_tree.get(), feedBounds, [&](const QByteArray &written) {
+        return FeedDigest::isOfBytes(digest, written, m_reader);
+    });
 }

@@ -51,9 +51,12 @@ public:
     void forgetMarkChanges();
 
     /// Takes a copy of the item in, behind those added since the document was loaded or saved, in front of all others.
-    void add(const FeedDocument &from, const xmlNode *node, const QDateTime &now);
+    /// False when there is no room for it.
+    bool add(const FeedDocument &from, const xmlNode *node, const QDateTime &now);
 
-    /// Drops the items marked for removal, notes the date of download in those that bear none, and returns the bytes.
+    /// Drops the items marked for removal and those that are past the last index, notes the date of download in those
+    /// that bear none, and returns the bytes, which were read back. Throws RunTimeError::deviceError() when they don't
+    /// say what the document does.
     QByteArray prepareForSaving();
 
 private:

@@ -9,20 +9,19 @@
 
 namespace {
 
-constexpr const char *marks = "urn:quillwire:marks";
 constexpr const char *readName = "read";
 constexpr const char *deletedName = "deleted";
 constexpr const char *downloadedName = "downloaded";
 
 void set(xmlNode *item, const char *name, const QString &value)
 {
-    xmlNs *ns = prefixedNamespace(item, marks, "quillwire");
+    xmlNs *ns = prefixedNamespace(item, ItemMarks::space, "quillwire");
     xmlSetNsProp(item, ns, xmlText(name), xmlText(value.toUtf8().constData()));
 }
 
 bool isSet(const xmlNode *item, const char *name)
 {
-    return attributeOf(item, name, marks) == "1"_L1;
+    return attributeOf(item, name, ItemMarks::space) == "1"_L1;
 }
 
 } // namespace
@@ -39,7 +38,7 @@ bool ItemMarks::isDeleted(const xmlNode *item)
 
 QString ItemMarks::downloadMark(const xmlNode *item)
 {
-    return attributeOf(item, downloadedName, marks);
+    return attributeOf(item, downloadedName, space);
 }
 
 QDateTime ItemMarks::downloadDate(const QString &mark)
@@ -75,7 +74,7 @@ void ItemMarks::clear(xmlNode *item)
     xmlAttr *attribute = item->properties;
     while (attribute != nullptr) {
         xmlAttr *next = attribute->next;
-        if (nameOf(attribute->ns) == marks)
+        if (nameOf(attribute->ns) == space)
             xmlRemoveProp(attribute);
         attribute = next;
     }

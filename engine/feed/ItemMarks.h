@@ -10,6 +10,9 @@
 /// says how they look and why.
 namespace ItemMarks {
 
+/// The name of the namespace.
+inline constexpr const char *space = "urn:quillwire:marks";
+
 bool isRead(const xmlNode *item);
 bool isDeleted(const xmlNode *item);
 

@@ -25,10 +25,10 @@ bool isHidden(const xmlNode *element, const xmlNode *ancestor, const xmlChar *pr
     return false;
 }
 
-bool hasAttributeOfPrefix(const xmlNode *element, const std::string &prefix)
+bool declaresAddress(const xmlNode *element, const char *name)
 {
-    for (const xmlAttr *attribute = element->properties; attribute != nullptr; attribute = attribute->next)
-        if (attribute->ns == nullptr && viewOf(attribute->name).starts_with(prefix + ':'))
+    for (const xmlNs *ns = element->nsDef; ns != nullptr; ns = ns->next)
+        if (ns->prefix != nullptr && viewOf(ns->href) == name)
             return true;
     return false;
 }
@@ -50,14 +50,12 @@ xmlNs *prefixedNamespace(xmlNode *element, const char *name, const char *prefix)
     if (xmlNs *ns = namespaceInScope(element, name, true))
         return ns;
     xmlNode *root = xmlDocGetRootElement(element->doc);
-    // An undeclared prefix is a part of the name in the tree; a declaration on the root would give it a meaning.
-    const bool everyPrefixIsDeclared = (element->doc->properties & XML_DOC_NSVALID) != 0;
+    const bool onRoot = !declaresAddress(root, name);
     for (int number = 1;; ++number) {
         const std::string candidate = number == 1 ? std::string(prefix) : prefix + std::to_string(number);
         const xmlChar *wish = xmlText(candidate.c_str());
-        xmlNode *place = everyPrefixIsDeclared ? root : element;
-        if (!declaresPrefix(place, wish) && !isHidden(element, place, wish) &&
-            !hasAttributeOfPrefix(element, candidate))
-            return xmlNewNs(place, xmlText(name), wish);
+        if (onRoot ? !declaresPrefix(root, wish) && !isHidden(element, root, wish)
+                   : xmlSearchNs(element->doc, element, wish) == nullptr)
+            return xmlNewNs(onRoot ? root : element, xmlText(name), wish);
     }
 }

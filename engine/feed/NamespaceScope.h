@@ -11,6 +11,7 @@
 xmlNs *namespaceInScope(xmlNode *element, const char *name, bool prefixed);
 
 /// A prefixed declaration of `name` that is in scope at `element`. One that is missing is added: on the document
-/// element, or, in a document that uses prefixes without declaring them, on `element` itself. `prefix` is the one
-/// wished for; the one used bears a number where that is taken.
+/// element, or, where that has one which is hidden, on `element` itself, so that no element is given more than one.
+/// `prefix` is the one wished for; the one used bears a number where that is taken. Every prefix that is used must be
+/// declared, so that one which isn't has no meaning to lose.
 xmlNs *prefixedNamespace(xmlNode *element, const char *name, const char *prefix);

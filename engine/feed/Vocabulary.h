@@ -39,8 +39,11 @@ public:
     /// True when an element is one of the format's own, and of that name.
     bool isOwn(const xmlNode *element, const char *name) const
     {
-        return std::strcmp(reinterpret_cast<const char *>(element->name), name) == 0 &&
-               m_groups.front().in(nameOf(element->ns));
+        return isOwn(element->name, nameOf(element->ns), name);
+    }
+    bool isOwn(const xmlChar *local, std::string_view space, const char *name) const
+    {
+        return std::strcmp(reinterpret_cast<const char *>(local), name) == 0 && m_groups.front().in(space);
     }
 
     /// The first child that is an own element of that name; null when there is none.

@@ -2,6 +2,7 @@
 
 #include "platform/xml/EscapedDeclarations.h"
 
+#include "platform/xml/DocumentNotes.h"
 #include "platform/xml/TreeWalk.h"
 
 #include <QString> // with it come the operators of QByteArray
@@ -11,9 +12,7 @@
 
 namespace {
 
-char addressesToEscape; ///< what the private pointer of such a document points to
-
-bool mustBeEscaped(char c)
+bool isToEscape(char c)
 {
     return c == '&' || c == '<' || c == '\t' || c == '\n' || c == '\r';
 }
@@ -26,7 +25,7 @@ QByteArray escaped(const char *text)
             result += "&amp;";
         else if (*text == '<')
             result += "&lt;";
-        else if (mustBeEscaped(*text))
+        else if (isToEscape(*text))
             result += "&#" + QByteArray::number(*text) + ';';
         else
             result += *text;
@@ -36,32 +35,22 @@ QByteArray escaped(const char *text)
 
 } // namespace
 
-bool AddressesToEscape::isOne(const xmlChar *address)
+bool mustBeEscaped(const xmlChar *text)
 {
-    const auto *text = reinterpret_cast<const char *>(address);
-    return text != nullptr && std::any_of(text, text + std::strlen(text), mustBeEscaped);
-}
-
-void AddressesToEscape::note(xmlDoc *document)
-{
-    document->_private = &addressesToEscape;
-}
-
-bool AddressesToEscape::areIn(const xmlDoc *document)
-{
-    return document->_private == &addressesToEscape;
+    const auto *chars = reinterpret_cast<const char *>(text);
+    return chars != nullptr && std::any_of(chars, chars + std::strlen(chars), isToEscape);
 }
 
 EscapedDeclarations::EscapedDeclarations(xmlNode *top)
 {
-    if (AddressesToEscape::areIn(top->doc))
+    if (DocumentNotes::of(*top->doc).addressesMustBeEscaped)
         escapeNamespaces(top);
 }
 
 EscapedDeclarations::EscapedDeclarations(xmlDoc *document)
 {
     xmlNode *root = xmlDocGetRootElement(document);
-    if (root != nullptr && AddressesToEscape::areIn(document))
+    if (root != nullptr && DocumentNotes::of(*document).addressesMustBeEscaped)
         escapeNamespaces(root);
     if (document->intSubset != nullptr)
         escapeDefaults(document->intSubset);
@@ -90,7 +79,7 @@ void EscapedDeclarations::escapeDefaults(xmlDtd *type)
 
 void EscapedDeclarations::escape(const xmlChar *&place)
 {
-    if (!AddressesToEscape::isOne(place))
+    if (!mustBeEscaped(place))
         return;
     m_texts.push_back(escaped(reinterpret_cast<const char *>(place)));
     m_replaced.push_back({&place, place});

@@ -9,15 +9,8 @@
 #include <deque>
 #include <vector>
 
-/// Whether namespaces of a document may have addresses that must be escaped. It is noted when the document is read, so
-/// that writing the others needs no walk through the tree.
-namespace AddressesToEscape {
-
-bool isOne(const xmlChar *address);
-void note(xmlDoc *document);
-bool areIn(const xmlDoc *document);
-
-} // namespace AddressesToEscape
+/// True for an address, or a default, that can't be written as it is in memory.
+bool mustBeEscaped(const xmlChar *text);
 
 /// The library (2.9.14) writes the addresses of namespaces and the defaults of attributes as they are in memory, but
 /// for quotes. For the life of the object those that can't stand so are escaped in the tree.

@@ -7,7 +7,10 @@
 #include "platform/xml/XmlTree.h"
 
 /// Files of this program and lists of others: what stands in them is kept as it stands, also what isn't known.
-static constexpr XmlBounds bounds{.undeclaredEntitiesAreRefused = false, .namespaceErrorsAreRefused = false};
+static constexpr XmlBounds bounds{.undeclaredEntitiesAreRefused = false,
+                                  .namespaceErrorsAreRefused = false,
+                                  .undeclaredPrefixesAreBound = false,
+                                  .namespaceDefaultsAreKept = true};
 
 XmlDocument::XmlDocument() : m_tree(std::make_shared<XmlTree>())
 {
@@ -74,7 +77,8 @@ XmlNode XmlDocument::createElement(const QString &name)
 
 XmlNode XmlDocument::importNode(const XmlNode &node)
 {
-    xmlNode *copy = XmlGate::copyInto(m_tree->document.get(), static_cast<xmlNode *>(node.required()));
+    xmlNode *copy =
+        XmlGate::copyInto(reinterpret_cast<xmlNode *>(m_tree->document.get()), static_cast<xmlNode *>(node.required()));
     if (copy == nullptr)
         throw RunTimeError::invalidCall();
     m_tree->outside.push_back(copy);

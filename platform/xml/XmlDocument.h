@@ -25,8 +25,9 @@ public:
     /// Likewise from a text.
     LoadResult loadXml(const QString &text);
 
-    /// Replaces the file in one step, in the document's encoding. Throws the RunTimeErrors of Files::write(). A
-    /// document without an element is written as nothing but its declaration.
+    /// Replaces the file in one step, in the document's encoding. Throws the RunTimeErrors of Files::write(), and
+    /// RunTimeError::deviceError() when what was written doesn't read back the same; the old file then stands
+    /// unchanged. A document without an element is written as nothing but its declaration.
     void save(const QString &path) const;
 
     /// What save() writes.

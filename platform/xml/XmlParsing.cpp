@@ -1,95 +1,42 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "platform/xml/EscapedDeclarations.h"
-#include "platform/xml/Silence.h"
+#include "platform/xml/ParserGuard.h"
 #include "platform/xml/TreeWalk.h"
-#include "platform/xml/XmlGate.h"
+#include "platform/xml/UndeclaredPrefixes.h"
+#include "platform/xml/XmlLimits.h"
 
 #include <libxml/SAX2.h>
-#include <libxml/parser.h>
 #include <libxml/parserInternals.h>
 
-#include <limits>
-
 namespace {
-
-struct ParserDeleter
-{
-    void operator()(xmlParserCtxt *parser) const { xmlFreeParserCtxt(parser); }
-};
-using ParserPtr = std::unique_ptr<xmlParserCtxt, ParserDeleter>;
-
-/// What is noted while a document is parsed.
-struct ParserNotes
-{
-    const XmlBounds &bounds;
-    bool refused = false;
-    bool addressesMustBeEscaped = false;
-    int parameterReferences = 0;
-    qint64 parameterText = 0;
-};
-
-ParserNotes &notesOf(xmlParserCtxt *parser)
-{
-    return *static_cast<ParserNotes *>(parser->_private);
-}
-
-void declareInternalEntity(void *context, const xmlChar *name, int type, const xmlChar *publicId,
-                           const xmlChar *systemId, xmlChar *content)
-{
-    if (type == XML_INTERNAL_GENERAL_ENTITY || type == XML_INTERNAL_PARAMETER_ENTITY)
-        xmlSAX2EntityDecl(context, name, type, publicId, systemId, content);
-}
-
-/// The library passes over undeclared entities where the document type could have declared them elsewhere.
-xmlEntity *findEntity(void *context, const xmlChar *name)
-{
-    auto *parser = static_cast<xmlParserCtxt *>(context);
-    ParserNotes &notes = notesOf(parser);
-    xmlEntity *entity = notes.bounds.knownEntity != nullptr ? notes.bounds.knownEntity(parser->myDoc, name) : nullptr;
-    if (entity == nullptr)
-        entity = xmlSAX2GetEntity(context, name);
-    const bool inDocumentType = parser->inSubset != 0;
-    if (entity == nullptr && !inDocumentType && notes.bounds.undeclaredEntitiesAreRefused)
-        notes.refused = true;
-    return entity;
-}
-
-/// The library bounds what general entities expand to, but not parameter entities: a few lines of them keep it busy for
-/// ever.
-xmlEntity *findParameterEntity(void *context, const xmlChar *name)
-{
-    auto *parser = static_cast<xmlParserCtxt *>(context);
-    ParserNotes &notes = notesOf(parser);
-    if (notes.bounds.parameterReferences == 0)
-        return nullptr;
-    xmlEntity *entity = xmlSAX2GetParameterEntity(context, name);
-    notes.parameterText += entity == nullptr ? 0 : entity->length;
-    if (++notes.parameterReferences <= notes.bounds.parameterReferences &&
-        notes.parameterText <= notes.bounds.parameterText)
-        return entity;
-    notes.refused = true;
-    xmlStopParser(parser);
-    return nullptr;
-}
 
 void startElement(void *context, const xmlChar *name, const xmlChar *prefix, const xmlChar *address, int namespaces,
                   const xmlChar **declared, int attributes, int defaulted, const xmlChar **values)
 {
-    for (int i = 0; i < namespaces; ++i) // prefix and address in turn
-        if (AddressesToEscape::isOne(declared[2 * i + 1]))
-            notesOf(static_cast<xmlParserCtxt *>(context)).addressesMustBeEscaped = true;
-    xmlSAX2StartElementNs(context, name, prefix, address, namespaces, declared, attributes, defaulted, values);
+    if (ParserGuard::of(context).admits(context,
+                                        {prefix, address, namespaces, declared, attributes, defaulted, values}))
+        xmlSAX2StartElementNs(context, name, prefix, address, namespaces, declared, attributes, defaulted, values);
 }
 
-/// Prefixes that are declared nowhere are borne with, since documents have them. What else breaks the rules of
-/// namespaces, such as two colons in a name, has no form in the tree that could be written out again.
-void judgeError(void *context, xmlError *error)
+/// The library lets one node grow by all that follows, up to a bound that depends on the form in which a text is
+/// written; here a long text goes on in another node.
+void addText(void *context, const xmlChar *text, int size)
 {
-    ParserNotes &notes = notesOf(static_cast<xmlParserCtxt *>(context));
-    if (error->domain == XML_FROM_NAMESPACE && error->level >= XML_ERR_ERROR &&
-        error->code != XML_NS_ERR_UNDEFINED_NAMESPACE && notes.bounds.namespaceErrorsAreRefused)
-        notes.refused = true;
+    auto *parser = static_cast<xmlParserCtxt *>(context);
+    xmlNode *last = parser->node == nullptr ? nullptr : parser->node->last;
+    const bool goesOn = last != nullptr && last->type == XML_TEXT_NODE && parser->nodemem > 0;
+    xmlNode *piece = goesOn && parser->nodelen > XmlLimits::pieceOfText - size
+                         ? xmlNewDocTextLen(parser->myDoc, text, size)
+                         : nullptr;
+    if (piece == nullptr) {
+        xmlSAX2Characters(context, text, size);
+        return;
+    }
+    piece->parent = parser->node;
+    piece->prev = last;
+    last->next = parser->node->last = piece;
+    parser->nodelen = size;
+    parser->nodemem = size + 1;
 }
 
 /// What entities hold doesn't count against the bound on depth while it is parsed, but it does once it was written out
@@ -123,34 +70,31 @@ void noteByteOrderMark(xmlDoc *document, const QByteArray &bytes)
 
 } // namespace
 
+void XmlDocDeleter::operator()(xmlDoc *document) const
+{
+    delete static_cast<DocumentNotes *>(document->_private);
+    xmlFreeDoc(document);
+}
+
 XmlDocPtr XmlGate::parse(const QByteArray &bytes, const XmlBounds &bounds, const char *encoding)
 {
-    if (bytes.size() > std::numeric_limits<int>::max())
+    ParserGuard guard(bounds);
+    guard.handlers().startElementNs = startElement;
+    guard.handlers().characters = guard.handlers().ignorableWhitespace = addText;
+    XmlDocPtr document;
+    if (!guard.read(bytes, encoding, document) || xmlDocGetRootElement(document.get()) == nullptr ||
+        isTooDeep(document.get()))
         return nullptr;
-    const Silence silence;
-    const ParserPtr parser(xmlNewParserCtxt());
-    if (!parser)
-        throw std::bad_alloc();
-    ParserNotes notes{bounds};
-    parser->_private = &notes;
-    parser->sax->startElementNs = startElement;
-    parser->sax->entityDecl = declareInternalEntity;
-    parser->sax->getEntity = findEntity;
-    parser->sax->getParameterEntity = findParameterEntity;
-    parser->sax->externalSubset = nullptr;
-    parser->sax->serror = judgeError;
-    int options = XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_NOENT | XML_PARSE_COMPACT;
-    if (encoding != nullptr)
-        options |= XML_PARSE_IGNORE_ENC;
-    XmlDocPtr document(
-        xmlCtxtReadMemory(parser.get(), bytes.constData(), static_cast<int>(bytes.size()), nullptr, encoding, options));
-    // Where a bound is met the library may stop and still call what it has well-formed.
-    const bool stopped = parser->disableSAX != 0 || parser->errNo == XML_ERR_NO_MEMORY;
-    if (!document || parser->wellFormed == 0 || stopped || notes.refused ||
-        xmlDocGetRootElement(document.get()) == nullptr || isTooDeep(document.get()))
-        return nullptr;
+    DocumentNotes &notes = DocumentNotes::of(*document);
+    notes = guard.notes();
     noteByteOrderMark(document.get(), bytes);
-    if (notes.addressesMustBeEscaped)
-        AddressesToEscape::note(document.get());
+    if (guard.usesUndeclaredPrefixes() && bounds.undeclaredPrefixesAreBound &&
+        !UndeclaredPrefixes::bind(document.get()))
+        return nullptr;
     return document;
+}
+
+bool XmlGate::mustBeTried(const xmlDoc *document)
+{
+    return DocumentNotes::of(*document).mustBeTried;
 }

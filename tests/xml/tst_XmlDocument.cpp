@@ -22,6 +22,7 @@ private Q_SLOTS:
     void nodesMoveBetweenPlaces();
     void aMissingNodeRaisesTheErrorOfAMissingObject();
     void charactersThatXmlCannotHoldAreLeftOut();
+    void whatDoesNotReadBackTakesNoPlace();
     void hostileDocumentsAreRefusedQuickly_data();
     void hostileDocumentsAreRefusedQuickly();
     void anExternalEntityIsNeverRead();
@@ -106,6 +107,21 @@ void tst_XmlDocument::charactersThatXmlCannotHoldAreLeftOut()
     XmlDocument again;
     QCOMPARE(again.loadXml(document.toBytes()), LoadResult::Loaded);
     QCOMPARE(again.documentElement().attribute(u"x"_s), u"a b"_s);
+}
+
+void tst_XmlDocument::whatDoesNotReadBackTakesNoPlace()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"state.xml"_s);
+    Files::write(path, "<old/>");
+    for (const char *encoding : {"UTF-8", "ISO-8859-1"}) {
+        XmlDocument document;
+        QCOMPARE(document.loadXml("<?xml version=\"1.0\" encoding=\"" + QByteArray(encoding) + "\"?><a/>"),
+                 LoadResult::Loaded);
+        document.documentElement().setAttribute(u"x"_s, QString(11000000, u'x'));
+        QVERIFY_EXCEPTION_THROWN(document.save(path), RunTimeError);
+        QCOMPARE(Files::read(path).bytes, QByteArray("<old/>"));
+    }
 }
 
 void tst_XmlDocument::hostileDocumentsAreRefusedQuickly_data()
