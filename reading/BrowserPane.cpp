@@ -17,11 +17,14 @@ struct BrowserPane::Private
     DataDirectory directory;
     Messages &messages;
     std::unique_ptr<WebPane> engine = nullptr;
-    QString pending = {}; ///< asked for before the engine runs
+    QString first = {};   ///< the first page ever asked for, with which the back list begins
+    QString pending = {}; ///< the last one asked for, before the first is there
+    bool opening = false; ///< the engine is at the first page
     bool failed = false;  ///< the engine couldn't be loaded
 
     void start(BrowserPane &pane);
-    WebPane::Events eventsOf(BrowserPane &pane) const;
+    void handleComplete(BrowserPane &pane);
+    WebPane::Events eventsOf(BrowserPane &pane);
 };
 
 void BrowserPane::Private::start(BrowserPane &pane)
@@ -42,17 +45,37 @@ void BrowserPane::Private::start(BrowserPane &pane)
     }
     pane.layout()->addWidget(content);
     pane.setFocusProxy(content);
-    if (const QString first = std::exchange(pending, {}); engine && !first.isEmpty())
+    if (engine) {
+        opening = true;
         engine->navigate(first);
+    }
 }
 
-WebPane::Events BrowserPane::Private::eventsOf(BrowserPane &pane) const
+/// A page that is left before it is there isn't in the back list.
+void BrowserPane::Private::handleComplete(BrowserPane &pane)
+{
+    if (!opening)
+        return;
+    QMetaObject::invokeMethod(
+        &pane,
+        [this] {
+            opening = false;
+            if (!pending.isEmpty())
+                engine->navigate(std::exchange(pending, {}));
+        },
+        Qt::QueuedConnection);
+}
+
+WebPane::Events BrowserPane::Private::eventsOf(BrowserPane &pane)
 {
     return {[&pane](const QString &text) { Q_EMIT pane.StatusTextChange(text); },
             [&pane](int progress, int progressMax) { Q_EMIT pane.ProgressChange(progress, progressMax); },
             [&pane](int command, bool enable) { Q_EMIT pane.CommandStateChange(command, enable); },
             [&pane] { Q_EMIT pane.DownloadBegin(); },
-            [&pane] { Q_EMIT pane.DocumentComplete(); },
+            [this, &pane] {
+                handleComplete(pane);
+                Q_EMIT pane.DocumentComplete();
+            },
             [&pane](const QString &url) { Q_EMIT pane.feedLinkAccepted(url); },
             [&pane](const QString &url) { Q_EMIT pane.systemLinkActivated(url); },
             [&pane](const QString &proposed) { return pane.askDownloadPath(proposed); }};
@@ -73,12 +96,12 @@ void BrowserPane::Navigate(const QString &url)
 {
     if (url.trimmed().isEmpty() || d->failed)
         return;
-    if (d->engine) {
+    if (d->engine && !d->opening) {
         d->engine->navigate(url);
         return;
     }
-    d->pending = url;
-    if (isOnScreen())
+    (d->first.isEmpty() ? d->first : d->pending) = url;
+    if (!d->engine && isOnScreen())
         d->start(*this);
 }
 
@@ -126,7 +149,7 @@ void BrowserPane::showEvent(QShowEvent *event)
     QWidget::showEvent(event);
     // Behind the first painting of the window.
     QTimer::singleShot(0, this, [this] {
-        if (!d->engine && !d->failed && isOnScreen() && !d->pending.isEmpty())
+        if (!d->engine && !d->failed && isOnScreen() && !d->first.isEmpty())
             d->start(*this);
     });
 }

@@ -16,7 +16,8 @@ class Messages;
 /// of the web.
 ///
 /// The browser engine is started with the first page that is shown while the pane is visible, so that the window, and a
-/// program in the tray, don't wait for it or hold it. Until then the last navigation asked for is remembered.
+/// program in the tray, don't wait for it or hold it. Until then the first navigation asked for, with which the back
+/// list begins, and the last one are remembered.
 ///
 /// The boxes of the pane (a link to a feed, a pop-up, a download, what a page says itself) are modal and run inside the
 /// engine's event. They draw on one budget, which only an act of the user renews; a navigation that the program asks

@@ -414,9 +414,18 @@ private Q_SLOTS:
     {
         const QString path = m_fixture->data.file(u"été.rss"_s);
         Files::write(path, FeedTexts::rss(u"Local"_s, FeedTexts::titles(u"l"_s, 0, 2)));
+        m_fixture->data.write(u"home.htm"_s, "<html><body>Départ</body></html>");
         m_fixture->start(u'"' + path + u'"');
         QCOMPARE(m_fixture->control<AddressBox>("txtURL")->text(), path);
         QCOMPARE(m_fixture->list()->items().rowCount(), 2);
+
+        // The way back from there is the start page, as after any start.
+        auto *page = m_fixture->control<BrowserPane>("WebBrowser1");
+        page->show();
+        QTRY_VERIFY_WITH_TIMEOUT(page->LocationURL().endsWith("/tmp.htm"_L1), 20000);
+        QTRY_VERIFY(m_fixture->browserToolbar()->isButtonEnabled(u"browser_precedent"_s));
+        m_fixture->browserToolbar()->button(0)->click();
+        QTRY_VERIFY(page->LocationURL().endsWith("/home.htm"_L1));
     }
 };
 
