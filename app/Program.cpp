@@ -54,8 +54,9 @@ void Program::start(ProgramWindow &window, const QList<QRect> &screens, const QS
     m_catalogue.loadCatalogue();
     window.showTrayIcon(true);
     connect(&m_server, &InstanceServer::textReceived, this,
-            [&window](const QString &text) { window.takeHandOver(text); });
-    connect(&m_server, &InstanceServer::activationAsked, this, [&window] { window.comeForward(); });
+            [&window](const QString &text, const QByteArray &token) { window.takeHandOver(text, token); });
+    connect(&m_server, &InstanceServer::activationAsked, this,
+            [&window](const QByteArray &token) { window.comeForward(token); });
     m_server.listen();
     if (!commandLine.isEmpty())
         window.openCommandLine(commandLine);

@@ -99,6 +99,14 @@ int runFirstInstance(ErrorTrap &application, MessageBoxes &messages, InstanceLoc
     }
 }
 
+/// The token by which the desktop lets the window of this start come to the front; to be asked for before the
+/// application is made, which takes one of its places away.
+QByteArray activationToken()
+{
+    const QByteArray token = qgetenv("XDG_ACTIVATION_TOKEN");
+    return token.isEmpty() ? qgetenv("DESKTOP_STARTUP_ID") : token;
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -106,6 +114,7 @@ int main(int argc, char *argv[])
     // Unless it is told so, the C library looks at the file of the time zone anew with each date that it converts.
     if (!qEnvironmentVariableIsSet("TZ"))
         qputenv("TZ", ":/etc/localtime");
+    const QByteArray token = activationToken();
     ErrorTrap application(argc, argv);
     nameApplication();
     FrenchTexts::install(application);
@@ -113,7 +122,7 @@ int main(int argc, char *argv[])
 
     InstanceLock lock;
     if (!lock.isFirstInstance()) {
-        handOver(commandLine());
+        handOver(commandLine(), HandOverProtocol::TimeoutMs, runtimeDirectory(), token);
         return 0;
     }
     MessageBoxes messages;

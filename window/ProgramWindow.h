@@ -4,6 +4,7 @@
 
 #include "core/SettingsFile.h"
 
+#include <QByteArray>
 #include <QRect>
 #include <QString>
 
@@ -35,11 +36,12 @@ public:
     /// Hides the window when an icon leads back to it, otherwise minimises it as other windows are.
     virtual void hideToTray() = 0;
 
-    /// Restores the window when it is iconic, shows it, and brings it to the front.
-    virtual void comeForward() = 0;
+    /// Restores the window when it is iconic, shows it, and brings it to the front. A desktop that lets no window do
+    /// so of its own accord has given a token for it to who asks.
+    virtual void comeForward(const QByteArray &activationToken) = 0;
 
     /// Takes the command line of a second start: a window that isn't seen comes forward first.
-    virtual void takeHandOver(const QString &text) = 0;
+    virtual void takeHandOver(const QString &text, const QByteArray &activationToken) = 0;
 
     virtual void dismissPopup() = 0;
 

@@ -9,6 +9,10 @@
 #include <QApplication>
 #include <QCloseEvent>
 
+namespace {
+constexpr const char *tokenVariable = "XDG_ACTIVATION_TOKEN";
+}
+
 frmPrinc::frmPrinc(const LongLived &longLived, Desktop desktop, Dialogs::Outside outside)
     : m_longLived(longLived), m_desktop(std::move(desktop)), m_dialogs(dialogParts(), std::move(outside)),
       m_frame({*this, m_longLived.directory, m_longLived.settings, m_desktop.scale, m_longLived.tree,
@@ -98,7 +102,7 @@ void frmPrinc::showTrayIcon(bool shown)
         return;
     }
     m_trayIcon = std::make_unique<TrayIcon>(m_desktop.makeTrayShell, windowIcon());
-    connect(m_trayIcon.get(), &TrayIcon::openAsked, this, &frmPrinc::comeForward);
+    connect(m_trayIcon.get(), &TrayIcon::openAsked, this, [this] { comeForward({}); });
     connect(m_trayIcon.get(), &TrayIcon::quitAsked, this, &frmPrinc::postClose);
     connect(m_trayIcon.get(), &TrayIcon::doubleClicked, this, &frmPrinc::handleTrayDoubleClick);
 }
@@ -178,12 +182,16 @@ void frmPrinc::openIcon()
     show();
 }
 
-void frmPrinc::comeForward()
+void frmPrinc::comeForward(const QByteArray &activationToken)
 {
     openIcon();
     show();
     raise();
+    // Under Wayland Qt takes the token from the environment, where it isn't left for the programs that we start.
+    if (!activationToken.isEmpty())
+        qputenv(tokenVariable, activationToken);
     activateWindow();
+    qunsetenv(tokenVariable);
 }
 
 void frmPrinc::hideToTray()
@@ -194,12 +202,13 @@ void frmPrinc::hideToTray()
         showMinimized();
 }
 
-void frmPrinc::takeHandOver(const QString &text)
+void frmPrinc::takeHandOver(const QString &text, const QByteArray &activationToken)
 {
-    if (!isVisible())
-        comeForward();
+    const bool wasHidden = !isVisible();
+    if (wasHidden)
+        comeForward(activationToken);
     openCommandLine(text);
-    comeForward();
+    comeForward(wasHidden ? QByteArray() : activationToken); // a token is good for once
 }
 
 // --- What dialogs and commands ask for

@@ -38,8 +38,8 @@ public:
     void openCommandLine(const QString &text) override;
     void present() override { show(); }
     void hideToTray() override;
-    void comeForward() override;
-    void takeHandOver(const QString &text) override;
+    void comeForward(const QByteArray &activationToken) override;
+    void takeHandOver(const QString &text, const QByteArray &activationToken) override;
     void dismissPopup() override { m_updateDisplay.dismissPopup(); }
     QString takeBandLayout() override { return m_frame.takeBandLayout(); }
     WindowGeometry geometryInTwips() const override { return m_frame.geometryInTwips(); }

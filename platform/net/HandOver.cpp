@@ -6,19 +6,30 @@
 #include <QLocalSocket>
 #include <QtEndian>
 
+namespace {
+
+QByteArray framed(const QByteArray &field)
+{
+    QByteArray frame(sizeof(quint32), '\0');
+    qToBigEndian(static_cast<quint32>(field.size()), frame.data());
+    return frame + field;
+}
+
+} // namespace
+
 QString HandOverProtocol::socketPath(const QString &directory)
 {
     return directory + u"/Quillwire3.0_APPLICATION";
 }
 
-HandOverResult handOver(const QString &commandLine, int timeoutMs, const QString &directory)
+HandOverResult handOver(const QString &commandLine, int timeoutMs, const QString &directory,
+                        const QByteArray &activationToken)
 {
     const QByteArray text = commandLine.toUtf8();
     if (directory.isEmpty() || text.size() > HandOverProtocol::MaxBytes)
         return HandOverResult::NoInstance;
-    QByteArray frame(sizeof(quint32), '\0');
-    qToBigEndian(static_cast<quint32>(text.size()), frame.data());
-    frame += text;
+    const bool isToken = activationToken.size() <= HandOverProtocol::MaxTokenBytes;
+    const QByteArray frame = framed(text) + framed(isToken ? activationToken : QByteArray());
 
     const QDeadlineTimer deadline(timeoutMs);
     const auto left = [&deadline] { return static_cast<int>(deadline.remainingTime()); };

@@ -12,6 +12,29 @@
 namespace {
 
 constexpr int MaxSenders = 16;
+constexpr qsizetype headSize = sizeof(quint32);
+constexpr qint64 largestFrame = 2 * headSize + HandOverProtocol::MaxBytes + HandOverProtocol::MaxTokenBytes;
+
+/// What stands in a frame from some place on: a length and as many bytes.
+struct Field
+{
+    enum State { Incomplete, TooLong, Complete } state;
+    QByteArray bytes = {};
+    qsizetype end = 0; ///< where the next one begins
+};
+
+Field fieldAt(const QByteArray &frame, qsizetype start, quint32 longest)
+{
+    const qsizetype begin = start + headSize;
+    if (frame.size() < begin)
+        return {Field::Incomplete};
+    const auto size = qFromBigEndian<quint32>(frame.constData() + start);
+    if (size > longest)
+        return {Field::TooLong};
+    if (frame.size() < begin + size)
+        return {Field::Incomplete};
+    return {Field::Complete, frame.mid(begin, size), begin + size};
+}
 
 } // namespace
 
@@ -56,7 +79,7 @@ void InstanceServer::handleConnection()
             socket->abort();
             continue;
         }
-        socket->setReadBufferSize(sizeof(quint32) + HandOverProtocol::MaxBytes);
+        socket->setReadBufferSize(largestFrame);
         connect(socket, &QLocalSocket::readyRead, this, [this, socket] { handleBytes(socket); });
         QTimer *const limit = new QTimer(socket);
         limit->setSingleShot(true);
@@ -68,36 +91,36 @@ void InstanceServer::handleConnection()
 
 void InstanceServer::handleBytes(QLocalSocket *socket)
 {
-    constexpr qint64 HeadSize = sizeof(quint32);
-    if (socket->bytesAvailable() < HeadSize)
-        return;
-    const quint32 size = qFromBigEndian<quint32>(socket->peek(HeadSize).constData());
-    if (size > HandOverProtocol::MaxBytes) {
+    const QByteArray all = socket->peek(largestFrame);
+    const Field text = fieldAt(all, 0, HandOverProtocol::MaxBytes);
+    const Field token = text.state == Field::Complete ? fieldAt(all, text.end, HandOverProtocol::MaxTokenBytes) : text;
+    if (token.state == Field::TooLong)
         socket->abort();
+    if (token.state != Field::Complete)
         return;
-    }
-    if (socket->bytesAvailable() < HeadSize + size)
-        return;
-    socket->skip(HeadSize);
-    const QByteArray bytes = socket->read(size);
+    socket->skip(token.end);
 
     // From here on the sender waits for us, and not the other way round.
     socket->disconnect(this);
     delete socket->findChild<QTimer *>();
     // The slots may throw, which must not pass through the socket's own code.
     QMetaObject::invokeMethod(
-        this, [this, sender = QPointer<QLocalSocket>(socket), bytes] { deliver(sender, bytes); }, Qt::QueuedConnection);
+        this,
+        [this, sender = QPointer<QLocalSocket>(socket), text = text.bytes, token = token.bytes] {
+            deliver(sender, text, token);
+        },
+        Qt::QueuedConnection);
 }
 
-void InstanceServer::deliver(const QPointer<QLocalSocket> &sender, const QByteArray &bytes)
+void InstanceServer::deliver(const QPointer<QLocalSocket> &sender, const QByteArray &text, const QByteArray &token)
 {
     if (!m_server.isListening())
         return;
     const QPointer<InstanceServer> self(this);
-    if (bytes.isEmpty())
-        Q_EMIT activationAsked();
+    if (text.isEmpty())
+        Q_EMIT activationAsked(token);
     else
-        Q_EMIT textReceived(QString::fromUtf8(bytes));
+        Q_EMIT textReceived(QString::fromUtf8(text), token);
     if (!self || !sender)
         return;
     sender->putChar(HandOverProtocol::Acknowledged);

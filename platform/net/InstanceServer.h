@@ -36,17 +36,18 @@ public:
     void setSenderLimit(int milliseconds) { m_senderLimitMs = milliseconds; }
 
 Q_SIGNALS:
-    /// A second start has handed its command line over, unchanged and never empty. The sender waits until the slots
+    /// A second start has handed its command line over, unchanged and never empty, and the token by which the desktop
+    /// lets a window come to the front ("" when it had none). The sender waits until the slots
     /// have returned. Slots run from the event loop of this object's thread, in nested loops too, and may throw.
-    void textReceived(const QString &text);
+    void textReceived(const QString &text, const QByteArray &activationToken);
 
     /// A second start without a command line: the window is only to come forward.
-    void activationAsked();
+    void activationAsked(const QByteArray &activationToken);
 
 private:
     void handleConnection();
     void handleBytes(QLocalSocket *socket);
-    void deliver(const QPointer<QLocalSocket> &sender, const QByteArray &bytes);
+    void deliver(const QPointer<QLocalSocket> &sender, const QByteArray &text, const QByteArray &token);
 
     QString m_path;
     QLocalServer m_server;

@@ -33,8 +33,11 @@ public:
     }
     void present() override { note(u"present"_s); }
     void hideToTray() override { note(u"hide"_s); }
-    void comeForward() override { note(u"forward"_s); }
-    void takeHandOver(const QString &text) override { note(u"hand-over "_s + text); }
+    void comeForward(const QByteArray &token) override { note(u"forward "_s + QString::fromUtf8(token)); }
+    void takeHandOver(const QString &text, const QByteArray &token) override
+    {
+        note(u"hand-over "_s + text + u' ' + QString::fromUtf8(token));
+    }
     void dismissPopup() override { note(u"no popup"_s); }
     QString takeBandLayout() override
     {

@@ -21,9 +21,9 @@
 namespace {
 
 /// A hand-over from a thread of its own, as the first instance must run its loop meanwhile.
-std::future<HandOverResult> handOverAside(const QString &text, const QString &directory, int timeoutMs = 5000)
+std::future<HandOverResult> handOverAside(const QString &text, const QString &directory, const QByteArray &token = {})
 {
-    return std::async(std::launch::async, [=] { return handOver(text, timeoutMs, directory); });
+    return std::async(std::launch::async, [=] { return handOver(text, 5000, directory, token); });
 }
 
 bool isOver(const std::future<HandOverResult> &result)
@@ -113,17 +113,21 @@ private Q_SLOTS:
         QVERIFY(server.listen());
         QSignalSpy texts(&server, &InstanceServer::textReceived);
         QSignalSpy activations(&server, &InstanceServer::activationAsked);
-        auto result = handOverAside(text, path());
+        const QByteArray token(HandOverProtocol::MaxTokenBytes, 't');
+        auto result = handOverAside(text, path(), token);
         QTRY_VERIFY(isOver(result));
         QCOMPARE(result.get(), HandOverResult::HandedOver);
         QCOMPARE(texts.size(), 1);
-        QCOMPARE(texts.first().first().toString(), text);
+        QCOMPARE(texts.first(), QVariantList({text, token}));
         QVERIFY(activations.isEmpty());
 
-        auto empty = handOverAside(QString(), path());
-        QTRY_VERIFY(isOver(empty));
-        QCOMPARE(empty.get(), HandOverResult::HandedOver);
-        QCOMPARE(activations.size(), 1);
+        for (const QByteArray &sent : {QByteArray(), QByteArray("a b"), QByteArray(token + "t")}) {
+            auto empty = handOverAside(QString(), path(), sent);
+            QTRY_VERIFY(isOver(empty));
+            QCOMPARE(empty.get(), HandOverResult::HandedOver);
+        }
+        const QVariantList none({QByteArray()}); // no real token is that long
+        QCOMPARE(activations, QList<QVariantList>({none, {QByteArray("a b")}, none}));
         QCOMPARE(texts.size(), 1);
     }
 
@@ -192,16 +196,19 @@ private Q_SLOTS:
         QSignalSpy texts(&server, &InstanceServer::textReceived);
 
         std::vector<std::unique_ptr<QLocalSocket>> strangers;
-        const QList<QByteArray> starts{"", QByteArray("\0\0", 2), QByteArray("\0\0\1\0only half", 13)};
+        const QList<QByteArray> starts{"", QByteArray("\0\0", 2), QByteArray("\0\0\1\0only half", 13),
+                                       QByteArray("\0\0\0\4text", 8)};
         for (const QByteArray &start : starts) {
             strangers.push_back(std::make_unique<QLocalSocket>());
             strangers.back()->connectToServer(HandOverProtocol::socketPath(path()));
             strangers.back()->write(start);
         }
-        QLocalSocket tooMuch;
-        tooMuch.connectToServer(HandOverProtocol::socketPath(path()));
-        tooMuch.write("\xff\xff\xff\xff and more");
-        QTRY_COMPARE(tooMuch.state(), QLocalSocket::UnconnectedState);
+        for (const QByteArray &head : {QByteArray(), QByteArray("\0\0\0\1x", 5)}) {
+            QLocalSocket tooMuch;
+            tooMuch.connectToServer(HandOverProtocol::socketPath(path()));
+            tooMuch.write(head + "\xff\xff\xff\xff and more");
+            QTRY_COMPARE_WITH_TIMEOUT(tooMuch.state(), QLocalSocket::UnconnectedState, 400);
+        }
 
         auto honest = handOverAside(u"text"_s, path());
         QTRY_VERIFY_WITH_TIMEOUT(isOver(honest), 500);
