@@ -2,6 +2,7 @@
 
 #include "controls/StatusBar.h"
 
+#include "controls/CutTips.h"
 #include "platform/Literals.h"
 #include "platform/RunTimeError.h"
 
@@ -29,7 +30,7 @@ public:
         return fontMetrics().elidedText(line, Qt::ElideRight, std::max(0, width() - 2 * padding));
     }
 
-    void updateTip() { setToolTip(shownText() == text().simplified() ? QString() : text().toHtmlEscaped()); }
+    void updateTip() { setToolTip(shownText() == text().simplified() ? QString() : CutTips::tip(text())); }
 
 protected:
     void resizeEvent(QResizeEvent *) override { updateTip(); }

@@ -242,6 +242,7 @@ QVariant ItemListModel::data(const QModelIndex &index, int role) const
         if (column == ItemColumn::Read)
             return ImageLists::vbalImageList1().icon(row.read ? readIcon : unreadIcon);
         return {};
+    case Qt::ToolTipRole:
     case Qt::AccessibleTextRole:
         if (column == ItemColumn::Read)
             return row.read ? u"Lu"_s : u"Non lu"_s;
@@ -263,6 +264,7 @@ QVariant ItemListModel::headerData(int section, Qt::Orientation orientation, int
         return captions[place];
     case Qt::DecorationRole:
         return m_headerIcons[place].isNull() ? QVariant() : QVariant(m_headerIcons[place]);
+    case Qt::ToolTipRole:
     case Qt::AccessibleTextRole:
         return captions[place].isEmpty() ? u"Lu/Non-Lu"_s : captions[place];
     default:

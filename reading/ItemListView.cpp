@@ -2,6 +2,8 @@
 
 #include "reading/ItemListView.h"
 
+#include "controls/CaptionHeader.h"
+#include "controls/CutTips.h"
 #include "controls/ImageList.h"
 #include "platform/Literals.h"
 #include "reading/ItemDelegate.h"
@@ -26,6 +28,7 @@ constexpr double widestColumn = 10000; ///< pixels
 ItemListView::ItemListView(Dates dates, ScreenScale scale, QWidget *parent)
     : QTreeView(parent), m_items(std::move(dates)), m_scale(scale)
 {
+    setHeader(new CaptionHeader(this));
     setModel(&m_items);
     setItemDelegate(new ItemDelegate(this));
     setAccessibleName(u"Messages du flux"_s);
@@ -44,6 +47,7 @@ ItemListView::ItemListView(Dates dates, ScreenScale scale, QWidget *parent)
     header()->setSectionsClickable(true);
     header()->setHighlightSections(false);
     header()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    new CutTips(*this, header());
     header()->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(header(), &QHeaderView::sectionClicked, this, &ItemListView::handleHeaderClicked);
     connect(header(), &QHeaderView::customContextMenuRequested, this, &ItemListView::handleHeaderMenuRequested);

@@ -2,6 +2,7 @@
 
 #include "window/FeedTreeView.h"
 
+#include "controls/CutTips.h"
 #include "controls/ImageList.h"
 #include "platform/Literals.h"
 
@@ -60,6 +61,7 @@ FeedTreeView::FeedTreeView(FeedTree &tree, FeedTreeState &state, const ImageList
     viewport()->setAcceptDrops(true);
     setAutoScroll(true);
     setTextElideMode(Qt::ElideRight);
+    new CutTips(*this);
     setAccessibleName(u"Favoris"_s);
 
     connect(&state, &FeedTreeState::expansionChanged, this,

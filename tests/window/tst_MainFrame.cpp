@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "controls/CaptionHeader.h"
+#include "controls/CutTips.h"
 #include "controls/cReBar.h"
 #include "platform/Literals.h"
+#include "tests/fixtures/FeedTexts.h"
 #include "tests/window/PrincFixture.h"
 #include "window/SplitBar.h"
 
@@ -156,6 +159,38 @@ private Q_SLOTS:
         QVERIFY(rebar->restoreLayout(layout));
         m_fixture->choose(u"Grandes"_s);
         QVERIFY(m_fixture->toolbar()->width() >= m_fixture->toolbar()->idealWidth());
+    }
+
+    void whatHasNoRoomHasATip()
+    {
+        m_fixture->writeCatalogue("<favoris><feed name='Un nom bien trop long &amp; plus' url='http://127.0.0.1:9/x' "
+                                  "key='1' ttl='60' cache='-7'/></favoris>");
+        const QString title = u"Un titre <b>plus long</b> que sa colonne, et que toute autre"_s;
+        Files::write(m_fixture->data.cacheFile(u"1"_s), FeedTexts::rss(u"F"_s, {title.toHtmlEscaped(), u"court"_s}));
+        m_fixture->adjustSettings = [](AppSettings &settings) { settings.splitHorizontal = 6000; };
+        m_fixture->start();
+        const FeedNodePtr node = m_fixture->node("1");
+        m_fixture->click(node);
+        const auto *ofTree = m_fixture->tree()->findChild<CutTips *>();
+        const auto *ofList = m_fixture->list()->findChild<CutTips *>();
+        const auto cell = [this](int row) {
+            return m_fixture->list()->visualRect(m_fixture->list()->items().index(row, 0)).center();
+        };
+        const auto caption = [this](int section) {
+            return QPoint(m_fixture->list()->header()->sectionViewportPosition(section) + 2, 5);
+        };
+        QCOMPARE(ofTree->tipOfCell(m_fixture->placeOf(node)), QString());
+        QCOMPARE(ofList->tipOfCell(cell(1)), QString());
+        QCOMPARE(ofList->tipOfCaption(caption(0)), QString());
+        QCOMPARE(ofList->tipOfCaption(caption(2)), u"<p>Date de publication</p>"_s);
+        const auto *header = qobject_cast<const CaptionHeader *>(m_fixture->list()->header());
+        QCOMPARE(header->shownCaption(0), u"Titre"_s);
+        QVERIFY(header->shownCaption(2).startsWith(u"Da"_s) && header->shownCaption(2).endsWith(u'…'));
+        m_fixture->tree()->resize(90, 300);
+        QCOMPARE(ofTree->tipOfCell(QPoint(m_fixture->tree()->visualRect(m_fixture->feedTree().indexOf(node)).left() + 5,
+                                          m_fixture->placeOf(node).y())),
+                 u"<p>Un nom bien trop long &amp; plus</p>"_s);
+        QCOMPARE(ofList->tipOfCell(cell(0)), u"<p>"_s + title.toHtmlEscaped() + u"</p>"_s);
     }
 
     void f6AndTabGoThroughThePanesInOrderAlsoWithALivePage()
