@@ -44,7 +44,7 @@ Files::Content Files::read(const QString &path)
     if (!info.exists())
         return {ReadResult::Absent, {}};
     QFile file(path);
-    if (info.isDir() || !file.open(QIODevice::ReadOnly))
+    if (!info.isFile() || !file.open(QIODevice::ReadOnly))
         return {ReadResult::Unreadable, {}};
     QByteArray bytes = file.readAll();
     if (file.error() != QFileDevice::NoError)

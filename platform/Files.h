@@ -21,10 +21,11 @@ struct Content
     QByteArray bytes; ///< empty unless result is Read
 };
 
-/// All bytes of the file. A directory, a file without permission and a failing device are Unreadable.
+/// All bytes of the file. What is no regular file (a directory; a pipe or a device, whose bytes may never come or never
+/// end), a file without permission and a failing disk are Unreadable.
 Content read(const QString &path);
 
-/// True when a file (not a directory) of that name exists.
+/// True when a regular file of that name exists.
 bool exists(const QString &path);
 
 /// Replaces the file by `bytes`. Throws RunTimeError: pathNotFound(), permissionDenied(), diskFull() or deviceError();

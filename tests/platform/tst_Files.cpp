@@ -11,6 +11,7 @@
 #include <csignal>
 #include <functional>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -44,6 +45,7 @@ class tst_Files : public QObject
 private Q_SLOTS:
     void aFullDiskLeavesTheOldFile();
     void writingReportsWhatIsWrong();
+    void onlyRegularFilesAreRead();
 };
 
 void tst_Files::aFullDiskLeavesTheOldFile()
@@ -83,6 +85,22 @@ void tst_Files::writingReportsWhatIsWrong()
     QVERIFY_EXCEPTION_THROWN(Files::remove(folder.filePath(u"none"_s)), RunTimeError);
     QVERIFY_EXCEPTION_THROWN(Files::copy(folder.filePath(u"none"_s), folder.filePath(u"to"_s)), RunTimeError);
     QVERIFY(!Files::exists(folder.path()));
+}
+
+void tst_Files::onlyRegularFilesAreRead()
+{
+    QTemporaryDir folder;
+    const QString pipe = folder.filePath(u"pipe"_s);
+    const QString link = folder.filePath(u"link"_s);
+    QCOMPARE(mkfifo(qPrintable(pipe), 0600), 0);
+    QVERIFY(QFile::link(pipe, link));
+    alarm(20); // opening a pipe that nobody writes to waits for ever, and /dev/zero has no end
+    for (const QString &path : {pipe, link, u"/dev/zero"_s, u"/dev/tty"_s, folder.path()}) {
+        QVERIFY(!Files::exists(path));
+        QVERIFY(Files::read(path).result == Files::ReadResult::Unreadable);
+        QVERIFY_EXCEPTION_THROWN(Files::copy(path, folder.filePath(u"copy"_s)), RunTimeError);
+    }
+    alarm(0);
 }
 
 QTEST_GUILESS_MAIN(tst_Files)
