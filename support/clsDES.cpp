@@ -212,7 +212,7 @@ void clsDES::DecryptByte(QByteArray &byteArray, const QString &key)
     if (length % BlockSize != 0 || length < HeadSize)
         return;
     const qint64 size = qFromLittleEndian<qint32>(byteArray.constData() + SizeOffset);
-    if (length - size < HeadSize || length - size > HeadSize + BlockSize - 1 || size == 0)
+    if (length - size < HeadSize || length - size > HeadSize + BlockSize - 1 || size <= 0)
         return;
     byteArray = byteArray.mid(HeadSize, size);
     progress.finished();

@@ -150,6 +150,16 @@ private Q_SLOTS:
         QByteArray nothing;
         des.DecryptByte(nothing, u"right"_s);
         QVERIFY(nothing.isEmpty());
+
+        for (const char size : {-1, -2, -3, -4}) { // the first three lie within what the array's length allows for
+            QByteArray forged = "text";
+            des.EncryptByte(forged, u"right"_s);
+            for (int i = 0; i < 4; ++i) // what is changed in a block is changed alike in the plain text of the next
+                forged[i] = static_cast<char>(forged[i] ^ (i == 0 ? 4 : 0) ^ (i == 0 ? size : -1));
+            des.DecryptByte(forged, u"right"_s);
+            QCOMPARE(forged.size(), 16);
+            QVERIFY(forged.endsWith("text"));
+        }
     }
 
     void emptyTextDeciphersToItsWholeBlock()
