@@ -4,6 +4,9 @@
 #include "engine/feed/FormatReader.h"
 #include "platform/Literals.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace {
 
 constexpr const char *atom03Namespace = "http://purl.org/atom/ns#";
@@ -15,8 +18,11 @@ bool isOwn(std::string_view name)
 
 bool isSomeAtom(std::string_view name)
 {
-    return name.starts_with("http://purl.org/atom/") || name == "http://www.w3.org/2005/Atom" ||
-           name == "http://example.com/newformat#" || name == "uri/of/echo/namespace#";
+    constexpr std::string_view drafts[] = {"http://example.com/newformat#", "http://example.com/necho",
+                                           "uri/of/echo/namespace#"};
+    return name.starts_with("http://purl.org/atom/") || name.starts_with("http://purl.org/echo/") ||
+           name.starts_with("http://purl.org/pie/") || name == "http://www.w3.org/2005/Atom" ||
+           std::find(std::begin(drafts), std::end(drafts), name) != std::end(drafts);
 }
 
 FeedLoadResult recognise(const xmlNode *root)
@@ -31,10 +37,16 @@ FeedLoadResult recognise(const xmlNode *root)
     return isSomeAtom(name) || isDraft ? LoadBadVersionOther : LoadUnknownFormat;
 }
 
-/// The text, decoded as the element says.
+/// The text, decoded as the element says: what lists and boxes show.
 QString content(const FoundElement &found)
 {
     return atomTextOf(found.element);
+}
+
+/// The text as markup: what pages show.
+QString markup(const FoundElement &found)
+{
+    return atomMarkupOf(found.element);
 }
 
 QString language(const FoundElement &found)
@@ -86,7 +98,7 @@ using From::own;
 constexpr FieldRow<ChannelField> channelFields[] = {
     {ChannelField::Title, {own("title", content)}},
     {ChannelField::Link, {own("link", pageLink)}},
-    {ChannelField::Description, {own("tagline", content)}},
+    {ChannelField::Description, {own("tagline", markup)}},
     {ChannelField::Language, {From::itself(language), dc("language")}},
     {ChannelField::Copyright, {own("copyright", content), dc("rights", content)}},
     {ChannelField::ManagingEditor, {own("author", authorName)}},
@@ -95,7 +107,7 @@ constexpr FieldRow<ChannelField> channelFields[] = {
 constexpr FieldRow<ItemField> itemFields[] = {
     {ItemField::Title, {own("title", content)}},
     {ItemField::Link, {own("link", pageLink)}},
-    {ItemField::Description, {own("content", content), own("summary", content)}},
+    {ItemField::Description, {own("content", markup), own("summary", markup)}},
     {ItemField::Category, {dc("subject", Readings::joinedTexts)}},
     {ItemField::Author, {own("author", authorName), From::feed("author", authorName)}},
     {ItemField::PubDate, {own("issued"), own("modified"), own("created")}},

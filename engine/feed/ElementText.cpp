@@ -199,6 +199,14 @@ QString atomTextOf(const xmlNode *element)
     return trimmedText(withoutWhatXmlCannotHold(QString::fromUtf8(QByteArray::fromBase64(content(element)))));
 }
 
+QString atomMarkupOf(const xmlNode *element)
+{
+    const QString mode = attributeOf(element, "mode");
+    if (element == nullptr || mode == "base64"_L1 || mode == "escaped"_L1)
+        return atomTextOf(element);
+    return trimmedUtf8(innerMarkup(element).toStdString());
+}
+
 QString attributeOf(const xmlNode *element, const char *name, const char *namespaceName)
 {
     if (element == nullptr)

@@ -15,6 +15,10 @@ QString textOf(const xmlNode *element);
 /// As textOf(), or the decoded bytes, read as UTF-8, when the element says mode="base64" (Atom 0.3).
 QString atomTextOf(const xmlNode *element);
 
+/// The same as markup: what an element holds that doesn't say how its text is encoded (mode="xml") is markup, and what
+/// is escaped in it stays escaped.
+QString atomMarkupOf(const xmlNode *element);
+
 /// The value of the attribute, trimmed. A null `namespaceName` stands for an attribute without namespace.
 QString attributeOf(const xmlNode *element, const char *name, const char *namespaceName = nullptr);
 

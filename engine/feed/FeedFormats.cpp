@@ -13,17 +13,15 @@ static const std::vector<FormatReader> &readers()
     return all;
 }
 
-static bool isWebPage(const xmlDoc *document, const xmlNode *root)
+static bool isHtml(const xmlChar *name)
 {
-    const auto isHtml = [](const xmlChar *name) { return xmlStrcasecmp(name, xmlText("html")) == 0; };
-    return nameOf(root->ns) == NamespaceName::xhtml || isHtml(root->name) ||
-           (document->intSubset != nullptr && isHtml(document->intSubset->name));
+    return xmlStrcasecmp(name, xmlText("html")) == 0;
 }
 
 Recognised recognise(const xmlDoc *document)
 {
     const xmlNode *root = xmlDocGetRootElement(document);
-    if (isWebPage(document, root))
+    if (nameOf(root->ns) == NamespaceName::xhtml || isHtml(root->name))
         return {LoadNotAFeed};
     FeedLoadResult known = LoadUnknownFormat;
     for (const FormatReader &reader : readers()) {
@@ -33,5 +31,8 @@ Recognised recognise(const xmlDoc *document)
         if (known == LoadUnknownFormat)
             known = result;
     }
-    return {known};
+    // The document type of web pages stands above feeds too; above what is nothing else it tells a page.
+    const bool isPage =
+        known == LoadUnknownFormat && document->intSubset != nullptr && isHtml(document->intSubset->name);
+    return {isPage ? LoadNotAFeed : known};
 }

@@ -76,6 +76,9 @@ void tst_FeedFormats::documentsAreToldApart_data()
     row("XHTML", "<html xmlns='http://www.w3.org/1999/xhtml'><body/></html>", LoadNotAFeed);
     row("capital HTML", "<HTML/>", LoadNotAFeed);
     row("document type of a page", "<!DOCTYPE html><body/>", LoadNotAFeed);
+    row("document type of a page above a feed", "<!DOCTYPE html><rss version='2.0'/>", LoadOk);
+    row("document type of a page above a feed of the future", "<!DOCTYPE html PUBLIC '-//x' 'y'><rss version='3.0'/>",
+        LoadBadVersion);
     row("nothing", "", LoadNotAFeed);
     row("text", "no feed", LoadNotAFeed);
     row("cut short", "<rss version='2.0'><channel>", LoadNotAFeed);
@@ -90,6 +93,8 @@ void tst_FeedFormats::documentsAreToldApart_data()
         LoadNotAFeed);
     row("two colons in a name", "<rss version='2.0' xmlns:xmlns:a='urn:a'/>", LoadNotAFeed);
     row("undeclared prefix", "<rss version='2.0' a:b='c'><d:e/></rss>", LoadOk);
+    row("namespaces that are no URI", "<rss version='2.0' xmlns:a='a b' xmlns:c='{x}' xmlns:d='é&#10;'><a:b/></rss>",
+        LoadOk);
     row("gzip", QByteArray::fromHex("1f8b08000000000000032b2a2e5628"), LoadNotAFeed);
     row("RSS of the future", "<rss version='3.0'/>", LoadBadVersion);
     row("RSS 0.93", "<rss version='0.93'><channel/></rss>", LoadBadVersion);
@@ -99,6 +104,9 @@ void tst_FeedFormats::documentsAreToldApart_data()
     row("Atom 1.0", "<feed xmlns='http://www.w3.org/2005/Atom'/>", LoadBadVersionOther);
     row("Atom 0.2", "<feed version='0.2' xmlns='http://purl.org/atom/ns#'/>", LoadBadVersionOther);
     row("Atom without version", "<feed xmlns='http://purl.org/atom/ns#'/>", LoadBadVersionOther);
+    for (const char *draft : {"http://example.com/newformat#", "http://example.com/necho", "http://purl.org/echo/",
+                              "http://purl.org/pie/", "uri/of/echo/namespace#"})
+        row(draft, "<feed version='0.2' xmlns='" + QByteArray(draft) + "'/>", LoadBadVersionOther);
     row("OPML", "<opml version='1.1'><body/></opml>", LoadUnknownFormat);
     row("RDF without channel", rdf + "<item xmlns='http://purl.org/rss/1.0/'/></RDF>", LoadUnknownFormat);
     row("rss of a strange namespace", "<rss version='2.0' xmlns='urn:x'/>", LoadUnknownFormat);
