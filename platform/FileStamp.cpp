@@ -11,5 +11,5 @@ std::optional<FileStamp> FileStamp::of(const QString &path)
     struct stat found = {};
     if (stat(QFile::encodeName(path).constData(), &found) != 0)
         return std::nullopt;
-    return FileStamp{found.st_dev, found.st_ino, found.st_mtim.tv_sec, found.st_mtim.tv_nsec, found.st_size};
+    return FileStamp{found.st_mtim.tv_sec, found.st_mtim.tv_nsec, found.st_size};
 }

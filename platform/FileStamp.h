@@ -6,13 +6,11 @@
 
 #include <optional>
 
-/// Tells a file from the one that takes its name later. Files of state are replaced as a whole, and the new one is
-/// another file on the disk; the time and the size tell of a program that writes into a file that is there.
+/// Tells the bytes of a file from those that take their place later. The file's number on its device is no part of it:
+/// sticks and some shares give a file another one each time it is looked up.
 struct FileStamp
 {
-    quint64 device = 0;
-    quint64 number = 0;     ///< of the file on its device
-    qint64 seconds = 0;     ///< when its bytes were last changed
+    qint64 seconds = 0;     ///< when the bytes were last changed
     qint64 nanoseconds = 0; ///< and the part of a second
     qint64 size = 0;        ///< bytes
 
