@@ -172,13 +172,11 @@ bool UpdateScheduler::shouldBeShown(const QString &key) const
            m_surroundings.current.document->Path() != m_surroundings.directory.file(u"tmp.xml"_s);
 }
 
-/// Loads the feed into the document on show. Marks that were set in it while its update was in flight go with what was
-/// held, as ever; those of another feed don't.
+/// Loads the feed into the document on show, whose marks are saved but for those given up.
 bool UpdateScheduler::showAfresh(const QString &key)
 {
     CachedFeed &document = *m_surroundings.current.document;
-    if (!isOnShow(key))
-        document.Save();
+    document.Save();
     return document.Load(m_surroundings.directory.cacheFile(key)) == LoadOk;
 }
 
@@ -202,6 +200,10 @@ void UpdateScheduler::handleDownloadComplete(qint32 status)
     m_update = std::make_unique<FeedUpdate>(
         FeedUpdate::Surroundings{key, directory.file(u"tmpupd.xml"_s), directory.cacheFile(key), m_surroundings.tables,
                                  m_surroundings.clock(), m_surroundings.largestCacheFile});
+    // What was marked in a feed during its own download goes when it is loaded afresh, as ever; what is marked between
+    // the parts of the update doesn't.
+    if (isOnShow(key) && shouldBeShown(key))
+        m_surroundings.current.document->GiveUpMarks();
     goOnWithUpdate();
 }
 
@@ -220,14 +222,16 @@ void UpdateScheduler::goOnWithUpdate()
         }
         state = m_update->goOn();
     }
-    const std::unique_ptr<FeedUpdate> update = std::move(m_update);
+    const QString title = m_update->title();
+    const qint16 newItems = state == FeedUpdate::State::Merged ? m_update->newItems() : qint16(0);
+    m_update.reset(); // before the feed is loaded afresh: a large one should not be held three times
     // Without its cache file the feed stays in flight, and no other update begins until the program ends: a store that
     // can't be read isn't started anew over the user's items (the scheduler's tests hold it).
     if (state == FeedUpdate::State::NoStore)
         return;
     if (state == FeedUpdate::State::Merged)
-        showUpdate(update->title(), update->newItems());
-    endUpdate(state == FeedUpdate::State::Merged ? update->newItems() : qint16(0));
+        showUpdate(title, newItems);
+    endUpdate(newItems);
 }
 
 void UpdateScheduler::showUpdate(const QString &title, qint16 newItems)

@@ -81,7 +81,7 @@ bool CachedFeed::SaveWithin(qint64 most)
     if (!m_document || IsStale())
         return false;
     const QByteArray bytes = m_document->prepareForSaving();
-    if (bytes.size() > most && (!m_stamp || bytes.size() > m_stamp->size))
+    if (bytes.size() > std::max(most, m_stamp ? m_stamp->size : 0))
         return false;
     write(bytes);
     return true;
@@ -101,6 +101,12 @@ void CachedFeed::write(const QByteArray &bytes)
     Files::write(m_path, bytes);
     m_stamp = FileStamp::of(m_path);
     m_document->forgetMarkChanges();
+}
+
+void CachedFeed::GiveUpMarks()
+{
+    if (m_document)
+        m_document->forgetMarkChanges();
 }
 
 /// Saves what was marked since the document was loaded or saved, and nothing else, into the file that took its place.

@@ -56,6 +56,9 @@ public:
     /// written.
     bool SaveWithin(qint64 most);
 
+    /// Lets the marks that were changed so far be no news: once the document is stale a Save() carries later ones only.
+    void GiveUpMarks();
+
     bool IsLoaded() const;
     QString Path() const { return m_path; } ///< That of the last successful Load(); "" when nothing is held.
 

@@ -69,17 +69,17 @@ private Q_SLOTS:
     void theUserActsBetweenThePartsOfASlowUpdate_data()
     {
         QTest::addColumn<int>("afterPart");
-        QTest::addColumn<bool>("ends");
-        for (int part = 1; part <= 4; ++part) {
-            QTest::addRow("deletes an item after part %d", part) << part << false;
-            QTest::addRow("ends the program after part %d", part) << part << true;
-        }
+        QTest::addColumn<QString>("act");
+        for (int part = 1; part <= 4; ++part)
+            for (const char *act : {"marks", "deletes", "ends"})
+                QTest::addRow("%s after part %d", act, part) << part << QString::fromLatin1(act);
     }
 
     void theUserActsBetweenThePartsOfASlowUpdate()
     {
         QFETCH(const int, afterPart);
-        QFETCH(const bool, ends);
+        QFETCH(const QString, act);
+        const bool ends = act == u"ends";
         addFeed(1, FeedTexts::titles(u"i"_s, 0, 7));
         m_state->select(node(1));
         QCOMPARE(m_current->document->Load(m_folder->cacheFile(u"1"_s)), LoadOk);
@@ -93,8 +93,12 @@ private Q_SLOTS:
         QVERIFY(m_scheduler->updateRunning());
         if (ends)
             m_scheduler->stop();
-        m_current->document->DeleteItem(2);
-        m_current->document->Save();
+        if (act == u"marks") {
+            m_current->document->SetItemRead(2, true);
+        } else {
+            m_current->document->DeleteItem(2);
+            m_current->document->Save();
+        }
         m_scheduler->updateFeed(node(1)); // one is in flight
         if (ends)
             QTest::qWait(20);
@@ -107,7 +111,8 @@ private Q_SLOTS:
         QCOMPARE(stored.Load(m_folder->cacheFile(u"1"_s)), LoadOk);
         const qint16 newItems = ends && afterPart < 4 ? 0 : 3;
         QCOMPARE(stored.ItemCount(), qint16(7 + newItems));
-        QVERIFY(stored.IsItemDeleted(newItems + 2));
+        QCOMPARE(stored.IsItemRead(newItems + 2), act == u"marks");
+        QCOMPARE(stored.IsItemDeleted(newItems + 2), act != u"marks");
     }
 };
 
