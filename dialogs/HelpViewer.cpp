@@ -8,6 +8,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QHelpContentWidget>
 #include <QHelpEngine>
 #include <QHelpIndexWidget>
@@ -24,6 +25,7 @@
 #include <QTabWidget>
 #include <QToolBar>
 #include <QVBoxLayout>
+#include <QWindow>
 
 #include <utility>
 
@@ -218,6 +220,25 @@ bool HelpViewer::openCollection(const QString &collection, const QString &helpFi
     connect(search, &QHelpSearchEngine::searchingFinished, this, &HelpViewer::handleSearchFinished);
     search->scheduleIndexDocumentation();
     return true;
+}
+
+bool HelpViewer::event(QEvent *event)
+{
+    if (event->type() == QEvent::WindowBlocked)
+        standAboveModalWindow();
+    return QMainWindow::event(event);
+}
+
+/// A modal window blocks all others but those that stand above it.
+void HelpViewer::standAboveModalWindow()
+{
+    QWindow *const modal = QGuiApplication::modalWindow();
+    if (!windowHandle())
+        return;
+    windowHandle()->setTransientParent(modal);
+    // The one below it blocks then, and nobody says so.
+    if (modal)
+        connect(modal, &QObject::destroyed, this, &HelpViewer::standAboveModalWindow, Qt::UniqueConnection);
 }
 
 void HelpViewer::htmlHelp(const QString &path, HelpCommand command, const HelpData &argument)

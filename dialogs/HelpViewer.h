@@ -21,7 +21,8 @@ class QListWidget;
 class QTabWidget;
 class QUrl;
 
-/// The help window: contents, index and full-text search beside the page.
+/// The help window: contents, index and full-text search beside the page. It can be used while a dialog or a box is
+/// open.
 ///
 /// The help file that the program asks for is known by its base name alone ("Quillwire" of "Quillwire.chm"): what is
 /// opened is the first of the candidate files that exists. What Qt keeps beside an opened help file (its collection and
@@ -45,7 +46,11 @@ public:
     /// have shows the start page.
     void htmlHelp(const QString &path, HelpCommand command, const HelpData &argument) override;
 
+protected:
+    bool event(QEvent *event) override;
+
 private:
+    void standAboveModalWindow();
     bool openHelpFile(const QString &path);
     bool openCollection(const QString &collection, const QString &helpFile);
     void buildToolBar();

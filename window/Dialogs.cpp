@@ -41,7 +41,9 @@ QString importSummary(const ImportRun &run)
 
 } // namespace
 
-Dialogs::Dialogs(Parts parts, Outside outside) : m_parts(std::move(parts)), m_outside(std::move(outside)) {}
+Dialogs::Dialogs(Parts parts, Outside outside)
+    : m_parts(std::move(parts)), m_outside(std::move(outside)), m_helpKey([this](qint32 topic) { showHelp(topic); })
+{}
 
 QString Dialogs::file(const QString &name) const
 {
@@ -90,11 +92,11 @@ void Dialogs::showExport()
     frmExport(&m_parts.form, file(u"feeds.xml"_s)).exec();
 }
 
-void Dialogs::showHelp()
+void Dialogs::showHelp(std::optional<qint32> topic)
 {
     if (!m_help)
         m_help = m_outside.makeHelp();
-    CHelp(*m_help).Show(file(u"Quillwire.chm"_s), u"W1"_s);
+    CHelp(*m_help).Show(file(u"Quillwire.chm"_s), u"W1"_s, topic);
 }
 
 void Dialogs::showAbout()

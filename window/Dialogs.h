@@ -6,11 +6,13 @@
 #include "dialogs/frmOptions.h"
 #include "exchange/ImportRun.h"
 #include "platform/Waiting.h"
+#include "window/HelpKey.h"
 
 #include <QString>
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 class Downloader;
 class FeedOpening;
@@ -52,7 +54,9 @@ public:
     void showSearchDialog(int tab);
     void showImport();
     void showExport();
-    void showHelp();
+
+    /// The table of contents, or the page of a topic's number. F1 in a dialog shows the dialog's own.
+    void showHelp(std::optional<qint32> topic = std::nullopt);
     void showAbout();
 
     /// Does nothing when no feed is loaded, nor when it is one of the tree and nothing is selected there.
@@ -69,4 +73,5 @@ private:
     Parts m_parts;
     Outside m_outside;
     std::unique_ptr<HelpSystem> m_help;
+    HelpKey m_helpKey;
 };

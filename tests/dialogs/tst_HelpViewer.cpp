@@ -7,6 +7,7 @@
 #include "platform/Literals.h"
 
 #include <QAction>
+#include <QDialog>
 #include <QDir>
 #include <QFileInfo>
 #include <QHelpContentWidget>
@@ -17,6 +18,7 @@
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QWindow>
 
 class HelpViewerTest : public QObject
 {
@@ -80,6 +82,31 @@ private Q_SLOTS:
         Q_EMIT find<HelpBrowser>("page")->anchorClicked(QUrl(u"http://example.org/"_s));
         QCOMPARE(m_external, QStringList{u"http://example.org/"_s});
         QCOMPARE(page(), u"index.html"_s);
+    }
+
+    void itCanBeReadWhileDialogsAreOpen()
+    {
+        const auto isUsable = [this] {
+            CHelp(*m_viewer).Show(asked(), QString(), 2);
+            m_viewer->activateWindow();
+            QTest::keyClick(m_viewer->windowHandle(), Qt::Key_Home, Qt::AltModifier);
+            return page() == u"index.html"_s;
+        };
+        QDialog dialog;
+        dialog.setModal(true);
+        dialog.show();
+        QVERIFY(isUsable()); // asked for from within the dialog
+        {
+            QDialog box(&dialog);
+            box.setModal(true);
+            box.show();
+            QVERIFY(isUsable());
+        }
+        QVERIFY(isUsable());
+        dialog.close();
+        QVERIFY(isUsable());
+        dialog.show();
+        QVERIFY(isUsable()); // open already
     }
 
     void aMissingOrBrokenFileIsTold_data()

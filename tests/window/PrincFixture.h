@@ -41,6 +41,20 @@ private:
     Notify m_notify;
 };
 
+/// A help that notes the topics asked for.
+class FakeHelp final : public HelpSystem
+{
+public:
+    explicit FakeHelp(QList<qint32> &topics) : m_topics(topics) {}
+    void htmlHelp(const QString &, HelpCommand, const HelpData &argument) override
+    {
+        m_topics.append(std::get<qint32>(argument));
+    }
+
+private:
+    QList<qint32> &m_topics;
+};
+
 /// The main window over a data directory of its own, without the browser's engine, desktop or outside network.
 class PrincFixture
 {
@@ -93,8 +107,8 @@ public:
     Dialogs::Outside dialogs()
     {
         return {[this] { return makeDownloader(); },
-                [] { return std::unique_ptr<HelpSystem>(); },
-                {},
+                [this] { return std::make_unique<FakeHelp>(helpTopics); },
+                {[] { return 0; }, [](int) {}},
                 [](int milliseconds) { QTest::qWait(qMin(milliseconds, 5)); }};
     }
 
@@ -164,6 +178,7 @@ public:
     bool trayAvailable = true;
     FakeTrayShell *tray = nullptr;
     int releases = 0;
+    QList<qint32> helpTopics;
     std::function<std::unique_ptr<Downloader>()> makeDownloader = [] { return std::make_unique<Downloader>(); };
     std::unique_ptr<Program> program;
     std::unique_ptr<frmPrinc> window; ///< ends before the program
