@@ -10,6 +10,18 @@
 
 #include <utility>
 
+namespace {
+
+/// Draws what is in the picture in one colour.
+void colour(QPixmap &pixmap, const QColor &ink)
+{
+    QPainter painter(&pixmap);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    painter.fillRect(pixmap.rect(), ink);
+}
+
+} // namespace
+
 QString ItemDelegate::displayText(const QVariant &value, const QLocale &locale) const
 {
     constexpr qsizetype longestText = 1000;
@@ -29,8 +41,13 @@ void ItemDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option, 
     if (readMark)
         item.text.clear();
     item.widget->style()->drawControl(QStyle::CE_ItemViewItem, &item, painter, item.widget);
-    if (readMark) // without the margins of a text: the column is just as wide as its picture
-        picture.paint(painter, item.rect, Qt::AlignCenter, QIcon::Normal);
+    if (!readMark)
+        return;
+    // Without the margins of a text: the column is just as wide as its picture.
+    QPixmap pixmap = picture.pixmap(item.rect.size(), painter->device()->devicePixelRatioF(), QIcon::Normal);
+    if (item.state.testFlag(QStyle::State_Selected) && index.data(ItemListModel::ReadRole).toBool())
+        colour(pixmap, item.palette.color(QPalette::HighlightedText)); // lines alone are lost on the selection's colour
+    item.widget->style()->drawItemPixmap(painter, item.rect, Qt::AlignCenter, pixmap);
 }
 
 QSize ItemDelegate::sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const

@@ -242,6 +242,8 @@ QVariant ItemListModel::data(const QModelIndex &index, int role) const
         if (column == ItemColumn::Read)
             return ImageLists::vbalImageList1().icon(row.read ? readIcon : unreadIcon);
         return {};
+    case ReadRole:
+        return row.read;
     case Qt::ToolTipRole:
     case Qt::AccessibleTextRole:
         if (column == ItemColumn::Read)

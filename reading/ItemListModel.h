@@ -23,6 +23,8 @@ class ItemListModel final : public QAbstractTableModel
     Q_OBJECT
 
 public:
+    static constexpr int ReadRole = Qt::UserRole; ///< whether the row looks read
+
     explicit ItemListModel(Dates dates, QObject *parent = nullptr);
     ~ItemListModel() override;
 

@@ -45,15 +45,17 @@ void keepNamed(QWidget &window, const QWebEnginePage &page, const QUrl &origin)
 } // namespace
 
 EngineView::EngineView(const Folder &folder, Messages &messages, QWidget *parent, Events events)
-    : m_scheme(folder), m_boxes(messages), m_events(std::move(events)), m_downloads(m_boxes, m_events)
+    : m_colours(*parent), m_scheme(folder, m_colours), m_boxes(messages), m_events(std::move(events)),
+      m_downloads(m_boxes, m_events)
 {
     m_profile = new QWebEngineProfile(&m_context); // off the record: nothing of the web stays on the disk
     m_profile->setHttpAcceptLanguage(u"fr-FR,fr;q=0.9,en;q=0.5"_s);
     m_profile->installUrlSchemeHandler(PaneScheme::name(), &m_scheme);
     m_profile->setUrlRequestInterceptor(&m_guard);
     m_page = new PanePage(m_profile, m_boxes, PanePage::Kind::Pane);
-    m_page->setBackgroundColor(parent->palette().color(QPalette::Base));
+    m_page->setBackgroundColor(m_colours.paper());
     connectPage();
+    connectColours();
 
     m_view = new QWebEngineView(parent);
     m_view->setPage(m_page);
@@ -116,6 +118,23 @@ void EngineView::connectPage()
                      [this](QWebEnginePage::RenderProcessTerminationStatus status) { handleRendererGone(status); });
     QObject::connect(m_profile, &QWebEngineProfile::downloadRequested, &m_context,
                      [this](QWebEngineDownloadRequest *download) { m_downloads.handle(*download); });
+}
+
+/// Our own pages are in the colours of the palette; those of the web count on white paper.
+void EngineView::connectColours()
+{
+    QObject::connect(m_page, &QWebEnginePage::urlChanged, &m_context, [this](const QUrl &url) {
+        m_page->setBackgroundColor(PaneScheme::owns(url) ? m_colours.paper() : QColor(Qt::white));
+    });
+    QObject::connect(&m_colours, &PageColours::changed, &m_context, [this] {
+        if (!PaneScheme::owns(m_page->url()))
+            return;
+        m_page->setBackgroundColor(m_colours.paper());
+        // The rule is the sheet's first. To load the page anew would lose its place and ask its servers once more.
+        m_page->runJavaScript(u"var sheet = document.styleSheets[0]; if (sheet) { sheet.deleteRule(0); "
+                              "sheet.insertRule('%1', 0) }"_s.arg(m_colours.rule()),
+                              QWebEngineScript::ApplicationWorld);
+    });
 }
 
 void EngineView::navigate(const QString &target)

@@ -4,6 +4,7 @@
 
 #include "reading/WebPane.h"
 #include "reading/web/PageBoxes.h"
+#include "reading/web/PageColours.h"
 #include "reading/web/PaneDownloads.h"
 #include "reading/web/PanePage.h"
 #include "reading/web/PaneScheme.h"
@@ -36,10 +37,12 @@ public:
 
 private:
     void connectPage();
+    void connectColours();
     void handleNewWindow(QWebEngineNewWindowRequest &request, PanePage &opener);
     void handleRendererGone(QWebEnginePage::RenderProcessTerminationStatus status);
 
     QObject m_context; ///< of all connections: with it they end
+    PageColours m_colours;
     PaneScheme m_scheme;
     RequestGuard m_guard;
     PageBoxes m_boxes;

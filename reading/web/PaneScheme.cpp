@@ -3,6 +3,7 @@
 #include "reading/web/PaneScheme.h"
 
 #include "platform/Literals.h"
+#include "reading/web/PageColours.h"
 
 #include <QBuffer>
 #include <QFileInfo>
@@ -58,8 +59,8 @@ QByteArray contentType(const QString &name, const QByteArray &content)
 
 } // namespace
 
-PaneScheme::PaneScheme(WebPane::Folder folder, QObject *parent)
-    : QWebEngineUrlSchemeHandler(parent), m_folder(std::move(folder))
+PaneScheme::PaneScheme(WebPane::Folder folder, const PageColours &colours, QObject *parent)
+    : QWebEngineUrlSchemeHandler(parent), m_folder(std::move(folder)), m_colours(colours)
 {}
 
 QByteArray PaneScheme::name()
@@ -130,7 +131,9 @@ void PaneScheme::requestStarted(QWebEngineUrlRequestJob *job)
         return;
     }
     const QString file = fileName(url);
-    Files::Content content = m_folder.read(pathOf(file));
+    const bool isColours = file == styleSheet && url.hasQuery();
+    Files::Content content =
+        isColours ? Files::Content{Files::ReadResult::Read, m_colours.rule().toLatin1()} : m_folder.read(pathOf(file));
     if (content.result != Files::ReadResult::Read) {
         job->fail(content.result == Files::ReadResult::Absent ? QWebEngineUrlRequestJob::UrlNotFound
                                                               : QWebEngineUrlRequestJob::RequestFailed);
@@ -144,14 +147,17 @@ void PaneScheme::requestStarted(QWebEngineUrlRequestJob *job)
     job->reply(contentType(file, content.bytes), reply);
 }
 
-QByteArray PaneScheme::guardedPage(const QByteArray &page)
+QByteArray PaneScheme::guardedPage(const QByteArray &page) const
 {
+    // The engine keeps sheets that it has read: other colours are another address.
+    const QString link =
+        u"<link rel=\"stylesheet\" href=\"quillwire://pages/style.css?%1\">"_s.arg(qHash(m_colours.rule()), 0, 16);
     QByteArray guarded = page;
     guarded.replace(QByteArrayView("\0", 1), QByteArrayView());
     // Behind the document type, which counts only at the very beginning.
     qsizetype place = 0;
     if (guarded.left(9).toLower() == "<!doctype")
         place = guarded.indexOf('>') + 1;
-    guarded.insert(place, policy);
+    guarded.insert(place, policy + link.toLatin1());
     return guarded;
 }

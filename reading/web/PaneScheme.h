@@ -7,18 +7,22 @@
 #include <QUrl>
 #include <QWebEngineUrlSchemeHandler>
 
+class PageColours;
+
 /// The private scheme under which the browser pane sees the data directory. It serves tmp.htm, home.htm, style.css and
 /// slien.gif by exactly these names and nothing else, and only to pages of its own.
 ///
 /// tmp.htm is served without its zero bytes, as text of the ANSI code page. Both pages are served with a policy that
 /// forbids scripts, plug-ins, styles but the one sheet, and other frames than those of the web, whatever markup a feed
-/// has put into them.
+/// has put into them, and with a link to the rule of the colours, which style.css may overrule: it is what style.css
+/// is with any query.
 class PaneScheme final : public QWebEngineUrlSchemeHandler
 {
     Q_OBJECT
 
 public:
-    explicit PaneScheme(WebPane::Folder folder, QObject *parent = nullptr);
+    /// `colours` outlives the object.
+    PaneScheme(WebPane::Folder folder, const PageColours &colours, QObject *parent = nullptr);
 
     /// Tells the engine of the scheme; before its first profile is made.
     static void registerScheme();
@@ -41,11 +45,10 @@ public:
 
     void requestStarted(QWebEngineUrlRequestJob *job) override;
 
-    /// What the pane gets to see of a page: no zero bytes, and the policy in front.
-    static QByteArray guardedPage(const QByteArray &page);
-
 private:
+    QByteArray guardedPage(const QByteArray &page) const;
     QString pathOf(const QString &file) const;
 
     WebPane::Folder m_folder;
+    const PageColours &m_colours;
 };

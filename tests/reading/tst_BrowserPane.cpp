@@ -186,13 +186,67 @@ private Q_SLOTS:
             QVERIFY2(!shown.contains(QString::fromLatin1(english)), english);
     }
 
-    void aRenderedPageWearsTheStyleSheetOfTheDataDirectory()
+    void ourPagesFollowThePaletteAndThoseOfTheWebDoNot()
     {
-        m_data.write(u"style.css"_s, "p { color: rgb(1, 2, 3); }");
-        m_data.write(u"tmp.htm"_s, "<html><head><link rel=\"stylesheet\" href=\"style.css\" type=\"text/css\" /></head>"
-                                   "<body><p>texte</p></body></html>");
+        m_data.write(u"style.css"_s, Files::read(QString::fromUtf8(SAMPLES_DIR "/../resources/data/style.css")).bytes);
+        m_server->setBody(u"/web.html"_s, "<html><body>web</body></html>", "text/html");
+        const auto colours = [this] {
+            return evaluate(u"getComputedStyle(document.body).backgroundColor + getComputedStyle(document.body).color +"
+                            "getComputedStyle(document.documentElement).colorScheme + scrollY"_s);
+        };
+        writePage("<html><head><link rel=\"stylesheet\" href=\"style.css\" type=\"text/css\" /></head><body>" +
+                  QByteArray("<p>texte</p>").repeated(99) + "</body></html>");
+        m_pane->setPalette(QPalette(Qt::black, Qt::lightGray, Qt::white, Qt::darkGray, Qt::gray, Qt::black, Qt::white));
         QVERIFY(goAndWait(page()));
-        QCOMPARE(evaluate(u"getComputedStyle(document.querySelector('p')).color"_s), u"rgb(1, 2, 3)"_s);
+        QCOMPARE(colours(), u"rgb(255, 255, 255)rgb(0, 0, 0)light0"_s);
+        evaluate(u"scrollTo(0, 200)"_s);
+        m_pane->setPalette(QPalette(Qt::white, Qt::darkGray, Qt::gray, Qt::black, Qt::gray, Qt::white, Qt::black));
+        const QString dark = u"rgb(0, 0, 0)rgb(255, 255, 255)dark"_s;
+        QVERIFY(eventually([&] { return colours() == dark + u"200"_s; }));
+        QVERIFY(goAndWait(page())); // no sheet from before
+        QCOMPARE(colours(), dark + u'0');
+        QCOMPARE(view()->page()->backgroundColor(), QColor(Qt::black));
+        QVERIFY(goAndWait(m_server->url(u"/web.html"_s)));
+        QCOMPARE(view()->page()->backgroundColor(), QColor(Qt::white));
+    }
+
+    void theSheetLeavesTheSizesThatAreWritten_data()
+    {
+        QTest::addColumn<QByteArray>("page");
+        QTest::addColumn<QString>("size");
+        QTest::newRow("the channel's picture")
+            << "<div id=\"frame\">\r\n<table width=\"95%\" cellspacing=\"10\"><tr><td width=\"144px\" "
+               "valign=\"top\"><a href=\"x\"><img src=\"PICTURE\" width=\"144\" height=\"400\" /></a></td>"
+               "<td><h1>T</h1></td></tr></table></div>"_ba
+            << u"144x400"_s;
+        QTest::newRow("a picture of a feed, by its height")
+            << "<div id=\"frame\"><h1>T</h1>\r\n<p id=\"content\"><img src=\"PICTURE\" height=\"50\"></p></div>"_ba
+            << u"50x50"_s;
+        QTest::newRow("a picture of a feed that is too wide")
+            << "<div id=\"frame\"><h1>T</h1>\r\n<p id=\"content\"><img src=\"PICTURE\" width=\"2000\" "
+               "height=\"2000\"></p></div>"_ba
+            << u"panexpane"_s;
+        QTest::newRow("a table of a feed")
+            << "<div id=\"frame\"><h1>T</h1>\r\n<p id=\"content\"><p>a</p><table><tr><td><img src=\"PICTURE\" "
+               "width=\"80\" height=\"80\"> trois mots de plus</td><td>b</td></tr></table></p></div>"_ba
+            << u"80x80"_s;
+    }
+
+    void theSheetLeavesTheSizesThatAreWritten()
+    {
+        QFETCH(QByteArray, page);
+        m_data.write(u"style.css"_s, Files::read(QString::fromUtf8(SAMPLES_DIR "/../resources/data/style.css")).bytes);
+        m_server->setBody(u"/p.svg"_s, "<svg xmlns='http://www.w3.org/2000/svg' width='100' height='100'/>",
+                          "image/svg+xml");
+        writePage("<html><head><link rel=\"stylesheet\" href=\"style.css\" type=\"text/css\" /></head><body>" +
+                  page.replace("PICTURE", m_server->url(u"/p.svg"_s).toUtf8()) + "</body></html>");
+        QVERIFY(goAndWait(this->page()));
+        QTEST(evaluate(u"var i = document.images[0]; [i.offsetWidth, i.offsetHeight].map("
+                       "side => side > 400 && side < innerWidth ? 'pane' : side).join('x')"_s),
+              "size");
+        QVERIFY(evaluate(u"var c = document.querySelector('#content ~ table td, #content table td');"
+                         "c ? c.offsetWidth : 200"_s)
+                    .toInt() >= 200);
     }
 };
 

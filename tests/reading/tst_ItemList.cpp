@@ -83,6 +83,51 @@ class TestItemList : public QObject
     }
 
 private Q_SLOTS:
+    void theEnvelopeIsSeenOnEveryRow_data()
+    {
+        QTest::addColumn<bool>("read");
+        QTest::addColumn<bool>("selected");
+        QTest::addColumn<QColor>("base");
+        QTest::addColumn<QColor>("highlight");
+        const auto row = [](const char *name, const QColor &base, const QColor &highlight) {
+            for (const bool read : {false, true})
+                for (const bool selected : {false, true})
+                    QTest::addRow("%s, %s%s", name, read ? "read" : "unread", selected ? ", selected" : "")
+                        << read << selected << base << highlight;
+        };
+        row("light", Qt::white, QColor(0x308CC6));
+        row("dark", QColor(0x202020), QColor(0x306EB4));
+        row("grey selection", Qt::white, QColor(0x7B8794));
+    }
+
+    void theEnvelopeIsSeenOnEveryRow()
+    {
+        QFETCH(bool, read);
+        QFETCH(bool, selected);
+        QFETCH(QColor, base);
+        QFETCH(QColor, highlight);
+        loadFeed();
+        ItemListView view(Dates(utc), ScreenScale{1.0, 1.0});
+        view.items().fill(m_feed);
+        view.items().setRead(0, read);
+        QPalette palette;
+        palette.setColor(QPalette::Base, base);
+        palette.setColor(QPalette::Highlight, highlight);
+        palette.setColor(QPalette::HighlightedText, Qt::white);
+        view.setPalette(palette);
+        view.resize(600, 200);
+        if (selected)
+            view.selectRow(0);
+        const QRect cell = view.visualRect(view.items().index(0, 1));
+        const QImage picture = view.viewport()->grab(cell).toImage();
+        const int paper = qGray(picture.pixel(1, 1));
+        int farthest = 0;
+        for (int x = 0; x < picture.width(); ++x)
+            for (int y = 0; y < picture.height(); ++y)
+                farthest = std::max(farthest, std::abs(qGray(picture.pixel(x, y)) - paper));
+        QVERIFY2(farthest > 60, QByteArray::number(farthest));
+    }
+
     void rowsFollowTheDocumentWithoutItsDeletedItems()
     {
         loadFeed({{u"un"_s, u"2004-07-01T12:00:00Z"_s, u"Zoé"_s}, {u"deux"_s, {}}, {u"trois"_s, {}}});
