@@ -3,10 +3,10 @@
 #include "app/DesktopSurroundings.h"
 
 #include "app/SignalWatch.h"
+#include "controls/FileDialogs.h"
 #include "controls/SystemBrowser.h"
 #include "controls/Twips.h"
 #include "core/RunAtStartup.h"
-#include "dialogs/FileDialogs.h"
 #include "dialogs/HelpViewer.h"
 #include "platform/AutostartRegistryStore.h"
 #include "platform/Build.h"

@@ -3,9 +3,9 @@
 #include "app/DesktopSurroundings.h"
 #include "app/Program.h"
 #include "app/SignalWatch.h"
+#include "controls/DialogStyle.h"
 #include "controls/FrenchTexts.h"
 #include "controls/MessageBoxes.h"
-#include "controls/PlainButtonStyle.h"
 #include "platform/Build.h"
 #include "platform/Files.h"
 #include "platform/Literals.h"
@@ -118,7 +118,7 @@ int main(int argc, char *argv[])
     ErrorTrap application(argc, argv);
     nameApplication();
     FrenchTexts::install(application);
-    QApplication::setStyle(new PlainButtonStyle); // owned by the application
+    QApplication::setStyle(new DialogStyle); // owned by the application
 
     InstanceLock lock;
     if (!lock.isFirstInstance()) {

@@ -29,6 +29,12 @@ class NameDelegate final : public QStyledItemDelegate
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
 
+    QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override
+    {
+        constexpr int air = 4; // pixels between the boxes of two rows
+        return QStyledItemDelegate::sizeHint(option, index) + QSize(0, air);
+    }
+
 protected:
     void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override
     {

@@ -29,9 +29,13 @@ public:
 protected:
     void paintEvent(QPaintEvent *) override
     {
+        constexpr double radius = 1.25; // pixels
         QPainter painter(this);
-        painter.setPen(QPen(palette().color(QPalette::Mid), 2, Qt::DotLine));
-        painter.drawLine(0, height() / 2, width(), height() / 2);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(palette().color(QPalette::PlaceholderText));
+        for (double x = radius; x + radius <= width(); x += 4 * radius)
+            painter.drawEllipse(QPointF(x, height() / 2.0), radius, radius);
     }
 };
 

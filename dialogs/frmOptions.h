@@ -3,7 +3,7 @@
 #pragma once
 
 #include "controls/DialogBase.h"
-#include "dialogs/FileDialogs.h"
+#include "controls/FileDialogs.h"
 
 #include <functional>
 

@@ -63,18 +63,26 @@ QComboBox *comboBox(const QString &name, const Table &table)
     return box;
 }
 
-/// Fills one column of the grid's row with a group of buttons, the first of which is set.
+/// Adds a row with a group of buttons, the first of which is set. Each group has a line of its own: below one another
+/// two of them would look like one.
 template <std::size_t Count>
-void addOptions(QGridLayout &grid, int row, std::array<QRadioButton *, Count> &options, const QString &name,
-                const std::array<QString, Count> &captions)
+void addOptions(QGridLayout &grid, const QString &caption, std::array<QRadioButton *, Count> &options,
+                const QString &name, const std::array<QString, Count> &captions)
 {
     auto *group = new QButtonGroup(grid.parentWidget());
+    auto *line = new QHBoxLayout;
+    line->setSpacing(2 * edge);
     for (std::size_t i = 0; i < Count; ++i) {
         options[i] = named(new QRadioButton(captions[i]), arrayName(name, static_cast<int>(i)));
         group->addButton(options[i]);
-        grid.addWidget(options[i], row + static_cast<int>(i), 1);
+        line->addWidget(options[i]);
     }
+    line->addStretch();
     options[0]->setChecked(true);
+    const int row = grid.rowCount();
+    if (!caption.isEmpty())
+        grid.addWidget(label(caption, options[0]), row, 0);
+    grid.addLayout(line, row, 1);
 }
 
 void addResultCount(QGridLayout &grid, QLineEdit *&box, int index)
@@ -135,10 +143,9 @@ QWidget *frmRechercher::buildFeedsterPage()
 {
     auto *options = named(new QGroupBox(u"Options"_s), u"fraOptionsFeedster"_s);
     auto *grid = new QGridLayout(options);
-    addOptions(*grid, 0, m_optTri, u"optTri"_s, {u"Date"_s, u"Pertinence"_s});
-    grid->addWidget(label(u"Trier par :"_s, m_optTri[0]), 0, 0);
+    addOptions(*grid, u"Trier par :"_s, m_optTri, u"optTri"_s, {u"Date"_s, u"Pertinence"_s});
     // Spelled as users know it.
-    addOptions(*grid, 2, m_optCategory, u"optCategory"_s, {u"Partourt"_s, u"Sur les blogs seulement"_s});
+    addOptions(*grid, QString(), m_optCategory, u"optCategory"_s, {u"Partourt"_s, u"Sur les blogs seulement"_s});
     addResultCount(*grid, m_txtNbResult[0], 0);
     m_txtRecherche[0] = lineEdit(u"txtRecherche_0"_s);
     return searchPage(u"picFeedster"_s, m_txtRecherche[0], options);
@@ -149,10 +156,9 @@ QWidget *frmRechercher::buildDayPopPage()
     auto *options = named(new QGroupBox(u"Options"_s), u"fraOptionsSyndic8"_s);
     auto *grid = new QGridLayout(options);
     std::array<QRadioButton *, 2> optTriDayPop{}; // shown, never read
-    addOptions(*grid, 0, optTriDayPop, u"optTriDayPop"_s, {u"Date"_s, u"Pertinence"_s});
-    grid->addWidget(label(u"Trier par :"_s, optTriDayPop[0]), 0, 0);
-    addOptions(*grid, 2, m_optSearchText, u"optSearchText"_s, {u"le texte complet"_s, u"les titres seulement"_s});
-    grid->addWidget(label(u"Rechercher :"_s, m_optSearchText[0]), 2, 0);
+    addOptions(*grid, u"Trier par :"_s, optTriDayPop, u"optTriDayPop"_s, {u"Date"_s, u"Pertinence"_s});
+    addOptions(*grid, u"Rechercher :"_s, m_optSearchText, u"optSearchText"_s,
+               {u"le texte complet"_s, u"les titres seulement"_s});
     m_cboWhere = comboBox(u"cboWhere"_s, kinds());
     addRow(*grid, u"Rechercher dans :"_s, m_cboWhere);
     m_cboLangue = comboBox(u"cboLangue"_s, languages());

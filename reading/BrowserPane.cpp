@@ -2,10 +2,10 @@
 
 #include "reading/BrowserPane.h"
 
+#include "controls/FileDialogs.h"
 #include "platform/Literals.h"
 #include "reading/WebModule.h"
 
-#include <QFileDialog>
 #include <QLabel>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -156,5 +156,5 @@ void BrowserPane::showEvent(QShowEvent *event)
 
 QString BrowserPane::askDownloadPath(const QString &proposed)
 {
-    return QFileDialog::getSaveFileName(this, u"Enregistrer sous"_s, proposed);
+    return FileDialogs::askSaveFile(this, u"Enregistrer sous"_s, QString(), proposed);
 }

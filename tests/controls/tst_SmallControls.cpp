@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "controls/DialogBase.h"
+#include "controls/DialogStyle.h"
 #include "controls/MessageBoxes.h"
 #include "controls/StatusBar.h"
 #include "controls/SystemBrowser.h"
@@ -11,11 +12,14 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QCheckBox>
 #include <QLabel>
 #include <QMessageBox>
+#include <QRadioButton>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
+#include <QTreeWidget>
 
 class tst_SmallControls : public QObject
 {
@@ -163,6 +167,31 @@ private Q_SLOTS:
         dialog.resize(300, 200);
         dialog.centre();
         QVERIFY(frame.screen()->availableGeometry().contains(QRect(dialog.pos(), dialog.size())));
+    }
+
+    void boxesToTickAreSeenOnADarkDesktop()
+    {
+        QPalette dark(Qt::white, QColor(0x2D2D30), Qt::gray, Qt::black, Qt::gray, Qt::white, QColor(0x1E1E20));
+        dark.setColor(QPalette::Window, QColor(0x2D2D30));
+        auto *style = new DialogStyle(u"fusion"_s);
+        QCheckBox box;
+        QRadioButton button;
+        QTreeWidget list;
+        style->setParent(&list);
+        auto *item = new QTreeWidgetItem(&list, {QString()});
+        item->setCheckState(0, Qt::Unchecked);
+        for (QWidget *widget : std::initializer_list<QWidget *>{&box, &button, &list, list.viewport()}) {
+            widget->setStyle(style);
+            widget->setPalette(dark);
+        }
+        for (QWidget *widget : std::initializer_list<QWidget *>{&box, &button, list.viewport()}) {
+            const QImage picture = widget->grab(QRect(0, 0, 40, 20)).toImage();
+            int brightest = 0;
+            for (int x = 0; x < picture.width(); ++x)
+                for (int y = 0; y < picture.height(); ++y)
+                    brightest = std::max(brightest, qGray(picture.pixel(x, y)));
+            QVERIFY2(brightest > 0x70, widget->metaObject()->className());
+        }
     }
 
     void messageBoxesAnswerInFrench_data()

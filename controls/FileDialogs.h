@@ -18,6 +18,7 @@ namespace FileDialogs {
 QString askOpenFile(QWidget *parent, const QString &title, const QString &filter);
 
 /// Asks where to save; an existing file is only taken after the user has agreed to replace it. No suffix is added.
-QString askSaveFile(QWidget *parent, const QString &title, const QString &filter);
+/// `proposed` is the path to begin with, if any.
+QString askSaveFile(QWidget *parent, const QString &title, const QString &filter, const QString &proposed = {});
 
 } // namespace FileDialogs
