@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <memory>
 #include <vector>
 
 namespace {
@@ -28,6 +29,14 @@ const QByteArray stores[] = {
     "xmlns:dc='urn:x'><channel/></rss>",
     "<rss version='2.0' xmlns:dc='http://purl.org/dc/elements/1.1/' "
     "xmlns:content='http://purl.org/rss/1.0/modules/content/' xmlns:a='urn:a?b&amp;c'><channel/></rss>",
+    "<rss version='2.0' xmlns:quillwire='urn:quillwire:marks' xmlns:dc='http://purl.org/dc/elements/1.1/' "
+    "xmlns:content='http://purl.org/rss/1.0/modules/content/' xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#' "
+    "xmlns:a='urn:u' xmlns:b='urn:u'><channel><item quillwire:downloaded='2004-07-01T12:00:00Z' quillwire:read='1'>"
+    "<title>old</title></item></channel></rss>",
+    "<rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#' xmlns='http://purl.org/rss/1.0/' "
+    "xmlns:quillwire='urn:quillwire:marks' "
+    "xmlns:dc='http://purl.org/dc/elements/1.1/'><channel><items><rdf:Seq/></items>"
+    "</channel><item rdf:about='urn:x' quillwire:deleted='1'><title>old</title></item></rdf:RDF>",
     "<r:RDF xmlns:r='http://www.w3.org/1999/02/22-rdf-syntax-ns#' xmlns='http://purl.org/rss/1.0/'><channel/></r:RDF>",
     "<feed version='0.3' xmlns='http://purl.org/atom/ns#'/>"};
 
@@ -91,29 +100,44 @@ void requireTheSameAfterSaving(CachedFeed &feed, const QString &path)
 
 } // namespace
 
-/// Any bytes as a feed: what loads is read, marked, carried over into a document of each format, and says the same
-/// after it was saved and loaded.
+/// Up to three documents with a zero byte between: what loads is read, marked, carried over into a document of each
+/// format, one after the other, and says the same after it was saved and loaded.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
 {
     const Clock clock = [] { return QDateTime(QDate(2004, 7, 1), QTime(12, 0)); };
-    const QString path =
-        write(u"feed.xml"_s, QByteArray(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size)));
-    CachedFeed feed(clock);
-    if (feed.Load(path) != LoadOk)
+    const QByteArray bytes(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size));
+    std::vector<std::unique_ptr<CachedFeed>> feeds;
+    QString path;
+    for (const QByteArray &part : bytes.split('\0').first(std::min<qsizetype>(3, bytes.count('\0') + 1))) {
+        auto feed = std::make_unique<CachedFeed>(clock);
+        const QString its = write(u"feed%1.xml"_s.arg(feeds.size()), part);
+        if (feed->Load(its) != LoadOk)
+            continue;
+        path = its;
+        readEveryField(*feed);
+        feeds.push_back(std::move(feed));
+    }
+    if (feeds.empty())
         return 0;
-    readEveryField(feed);
-    for (const QByteArray &bytes : stores) {
-        const QString storePath = write(u"store.xml"_s, bytes);
+    for (const QByteArray &storeBytes : stores) {
+        const QString storePath = write(u"store.xml"_s, storeBytes);
         CachedFeed store(clock);
         require(store.Load(storePath) == LoadOk);
-        const qint16 count = std::min<qint16>(feed.ItemCount(), 20);
-        for (qint16 i = 0; i < count; ++i) {
-            store.AddItem(feed.GetItemNode(i));
-            require(store.ItemTitle(i) == feed.ItemTitle(i));
+        for (const std::unique_ptr<CachedFeed> &from : feeds) {
+            const qint16 count = std::min<qint16>(from->ItemCount(), 20);
+            qint16 taken = 0;
+            for (qint16 i = 0; i < count; ++i) {
+                if (!store.AddItem(from->GetItemNode(i)))
+                    continue;
+                require(store.ItemTitle(taken) == from->ItemTitle(i));
+                require(!store.IsItemRead(taken) && !store.IsItemDeleted(taken));
+                ++taken;
+            }
+            requireTheSameAfterSaving(store, storePath);
         }
-        requireTheSameAfterSaving(store, storePath);
         readEveryField(store);
     }
+    CachedFeed &feed = *feeds.back();
     feed.SetItemRead(0, true);
     feed.DeleteItem(static_cast<qint16>(feed.ItemCount() - 1));
     requireTheSameAfterSaving(feed, path);

@@ -69,10 +69,10 @@ ItemElements FeedDocument::itemElements(qsizetype index) const
 /// that of each item.
 const FeedDocument::NotedDate &FeedDocument::notedDate(const xmlNode *item) const
 {
-    const QString mark = ItemMarks::downloadMark(item);
+    const std::string_view mark = ItemMarks::downloadMark(item);
     if (!m_notedDate || mark != m_notedDate->mark) {
         const QDateTime date = ItemMarks::downloadDate(mark);
-        m_notedDate = {mark, date.isValid(), DateText::toText(date.isValid() ? date : m_written)};
+        m_notedDate = {std::string(mark), date.isValid(), DateText::toText(date.isValid() ? date : m_written)};
     }
     return *m_notedDate;
 }

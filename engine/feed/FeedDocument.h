@@ -8,6 +8,7 @@
 #include <QDateTime>
 
 #include <optional>
+#include <string>
 #include <vector>
 
 /// One loaded document: its tree, its format, and its items by index.
@@ -71,7 +72,7 @@ private:
     /// The date that a mark stands for; that of the file when the mark isn't to be read.
     struct NotedDate
     {
-        QString mark;
+        std::string mark; ///< as it stands
         bool readable;
         QString text;
     };

@@ -36,14 +36,18 @@ bool ItemMarks::isDeleted(const xmlNode *item)
     return isSet(item, deletedName);
 }
 
-QString ItemMarks::downloadMark(const xmlNode *item)
+std::string_view ItemMarks::downloadMark(const xmlNode *item)
 {
-    return attributeOf(item, downloadedName, space);
+    for (const xmlAttr *attribute = item->properties; attribute != nullptr; attribute = attribute->next)
+        if (viewOf(attribute->name) == downloadedName && nameOf(attribute->ns) == space)
+            return attribute->children == nullptr ? std::string_view() : viewOf(attribute->children->content);
+    return {};
 }
 
-QDateTime ItemMarks::downloadDate(const QString &mark)
+QDateTime ItemMarks::downloadDate(std::string_view mark)
 {
-    const QDateTime when = QDateTime::fromString(mark, Qt::ISODate).toLocalTime();
+    const QString text = trimmedText(QString::fromUtf8(mark.data(), static_cast<qsizetype>(mark.size())));
+    const QDateTime when = QDateTime::fromString(text, Qt::ISODate).toLocalTime();
     // A feed may bring marks of its own making; a year past four digits has no text that reads back.
     return when.isValid() && when.date().year() >= 100 && when.date().year() <= 9999 ? when : QDateTime();
 }

@@ -6,6 +6,8 @@
 
 #include <libxml/tree.h>
 
+#include <string_view>
+
 /// What this program notes about an item, in attributes of a namespace of its own on the item's element. docs/marks.md
 /// says how they look and why.
 namespace ItemMarks {
@@ -16,11 +18,12 @@ inline constexpr const char *space = "urn:quillwire:marks";
 bool isRead(const xmlNode *item);
 bool isDeleted(const xmlNode *item);
 
-/// The date of download as the item's mark writes it; "" when the item bears none.
-QString downloadMark(const xmlNode *item);
+/// The date of download as the item's mark writes it, in UTF-8; "" when the item bears none. It is the item's own text,
+/// so that items whose marks are alike are told without making texts.
+std::string_view downloadMark(const xmlNode *item);
 
 /// The date that such a mark stands for, in local time; not valid when it isn't to be read.
-QDateTime downloadDate(const QString &mark);
+QDateTime downloadDate(std::string_view mark);
 
 void setRead(xmlNode *item, bool read);
 void setDeleted(xmlNode *item);

@@ -24,7 +24,7 @@ QHash<QString, std::vector<qsizetype>> itemsByTitle(const FeedDocument &document
 void carryItem(const FeedDocument &older, qsizetype from, FeedDocument &newer, qsizetype to)
 {
     const FeedDocument::MarkChanges changes = older.markChanges(from);
-    if (ItemMarks::downloadMark(newer.item(to)).isEmpty())
+    if (ItemMarks::downloadMark(newer.item(to)).empty())
         return;
     if (changes.read)
         newer.setRead(to, ItemMarks::isRead(older.item(from)));
