@@ -100,6 +100,14 @@ bool ParserGuard::admits(void *context, const Start &start)
     return false;
 }
 
+void ParserGuard::forgetTag(void *context)
+{
+    constexpr qsizetype worthwhile = 65536;
+    xmlParserInput *input = static_cast<xmlParserCtxt *>(context)->input;
+    if (input->cur - input->base > worthwhile)
+        xmlParserInputShrink(input);
+}
+
 bool ParserGuard::admitsDeclarations(const Start &start)
 {
     for (int i = 0; i < start.namespaces; ++i) {

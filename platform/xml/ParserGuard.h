@@ -46,6 +46,11 @@ public:
     /// False when the element goes past a bound; the document is then refused and the parser stopped.
     bool admits(void *context, const Start &start);
 
+    /// To be called once an element's start has been dealt with. The library keeps what it has read until it chances to
+    /// come near the end of a portion, and refuses to go on when that is ten million bytes: long tags that follow each
+    /// other would be counted together, or not, by where they happen to stand.
+    static void forgetTag(void *context);
+
     /// Reads all bytes, and tells whether they are well-formed and within the bounds. What the library then calls the
     /// document, it has also when the answer is false.
     bool read(const QByteArray &bytes, const char *encoding, XmlDocPtr &document);

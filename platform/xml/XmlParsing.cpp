@@ -13,9 +13,11 @@ namespace {
 void startElement(void *context, const xmlChar *name, const xmlChar *prefix, const xmlChar *address, int namespaces,
                   const xmlChar **declared, int attributes, int defaulted, const xmlChar **values)
 {
-    if (ParserGuard::of(context).admits(context,
-                                        {prefix, address, namespaces, declared, attributes, defaulted, values}))
-        xmlSAX2StartElementNs(context, name, prefix, address, namespaces, declared, attributes, defaulted, values);
+    if (!ParserGuard::of(context).admits(context,
+                                         {prefix, address, namespaces, declared, attributes, defaulted, values}))
+        return;
+    xmlSAX2StartElementNs(context, name, prefix, address, namespaces, declared, attributes, defaulted, values);
+    ParserGuard::forgetTag(context);
 }
 
 /// The library lets one node grow by all that follows, up to a bound that depends on the form in which a text is

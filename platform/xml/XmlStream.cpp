@@ -27,10 +27,11 @@ void startElement(void *context, const xmlChar *name, const xmlChar *prefix, con
                                          {prefix, address, namespaces, declared, attributes, defaulted, values}))
         return;
     Stream &stream = streamOf(context);
-    stream.failed = stream.failed || ++stream.depth > xmlParserMaxDepth; // as deep as a tree may be
-    if (prefix != nullptr && address == nullptr)                         // a part of the name, as in a tree
+    stream.failed = stream.failed || ++stream.depth > xmlParserMaxDepth + 1; // as deep as a tree may be
+    if (prefix != nullptr && address == nullptr)                             // a part of the name, as in a tree
         name = xmlDictQLookup(static_cast<xmlParserCtxt *>(context)->dict, prefix, name);
     stream.listener.begin({name, address, attributes - defaulted, values}); // those by default stand last, in no tree
+    ParserGuard::forgetTag(context);
 }
 
 void endElement(void *context, const xmlChar *, const xmlChar *, const xmlChar *)

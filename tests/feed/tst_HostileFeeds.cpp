@@ -305,6 +305,8 @@ void tst_HostileFeeds::longTextsAreSavedAsTheyWereLoaded_data()
     QTest::newRow("attribute behind a long text")
         << element("description", eleven + "&lt;") + "<source url='" + eleven.first(4000000) + "'>s</source>" << rss2
         << true << true;
+    QTest::newRow("long attributes in a row")
+        << QByteArray("<x y='" + eleven.first(5500000) + "'/>").repeated(4) << rss2 << true << true;
     QTest::newRow("attribute that is longer once written")
         << "<x y='" + QByteArray(3000000, '>') + "'/>" << rss2 << false << false;
     QTest::newRow("attributes too long together")
@@ -385,7 +387,8 @@ void tst_HostileFeeds::wrongEncodingsEndInAnAnswer()
 
 void tst_HostileFeeds::deepMarkupInAnItemIsReadAndCarriedOver()
 {
-    const QByteArray deep = QByteArray("<b>").repeated(250) + "x" + QByteArray("</b>").repeated(250);
+    const QByteArray deep =
+        QByteArray("<b>").repeated(253) + "x" + QByteArray("</b>").repeated(253); // as deep as may be
     CachedFeed source;
     QCOMPARE(source.Load(write(rss({}, "t", "<item><title>" + deep + "</title></item>"))), LoadOk);
     QCOMPARE(source.ItemTitle(0), QString::fromLatin1(deep));
