@@ -5,6 +5,7 @@
 #include "platform/Literals.h"
 
 #include <QInputDialog>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
@@ -15,25 +16,24 @@ namespace {
 constexpr qsizetype longestText = 2000;
 constexpr qsizetype mostLines = 20;
 
-QString title(const QUrl &page)
-{
-    const QString place = page.authority();
-    return place.isEmpty() ? u"Message de la page"_s : u"Message de la page de "_s + place;
-}
+const QString title = u"Message de la page"_s;
 
-QString readable(const QString &text)
+/// The text as it is shown: under the name of the page, which a window's title may not have the room for.
+QString readable(const QUrl &page, const QString &text)
 {
     const QString part = text.left(longestText);
     const QString shown = part.section(u'\n', 0, mostLines - 1);
-    return shown.size() < text.size() ? shown + u'…' : shown;
+    const QString place = page.authority();
+    return (place.isEmpty() ? u"La page dit\u00a0:"_s : u"La page de "_s + place + u" dit\u00a0:") + u"\n\n" + shown +
+           (shown.size() < text.size() ? u"…"_s : QString());
 }
 
 bool ask(QWidget *parent, const QUrl &page, const QString &text, bool canCancel)
 {
     const QPointer<QMessageBox> box = new QMessageBox(parent);
-    box->setWindowTitle(title(page));
+    box->setWindowTitle(title);
     box->setTextFormat(Qt::PlainText);
-    box->setText(readable(text));
+    box->setText(readable(page, text));
     box->setIcon(canCancel ? QMessageBox::Question : QMessageBox::Information);
     const QPushButton *const ok = box->addButton(u"OK"_s, QMessageBox::AcceptRole);
     if (canCancel)
@@ -62,8 +62,9 @@ bool ScriptBoxes::prompt(QWidget *parent, const QUrl &page, const QString &text,
                          QString &result)
 {
     const QPointer<QInputDialog> box = new QInputDialog(parent);
-    box->setWindowTitle(title(page));
-    box->setLabelText(readable(text));
+    box->setWindowTitle(title);
+    box->setLabelText(readable(page, text));
+    box->findChild<QLabel *>()->setTextFormat(Qt::PlainText);
     box->setTextValue(standard);
     box->setOkButtonText(u"OK"_s);
     box->setCancelButtonText(u"Annuler"_s);

@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QDialog>
+#include <QLabel>
 
 namespace {
 
@@ -20,7 +21,9 @@ public:
         connect(&m_look, &QTimer::timeout, this, [this] {
             if (auto *box = qobject_cast<QDialog *>(QApplication::activeModalWidget())) {
                 ++closed;
-                titles += box->windowTitle();
+                for (const QLabel *label : box->findChildren<QLabel *>())
+                    if (!label->text().isEmpty())
+                        texts += (label->textFormat() == Qt::PlainText ? u"plain "_s : u"markup "_s) + label->text();
                 box->reject();
             }
         });
@@ -28,7 +31,7 @@ public:
     }
 
     int closed = 0;
-    QStringList titles;
+    QStringList texts;
 
 private:
     QTimer m_look;
@@ -153,15 +156,16 @@ private Q_SLOTS:
         QVERIFY(boxes(engine) > 0);
     }
 
-    void theBoxesOfAPageAreNamedAfterIt()
+    void theBoxesOfAPageAreNamedAfterItAndShowPlainText()
     {
-        serve(u"/three.html"_s, "<html><body><script>alert(1); document.body.append(confirm(2), prompt(3), ' fin')"
-                                "</script></body></html>");
+        serve(u"/three.html"_s,
+              "<html><body><script>alert('<b>'); document.body.append(confirm('<b>'), prompt('<b>'), ' fin')"
+              "</script></body></html>");
         EngineBoxes engine;
         QVERIFY(goAndWait(m_server->url(u"/three.html"_s)));
         QVERIFY(showsText(u"falsenull fin"_s));
-        const QString title = u"Message de la page de "_s + QUrl(m_server->url({})).authority();
-        QCOMPARE(engine.titles, QStringList(3, title));
+        const QString place = QUrl(m_server->url({})).authority();
+        QCOMPARE(engine.texts, QStringList(3, u"plain La page de "_s + place + u" dit\u00a0:\n\n<b>"_s));
     }
 
     void aPressInThePageRenewsWhatItMayAsk()
