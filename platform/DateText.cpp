@@ -154,7 +154,7 @@ QDateTime parse(const QString &text)
 {
     const QString trimmed = text.trimmed();
     if (trimmed.size() > 4 && trimmed[4] == u'-')
-        if (const QDateTime when = inIsoForm(trimmed); when.isValid())
+        if (QDateTime when = inIsoForm(trimmed); when.isValid())
             return when;
     const Pieces pieces(trimmed);
     const qsizetype count = pieces.numbers.size();

@@ -15,6 +15,17 @@
 
 using namespace HostileAnswers;
 
+namespace {
+
+/// A sanitizer keeps what is freed, and looks for leaks at the end.
+#ifdef __SANITIZE_ADDRESS__
+constexpr bool isSanitized = true;
+#else
+constexpr bool isSanitized = false;
+#endif
+
+} // namespace
+
 /// The program itself, subscribed to feeds of which some lie on servers that mean it ill. How many feeds there are is
 /// what QUILLWIRE_HOSTILE_FEEDS tells: scripts/hostile-servers takes 52.
 class ServerSafetyTest : public QObject
@@ -24,10 +35,11 @@ class ServerSafetyTest : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
+        const int feeds = qEnvironmentVariableIntValue("QUILLWIRE_HOSTILE_FEEDS");
+        m_feeds = feeds > 0 ? feeds : m_feeds;
+        QVERIFY2(isConnected() || feeds == 0, "no network: the program updates nothing then");
         if (!isConnected())
             QSKIP("no network: the program updates nothing then");
-        if (const int feeds = qEnvironmentVariableIntValue("QUILLWIRE_HOSTILE_FEEDS"))
-            m_feeds = feeds;
         m_server.setAnswer(u"/circle"_s, Answer::redirect(u"/circle"_s));
     }
 
@@ -94,7 +106,7 @@ private Q_SLOTS:
         const qint64 endTook = end(program);
         qInfo("%d of %d feeds merged in %.1f s, %d hostile; memory grew by %.1f MB at most; the end took %lld ms",
               healthyFeeds, m_feeds, double(took) / 1000, int(hostile.size()), double(grown) / megabyte, endTook);
-        QVERIFY2(grown < 16 * megabyte, QByteArray::number(grown));
+        QVERIFY2(isSanitized || grown < 16 * megabyte, QByteArray::number(grown));
         QCOMPARE(m_data->read(u"feeds.xml"_s).count("lastupdate="), m_feeds);
     }
 
@@ -172,7 +184,7 @@ private:
         const qint64 took = timer.elapsed();
         [&] {
             QVERIFY(isOver && program.exitStatus() == QProcess::NormalExit && program.exitCode() == 0);
-            QVERIFY2(took < 1000, QByteArray::number(took));
+            QVERIFY2(isSanitized || took < 1000, QByteArray::number(took));
         }();
         return took;
     }

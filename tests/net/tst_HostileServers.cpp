@@ -91,17 +91,6 @@ private Q_SLOTS:
         QVERIFY2(timer.elapsed() < 200, QByteArray::number(timer.elapsed()));
     }
 
-    void oneFloodAmongFiftyDownloadsCostsNoOtherOne()
-    {
-        m_server->setAnswer(u"/flood"_s, endless(head, "X-A: b\r\n"));
-        const qint64 before = residentBytes();
-        int ended = 0;
-        for (int i = 1; i <= 52; ++i)
-            ended += i == 10 ? fetch(u"/flood"_s) < 100 : fetch(u"/healthy"_s) == 200;
-        QCOMPARE(ended, 52);
-        QVERIFY(residentBytes() - before < 6 * megabyte);
-    }
-
     void whatComesBehindAnAnswerIsNotTheNextOne()
     {
         const QByteArray forged = "HTTP/1.1 200 OK\r\nContent-Length: 6\r\n\r\nforged";
