@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "app/DesktopSurroundings.h"
+#include "app/GraphicsChoice.h"
 #include "app/Program.h"
 #include "app/SignalWatch.h"
 #include "controls/DialogStyle.h"
@@ -115,6 +116,7 @@ int main(int argc, char *argv[])
     if (!qEnvironmentVariableIsSet("TZ"))
         qputenv("TZ", ":/etc/localtime");
     const QByteArray token = activationToken();
+    GraphicsChoice::prepare();
     ErrorTrap application(argc, argv);
     nameApplication();
     FrenchTexts::install(application);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "app/GraphicsChoice.h"
 #include "app/Program.h"
 #include "app/StartPlace.h"
 #include "platform/DateText.h"
@@ -128,6 +129,17 @@ private Q_SLOTS:
         m_program->longLived().scheduler.handleUpdateTick();
         m_program->end();
         QVERIFY(m_folder->read(u"feeds.xml"_s).contains("2004. 7. 1. 11:30:00"));
+    }
+
+    void theProcessorDrawsWhereNoDeviceDoes()
+    {
+        QTemporaryDir devices;
+        QVERIFY(GraphicsChoice::isSoftware({}, devices.filePath(u"none"_s)));
+        QVERIFY(GraphicsChoice::isSoftware("fast", devices.path()));
+        QVERIFY(!GraphicsChoice::isSoftware("hardware", devices.path()));
+        QVERIFY(QFile::link(u"/dev/null"_s, devices.filePath(u"renderD128"_s)));
+        QVERIFY(!GraphicsChoice::isSoftware({}, devices.path()));
+        QVERIFY(GraphicsChoice::isSoftware("software", devices.path()));
     }
 
     void settingsThatCannotBeUsedEndTheStart()
