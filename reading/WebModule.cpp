@@ -10,8 +10,6 @@
 #include <QLibrary>
 #include <QOpenGLContext>
 
-#include <memory>
-
 QT_BEGIN_NAMESPACE
 /// Exported by Qt for its own modules; there is no public way to share contexts once the application object exists.
 Q_GUI_EXPORT void qt_gl_set_global_share_context(QOpenGLContext *context);
@@ -26,11 +24,9 @@ void shareGraphicsContext()
 {
     if (QOpenGLContext::globalShareContext() != nullptr)
         return;
-    auto context = std::make_unique<QOpenGLContext>();
-    if (!context->create()) // nor is there one where the processor draws
-        return;
-    context->setParent(QCoreApplication::instance());
-    qt_gl_set_global_share_context(context.release());
+    auto *context = new QOpenGLContext(QCoreApplication::instance());
+    context->create();
+    qt_gl_set_global_share_context(context);
 }
 
 } // namespace
