@@ -17,6 +17,7 @@
 #include <QStyleOption>
 
 #include <algorithm>
+#include <cmath>
 #include <functional>
 #include <set>
 
@@ -311,6 +312,7 @@ void cReBar::paintEvent(QPaintEvent *)
     QPainter painter(this);
     QStyle *style = d->drawingStyle();
     const QColor line = palette().color(QPalette::Mid);
+    const double dots = std::max(1.0, painter.device()->devicePixelRatio());
     int rowBottom = -1;
     for (const ReBarBand &band : d->bands) {
         QStyleOption option;
@@ -327,8 +329,9 @@ void cReBar::paintEvent(QPaintEvent *)
         }
         const int bottom = band.rect.top() + band.rect.height();
         if (bottom != rowBottom && bottom < d->height) { // the line between two rows
-            painter.setPen(line);
-            painter.drawLine(0, bottom, width(), bottom);
+            // On whole dots of the screen: on a part of one the line would go under the bands.
+            const double top = std::ceil(bottom * dots) / dots;
+            painter.fillRect(QRectF(0, top, width(), std::floor(dots) / dots), line);
             rowBottom = bottom;
         }
     }

@@ -213,6 +213,36 @@ private Q_SLOTS:
         QCOMPARE(rebar.saveLayout(), before);
     }
 
+    void theLineBetweenRowsIsWholeAtEveryScale_data()
+    {
+        QTest::addColumn<double>("scale");
+        for (const double scale : {1.0, 1.25, 1.5, 2.0})
+            QTest::addRow("%g", scale) << scale;
+    }
+
+    void theLineBetweenRowsIsWholeAtEveryScale()
+    {
+        QFETCH(double, scale);
+        Fixture f;
+        for (QWidget *child : {f.menu, f.tools, f.address}) {
+            child->setFixedHeight(child == f.menu ? 24 : 40); // as high as its row
+            child->setAutoFillBackground(true);
+        }
+        f.rebar.RebarSize();
+        QPixmap picture(f.rebar.size() * scale);
+        picture.setDevicePixelRatio(scale);
+        f.rebar.render(&picture);
+        const QImage image = picture.toImage();
+        int rows = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            bool line = true;
+            for (int x = 0; x < image.width() && line; ++x)
+                line = image.pixel(x, y) == f.rebar.palette().color(QPalette::Mid).rgb();
+            rows += line;
+        }
+        QVERIFY2(rows >= int(scale) && rows <= 2, qPrintable(QString::number(rows)));
+    }
+
     void aChevronStandsWhereTheToolbarIsCut()
     {
         QWidget window;
