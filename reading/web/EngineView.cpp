@@ -154,7 +154,7 @@ void EngineView::navigate(const QString &target)
             m_page->runJavaScript(u"window.scrollTo(0, 0)"_s, QWebEngineScript::ApplicationWorld);
         m_page->go(url);
     } else {
-        m_page->handOver(url);
+        m_page->handOver(url, true);
     }
 }
 
@@ -191,7 +191,7 @@ void EngineView::handleNewWindow(QWebEngineNewWindowRequest &request, PanePage &
 {
     const QPointer<QObject> alive = &m_context;
     if (Addresses::isOfFeed(request.requestedUrl())) {
-        opener.handOver(request.requestedUrl()); // nothing that a window could show
+        opener.handOver(request.requestedUrl(), true); // nothing that a window could show
         return;
     }
     if (!opener.popupIsAllowed(request.requestedUrl()) || !alive)

@@ -132,23 +132,24 @@ bool PanePage::acceptNavigationRequest(const QUrl &url, NavigationType type, boo
 /// What goes on elsewhere, in ours as a feed or in a program of the system, or nowhere.
 bool PanePage::isTakenOver(const QUrl &url, NavigationType type, bool isMainFrame)
 {
-    const bool goes = mayGo(url, type, isMainFrame);
-    if (!goes && Addresses::isWeb(url))
-        return true; // nobody clicked
-    if (goes)
+    if (mayGo(url, type, isMainFrame)) {
         noteWhatBegan(url, type, isMainFrame);
-    if (isFeedForTheProgram(url))
-        return true;
-    if (Addresses::belongsToSystem(url) && type == NavigationTypeLinkClicked)
-        QMetaObject::invokeMethod(
-            this, [this, url] { Q_EMIT systemLinkActivated(url.toString(QUrl::FullyEncoded)); }, Qt::QueuedConnection);
-    return !goes;
+        return isFeedForTheProgram(url);
+    }
+    if (!Addresses::isWeb(url)) // to the web somebody would have had to click
+        handOver(url, type == NavigationTypeLinkClicked);
+    return true;
 }
 
-void PanePage::handOver(const QUrl &url)
+void PanePage::handOver(const QUrl &url, bool isAsked)
 {
-    if (!isFeedForTheProgram(url) && Addresses::belongsToSystem(url))
-        Q_EMIT systemLinkActivated(url.toString(QUrl::FullyEncoded));
+    // The pane goes there in no case: its engine needn't wait for an answer.
+    const auto ask = [this, url, isAsked] {
+        const QPointer<PanePage> alive = this;
+        if (!isFeedForTheProgram(url) && alive && isAsked && Addresses::belongsToSystem(url))
+            Q_EMIT systemLinkActivated(url.toString(QUrl::FullyEncoded));
+    };
+    QMetaObject::invokeMethod(this, ask, Qt::QueuedConnection);
 }
 
 bool PanePage::mayGo(const QUrl &url, NavigationType type, bool isMainFrame) const

@@ -30,9 +30,10 @@ public:
     /// `profile` and `boxes` outlive the page. Only a page of the pane asks about feeds and shows what is local.
     PanePage(QWebEngineProfile *profile, PageBoxes &boxes, Kind kind, QObject *parent = nullptr);
 
-    /// Does what is due with an address of the program's that no page can have: asks about one of a feed, hands out one
-    /// of another program of the system, and refuses any other.
-    void handOver(const QUrl &url);
+    /// Does what is due with an address that the pane can't go to, once the engine has finished with what it is in the
+    /// middle of: asks about one of a feed, hands out one of another program of the system if that `isAsked` for by the
+    /// user or the program, and forgets any other.
+    void handOver(const QUrl &url, bool isAsked);
 
     /// Loads `url` for the program. It may be local, and the page on show is left without a question.
     void go(const QUrl &url);

@@ -152,9 +152,18 @@ private Q_SLOTS:
         QVERIFY(showsText(u"Départ"_s));
     }
 
+    void thePaneMayEndWhileAQuestionIsOnShow_data()
+    {
+        QTest::addColumn<QString>("target");
+        QTest::newRow("page") << u"http://127.0.0.1:9/a.xml"_s;
+        QTest::newRow("another program's") << u"news:a.xml"_s;
+        QTest::newRow("feed") << u"feed:a.xml"_s;
+    }
+
     void thePaneMayEndWhileAQuestionIsOnShow()
     {
-        QVERIFY(showsLink(m_server->url(u"/a.xml"_s)));
+        QFETCH(QString, target);
+        QVERIFY(showsLink(target));
         m_messages.onShow = [this](const Message &) { m_pane.reset(); };
         clickLink();
         QVERIFY(eventually([this] { return !m_pane; }));
