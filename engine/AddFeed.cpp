@@ -4,6 +4,7 @@
 
 #include "core/FeedCatalogue.h"
 #include "engine/CurrentFeed.h"
+#include "platform/Files.h"
 
 void AddFeed(const std::shared_ptr<CachedFeed> &document, const QString &address, CurrentFeed &current,
              FeedCatalogue &catalogue)
@@ -13,6 +14,8 @@ void AddFeed(const std::shared_ptr<CachedFeed> &document, const QString &address
     if (document) {
         current.document->Save();
         current.document = document;
+    } else if (current.document->IsStale() && Files::exists(current.document->Path())) {
+        current.document->Restore(); // an import has used tmp.xml, which becomes the cache file, for something else
     }
     catalogue.addFeed(
         {current.document->Title(), current.document->Ttl(), address, current.strUsername, current.strPassword});

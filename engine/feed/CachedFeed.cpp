@@ -76,6 +76,12 @@ void CachedFeed::Save()
         write(m_document->prepareForSaving());
 }
 
+void CachedFeed::Restore()
+{
+    if (m_document)
+        write(m_document->prepareForSaving());
+}
+
 bool CachedFeed::SaveWithin(qint64 most)
 {
     if (!m_document || IsStale())

@@ -52,6 +52,9 @@ public:
     /// the newer file doesn't load or is a download, or when the file was deleted.
     void Save();
 
+    /// Writes the document to its path, whatever has come there since. Throws as Save().
+    void Restore();
+
     /// Save() of a document that isn't stale, unless the file would grow past `most` bytes. False when nothing was
     /// written.
     bool SaveWithin(qint64 most);

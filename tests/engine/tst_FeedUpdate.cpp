@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "engine/AddFeed.h"
+#include "platform/RunTimeError.h"
 #include "tests/engine/SchedulerFixture.h"
+
+#include <QFile>
 
 /// What an update, the document on show and the user do to one file.
 class FeedUpdateTest : public QObject, private SchedulerFixture
@@ -64,6 +67,18 @@ private Q_SLOTS:
         CachedFeed stored;
         QCOMPARE(stored.Load(m_folder->cacheFile(u"1"_s)), LoadOk);
         QVERIFY(stored.IsItemRead(0));
+    }
+
+    void aSubscriptionTakesTheAddressOnShowAfterAnImportThatLeftAPageBehind()
+    {
+        m_folder->write(u"tmp.xml"_s, FeedTexts::rss(u"On show"_s, {u"a"_s, u"b"_s}));
+        QCOMPARE(m_current->document->Load(m_folder->file(u"tmp.xml"_s)), LoadOk);
+        m_current->addressFeedShown = true;
+        m_folder->write(u"tmp.xml"_s, "<html>");
+        AddFeed(nullptr, address(1), *m_current, *m_catalogue);
+        QCOMPARE(storedItems(1), qint16(2));
+        QVERIFY(QFile::remove(m_folder->file(u"tmp.xml"_s))); // one that is missing is raised, as ever
+        QVERIFY_EXCEPTION_THROWN(AddFeed(nullptr, address(2), *m_current, *m_catalogue), RunTimeError);
     }
 
     void theUserActsBetweenThePartsOfASlowUpdate_data()
