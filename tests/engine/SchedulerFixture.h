@@ -72,7 +72,7 @@ protected:
         QObject::connect(scheduler, &UpdateScheduler::allEnded, scheduler, note(u"all ended"_s));
     }
 
-    static constexpr qint64 largestCacheFile = 64 * 1024;
+    static constexpr qint64 largestCacheFile = 64 * 1024LL;
 
     void addFeed(int key, const QStringList &items, int ttl = 60)
     {

@@ -345,7 +345,8 @@ void tst_FeedMarks::aReplacedFileGetsTheMarksAndNothingElse()
         CachedFeed fresh(m_clock);
         QCOMPARE(fresh.Load(write("fresh.xml", rss("<item><title>new</title></item>"))), LoadOk);
         merged.AddItem(fresh.GetItemNode(0));
-        for (qint16 i = 1; i <= (how.contains("without"_L1) ? 5 : 1); ++i)
+        const qint16 last = how.contains("without"_L1) ? 5 : 1;
+        for (qint16 i = 1; i <= last; ++i)
             merged.RemoveItem(i); // the tombstone at least
         merged.Save();
     } else if (how == "deletion"_L1) {
