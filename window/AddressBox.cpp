@@ -4,31 +4,13 @@
 
 #include "platform/Literals.h"
 
-#include <QAction>
 #include <QClipboard>
 #include <QFocusEvent>
 #include <QGuiApplication>
-#include <QKeyEvent>
-
-#include <algorithm>
 
 AddressBox::AddressBox(QWidget *parent) : QLineEdit(u"http://"_s, parent)
 {
     setMaxLength(65535);
-}
-
-bool AddressBox::event(QEvent *event)
-{
-    if (event->type() == QEvent::ShortcutOverride) {
-        const QKeySequence pressed(static_cast<QKeyEvent *>(event)->keyCombination());
-        const QList<QAction *> commands = window()->actions();
-        if (std::any_of(commands.begin(), commands.end(),
-                        [&pressed](const QAction *command) { return command->shortcut() == pressed; })) {
-            event->ignore();
-            return true;
-        }
-    }
-    return QLineEdit::event(event);
 }
 
 void AddressBox::focusInEvent(QFocusEvent *event)

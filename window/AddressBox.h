@@ -16,7 +16,5 @@ public:
     explicit AddressBox(QWidget *parent = nullptr);
 
 protected:
-    /// Leaves the shortcuts of the window's menus to them, also those that the box has another use for.
-    bool event(QEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
 };

@@ -2,11 +2,14 @@
 
 #include "window/WindowKeys.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QShortcut>
 #include <QWidget>
+
+#include <algorithm>
 
 namespace {
 
@@ -15,6 +18,15 @@ void openContextMenu(QWidget &focused)
     const QPoint place = focused.inputMethodQuery(Qt::ImCursorRectangle).toRect().center();
     QContextMenuEvent menu(QContextMenuEvent::Keyboard, place, focused.mapToGlobal(place));
     QCoreApplication::sendEvent(&focused, &menu);
+}
+
+/// Whether that key is the shortcut of an entry in the menus of the widget's window.
+bool belongsToMenu(const QWidget &widget, const QKeyEvent &key)
+{
+    const QKeySequence pressed(key.keyCombination());
+    const QList<QAction *> entries = widget.window()->actions();
+    return std::any_of(entries.begin(), entries.end(),
+                       [&pressed](const QAction *entry) { return entry->shortcut() == pressed; });
 }
 
 } // namespace
@@ -49,6 +61,11 @@ void WindowKeys::goToPane(int direction)
 
 bool WindowKeys::eventFilter(QObject *watched, QEvent *event)
 {
+    if (event->type() == QEvent::ShortcutOverride && watched->isWidgetType() &&
+        belongsToMenu(*static_cast<QWidget *>(watched), *static_cast<QKeyEvent *>(event))) {
+        event->ignore();
+        return true;
+    }
     // A key comes to the window itself when none of the widgets in it has taken it. The engine of the page takes this
     // one, and has a menu of its own.
     if (event->type() == QEvent::KeyPress && watched->isWidgetType() && static_cast<QWidget *>(watched)->isWindow()) {

@@ -8,8 +8,9 @@
 
 class QWidget;
 
-/// Keys that desktops agree on and that belong to no single control: F6 and Shift+F6 go from pane to pane, and
-/// Shift+F10 opens the context menu of what has the focus, in the dialogs too, as the menu key does.
+/// Keys that belong to no single control. F6 and Shift+F6 go from pane to pane; Shift+F10 opens the context menu of
+/// what has the focus, in the dialogs too, as the menu key does; and the shortcuts of a window's menus are theirs also
+/// where a text box, or one in the page, has a use of its own for them: under X11 Ctrl+E would be the end of the line.
 class WindowKeys : public QObject
 {
     Q_OBJECT
