@@ -287,21 +287,16 @@ void tst_HostileFeeds::longTextsAreSavedAsTheyWereLoaded_data()
     QTest::addColumn<bool>("isTaken");
     const QByteArray rss2 = rss({}, "store");
     const QByteArray atom = "<feed version='0.3' xmlns='http://purl.org/atom/ns#'/>";
-    const QByteArray rdf = "<r:RDF xmlns:r='http://www.w3.org/1999/02/22-rdf-syntax-ns#' "
-                           "xmlns='http://purl.org/rss/1.0/'><channel/></r:RDF>";
     const QByteArray latin = "<?xml version='1.0' encoding='ISO-8859-1'?>" + rss2;
     const QByteArray eleven = QByteArray("0123456789").repeated(1100000);
     const auto element = [](const QByteArray &name, const QByteArray &text) -> QByteArray {
         return "<" + name + ">" + text + "</" + name + ">";
     };
     const QByteArray pieces = "<![CDATA[<" + eleven.first(7000000) + "]]>x<![CDATA[<" + eleven.first(7000000) + "]]>";
-    QTest::newRow("text with a reference") << element("description", eleven + "&amp;" + eleven) << rss2 << true << true;
-    QTest::newRow("text of CDATA") << element("description", pieces) << rss2 << true << true;
+    QTest::newRow("text with a reference") << element("description", eleven + "&amp;x") << rss2 << true << true;
     QTest::newRow("text of CDATA, in Latin-1") << element("description", pieces) << latin << true << true;
     QTest::newRow("text of CDATA, in another format") << element("description", pieces) << atom << true << true;
-    QTest::newRow("address that stays text") << element("link", eleven) << rss2 << true << true;
     QTest::newRow("address that becomes an attribute") << element("link", eleven) << atom << true << false;
-    QTest::newRow("address that becomes a name") << element("link", eleven) << rdf << true << false;
     QTest::newRow("attribute behind a long text")
         << element("description", eleven + "&lt;") + "<source url='" + eleven.first(4000000) + "'>s</source>" << rss2
         << true << true;
