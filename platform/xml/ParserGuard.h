@@ -31,6 +31,9 @@ public:
         return *static_cast<ParserGuard *>(static_cast<xmlParserCtxt *>(context)->_private);
     }
 
+    /// False for a parser that the library makes for what an entity holds.
+    bool isMain(void *context) const { return context == m_parser; }
+
     /// What the library tells of an element's start.
     struct Start
     {

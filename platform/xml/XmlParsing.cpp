@@ -8,7 +8,27 @@
 #include <libxml/SAX2.h>
 #include <libxml/parserInternals.h>
 
+#include <algorithm>
+
 namespace {
+
+/// What stands in an entity is parsed apart, where the library knows the namespaces around it and doesn't find their
+/// declarations: it makes some without address, or leaves the prefix out.
+void giveNamespaces(xmlNode *element, const xmlChar *prefix, const xmlChar *address, const xmlChar **values)
+{
+    const auto declared = [element](const xmlChar *itsPrefix, const xmlChar *itsAddress) {
+        for (xmlNs *ns = element->nsDef; ns != nullptr; ns = ns->next)
+            if (ns->href == nullptr && xmlStrEqual(ns->prefix, itsPrefix) != 0)
+                ns->href = xmlStrdup(itsAddress);
+        xmlNs *ns = xmlSearchNs(element->doc, element, itsPrefix);
+        return ns != nullptr ? ns : xmlNewNs(element, itsAddress, itsPrefix);
+    };
+    if (address != nullptr && element->ns == nullptr)
+        element->ns = declared(prefix, address);
+    for (xmlAttr *attribute = element->properties; attribute != nullptr; attribute = attribute->next, values += 5)
+        if (values[2] != nullptr && attribute->ns == nullptr)
+            attribute->ns = declared(values[1], values[2]);
+}
 
 void startElement(void *context, const xmlChar *name, const xmlChar *prefix, const xmlChar *address, int namespaces,
                   const xmlChar **declared, int attributes, int defaulted, const xmlChar **values)
@@ -17,6 +37,12 @@ void startElement(void *context, const xmlChar *name, const xmlChar *prefix, con
                                          {prefix, address, namespaces, declared, attributes, defaulted, values}))
         return;
     xmlSAX2StartElementNs(context, name, prefix, address, namespaces, declared, attributes, defaulted, values);
+    auto *parser = static_cast<xmlParserCtxt *>(context);
+    if (!ParserGuard::of(context).isMain(context)) {
+        giveNamespaces(parser->node, prefix, address, values);
+        int &declarations = ParserGuard::of(context).notes().declarations;
+        declarations = std::max(declarations, parser->nsNr); // twice as many: those in force may be declared again
+    }
     ParserGuard::forgetTag(context);
 }
 

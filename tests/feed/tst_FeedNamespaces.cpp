@@ -19,6 +19,7 @@ private Q_SLOTS:
     void copiesKeepTheirNamespaces();
     void anUndeclaredPrefixGetsNoMeaning_data();
     void anUndeclaredPrefixGetsNoMeaning();
+    void whatEntitiesHoldKeepsItsNamespaces();
 
 private:
     QString path(const char *name) const { return m_directory.filePath(QLatin1String(name)); }
@@ -154,6 +155,23 @@ void tst_FeedNamespaces::anUndeclaredPrefixGetsNoMeaning()
     fresh.Save();
     QCOMPARE(fresh.Load(path("fresh.xml")), LoadOk);
     QVERIFY(fresh.IsItemRead(0));
+}
+
+void tst_FeedNamespaces::whatEntitiesHoldKeepsItsNamespaces()
+{
+    const QString file = write(
+        "feed.xml", "<!DOCTYPE RDF [<!ENTITY e \"<item r:about='urn:a'><x:title>x</x:title><title>t</title><d:creator>"
+                    "c</d:creator></item>\">]><r:RDF xmlns='http://purl.org/rss/1.0/' xmlns:x='urn:x'"
+                    " xmlns:r='http://www.w3.org/1999/02/22-rdf-syntax-ns#' xmlns:d='http://purl.org/dc/elements/1.1/'>"
+                    "<channel/>&e;<z xmlns='urn:z'>&e;</z>&e;</r:RDF>");
+    CachedFeed feed(m_clock);
+    for (int round = 0; round < 2; ++round) {
+        QCOMPARE(feed.Load(file), LoadOk);
+        QCOMPARE(feed.ItemCount(), qint16(2));
+        QCOMPARE(feed.ItemTitle(1), u"t"_s);
+        QCOMPARE(feed.ItemAuthor(1), u"c"_s);
+        feed.Save();
+    }
 }
 
 QTEST_GUILESS_MAIN(tst_FeedNamespaces)

@@ -239,6 +239,8 @@ void tst_HostileFeeds::smallDocumentsDoNotHoldTheThread_data()
     row("an undeclared prefix an item", rss({}, {}, many(20000, item)), LoadNotAFeed);
     row("undeclared prefixes", rss({}, {}, many(200, item).repeated(80)), LoadOk);
     row("names", rss({}, {}, many(90000, "<a@/>")), LoadNotAFeed);
+    row("as many names as leave no room for those of the marks",
+        rss({}, {}, "<item>" + many(19990, "<a@/>") + "</item>"), LoadNotAFeed);
     row("a choice in the document type",
         rss(type + "<!ELEMENT rss (a" + QByteArray("|a").repeated(400000) + ")>]>", {}), LoadOk);
     row("elements in the document type", rss(type + many(50000, "<!ELEMENT a@ ANY>") + "]>", {}), LoadNotAFeed);
