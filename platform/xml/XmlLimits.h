@@ -30,7 +30,8 @@ inline constexpr int attributeDeclarations = 256;
 /// Attributes and declarations of namespaces that elements have by default, in the whole document.
 inline constexpr int defaulted = 100000;
 
-/// Different names, counting all that the library's dictionary holds. It doesn't grow past 16,384 places.
+/// Different names, counting all that the library's dictionary holds: from some thousands on its table doesn't grow any
+/// more, and each name is compared with more others.
 inline constexpr int names = 20000;
 
 /// Bytes of a piece of text in one node; longer texts lie in several. The library refuses nodes past ten million.
