@@ -110,7 +110,7 @@ void ParserGuard::forgetTag(void *context)
 
 bool ParserGuard::admitsDeclarations(const Start &start)
 {
-    for (int i = 0; i < start.namespaces; ++i) {
+    for (qsizetype i = 0; i < start.namespaces; ++i) {
         const xmlChar *address = start.declared[2 * i + 1];
         if (lengthOf(start.declared[2 * i]) > XmlLimits::prefix || lengthOf(address) > XmlLimits::address)
             return false;
@@ -137,7 +137,7 @@ bool ParserGuard::admitsAttributes(const Start &start)
     constexpr int atWorst = 10;
     if (names + values * atWorst > XmlLimits::tag - XmlLimits::marginOfTag) {
         values = 0;
-        for (int i = 0; i < start.attributes; ++i)
+        for (qsizetype i = 0; i < start.attributes; ++i)
             values += writtenLength(start.values[5 * i + 3], start.values[5 * i + 4]);
         m_notes.mustBeTried = m_notes.mustBeTried || names + values > XmlLimits::tag - XmlLimits::marginOfTag;
         if (names + values > XmlLimits::tag)
