@@ -11,7 +11,7 @@
 #include <QTest>
 
 #include <memory>
-#include <optional>
+#include <tuple>
 
 namespace {
 
@@ -28,9 +28,7 @@ public:
 
     qint32 setValue(const RegistryKey &key, const QString &name, qint32 type, const QByteArray &data) override
     {
-        return valueResult.value_or(RegistryResult::Success) == RegistryResult::Success
-                   ? FileRegistryStore::setValue(key, name, type, data)
-                   : *valueResult;
+        return valueResult == 0 ? FileRegistryStore::setValue(key, name, type, data) : valueResult;
     }
 
     qint32 enumerateKeys(const RegistryKey &key, QStringList &names) override
@@ -42,7 +40,7 @@ public:
 
     bool refusesKeys = false;
     bool enumerationFails = false;
-    std::optional<qint32> valueResult;
+    qint32 valueResult = RegistryResult::Success;
 };
 
 template <class Operation>
@@ -69,115 +67,90 @@ private Q_SLOTS:
         m_store = std::make_unique<RefusingStore>(m_directory->filePath(u"config/registry.json"_s));
     }
 
-    void valuesComeBackAsTheirTypeSays_data()
-    {
-        qputenv("QUILLWIRE_TEST_PLACE", "/a b");
-        QTest::addColumn<qint32>("type");
-        QTest::addColumn<QVariant>("written");
-        QTest::addColumn<QVariant>("read");
-        QTest::addColumn<qint32>("typeRead");
-        const QVariant absent(u"absent"_s);
-        QTest::newRow("text") << 1 << QVariant(u"C:\\é и"_s) << QVariant(u"C:\\é и"_s) << 1;
-        QTest::newRow("empty text") << 1 << QVariant(u""_s) << QVariant(u""_s) << 1;
-        QTest::newRow("two percent signs side by side") << 1 << QVariant(u"a%%"_s) << QVariant(u"a%%"_s) << 1;
-        QTest::newRow("a variable") << 1 << QVariant(u"%QUILLWIRE_TEST_PLACE%/x"_s) << QVariant(u"/a b/x"_s) << 2;
-        QTest::newRow("a variable that isn't set")
-            << 1 << QVariant(u"5%NOT_SET_%QUILLWIRE_TEST_PLACE%"_s) << QVariant(u"5%NOT_SET_/a b"_s) << 2;
-        QTest::newRow("bytes") << 3 << QVariant(QByteArray("a\0b", 3)) << QVariant(QByteArray("a\0b", 3)) << 3;
-        QTest::newRow("32-bit number") << 4 << QVariant(-2) << QVariant(-2) << 4;
-        QTest::newRow("big-endian is written as little-endian")
-            << 5 << QVariant(0x01020304) << QVariant(0x01020304) << 4;
-        QTest::newRow("a number of another type writes nothing") << 4 << QVariant(1.5) << absent << 4;
-        QTest::newRow("an unknown type writes nothing") << 11 << QVariant(1) << absent << 11;
-    }
-
     void valuesComeBackAsTheirTypeSays()
     {
-        QFETCH(qint32, type);
-        QFETCH(QVariant, written);
-        QFETCH(QVariant, read);
-        QFETCH(qint32, typeRead);
+        qputenv("QUILLWIRE_TEST_PLACE", "/a b");
+        // The type, what is written, what is read, and the type then.
+        const QList<std::tuple<qint32, QVariant, QVariant, qint32>> rows = {
+            {1, u"C:\\é и"_s, u"C:\\é и"_s, 1},
+            {1, u""_s, u""_s, 1},
+            {1, u"a%%"_s, u"a%%"_s, 1},
+            {1, u"%QUILLWIRE_TEST_PLACE%/x"_s, u"/a b/x"_s, 2},
+            {1, u"5%NOT_SET_%QUILLWIRE_TEST_PLACE%"_s, u"5%NOT_SET_/a b"_s, 2},
+            {3, QByteArray("a\0b", 3), QByteArray("a\0b", 3), 3},
+            {4, -2, -2, 4},
+            {5, 0x01020304, 0x01020304, 4}, // big-endian is written as little-endian
+            {4, 1.5, u"absent"_s, 4},       // a number of another type writes nothing
+            {11, 1, u"absent"_s, 11},       // nor does an unknown type
+        };
         cRegistry registry(*m_store);
-        registry.ClassKey = RegistryRoot::CurrentUser;
-        registry.SectionKey = u"Software\\Test"_s;
-        registry.ValueKey = u"name"_s;
-        registry.ValueType = type;
-        registry.Default = u"absent"_s;
-        registry.setValue(written);
-        QCOMPARE(registry.ValueType, type);
-        QCOMPARE(registry.Value(), read);
-        QCOMPARE(registry.ValueType, typeRead);
+        for (const auto &[type, written, read, typeRead] : rows) {
+            registry.ValueEx(RegistryRoot::CurrentUser, u"Software\\Test"_s, written.toString(), 1, u"absent"_s);
+            registry.ValueType = type;
+            registry.setValue(written);
+            QCOMPARE(registry.ValueType, type);
+            QCOMPARE(registry.Value(), read);
+            QCOMPARE(registry.ValueType, typeRead);
+            if (read != u"absent"_s)
+                QVERIFY(registry.DeleteValue());
+        }
     }
 
     void aRemoteMachineCantBeReached()
     {
         cRegistry registry(*m_store);
-        registry.ClassKey = RegistryRoot::CurrentUser;
-        registry.SectionKey = u"S"_s;
-        registry.Default = u"before"_s;
+        registry.ValueEx(RegistryRoot::CurrentUser, u"S"_s, {}, 1, u"before"_s);
         registry.setMachine(u"other"_s);
         QCOMPARE(registry.Value(), QVariant(u"before"_s));
         registry.setValue(u"after"_s);
         QCOMPARE(registry.Default, QVariant(u"after"_s));
-        registry.setMachine(QString());
-        QVERIFY(!registry.KeyExists());
-    }
-
-    void machineNamesGetTheirBackslashes()
-    {
-        cRegistry registry(*m_store);
-        registry.setMachine(u"host"_s);
-        QCOMPARE(registry.Machine(), u"\\\\host");
+        QCOMPARE(registry.Machine(), u"\\\\other");
         registry.setMachine(u"\\\\host"_s);
         QCOMPARE(registry.Machine(), u"\\\\host");
         registry.setMachine(u"ab"_s);
         QCOMPARE(registry.Machine(), u"");
+        QVERIFY(!registry.KeyExists());
     }
 
     void storedBytesOfAnyTypeAreRead()
     {
+        const QList<std::tuple<qint32, QByteArray, QVariant>> rows = {
+            {5, QByteArray::fromHex("01020304"), 0x01020304},         {4, QByteArray::fromHex("07"), 7},
+            {7, QByteArray("a\0b\0", 4), QString(u"a\0b"_s)},         {1, QByteArray(), u""_s},
+            {11, QByteArray("\1\2\3\4\5"), QByteArray("\1\2\3\4\5")},
+        };
         RegistryKey key;
         QCOMPARE(m_store->createKey(RegistryRoot::LocalMachine, u"S"_s, RegistryAccess::All, key), 0);
-        QCOMPARE(m_store->setValue(key, u"big"_s, RegistryType::BigEndianNumber, QByteArray::fromHex("01020304")), 0);
-        QCOMPARE(m_store->setValue(key, u"short"_s, RegistryType::Number, QByteArray::fromHex("07")), 0);
-        QCOMPARE(m_store->setValue(key, u"many"_s, RegistryType::MultiText, QByteArray("a\0b\0", 4)), 0);
-        QCOMPARE(m_store->setValue(key, u"other"_s, 11, QByteArray::fromHex("0102030405060708")), 0);
-        QCOMPARE(m_store->setValue(key, u"nothing"_s, RegistryType::Text, QByteArray()), 0);
         cRegistry registry(*m_store);
-        const auto read = [&](const QString &name) {
-            return registry.ValueEx(RegistryRoot::LocalMachine, u"S"_s, name, 1, u"?"_s);
-        };
-        QCOMPARE(read(u"big"_s), QVariant(0x01020304));
-        QCOMPARE(registry.ValueType, 5);
-        QCOMPARE(read(u"short"_s), QVariant(7));
-        QCOMPARE(read(u"many"_s), QVariant(QString(u"a\0b"_s)));
-        QCOMPARE(read(u"other"_s), QVariant(QByteArray::fromHex("0102030405060708")));
-        QCOMPARE(read(u"nothing"_s), QVariant(u""_s));
-    }
-
-    void anEmptyTextIsReplacedByDefaultInValueExOnly()
-    {
-        cRegistry registry(*m_store);
-        registry.setValueEx(RegistryRoot::CurrentUser, u"S"_s, u"v"_s, 1, u"fallback"_s, u""_s);
-        QCOMPARE(registry.Value(), QVariant(u"fallback"_s));
-        registry.setValueEx(RegistryRoot::CurrentUser, u"S"_s, u"v"_s, 2, u"fallback"_s, u""_s);
-        QCOMPARE(registry.Value(), QVariant(u""_s));
+        for (const auto &[type, stored, read] : rows) {
+            QCOMPARE(m_store->setValue(key, u"v"_s, type, stored), 0);
+            QCOMPARE(registry.ValueEx(RegistryRoot::LocalMachine, u"S"_s, u"v"_s, 1, u"?"_s), read);
+            QCOMPARE(registry.ValueType, type);
+        }
     }
 
     void namesAreToldApartWithoutCaseAndListed()
     {
         cRegistry registry(*m_store);
-        registry.setValueEx(RegistryRoot::CurrentUser, u"Top\\Other"_s, u""_s, 1, {}, u"3"_s);
-        registry.setValueEx(RegistryRoot::CurrentUser, u"Top\\Low"_s, u"One"_s, 1, {}, u"1"_s);
-        registry.setValueEx(RegistryRoot::CurrentUser, u"TOP\\low"_s, u"ONE"_s, 1, {}, u"2"_s);
+        const auto write = [&registry](const QString &section, const QString &name, const QString &value) {
+            registry.setValueEx(RegistryRoot::CurrentUser, section, name, value == u"2" ? 2 : 1, u"none"_s, value);
+        };
+        write(u"Top\\Other"_s, u""_s, u"3"_s);
+        write(u"Top\\Low"_s, u"One"_s, u""_s);
+        QCOMPARE(registry.Value(), QVariant(u"none"_s)); // Default takes the place of an empty text of type 1 alone
+        write(u"TOP\\low"_s, u"ONE"_s, u"2"_s);
         QStringList names;
         qint32 count = -1;
         QVERIFY(registry.EnumerateValues(names, count));
         QCOMPARE(names, QStringList{u"One"_s});
+        QCOMPARE(count, 1);
         QCOMPARE(registry.Value(), QVariant(u"2"_s));
+        registry.setValueEx(RegistryRoot::CurrentUser, u"Top\\Low"_s, u"One"_s, 2, u"none"_s, u""_s);
+        QCOMPARE(registry.Value(), QVariant(u""_s));
         registry.SectionKey = u"top"_s;
         QVERIFY(registry.EnumerateSections(names, count));
         QCOMPARE(names, (QStringList{u"Low"_s, u"Other"_s}));
+        QCOMPARE(count, 2);
         registry.SectionKey = u"absent"_s;
         QVERIFY(!registry.EnumerateValues(names, count));
         QCOMPARE(count, 0);
@@ -186,45 +159,35 @@ private Q_SLOTS:
     void errorsCarryTheirNumbersAndTexts()
     {
         cRegistry registry(*m_store);
-        registry.ClassKey = RegistryRoot::CurrentUser;
-        registry.SectionKey = u"S"_s;
-        registry.ValueKey = u"v"_s;
-        QCOMPARE(errorOf([&] { registry.DeleteKey(); }),
-                 u"26001 Failed to delete registry Key: '-2147483647',Section: 'S");
+        registry.ValueEx(RegistryRoot::CurrentUser, u"S"_s, u"v"_s, 1, {});
+        const QString place = u" '-2147483647',Section: 'S"_s;
+        const QString unset = u"26001 Failed to set registry value Key:" + place + u"',Key: 'v' to value: 'kept'";
+        const auto text = [&registry] { registry.setValue(u"x"_s); };
+        QCOMPARE(errorOf([&] { registry.DeleteKey(); }), u"26001 Failed to delete registry Key:" + place);
         QCOMPARE(errorOf([&] { registry.DeleteValue(); }),
-                 u"26001 Failed to open key '-2147483647',Section: 'S' for delete access");
+                 u"26001 Failed to open key" + place + u"' for delete access");
         registry.setValue(u"kept"_s);
         registry.ValueType = 3;
-        QCOMPARE(errorOf([&] { registry.setValue(u"no bytes"_s); }),
-                 u"26001 Failed to set registry value Key: '-2147483647',Section: 'S',Key: 'v' to value: 'kept'");
+        QCOMPARE(errorOf(text), unset); // no bytes
         QVERIFY(registry.DeleteValue());
         QCOMPARE(errorOf([&] { registry.DeleteValue(); }),
-                 u"26001 Failed to delete registry Key: '-2147483647',Section: 'S',Key: 'v");
-        QVERIFY(registry.DeleteKey());
+                 u"26001 Failed to delete registry Key:" + place + u"',Key: 'v");
+        QVERIFY(registry.DeleteKey() && !registry.KeyExists());
+        QVERIFY(registry.CreateKey() && registry.KeyExists());
+        registry.ValueType = 1;
         m_store->refusesKeys = true;
         QCOMPARE(errorOf([&] { registry.CreateKey(); }), u"26001 Failed to create registry Key: 'S");
-        registry.ValueType = 1;
-        QCOMPARE(errorOf([&] { registry.setValue(u"x"_s); }),
-                 u"26001 Failed to set registry value Key: '-2147483647',Section: 'S',Key: 'v' to value: 'kept'");
+        QCOMPARE(errorOf(text), unset);
+        m_store->refusesKeys = false;
+        m_store->valueResult = RegistryResult::AccessDenied;
+        registry.setValue(u"lost"_s); // goes unnoticed
+        m_store->valueResult = -1;
+        QCOMPARE(errorOf(text), u"-2147194455" + QString(unset).remove(u"26001"_s).replace(u"kept"_s, u"lost"_s));
         m_store->enumerationFails = true;
-        registry.SectionKey.clear();
         QStringList names;
         qint32 count = 0;
         QCOMPARE(errorOf([&] { registry.EnumerateSections(names, count); }),
-                 QString::number(static_cast<qint32>(0x800469AA)) + u' ' + RunTimeError::deviceError().text());
-    }
-
-    void aRefusedWriteGoesUnnoticedUnlessItIsMinusOne()
-    {
-        cRegistry registry(*m_store);
-        registry.ClassKey = RegistryRoot::CurrentUser;
-        registry.SectionKey = u"S"_s;
-        m_store->valueResult = RegistryResult::AccessDenied;
-        registry.setValue(u"lost"_s);
-        m_store->valueResult = -1;
-        QCOMPARE(errorOf([&] { registry.setValue(u"new"_s); }),
-                 QString::number(static_cast<qint32>(0x800469A9)) +
-                     u" Failed to set registry value Key: '-2147483647',Section: 'S',Key: '' to value: 'lost'");
+                 u"-2147194454 " + RunTimeError::deviceError().text());
     }
 
     void aBrokenFileIsNeverWrittenOver()
@@ -243,42 +206,27 @@ private Q_SLOTS:
     void associationIsWrittenUnderBothRoots()
     {
         cRegistry registry(*m_store);
+        const QStringList verb{u"show"_s, u"Show"_s, u"p /s"_s};
+        const auto addVerb = [&](const QStringList &items) {
+            return errorOf([&] { registry.CreateAdditionalEXEAssociations(u"QW"_s, items); }).section(u' ', 0, 0);
+        };
+        QCOMPARE(addVerb(verb), u"-2147194451"); // before there is a class
         registry.CreateEXEAssociation(u" C:\\p q.exe "_s, u"QW"_s, u"A feed"_s, u"rss"_s, QString(), true,
                                       u"Imprimer"_s, true, QString(), true, QString(), 2);
-        const QList<QPair<QString, QString>> expected{
-            {u".rss"_s, u"QW"_s},
-            {u"QW"_s, u"A feed"_s},
-            {u"QW\\shell\\open"_s, u"&Open"_s},
-            {u"QW\\shell\\open\\command"_s, u"\"C:\\p q.exe\" \"%1\""_s},
-            {u"QW\\shell\\print"_s, u"Imprimer"_s},
-            {u"QW\\shell\\print\\command"_s, u"\"C:\\p q.exe\" /p \"%1\""_s},
-            {u"QW\\shell\\add"_s, u"&Install rss"_s},
-            {u"QW\\shell\\add\\command"_s, u"\"C:\\p q.exe\" /a \"%1\""_s},
-            {u"QW\\shell\\new"_s, u"&New"_s},
-            {u"QW\\shell\\new\\command"_s, u"\"C:\\p q.exe\" /n \"%1\""_s},
-            {u"QW\\DefaultIcon"_s, u"\"C:\\p q.exe\",2"_s},
-        };
-        for (const auto &[section, value] : expected) {
-            QCOMPARE(registry.ValueEx(RegistryRoot::ClassesRoot, section, QString(), 1, {}), QVariant(value));
-            QCOMPARE(registry.ValueEx(RegistryRoot::LocalMachine, u"SOFTWARE\\Classes\\" + section, QString(), 1, {}),
-                     QVariant(value));
+        QCOMPARE(addVerb(verb.mid(1)), u"-2147194452");
+        QCOMPARE(addVerb(verb), u"none");
+        const QString expected =
+            u".rss=QW|QW=A feed|QW\\shell\\open=&Open|QW\\shell\\open\\command=\"C:\\p q.exe\" \"%1\"|"
+            "QW\\shell\\print=Imprimer|QW\\shell\\print\\command=\"C:\\p q.exe\" /p \"%1\"|"
+            "QW\\shell\\add=&Install rss|QW\\shell\\add\\command=\"C:\\p q.exe\" /a \"%1\"|"
+            "QW\\shell\\new=&New|QW\\shell\\new\\command=\"C:\\p q.exe\" /n \"%1\"|"
+            "QW\\DefaultIcon=\"C:\\p q.exe\",2|QW\\shell\\show=Show|QW\\shell\\show\\command=p /s"_s;
+        for (const QString &row : expected.split(u'|')) {
+            const QString section = row.section(u'=', 0, 0);
+            const QVariant value = row.section(u'=', 1);
+            QCOMPARE(registry.ValueEx(RegistryRoot::ClassesRoot, section, {}, 1, {}), value);
+            QCOMPARE(registry.ValueEx(RegistryRoot::LocalMachine, u"SOFTWARE\\Classes\\" + section, {}, 1, {}), value);
         }
-    }
-
-    void additionalVerbsNeedAClass()
-    {
-        cRegistry registry(*m_store);
-        const QStringList verb{u"show"_s, u"Show"_s, u"p /s"_s};
-        QCOMPARE(errorOf([&] { registry.CreateAdditionalEXEAssociations(u"QW"_s, verb.mid(1)); }),
-                 QString::number(static_cast<qint32>(0x800469AC)) +
-                     u" Invalid parameter list passed to CreateAdditionalEXEAssociations - expected Name/Text/Command");
-        QCOMPARE(errorOf([&] { registry.CreateAdditionalEXEAssociations(u"QW"_s, verb); }),
-                 QString::number(static_cast<qint32>(0x800469AD)) +
-                     u" Error - attempt to create additional associations before class defined.");
-        registry.CreateEXEAssociation(u"p"_s, u"QW"_s, QString(), u"rss"_s);
-        registry.CreateAdditionalEXEAssociations(u"QW"_s, verb);
-        QCOMPARE(registry.ValueEx(RegistryRoot::ClassesRoot, u"QW\\shell\\show\\command"_s, QString(), 1, {}),
-                 QVariant(u"p /s"_s));
     }
 
 private:
