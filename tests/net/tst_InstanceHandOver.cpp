@@ -40,25 +40,16 @@ class tst_InstanceHandOver : public QObject
 private Q_SLOTS:
     void init() { m_directory = std::make_unique<QTemporaryDir>(); }
 
-    void aLockThatNoLivingProcessHoldsDoesNotCount_data()
-    {
-        QTest::addColumn<QByteArray>("content");
-        QTest::newRow("empty") << QByteArray();
-        QTest::newRow("garbled") << QByteArray("\x00\xff not a lock", 13);
-        QTest::newRow("a process that is gone") << QByteArray("999999999\nquillwire\nhost\n");
-    }
-
     void aLockThatNoLivingProcessHoldsDoesNotCount()
     {
-        QFETCH(QByteArray, content);
-        Files::write(m_directory->filePath(u"Quillwire3.0_APPLICATION_MUTEX"_s), content);
-        InstanceLock lock(path());
-        QVERIFY(lock.isFirstInstance());
-        QVERIFY(!InstanceLock(path()).isFirstInstance()); // and holds from then on
-    }
-
-    void withoutAPlaceForTheLockTheProgramStartsAllTheSame()
-    {
+        for (const QByteArray &content : {QByteArray(), QByteArray("\x00\xff not a lock", 13),
+                                          QByteArray("999999999\nquillwire\nhost\n")}) { // of a process that is gone
+            Files::write(m_directory->filePath(u"Quillwire3.0_APPLICATION_MUTEX"_s), content);
+            InstanceLock lock(path());
+            QVERIFY(lock.isFirstInstance());
+            QVERIFY(!InstanceLock(path()).isFirstInstance()); // and holds from then on
+        }
+        // Without a place for the lock the program starts all the same.
         QVERIFY(InstanceLock(m_directory->filePath(u"absent"_s)).isFirstInstance());
         QVERIFY(InstanceLock(QString()).isFirstInstance());
     }
@@ -97,30 +88,22 @@ private Q_SLOTS:
         qputenv("XDG_RUNTIME_DIR", before);
     }
 
-    void textArrivesUnchanged_data()
-    {
-        QTest::addColumn<QString>("text");
-        QTest::newRow("an address") << u"feed:http://a/b?c=d%20e&f"_s;
-        QTest::newRow("a path in quotes, with blanks at the end") << u" \"/é и/\U0001F600.xml\"  "_s;
-        QTest::newRow("line breaks and a zero character") << u"a\r\nb\0c"_s;
-        QTest::newRow("as long as it may be") << QString(HandOverProtocol::MaxBytes, u'x');
-    }
-
     void textArrivesUnchanged()
     {
-        QFETCH(QString, text);
         InstanceServer server(path());
         QVERIFY(server.listen());
         QSignalSpy texts(&server, &InstanceServer::textReceived);
         QSignalSpy activations(&server, &InstanceServer::activationAsked);
         const QByteArray token(HandOverProtocol::MaxTokenBytes, 't');
-        auto result = handOverAside(text, path(), token);
-        QTRY_VERIFY(isOver(result));
-        QCOMPARE(result.get(), HandOverResult::HandedOver);
-        QCOMPARE(texts.size(), 1);
-        QCOMPARE(texts.first(), QVariantList({text, token}));
+        for (const QString &text : {u"feed:http://a/b?c=d%20e&f"_s, u" \"/é и/\U0001F600.xml\"  "_s, u"a\r\nb\0c"_s,
+                                    QString(HandOverProtocol::MaxBytes, u'x')}) {
+            texts.clear();
+            auto result = handOverAside(text, path(), token);
+            QTRY_VERIFY(isOver(result));
+            QCOMPARE(result.get(), HandOverResult::HandedOver);
+            QCOMPARE(texts, QList<QVariantList>({{text, token}}));
+        }
         QVERIFY(activations.isEmpty());
-
         for (const QByteArray &sent : {QByteArray(), QByteArray("a b"), QByteArray(token + "t")}) {
             auto empty = handOverAside(QString(), path(), sent);
             QTRY_VERIFY(isOver(empty));
