@@ -36,22 +36,17 @@ private Q_SLOTS:
         QCOMPARE(chosen.cacheFile(u"12"_s), QString(chosen.path() + u"/feeds/12.xml"_s));
     }
 
-    void onlyAFirstStartMakesACatalogue_data()
-    {
-        QTest::addColumn<QString>("there");
-        QTest::newRow("settings") << u"params.xml"_s;
-        QTest::newRow("a cache file") << u"feeds/7.xml"_s;
-    }
-
     void onlyAFirstStartMakesACatalogue()
     {
-        QFETCH(QString, there);
-        DataDirectory chosen = DataDirectory::ofProgram(m_folder->path());
-        QFile::remove(chosen.file(u"feeds.xml"_s));
-        Files::write(chosen.file(there), "mine");
-        chosen = DataDirectory::ofProgram(m_folder->path());
-        QVERIFY(!Files::exists(chosen.file(u"feeds.xml"_s)));
-        QCOMPARE(Files::read(chosen.file(there)).bytes, QByteArray("mine"));
+        for (const QString &there : {u"params.xml"_s, u"feeds/7.xml"_s}) {
+            init();
+            DataDirectory chosen = DataDirectory::ofProgram(m_folder->path());
+            QFile::remove(chosen.file(u"feeds.xml"_s));
+            Files::write(chosen.file(there), "mine");
+            chosen = DataDirectory::ofProgram(m_folder->path());
+            QVERIFY(!Files::exists(chosen.file(u"feeds.xml"_s)));
+            QCOMPARE(Files::read(chosen.file(there)).bytes, QByteArray("mine"));
+        }
     }
 
     void whatAKillLeftBehindIsSwept()

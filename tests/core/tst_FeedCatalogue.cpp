@@ -3,31 +3,16 @@
 #include "core/FeedCatalogue.h"
 #include "core/FeedTreeState.h"
 #include "platform/Literals.h"
-#include "platform/RunTimeError.h"
 #include "support/clsDES.h"
+#include "tests/fixtures/RunTimeErrors.h"
 #include "tests/fixtures/TemporaryDataDirectory.h"
 
 #include <QFile>
 #include <QTest>
 
-#include <csignal>
-#include <functional>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include <tuple>
 
 namespace {
-
-/// The number of the run-time error that `action` raises; 0 when it raises none.
-int errorOf(const std::function<void()> &action)
-{
-    try {
-        action();
-        return 0;
-    } catch (const RunTimeError &error) {
-        return error.number();
-    }
-}
 
 QString key(int number)
 {
@@ -77,37 +62,31 @@ private Q_SLOTS:
         QCOMPARE(errorOf([this] { addFeed(u"A"_s); }), RunTimeError::keyNotUnique().number());
     }
 
-    void aBrokenCatalogueRaisesItsError_data()
-    {
-        QTest::addColumn<QByteArray>("content");
-        QTest::addColumn<int>("error");
-        const auto row = [](const char *name, const QByteArray &content, const RunTimeError &error) {
-            QTest::newRow(name) << content << error.number();
-        };
-        const auto favoris = [](const char *inner) -> QByteArray {
-            return "<favoris>" + QByteArray(inner) + "</favoris>";
-        };
-        row("missing", {}, RunTimeError::elementNotFound());
-        row("not well-formed", "<favoris><dir></favoris>", RunTimeError::elementNotFound());
-        row("another root", "<opml/>", RunTimeError::elementNotFound());
-        row("comment", favoris("<!-- x -->"), RunTimeError::objectNotSet());
-        row("no key", favoris("<feed name='' url=''/>"), RunTimeError::objectNotSet());
-        row("no address", favoris("<feed name='' key='1'/>"), RunTimeError::objectNotSet());
-        row("one key twice", favoris("<dir name='' key='1'><feed name='' url='' key='1'/></dir>"),
-            RunTimeError::keyNotUnique());
-        row("the root's key", favoris("<dir name='' key='root'/>"), RunTimeError::keyNotUnique());
-        row("key too large", favoris("<feed name='' url='' key='32768'/>"), RunTimeError::overflow());
-        row("key that leads elsewhere", favoris("<feed name='' url='' key='../x'/>"), RunTimeError::typeMismatch());
-    }
-
     void aBrokenCatalogueRaisesItsError()
     {
-        QFETCH(QByteArray, content);
-        QFETCH(int, error);
-        if (!content.isEmpty())
-            m_folder->write(u"feeds.xml"_s, content);
-        QCOMPARE(errorOf([this] { restart(); }), error);
-        QCOMPARE(m_folder->read(u"feeds.xml"_s), content);
+        const auto favoris = [](const QByteArray &inner) -> QByteArray { return "<favoris>" + inner + "</favoris>"; };
+        QByteArray deep; // deeper than what a reader of XML takes: refused, not crashed on
+        for (int i = 1; i <= 10000; ++i)
+            deep += "<dir name='' visible='1' key='" + QByteArray::number(i) + "'>";
+        const QList<QPair<QByteArray, RunTimeError>> rows = {
+            {{}, RunTimeError::elementNotFound()}, // no such file
+            {"<favoris><dir></favoris>", RunTimeError::elementNotFound()},
+            {"<opml/>", RunTimeError::elementNotFound()},
+            {favoris(deep + QByteArray("</dir>").repeated(10000)), RunTimeError::elementNotFound()},
+            {favoris("<!-- x -->"), RunTimeError::objectNotSet()},
+            {favoris("<feed name='' url=''/>"), RunTimeError::objectNotSet()},
+            {favoris("<feed name='' key='1'/>"), RunTimeError::objectNotSet()},
+            {favoris("<dir name='' key='1'><feed name='' url='' key='1'/></dir>"), RunTimeError::keyNotUnique()},
+            {favoris("<dir name='' key='root'/>"), RunTimeError::keyNotUnique()},
+            {favoris("<feed name='' url='' key='32768'/>"), RunTimeError::overflow()},
+            {favoris("<feed name='' url='' key='../x'/>"), RunTimeError::typeMismatch()}, // leads elsewhere
+        };
+        for (const auto &[content, error] : rows) {
+            if (!content.isEmpty())
+                m_folder->write(u"feeds.xml"_s, content);
+            QCOMPARE(errorOf([this] { restart(); }), error.number());
+            QCOMPARE(m_folder->read(u"feeds.xml"_s), content);
+        }
     }
 
     void theSelectionDecidesWhereAFeedGoes()
@@ -297,62 +276,25 @@ private Q_SLOTS:
         QCOMPARE(saveOver(feed + folder + "<dir name='D' key='3' visible='1'/>"), notSet);
     }
 
-    /// The child runs under a limit on file sizes, which stands for a full disk; tests may run as root, whom no
-    /// permission stops.
     void aFullDiskLeavesTheCatalogueAsItWas()
     {
         QByteArray feeds;
         for (int i = 1; i <= 200; ++i)
             feeds += "<feed name='Feed' url='http://example.org/' key='" + QByteArray::number(i) + "'/>";
-        start(feeds);
-        m_folder->write(u"tmp.xml"_s, "<rss/>");
-        const QByteArray before = m_folder->read(u"feeds.xml"_s);
-        const pid_t child = fork();
-        if (child == 0) {
-            signal(SIGXFSZ, SIG_IGN);
-            const rlimit limit{4096, 4096};
-            setrlimit(RLIMIT_FSIZE, &limit);
-            const bool raised = errorOf([this] { m_catalogue->saveCatalogueState(); }) != 0 &&
-                                errorOf([this] {
-                                    m_catalogue->addFeed({u"A"_s, {}, {}, {}, {}});
-                                }) != 0 &&
-                                errorOf([this] { m_catalogue->deleteCatalogueFeed(key(1)); }) != 0;
-            _exit(raised ? 0 : 1);
-        }
-        int status = -1;
-        waitpid(child, &status, 0);
-        QCOMPARE(status, 0);
-        QCOMPARE(m_folder->read(u"feeds.xml"_s), before);
-    }
-
-    /// The catalogue fits on the disk, the feed doesn't: without a cache file its updates would hang in every run.
-    void aFeedThatDoesNotFitIsNotSubscribedTo()
-    {
-        start("");
-        m_folder->write(u"tmp.xml"_s, "<rss>" + QByteArray(10000, ' ') + "</rss>");
-        const QByteArray before = m_folder->read(u"feeds.xml"_s);
-        const pid_t child = fork();
-        if (child == 0) {
-            signal(SIGXFSZ, SIG_IGN);
-            const rlimit limit{4096, 4096};
-            setrlimit(RLIMIT_FSIZE, &limit);
-            _exit(errorOf([this] { m_catalogue->addFeed({u"A"_s, {}, {}, {}, {}}); }));
-        }
-        int status = -1;
-        waitpid(child, &status, 0);
-        QCOMPARE(WEXITSTATUS(status), RunTimeError::diskFull().number());
-        QCOMPARE(m_folder->read(u"feeds.xml"_s), before);
+        const auto subscribe = [this] { m_catalogue->addFeed({u"A"_s, {}, {}, {}, {}}); };
+        const auto remove = [this] { m_catalogue->deleteCatalogueFeed(key(1)); };
+        const auto save = [this] { m_catalogue->saveCatalogueState(); };
+        const auto fails = [this](const QByteArray &content, const QByteArray &document, const auto &action) {
+            start(content);
+            m_folder->write(u"tmp.xml"_s, document);
+            const QByteArray before = m_folder->read(u"feeds.xml"_s);
+            return errorOnFullDisk(4096, action) == RunTimeError::diskFull().number() &&
+                   m_folder->read(u"feeds.xml"_s) == before;
+        };
+        QVERIFY(fails(feeds, "<rss/>", save) && fails(feeds, "<rss/>", subscribe) && fails(feeds, "<rss/>", remove));
+        // The catalogue fits, the feed doesn't: without a cache file its updates would hang in every run.
+        QVERIFY(fails("", "<rss>" + QByteArray(10000, ' ') + "</rss>", subscribe));
         QVERIFY(!Files::exists(m_folder->cacheFile(u"1"_s)));
-    }
-
-    /// Deeper than what a reader of XML takes: refused, not crashed on.
-    void aBottomlessCatalogueIsRefused()
-    {
-        QByteArray deep;
-        for (int i = 1; i <= 10000; ++i)
-            deep += "<dir name='' visible='1' key='" + QByteArray::number(i) + "'>";
-        QCOMPARE(errorOf([&] { start(deep + QByteArray("</dir>").repeated(10000)); }),
-                 RunTimeError::elementNotFound().number());
     }
 
 private:

@@ -2,106 +2,73 @@
 
 #include "platform/Files.h"
 #include "platform/Literals.h"
-#include "platform/RunTimeError.h"
+#include "tests/fixtures/RunTimeErrors.h"
 
 #include <QDir>
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <csignal>
-#include <functional>
-#include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-namespace {
-
-/// The number of the run-time error that writing the file raises in a process of its own, after `prepare`; 0 for none.
-int errorOfWriting(
-    const QString &path, const QByteArray &bytes, const std::function<void()> &prepare = [] {})
-{
-    const pid_t child = fork();
-    if (child == 0) {
-        prepare();
-        try {
-            Files::write(path, bytes);
-        } catch (const RunTimeError &error) {
-            _exit(error.number());
-        }
-        _exit(0);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    return WEXITSTATUS(status);
-}
-
-} // namespace
 
 class tst_Files : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void aFullDiskLeavesTheOldFile();
-    void writingReportsWhatIsWrong();
-    void onlyRegularFilesAreRead();
+    void aFullDiskLeavesTheOldFile()
+    {
+        QTemporaryDir folder;
+        const QString path = folder.filePath(u"state.xml"_s);
+        Files::write(path, "old");
+        for (const rlim_t room : {0, 4096}) { // nothing fits, and a part does
+            QCOMPARE(errorOnFullDisk(room, [&] { Files::write(path, QByteArray(100000, 'n')); }),
+                     RunTimeError::diskFull().number());
+            QCOMPARE(Files::read(path).bytes, QByteArray("old"));
+            QCOMPARE(QDir(folder.path()).entryList(QDir::Files).size(), 1); // and no half of the new one beside it
+        }
+    }
+
+    void writingReportsWhatIsWrong()
+    {
+        QTemporaryDir folder;
+        QCOMPARE(errorOf([&] { Files::write(folder.filePath(u"no/such/file"_s), "x"); }), 76);
+        QVERIFY(errorOf([&] { Files::write(folder.path(), "x"); }) != 0);
+
+        const QString file = folder.filePath(u"protected.xml"_s);
+        Files::write(file, "old");
+        const auto asNobody = [&file] {
+            [[maybe_unused]] const int changed = seteuid(geteuid() == 0 ? 65534 : geteuid());
+            Files::write(file, "new");
+        };
+        QFile::setPermissions(folder.path(), QFile::Permissions(0x7755)); // another's file in another's folder
+        if (geteuid() == 0) {
+            QCOMPARE(errorAside(asNobody), RunTimeError::permissionDenied().number());
+        }
+        QFile::setPermissions(file, QFile::Permissions(0x4444));
+        QCOMPARE(errorAside(asNobody), RunTimeError::permissionDenied().number());
+        QCOMPARE(Files::read(file).bytes, QByteArray("old"));
+
+        QVERIFY_EXCEPTION_THROWN(Files::remove(folder.filePath(u"none"_s)), RunTimeError);
+        QVERIFY_EXCEPTION_THROWN(Files::copy(folder.filePath(u"none"_s), folder.filePath(u"to"_s)), RunTimeError);
+        QVERIFY(!Files::exists(folder.path()));
+    }
+
+    void onlyRegularFilesAreRead()
+    {
+        QTemporaryDir folder;
+        const QString pipe = folder.filePath(u"pipe"_s);
+        const QString link = folder.filePath(u"link"_s);
+        QCOMPARE(mkfifo(qPrintable(pipe), 0600), 0);
+        QVERIFY(QFile::link(pipe, link));
+        alarm(20); // opening a pipe that nobody writes to waits for ever, and /dev/zero has no end
+        for (const QString &path : {pipe, link, u"/dev/zero"_s, u"/dev/tty"_s, folder.path()}) {
+            QVERIFY(!Files::exists(path));
+            QVERIFY(Files::read(path).result == Files::ReadResult::Unreadable);
+            QVERIFY_EXCEPTION_THROWN(Files::copy(path, folder.filePath(u"copy"_s)), RunTimeError);
+        }
+        alarm(0);
+    }
 };
-
-void tst_Files::aFullDiskLeavesTheOldFile()
-{
-    QTemporaryDir folder;
-    const QString path = folder.filePath(u"state.xml"_s);
-    Files::write(path, "old");
-    for (const rlim_t room : {0, 4096}) { // nothing fits, and a part does
-        const int number = errorOfWriting(path, QByteArray(100000, 'n'), [room] {
-            std::signal(SIGXFSZ, SIG_IGN);
-            const rlimit limit{room, room};
-            setrlimit(RLIMIT_FSIZE, &limit);
-        });
-        QCOMPARE(number, RunTimeError::diskFull().number());
-        QCOMPARE(Files::read(path).bytes, QByteArray("old"));
-        QCOMPARE(QDir(folder.path()).entryList(QDir::Files).size(), 1); // and no half of the new one beside it
-    }
-}
-
-void tst_Files::writingReportsWhatIsWrong()
-{
-    QTemporaryDir folder;
-    QCOMPARE(errorOfWriting(folder.filePath(u"no/such/file"_s), "x"), 76);
-    QVERIFY(errorOfWriting(folder.path(), "x") != 0);
-
-    const QString file = folder.filePath(u"protected.xml"_s);
-    Files::write(file, "old");
-    const auto asNobody = [] { [[maybe_unused]] const int changed = seteuid(geteuid() == 0 ? 65534 : geteuid()); };
-    QFile::setPermissions(folder.path(), QFile::Permissions(0x7755)); // another's file in another's folder
-    if (geteuid() == 0) {
-        QCOMPARE(errorOfWriting(file, "new", asNobody), RunTimeError::permissionDenied().number());
-    }
-    QFile::setPermissions(file, QFile::Permissions(0x4444));
-    QCOMPARE(errorOfWriting(file, "new", asNobody), RunTimeError::permissionDenied().number());
-    QCOMPARE(Files::read(file).bytes, QByteArray("old"));
-
-    QVERIFY_EXCEPTION_THROWN(Files::remove(folder.filePath(u"none"_s)), RunTimeError);
-    QVERIFY_EXCEPTION_THROWN(Files::copy(folder.filePath(u"none"_s), folder.filePath(u"to"_s)), RunTimeError);
-    QVERIFY(!Files::exists(folder.path()));
-}
-
-void tst_Files::onlyRegularFilesAreRead()
-{
-    QTemporaryDir folder;
-    const QString pipe = folder.filePath(u"pipe"_s);
-    const QString link = folder.filePath(u"link"_s);
-    QCOMPARE(mkfifo(qPrintable(pipe), 0600), 0);
-    QVERIFY(QFile::link(pipe, link));
-    alarm(20); // opening a pipe that nobody writes to waits for ever, and /dev/zero has no end
-    for (const QString &path : {pipe, link, u"/dev/zero"_s, u"/dev/tty"_s, folder.path()}) {
-        QVERIFY(!Files::exists(path));
-        QVERIFY(Files::read(path).result == Files::ReadResult::Unreadable);
-        QVERIFY_EXCEPTION_THROWN(Files::copy(path, folder.filePath(u"copy"_s)), RunTimeError);
-    }
-    alarm(0);
-}
 
 QTEST_GUILESS_MAIN(tst_Files)
 #include "tst_Files.moc"
