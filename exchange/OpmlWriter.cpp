@@ -17,7 +17,7 @@ void writeLine(QString &stream, const QString &line)
 }
 
 // Nothing is escaped in any line: names and addresses reach other programs letter for letter as the catalogue holds
-// them. A text with "&" makes a file that readers refuse; nothingIsEscaped of tst_OpmlWriter holds both.
+// them. A text with "&" makes a file that readers refuse; tst_Opml holds both.
 void exportNode(const XmlNode &node, bool structured, QString &stream)
 {
     for (const XmlNode &child : node.childNodes()) {

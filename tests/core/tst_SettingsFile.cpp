@@ -101,7 +101,7 @@ private Q_SLOTS:
                     "width='800.5' height='801.5'/></window><lview/><items><read time='-1'/><new notify='True'>"
                     "<sound path=''/></new></items>"),
              15, 15,
-             u"minimisé|localhost|admin@localhost||left=0 top=21| 0 no 0 no 25 800 802 0 0 3750 2250 -1 "
+             u"minimisé|localhost|admin@localhost||left=0 top=21| 0 0 0 0 25 800 802 0 0 3750 2250 -1 "
              "0/0/3750 240/240/240 0/0/1500 0/0/1500 0/0/1500 0/0/0"_s},
             // Without the list of columns their defaults are scaled twice: 192 dots per inch.
             {params(leastItems), 7.5, 7.5,
