@@ -22,7 +22,10 @@ class FakeWindow final : public ProgramWindow
 public:
     explicit FakeWindow(std::function<QString()> look) : m_look(std::move(look)) {}
 
-    void place(const QRect &pixels) override { note(u"place %1x%2"_s.arg(pixels.width()).arg(pixels.height())); }
+    void place(const QRect &pixels) override
+    {
+        note(u"place %1,%2 %3x%4"_s.arg(pixels.x()).arg(pixels.y()).arg(pixels.width()).arg(pixels.height()));
+    }
     void build() override { note(u"build"_s); }
     void showStartPage() override { note(u"start page"_s); }
     void showTrayIcon(bool shown) override { note(shown ? u"icon"_s : u"no icon"_s); }
@@ -86,7 +89,7 @@ private Q_SLOTS:
     {
         QVERIFY(m_program->loadSettings());
         start(u"feed:x"_s);
-        QCOMPARE(m_window->log, (QStringList{u"place 816x604"_s, u"build"_s, u"start page"_s, u"icon, feeds"_s,
+        QCOMPARE(m_window->log, (QStringList{u"place 99,113 816x604"_s, u"build"_s, u"start page"_s, u"icon, feeds"_s,
                                              u"open feed:x, feeds"_s, u"present, feeds, timer"_s}));
     }
 

@@ -41,14 +41,15 @@ private:
     Notify m_notify;
 };
 
-/// A help that notes the topics asked for.
+/// A help that notes the topics asked for; -1 is the table of contents.
 class FakeHelp final : public HelpSystem
 {
 public:
     explicit FakeHelp(QList<qint32> &topics) : m_topics(topics) {}
     void htmlHelp(const QString &, HelpCommand, const HelpData &argument) override
     {
-        m_topics.append(std::get<qint32>(argument));
+        const auto *topic = std::get_if<qint32>(&argument);
+        m_topics.append(topic ? *topic : -1);
     }
 
 private:
@@ -98,7 +99,10 @@ public:
             tray = shell.get();
             return shell;
         };
-        desktop.openInSystemBrowser = [](const QString &) { return true; };
+        desktop.openInSystemBrowser = [this](const QString &url) {
+            openInSystemBrowser(url);
+            return true;
+        };
         desktop.inputBox = [this](QWidget *, const QString &, const QString &) { return inputAnswer; };
         desktop.askFeedFile = [](QWidget *, const QString &, const QString &) { return QString(); };
         return desktop;
@@ -175,6 +179,7 @@ public:
     std::function<void(AppSettings &)> adjustSettings;
     QDateTime now = QDateTime(QDate(2004, 7, 1), QTime(12, 0));
     QString inputAnswer;
+    std::function<void(const QString &)> openInSystemBrowser = [](const QString &) {};
     bool trayAvailable = true;
     FakeTrayShell *tray = nullptr;
     int releases = 0;

@@ -10,7 +10,6 @@
 #include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QTimer>
 
@@ -102,25 +101,6 @@ private Q_SLOTS:
         QCOMPARE(statusText(), u"Importation terminée\u00a0: 1 flux ajouté, 1 sans réponse, 1 illisible"_s);
         QCOMPARE(m_fixture->feedTree().root()->children().size(), std::size_t(1));
         QCOMPARE(m_fixture->messages.shown.size(), 1U);
-    }
-
-    void f1OpensThePageOfTheDialogThatIsOpen()
-    {
-        m_fixture->writeCatalogue("<favoris><feed name=\"F\" url=\"http://h/\" key=\"1\"/></favoris>");
-        m_fixture->data.write(u"feeds/1.xml"_s, FeedTexts::rss(u"F"_s, {u"a"_s}));
-        m_fixture->start();
-        m_fixture->click(m_fixture->node("1"));
-        const auto askForHelp = [](QDialog &dialog) {
-            QTest::keyClick(dialog.focusWidget() ? dialog.focusWidget() : &dialog, Qt::Key_F1);
-            dialog.reject();
-        };
-        for (const QString &entry : {u"&Importer des flux RSS..."_s, u"&Exporter mes flux RSS..."_s, u"Avec Feedster"_s,
-                                     u"Propriétés"_s, u"Op&tions"_s, u"À &propos..."_s})
-            walk<QDialog>(entry, askForHelp);
-        QMessageBox box;
-        QTimer::singleShot(0, &box, [&] { askForHelp(box); });
-        box.exec();
-        QCOMPARE(m_fixture->helpTopics, (QList<qint32>{13, 14, 15, 16, 17, 20, 21}));
     }
 
     void aFeedLinkOfAPageComesBackToTheAddressBox()

@@ -89,30 +89,6 @@ private Q_SLOTS:
         menu->close();
     }
 
-    void aWindowStoredOutOfSightComesUpInSight_data()
-    {
-        QTest::addColumn<QRect>("stored");
-        QTest::addColumn<QRect>("shown");
-        const QRect screen = DesktopSurroundings::screens().first();
-        QTest::newRow("in sight") << QRect(120, 70, 500, 400) << QRect(120, 70, 500, 400);
-        QTest::newRow("no size") << QRect(120, 70, 0, -600) << QRect(120, 70, 800, 600);
-        QTest::newRow("beyond the screens") << QRect(9000, 70, 500, 400) << QRect(screen.topLeft(), QSize(500, 400));
-    }
-
-    void aWindowStoredOutOfSightComesUpInSight()
-    {
-        QFETCH(QRect, stored);
-        QByteArray params = Files::read(QString::fromUtf8(SAMPLES_DIR "/../resources/data/params.xml")).bytes;
-        const auto set = [&params](const char *from, const char *to, int first, int second) {
-            params.replace(from, QString::asprintf(to, first, second).toUtf8());
-        };
-        set("width=\"816\" height=\"604\"", "width=\"%d\" height=\"%d\"", stored.width(), stored.height());
-        set("x=\"99\" y=\"113\"", "x=\"%d\" y=\"%d\"", stored.x(), stored.y());
-        m_fixture->data.write(u"params.xml"_s, params);
-        m_fixture->start();
-        QTEST(QRect(m_fixture->window->pos(), m_fixture->window->size()), "shown");
-    }
-
     void theShortcutsOfTheMenusWorkFromEveryPane_data()
     {
         QTest::addColumn<QByteArray>("pane");

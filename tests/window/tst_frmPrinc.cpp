@@ -312,52 +312,21 @@ private Q_SLOTS:
 
     // --- The frame
 
-    void theShortcutOfAMenuEntryTakesTheRoadOut()
-    {
-        m_fixture->start();
-        m_fixture->window->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(m_fixture->window.get()));
-        QSignalSpy ended(m_fixture->program.get(), &Program::ended);
-        QTest::keyClick(m_fixture->window.get(), Qt::Key_Q, Qt::ControlModifier);
-        QTRY_COMPARE(ended.count(), 1);
-        m_fixture->program->end(); // the road is taken once
-        QCOMPARE(ended.count(), 1);
-        QVERIFY(m_fixture->data.read(u"params.xml"_s).contains("mode=\"Plein écran\""));
-    }
-
     void whatTheUserChangedInTheFrameIsThereAtTheNextStart()
     {
         m_fixture->start();
         m_fixture->choose(u"Standard"_s);
         m_fixture->choose(u"Grandes"_s);
+        m_fixture->window->move(120, 70);
         m_fixture->window->resize(900, 700);
         m_fixture->list()->setColumnWidthTwips(3, 150 * 15);
         m_fixture->window->close();
         m_fixture->start();
         QVERIFY(!m_fixture->settings().officeStyle);
         QVERIFY(!m_fixture->settings().smallToolbars);
-        QCOMPARE(m_fixture->window->size(), QSize(900, 700));
+        QCOMPARE(QRect(m_fixture->window->pos(), m_fixture->window->size()), QRect(120, 70, 900, 700));
         QCOMPARE(m_fixture->list()->columnWidthTwips(3), 150.0 * 15);
         QCOMPARE(m_fixture->toolbar()->drawStyle(), DrawStyle::Standard);
-    }
-
-    void anAbandonedWindowSavesNothing()
-    {
-        m_fixture->start();
-        m_fixture->program->abandon();
-        m_fixture->data.write(u"params.xml"_s, "untouched");
-        m_fixture->window->close();
-        QCOMPARE(m_fixture->data.read(u"params.xml"_s), QByteArray("untouched"));
-        QCOMPARE(m_fixture->releases, 0);
-    }
-
-    void aMissingCatalogueIsARunTimeErrorAtLoad()
-    {
-        m_fixture->start();
-        m_fixture->window->close();
-        QFile::remove(m_fixture->data.file(u"feeds.xml"_s));
-        QVERIFY_EXCEPTION_THROWN(m_fixture->start(), RunTimeError);
-        m_fixture->program->abandon();
     }
 
     void minimisingHidesOnlyWhereAnIconLeadsBack()
