@@ -74,7 +74,7 @@ int ParserGuard::readMore(void *context, char *buffer, int size)
         return -1;
     }
     const auto portion = std::min<qsizetype>(size, guard.m_rest.size());
-    std::memcpy(buffer, guard.m_rest.data(), static_cast<std::size_t>(portion));
+    std::copy_n(guard.m_rest.data(), portion, buffer);
     guard.m_rest = guard.m_rest.sliced(portion);
     return static_cast<int>(portion);
 }

@@ -4,6 +4,7 @@
 #include "tests/fixtures/FeedTexts.h"
 #include "tests/fixtures/HostileAnswers.h"
 #include "tests/fixtures/ResidentMemory.h"
+#include "tests/fixtures/Sanitizer.h"
 #include "tests/fixtures/TemporaryDataDirectory.h"
 
 #include <QElapsedTimer>
@@ -14,17 +15,6 @@
 #include <optional>
 
 using namespace HostileAnswers;
-
-namespace {
-
-/// A sanitizer keeps what is freed, and looks for leaks at the end.
-#ifdef __SANITIZE_ADDRESS__
-constexpr bool isSanitized = true;
-#else
-constexpr bool isSanitized = false;
-#endif
-
-} // namespace
 
 /// The program itself, subscribed to feeds of which some lie on servers that mean it ill. How many feeds there are is
 /// what QUILLWIRE_HOSTILE_FEEDS tells: scripts/hostile-servers takes 52.
