@@ -28,23 +28,6 @@ class tst_cPopupMenu : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void aChoiceIsReportedOnceAndLeavesTheCheckMark()
-    {
-        QWidget owner;
-        cPopupMenu menu(&owner, false);
-        const int entry = add(menu, u"Titre"_s);
-        menu.setChecked(entry, true);
-        QSignalSpy clicks(&menu, &cPopupMenu::Click);
-        menu.action(entry)->trigger();
-        QCOMPARE(clicks.size(), 1);
-        QCOMPARE(clicks.at(0).at(0).toInt(), entry);
-        QVERIFY(menu.Checked(entry));
-        QVERIFY(menu.action(entry)->isChecked());
-        menu.setEnabled(entry, false);
-        menu.action(entry)->trigger();
-        QCOMPARE(clicks.size(), 1);
-    }
-
     void aMenuCanBeEmptiedAndFilledFromItsOwnClick()
     {
         QWidget owner;
@@ -78,14 +61,16 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitForWindowActive(&owner));
         box.setFocus();
 
+        menu.setChecked(open, true);
         QSignalSpy clicks(&menu, &cPopupMenu::Click);
         QTest::keyClick(&box, Qt::Key_I, Qt::ControlModifier);
-        QCOMPARE(clicks.size(), 1);
-        QCOMPARE(clicks.at(0).at(0).toInt(), open);
+        QCOMPARE(clicks, QList<QVariantList>({{open}}));
+        QVERIFY(menu.Checked(open) && menu.action(open)->isChecked()); // a choice leaves the mark
         QCOMPARE(menu.action(open)->text(), u"&Importer..."_s);
         QVERIFY(menu.action(odd)->shortcut().isEmpty());
         menu.setEnabled(open, false);
         QTest::keyClick(&box, Qt::Key_I, Qt::ControlModifier);
+        menu.action(open)->trigger();
         QCOMPARE(clicks.size(), 1);
     }
 

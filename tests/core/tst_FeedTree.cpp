@@ -17,6 +17,7 @@ private Q_SLOTS:
     /// change.
     void init()
     {
+        m_state.reset();
         m_tree = std::make_unique<FeedTree>();
         m_state = std::make_unique<FeedTreeState>(*m_tree);
         new QAbstractItemModelTester(m_tree.get(), QAbstractItemModelTester::FailureReportingMode::QtTest,
@@ -27,15 +28,6 @@ private Q_SLOTS:
         m_inner = m_tree->addChild(m_folder, u"3"_s, u"Inner"_s, NodeImage::Folder);
         m_tree->addChild(m_inner, u"4"_s, u"Four"_s, NodeImage::Feed);
         m_tree->addChild(m_root, u"5"_s, u"Five"_s, NodeImage::Feed);
-    }
-
-    void cleanup()
-    {
-        m_root.reset();
-        m_folder.reset();
-        m_inner.reset();
-        m_state.reset();
-        m_tree.reset();
     }
 
     void nodesStandWhereTheyWereAdded()

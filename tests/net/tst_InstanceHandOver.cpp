@@ -98,17 +98,12 @@ private Q_SLOTS:
         for (const QString &text : {u"feed:http://a/b?c=d%20e&f"_s, u" \"/é и/\U0001F600.xml\"  "_s, u"a\r\nb\0c"_s,
                                     QString(HandOverProtocol::MaxBytes, u'x')}) {
             texts.clear();
-            auto result = handOverAside(text, path(), token);
-            QTRY_VERIFY(isOver(result));
-            QCOMPARE(result.get(), HandOverResult::HandedOver);
+            QCOMPARE(handOverNow(text, token), HandOverResult::HandedOver);
             QCOMPARE(texts, QList<QVariantList>({{text, token}}));
         }
         QVERIFY(activations.isEmpty());
-        for (const QByteArray &sent : {QByteArray(), QByteArray("a b"), QByteArray(token + "t")}) {
-            auto empty = handOverAside(QString(), path(), sent);
-            QTRY_VERIFY(isOver(empty));
-            QCOMPARE(empty.get(), HandOverResult::HandedOver);
-        }
+        for (const QByteArray &sent : {QByteArray(), QByteArray("a b"), QByteArray(token + "t")})
+            QCOMPARE(handOverNow(QString(), sent), HandOverResult::HandedOver);
         const QVariantList none({QByteArray()}); // no real token is that long
         QCOMPARE(activations, QList<QVariantList>({none, {QByteArray("a b")}, none}));
         QCOMPARE(texts.size(), 1);
@@ -206,9 +201,7 @@ private Q_SLOTS:
             strangers.back()->connectToServer(HandOverProtocol::socketPath(path()));
         }
         QTest::qWait(700);
-        auto late = handOverAside(u"late"_s, path());
-        QTRY_VERIFY(isOver(late));
-        QCOMPARE(late.get(), HandOverResult::HandedOver);
+        QCOMPARE(handOverNow(u"late"_s), HandOverResult::HandedOver);
     }
 
     void closingInASlotIsHarmless()
@@ -216,14 +209,17 @@ private Q_SLOTS:
         auto server = std::make_unique<InstanceServer>(path());
         QVERIFY(server->listen());
         connect(server.get(), &InstanceServer::textReceived, this, [&server] { server.reset(); });
-        auto result = handOverAside(u"x"_s, path());
-        QTRY_VERIFY(isOver(result));
-        QCOMPARE(result.get(), HandOverResult::NoInstance);
+        QCOMPARE(handOverNow(u"x"_s), HandOverResult::NoInstance);
         QVERIFY(!server);
     }
 
 private:
     QString path() const { return m_directory->path(); }
+    HandOverResult handOverNow(const QString &text, const QByteArray &token = {}) const
+    {
+        auto result = handOverAside(text, path(), token);
+        return QTest::qWaitFor([&result] { return isOver(result); }) ? result.get() : HandOverResult::TimedOut;
+    }
 
     std::unique_ptr<QTemporaryDir> m_directory;
 };
