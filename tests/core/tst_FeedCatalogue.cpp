@@ -134,29 +134,24 @@ private Q_SLOTS:
         QCOMPARE(m_catalogue->tables.updatedate.Item(key(1)).date(), m_now);
         QCOMPARE(m_catalogue->tables.nodeByKey.Item(key(1)), node(1));
         QCOMPARE(m_folder->read(u"feeds/1.xml"_s), QByteArray("<rss/>"));
-        // Without its document the addition fails at the copy only.
-        const auto add = [this] { m_catalogue->addFeed({u"A"_s, {}, {}, {}, {}}); };
-        QFile::remove(m_folder->file(u"tmp.xml"_s));
-        QCOMPARE(errorOf(add), RunTimeError::fileNotFound().number());
-        QVERIFY(inner().contains("key=\"2\"") && node(2));
-    }
-
-    void credentialsAreStoredOnlyTogetherAndEnterTheTablesAtTheNextStart()
-    {
-        start({});
-        m_folder->write(u"tmp.xml"_s, "<rss/>");
-        const QString user = u"user"_s;
-        const QString password = u"pässword"_s;
-        m_catalogue->addFeed({u"A"_s, {}, u"a"_s, user, password});
-        m_catalogue->addFeed({u"B"_s, {}, u"b"_s, user, {}});
-        m_catalogue->addFeed({u"C"_s, {}, u"c"_s, {}, password});
+        // Credentials are stored only together, and enter the tables at the next start.
+        m_catalogue->addFeed({u"B"_s, {}, u"b"_s, u"user"_s, u"pässword"_s});
+        m_catalogue->addFeed({u"C"_s, {}, u"c"_s, u"user"_s, {}});
+        m_catalogue->addFeed({u"D"_s, {}, u"d"_s, {}, u"pässword"_s});
         QCOMPARE(m_catalogue->tables.usernames.Count(), 0);
         QCOMPARE(inner().count("username="), 1);
         QVERIFY(!inner().contains("ssword\""));
+        // Without its document the addition fails at the copy only.
+        QFile::remove(m_folder->file(u"tmp.xml"_s));
+        QCOMPARE(errorOf([this] {
+                     m_catalogue->addFeed({u"A"_s, {}, {}, {}, {}});
+                 }),
+                 RunTimeError::fileNotFound().number());
+        QVERIFY(inner().contains("key=\"5\"") && node(5));
         restart();
-        QCOMPARE(m_catalogue->tables.usernames.Keys(), QStringList{key(1)});
-        QString enciphered = m_catalogue->tables.passwords.Item(key(1));
-        QCOMPARE(m_cipher.DecryptString(enciphered, u"%%K9:Tm411"_s, true), password);
+        QCOMPARE(m_catalogue->tables.usernames.Keys(), QStringList{key(2)});
+        QString enciphered = m_catalogue->tables.passwords.Item(key(2));
+        QCOMPARE(m_cipher.DecryptString(enciphered, u"%%K9:Tm412"_s, true), u"pässword"_s);
     }
 
     void aFolderIsWrittenAsItIsNamedAndOpensWithItsFirstFeed()

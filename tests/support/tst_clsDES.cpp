@@ -4,9 +4,7 @@
 #include "support/clsDES.h"
 
 #include "platform/AnsiText.h"
-#include "platform/Files.h"
 
-#include <QTemporaryDir>
 #include <QTest>
 
 namespace {
@@ -152,24 +150,6 @@ private Q_SLOTS:
         };
         for (const auto &[coded, hex] : strange)
             QCOMPARE(des.DecodeArray64(coded).toHex(), hex);
-    }
-
-    void filesAreConvertedAndNeverOverwrittenUnasked()
-    {
-        const QTemporaryDir directory;
-        const auto file = [&directory](const char *name) { return directory.filePath(QLatin1String(name)); };
-        Files::write(file("plain"), QByteArray(200, 'z'));
-        clsDES des;
-        for (const bool in64 : {false, true}) {
-            QVERIFY(des.EncryptFile(file("plain"), file("cipher"), true, u"k"_s, in64));
-            QCOMPARE(Files::read(file("cipher")).bytes.contains("\r\n"), in64);
-            QVERIFY(des.DecryptFile(file("cipher"), file("back"), true, u"k"_s, in64));
-            QCOMPARE(Files::read(file("back")).bytes, QByteArray(200, 'z'));
-        }
-        QVERIFY(!des.DecryptFile(file("cipher"), file("plain"), false, u"k"_s));
-        QCOMPARE(Files::read(file("plain")).bytes, QByteArray(200, 'z'));
-        QVERIFY(!des.EncryptFile(file("absent"), file("back"), true, u"k"_s));
-        QVERIFY(!des.EncryptFile(file("plain"), file("no/such/place"), true, u"k"_s));
     }
 };
 
