@@ -6,12 +6,15 @@
 #include "platform/Literals.h"
 #include "platform/RunTimeError.h"
 
+#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QStandardPaths>
 
+#include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace {
@@ -42,6 +45,25 @@ QString chosenPath(const QString &programDirectory)
     return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/quillwire"_s;
 }
 
+/// The SHA-256 of each page that an earlier version laid into the folder.
+constexpr std::array<const char *, 4> earlierPages = {
+    "f9b2d40f0cf639b491d6ca62face0fd4a07f34f7ceedee8b1506cafbbdb721bd",
+    "990baae283501a036de664525ff5249af4f984f7f71b26e1d05ab315f1803f7f",
+    "501dd5b3728296f518f8724d39c6341bf33ebaa716d2b05607b1cba6d0d02410",
+    "44936f29ab93207e24efaa23501ad58a4d79740d540257f4475373e92607cb32",
+};
+
+/// A page that is still as an earlier version brought it gives way to today's; one that the user changed is kept.
+bool isEarlierPage(const QString &path)
+{
+    constexpr qint64 largest = 64 * 1024; // bytes; no page of ours comes near it
+    const QFileInfo file(path);
+    if (!file.isFile() || file.isSymLink() || file.size() > largest)
+        return false;
+    const QByteArray digest = QCryptographicHash::hash(Files::read(path).bytes, QCryptographicHash::Sha256).toHex();
+    return std::find(earlierPages.begin(), earlierPages.end(), digest) != earlierPages.end();
+}
+
 /// Neither settings nor cache files are there.
 bool isFirstStart(const DataDirectory &directory)
 {
@@ -69,7 +91,7 @@ DataDirectory DataDirectory::ofProgram(const QString &programDirectory)
     for (const char *name : {"feeds.xml", "home.htm", "style.css", "slien.gif"}) {
         const QString target = chosen.file(QString::fromLatin1(name));
         const bool isCatalogue = std::strcmp(name, "feeds.xml") == 0;
-        if (!isTaken(target) && (firstStart || !isCatalogue))
+        if (isTaken(target) ? isEarlierPage(target) : firstStart || !isCatalogue)
             Files::copy(u":/data/"_s + QString::fromLatin1(name), target);
     }
     return chosen;

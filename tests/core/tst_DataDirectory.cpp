@@ -36,6 +36,20 @@ private Q_SLOTS:
         QCOMPARE(chosen.cacheFile(u"12"_s), QString(chosen.path() + u"/feeds/12.xml"_s));
     }
 
+    void aPageOfAnEarlierVersionGivesWayAndOneOfTheUsersDoesNot()
+    {
+        const DataDirectory chosen = DataDirectory::ofProgram(m_folder->path());
+        const QString style = chosen.file(u"style.css"_s);
+        const QByteArray today = Files::read(style).bytes;
+        const QByteArray earlier = Files::read(QString::fromUtf8(TEST_DATA_DIR "/style-3.1.0.css")).bytes;
+        QVERIFY(!earlier.isEmpty() && earlier != today);
+        for (const QByteArray &end : {QByteArray(), QByteArray("\n")}) {
+            Files::write(style, earlier + end);
+            DataDirectory::ofProgram(m_folder->path());
+            QCOMPARE(Files::read(style).bytes, end.isEmpty() ? today : earlier + end);
+        }
+    }
+
     void onlyAFirstStartMakesACatalogue()
     {
         for (const QString &there : {u"params.xml"_s, u"feeds/7.xml"_s}) {
