@@ -107,38 +107,25 @@ private Q_SLOTS:
         QVERIFY(m_data->read(u"params.xml"_s).contains("<start"));
     }
 
-    void aSecondStartHandsItsTextOverUnchanged()
+    void laterStartsHandTheirTextsOverUnchangedAndEnd()
     {
         const QString feed = m_data->file(u"œuvre 日.rss"_s);
         Files::write(feed, FeedTexts::rss(u"Remis"_s, {u"un"_s}));
-        const auto first = startFirst();
-        const auto second = start({u"\""_s + feed + u"\""_s});
-        QVERIFY(ended(*second));
-        QCOMPARE(second->exitCode(), 0);
-        // The first instance has opened the file: its copy and the page of its channel are there.
-        QTRY_VERIFY(m_data->read(u"tmp.xml"_s).contains("Remis"));
-        QVERIFY(m_data->read(u"tmp.htm"_s).contains(onPage("Remis")));
-        end(*first);
-    }
-
-    void anAddressGoesToTheFirstInstanceAndIsFetchedThere()
-    {
         m_server.setBody(u"/f.xml"_s, FeedTexts::rss(u"Loin"_s, {u"un"_s}));
         const auto first = startFirst();
-        const auto second = start({m_server.url(u"/f.xml"_s)});
-        QVERIFY(ended(*second));
+        const QByteArray settings = m_data->read(u"params.xml"_s);
+        const auto startsAndEnds = [this](const QStringList &arguments) {
+            const auto later = start(arguments);
+            return ended(*later) && later->exitCode() == 0;
+        };
+        QVERIFY(startsAndEnds({}));
+        QVERIFY(startsAndEnds({u"\""_s + feed + u"\""_s}));
+        // The first instance has opened the file: its copy and the page of its channel are there.
+        QTRY_VERIFY(m_data->read(u"tmp.xml"_s).contains("Remis"));
+        QTRY_VERIFY(m_data->read(u"tmp.htm"_s).contains(onPage("Remis")));
+        QVERIFY(startsAndEnds({m_server.url(u"/f.xml"_s)}));
         QTRY_COMPARE_WITH_TIMEOUT(m_server.hits(u"/f.xml"_s), 1, 10000);
         QTRY_VERIFY(m_data->read(u"tmp.htm"_s).contains(onPage("Loin")));
-        end(*first);
-    }
-
-    void aSecondStartWithoutATextEndsAndChangesNothing()
-    {
-        const auto first = startFirst();
-        const QByteArray settings = m_data->read(u"params.xml"_s);
-        const auto second = start();
-        QVERIFY(ended(*second));
-        QCOMPARE(second->exitCode(), 0);
         QCOMPARE(first->state(), QProcess::Running);
         QCOMPARE(m_data->read(u"params.xml"_s), settings);
         end(*first);

@@ -19,6 +19,8 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QMenu>
+#include <QPointer>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -26,9 +28,9 @@
 class FakeTrayShell final : public TrayShell
 {
 public:
-    explicit FakeTrayShell(const bool &available) : m_available(available) {}
+    FakeTrayShell(const bool &available, QPointer<QMenu> &menu) : m_available(available), m_menu(menu) {}
     void setNotify(Notify notify) override { m_notify = std::move(notify); }
-    void setMenu(QMenu *) override {}
+    void setMenu(QMenu *menu) override { m_menu = menu; }
     void add(const TrayRecord &) override {}
     void modify(const TrayRecord &) override {}
     void remove(const TrayRecord &) override {}
@@ -38,6 +40,7 @@ public:
 
 private:
     const bool &m_available;
+    QPointer<QMenu> &m_menu;
     Notify m_notify;
 };
 
@@ -95,7 +98,7 @@ public:
     {
         Desktop desktop{messages};
         desktop.makeTrayShell = [this] {
-            auto shell = std::make_unique<FakeTrayShell>(trayAvailable);
+            auto shell = std::make_unique<FakeTrayShell>(trayAvailable, trayMenu);
             tray = shell.get();
             return shell;
         };
@@ -182,6 +185,7 @@ public:
     std::function<void(const QString &)> openInSystemBrowser = [](const QString &) {};
     bool trayAvailable = true;
     FakeTrayShell *tray = nullptr;
+    QPointer<QMenu> trayMenu;
     int releases = 0;
     QList<qint32> helpTopics;
     std::function<std::unique_ptr<Downloader>()> makeDownloader = [] { return std::make_unique<Downloader>(); };

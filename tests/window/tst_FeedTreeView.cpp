@@ -111,17 +111,6 @@ private Q_SLOTS:
         QCOMPARE(m_state.selected(), node("4"));
     }
 
-    void removingANodeKeepsTheSelectionUnlessItWasTheOne()
-    {
-        m_state.select(node("3"));
-        QTest::mousePress(m_view->viewport(), Qt::LeftButton, {}, placeOf("2"));
-        m_tree.remove(node("2"));
-        QCOMPARE(m_state.selected(), node("3"));
-        QCOMPARE(selected().size(), 1);
-        m_tree.remove(node("3"));
-        QVERIFY(!m_state.selected() && selected().isEmpty());
-    }
-
     void aDropTellsItsTargetAndTheSide_data()
     {
         QTest::addColumn<QByteArray>("carried");

@@ -87,6 +87,8 @@ private:
                 if (first == entry)
                     walk(name, menu->actions());
         }
+        if (m_fixture->trayMenu)
+            walk(u"icon: "_s, m_fixture->trayMenu->actions());
         return found;
     }
 
@@ -117,6 +119,8 @@ private:
         for (const FakeDownloader *downloader : m_downloaders)
             for (const FakeDownloader::Request &request : downloader->requests)
                 state += u"asks "_s + request.url;
+        if (m_fixture->window->isVisible())
+            state += u"on show"_s;
         if (m_fixture->releases > 0)
             state += u"ended"_s;
         return state;
@@ -174,7 +178,7 @@ private Q_SLOTS:
         };
         row("&Fichier/&Importer des flux RSS...", "frmImport , help 13", "Ctrl+I");
         row("&Fichier/&Exporter mes flux RSS...", "frmExport , help 14", "Ctrl+E");
-        row("&Fichier/&Quitter", "+ended", "Ctrl+Q");
+        row("&Fichier/&Quitter", "-on show, +ended", "Ctrl+Q");
         row("&Affichage/&Style/Standard", "-check Office XP, -office, +check Standard, +standard");
         row("&Affichage/&Style/Office XP", "-check Standard, -standard, +check Office XP, +office");
         row("&Affichage/&Barre d'outils/Grandes", "-check Petites, -small, +check Grandes, +big");
@@ -192,6 +196,8 @@ private Q_SLOTS:
         row("item: Supprimer", "-unread b", "", 1);
         row("item: Marquer/Comme lu", "-unread b, +read b");
         row("item: Marquer/Comme non lu", "-read b, +unread b");
+        row("icon: &Ouvrir", "+on show");
+        row("icon: &Quitter", "-on show, +ended");
         row("column: Titre", "-check Titre, -column 1");
         row("column: Lu/Non-Lu", "-check Lu/Non-Lu, -column 2");
         row("column: Date de publication", "-check Date de publication, -column 3");
@@ -220,6 +226,7 @@ private Q_SLOTS:
         selectItem();
         if (way.endsWith(u"non lu"_s))
             m_fixture->list()->items().setRead(1, true);
+        m_fixture->window->setVisible(!way.endsWith(u"Ouvrir"_s));
         QCOMPARE(entries().size(), m_entries);
         QAction *action = entries().value(way);
         QVERIFY2(action, qPrintable(entries().keys().join(u'\n')));

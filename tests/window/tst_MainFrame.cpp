@@ -47,28 +47,16 @@ private Q_SLOTS:
         QCOMPARE(int(m_fixture->settings().splitVertical), (height - 30) * 15);
     }
 
-    void panesKeepInsideASmallWindow()
-    {
-        m_fixture->start();
-        m_fixture->window->resize(640, 480);
-        const QRect inner = m_fixture->window->rect();
-        for (const char *name : {"tvwFavoris", "lvwItems", "cToolbarHost1", "WebBrowser1", "stabPrinc"}) {
-            const QRect pane = m_fixture->control<QWidget>(name)->geometry();
-            QVERIFY2(inner.contains(pane) && pane.height() > 20 && pane.width() > 100, name);
-        }
-    }
-
     void theStyleIsRefusedForOldControls()
     {
         m_fixture->start();
-        m_fixture->toolbar()->setCommonControlsVersion({4, 70});
-        m_fixture->choose(u"Standard"_s); // the settings of a first start say Office XP
-        QVERIFY(m_fixture->settings().officeStyle && m_fixture->browserToolbar()->drawStyle() != DrawStyle::Standard);
-        QCOMPARE(m_fixture->messages.shown.size(), std::size_t(1));
-        m_fixture->toolbar()->setCommonControlsVersion({4, 71});
-        m_fixture->choose(u"Standard"_s);
-        QVERIFY(!m_fixture->settings().officeStyle && m_fixture->browserToolbar()->drawStyle() == DrawStyle::Standard);
-        QCOMPARE(m_fixture->messages.shown.size(), std::size_t(1));
+        for (const int minor : {70, 71}) { // the settings of a first start say Office XP
+            m_fixture->toolbar()->setCommonControlsVersion({4, minor});
+            m_fixture->choose(u"Standard"_s);
+            QCOMPARE(m_fixture->settings().officeStyle, minor == 70);
+            QCOMPARE(m_fixture->browserToolbar()->drawStyle() == DrawStyle::Standard, minor == 71);
+            QCOMPARE(m_fixture->messages.shown.size(), std::size_t(1));
+        }
     }
 
     void theChevronOfABandOpensWhatDoesNotFit()

@@ -93,14 +93,12 @@ private Q_SLOTS:
         start();
         m_fixture->click(m_fixture->node("3"));
         QCOMPARE(m_fixture->list()->items().rowCount(), 3);
-        QCOMPARE(m_fixture->buttons(), u"1110"_s);
         const QByteArray title = AnsiText::toBytes(AnsiText::widenBytes(u"Flux 3"_s));
         QVERIFY(m_fixture->data.read(u"tmp.htm"_s).contains(title));
         m_fixture->click(m_fixture->node("root"));
         QCOMPARE(m_fixture->buttons(), u"0000"_s);
         QCOMPARE(m_fixture->list()->items().rowCount(), 3);
         m_fixture->click(m_fixture->node("1"));
-        QCOMPARE(m_fixture->buttons(), u"0100"_s);
         QCOMPARE(m_fixture->list()->items().rowCount(), 0);
 
         QTest::keyClick(m_fixture->tree(), Qt::Key_Down);
