@@ -156,17 +156,6 @@ private Q_SLOTS:
         QTRY_COMPARE(passed.size(), 3);
     }
 
-    void theConnectionCanBeToldApart()
-    {
-        m_form->showConnectionState(true);
-        QCOMPARE(state(), u"Envoi du message en cours ..."_s);
-        m_form->showConnectionState(false);
-        QCOMPARE(m_messages->shown.at(0).text,
-                 u"L'envoi du message a échoué, la connexion avec le serveur est impossible !"_s);
-        QCOMPARE(m_messages->shown.at(0).title, u"Connexion impossible"_s);
-        QCOMPARE(state(), QString());
-    }
-
     void enterInABoxSendsNothing()
     {
         box("txtDestMail")->setText(u"toi@example.org"_s);

@@ -8,11 +8,12 @@
 #include <QWebEngineScript>
 
 /// What the pane shows, where it goes, and what a page can reach.
-class TestBrowserPane : public QObject, private PaneFixture
+class TestBrowserPane : public QObject, public PaneFixture
 {
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase() { FrenchTexts::install(*qApp); }
     void init() { setUp(); }
     void cleanup() { m_server.reset(); }
     void cleanupTestCase() { m_pane.reset(); }
@@ -250,13 +251,5 @@ private Q_SLOTS:
     }
 };
 
-int main(int argc, char *argv[])
-{
-    qputenv("QTWEBENGINE_CHROMIUM_FLAGS", "--disable-gpu");
-    QApplication app(argc, argv);
-    FrenchTexts::install(app);
-    TestBrowserPane test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+QTEST_MAIN(TestBrowserPane)
 #include "tst_BrowserPane.moc"

@@ -260,27 +260,6 @@ private Q_SLOTS:
         QCOMPARE(rows.first(), QVariantList({1, 1, QVariant::fromValue(Qt::RightButton)}));
     }
 
-    void keysAreToldBeforeTheSelectionMovesAndOnlyWithASelection()
-    {
-        loadFeed();
-        const auto list = view();
-        QList<int> seen;
-        QSignalSpy deleted(list.get(), &ItemListView::deletePressed);
-        connect(list.get(), &ItemListView::downPressed, this, [&] { seen.append(list->selectedRow()); });
-        connect(list.get(), &ItemListView::upPressed, this, [&] { seen.append(10 + list->selectedRow()); });
-        QTest::keyClick(list.get(), Qt::Key_Delete);
-        QVERIFY(deleted.isEmpty());
-        list->selectRow(0);
-        QTest::keyClick(list.get(), Qt::Key_Down);
-        QTest::keyClick(list.get(), Qt::Key_Up);
-        QTest::keyClick(list.get(), Qt::Key_Up);
-        QCOMPARE(seen, QList<int>({0, 11, 10}));
-        QCOMPARE(list->selectedRow(), 0);
-        QTest::keyClick(list.get(), Qt::Key_Delete);
-        QCOMPARE(deleted.size(), 1);
-        QCOMPARE(list->items().rowCount(), 3); // acting is for others
-    }
-
     void cellsShowHostileTextsOnOneShortLine()
     {
         loadFeed({{u"deux\nlignes\u2028"_s + QString(100000, u'x'), {}}});

@@ -45,7 +45,7 @@ QByteArray refreshTo(const QByteArray &target)
 } // namespace
 
 /// Pages that never stop asking, and pages that don't let go.
-class TestPaneBoxes : public QObject, private PaneFixture
+class TestPaneBoxes : public QObject, public PaneFixture
 {
     Q_OBJECT
 
@@ -259,12 +259,5 @@ private Q_SLOTS:
     }
 };
 
-int main(int argc, char *argv[])
-{
-    qputenv("QTWEBENGINE_CHROMIUM_FLAGS", "--disable-gpu");
-    QApplication app(argc, argv);
-    TestPaneBoxes test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+QTEST_MAIN(TestPaneBoxes)
 #include "tst_PaneBoxes.moc"

@@ -6,7 +6,7 @@
 #include <QApplication>
 
 /// What a page makes the pane ask, and what may happen while a question is on show.
-class TestPaneQuestions : public QObject, private PaneFixture
+class TestPaneQuestions : public QObject, public PaneFixture
 {
     Q_OBJECT
 
@@ -226,12 +226,5 @@ private Q_SLOTS:
     }
 };
 
-int main(int argc, char *argv[])
-{
-    qputenv("QTWEBENGINE_CHROMIUM_FLAGS", "--disable-gpu");
-    QApplication app(argc, argv);
-    TestPaneQuestions test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+QTEST_MAIN(TestPaneQuestions)
 #include "tst_PaneQuestions.moc"

@@ -9,7 +9,7 @@
 
 /// What neither a feed's markup nor a page of the web gets past: files of the user, resources of the program, the
 /// switch of the scripts, the look of our pages.
-class TestPaneWalls : public QObject, private PaneFixture
+class TestPaneWalls : public QObject, public PaneFixture
 {
     Q_OBJECT
 
@@ -185,12 +185,5 @@ private Q_SLOTS:
     }
 };
 
-int main(int argc, char *argv[])
-{
-    qputenv("QTWEBENGINE_CHROMIUM_FLAGS", "--disable-gpu");
-    QApplication app(argc, argv);
-    TestPaneWalls test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+QTEST_MAIN(TestPaneWalls)
 #include "tst_PaneWalls.moc"

@@ -49,6 +49,9 @@ private:
         return m_fixture->control<QWidget>("stabPrinc")->findChild<QLabel *>(u"state"_s)->text();
     }
 
+public:
+    static void initMain() { qputenv("QTWEBENGINE_CHROMIUM_FLAGS", "--disable-gpu"); }
+
 private Q_SLOTS:
     void init() { m_fixture = std::make_unique<PrincFixture>(); }
     void cleanup() { m_fixture.reset(); }
@@ -134,12 +137,5 @@ private Q_SLOTS:
     }
 };
 
-int main(int argc, char *argv[])
-{
-    qputenv("QTWEBENGINE_CHROMIUM_FLAGS", "--disable-gpu");
-    QApplication app(argc, argv);
-    tst_DialogJourneys test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+QTEST_MAIN(tst_DialogJourneys)
 #include "tst_DialogJourneys.moc"
