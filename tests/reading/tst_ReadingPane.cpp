@@ -22,16 +22,13 @@ public:
     void enableBrowserButton(const QString &key, bool enabled) override { buttons[key] = enabled; }
     void setAttachmentEntry(const QString &caption, const QString &key) override { attachment = {caption, key}; }
     bool updateRunning() const override { return updating; }
-    void showMailDialog(const QString &text) override { mail = text; }
-    void showItemMenu(bool canMarkRead, bool canMarkUnread) override { menu = {canMarkRead, canMarkUnread}; }
-    void showColumnMenu() override { ++columnMenus; }
+    void showMailDialog(const QString &) override {}
+    void showItemMenu(bool, bool) override {}
+    void showColumnMenu() override {}
 
     QHash<QString, bool> buttons;
     QStringList attachment;
     bool updating = false;
-    QString mail;
-    QList<bool> menu;
-    int columnMenus = 0;
 };
 
 Dates inUtc()

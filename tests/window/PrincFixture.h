@@ -143,10 +143,10 @@ public:
     {
         QTest::mouseClick(tree()->viewport(), Qt::LeftButton, {}, placeOf(node));
     }
-    void clickRow(int row, int column) const
+    void clickRow(int row, int column, Qt::MouseButton button = Qt::LeftButton) const
     {
         const QRect cell = list()->visualRect(list()->items().index(row, column - 1));
-        QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, cell.center());
+        QTest::mouseClick(list()->viewport(), button, {}, cell.center());
     }
 
     /// Chooses the entry with that caption in one of the window's menus.

@@ -297,6 +297,21 @@ private Q_SLOTS:
         QTEST(effectOf([button] { button->click(); }), "effect");
     }
 
+    void theMenuOfAnItemOffersTheOtherMark()
+    {
+        writeFeeds();
+        start();
+        selectItem();
+        for (const bool read : {false, true}) {
+            m_fixture->list()->items().setRead(1, read);
+            m_fixture->program->longLived().current.document->SetItemRead(1, read);
+            QTimer::singleShot(0, qApp, [] { QApplication::activePopupWidget()->close(); });
+            m_fixture->clickRow(1, 1, Qt::RightButton);
+            QCOMPARE(entries().value(u"item: Marquer/Comme lu"_s)->isEnabled(), !read);
+            QCOMPARE(entries().value(u"item: Marquer/Comme non lu"_s)->isEnabled(), read);
+        }
+    }
+
     void theButtonsOfThePageActOnTheLivePage()
     {
         LocalHttpServer server;
@@ -330,8 +345,10 @@ private Q_SLOTS:
         QVERIFY(isAt(u"/b"_s));
         page->Navigate(server.url(u"/silent"_s));
         QTRY_VERIFY(server.hits(u"/silent"_s) == 1 && bar->isButtonEnabled(3));
+        QSignalSpy complete(page, &BrowserPane::DocumentComplete);
         bar->button(3)->click();
         QVERIFY(isAt(u"/b"_s));
+        QTRY_VERIFY(!complete.isEmpty());
         QCOMPARE(effectOf([&] { bar->button(5)->click(); }), u"opens "_s + server.url(u"/b"_s));
         QTimer::singleShot(0, qApp, [] {
             auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());

@@ -47,6 +47,18 @@ private Q_SLOTS:
         QCOMPARE(int(m_fixture->settings().splitVertical), (height - 30) * 15);
     }
 
+    void everyPartTellsWhatItIs()
+    {
+        m_fixture->start();
+        QStringList told = {m_fixture->window->windowTitle()};
+        for (const char *name : {"tbrMenu", "cToolbar1", "tlbBrowser", "Label1", "txtURL", "Image1", "prbChargement"}) {
+            auto *part = m_fixture->control<QWidget>(name);
+            told += QAccessible::queryAccessibleInterface(part)->text(QAccessible::Name);
+        }
+        QCOMPARE(told.join(u'|'), u"Quillwire|Barre de menus|Barre d'outils|Barre d'outils de la page|URL :|"
+                                  "Adresse du flux|Ouvrir un fichier RSS|Chargement"_s);
+    }
+
     void theStyleIsRefusedForOldControls()
     {
         m_fixture->start();
@@ -57,6 +69,9 @@ private Q_SLOTS:
             QCOMPARE(m_fixture->browserToolbar()->drawStyle() == DrawStyle::Standard, minor == 71);
             QCOMPARE(m_fixture->messages.shown.size(), std::size_t(1));
         }
+        const Message &box = m_fixture->messages.shown.front();
+        QCOMPARE(box.title + u'|' + box.text, u"Information|Impossible de changer le style"_s);
+        QVERIFY(box.icon == Message::Icon::Information && box.buttons == Message::Buttons::Ok);
     }
 
     void theChevronOfABandOpensWhatDoesNotFit()
