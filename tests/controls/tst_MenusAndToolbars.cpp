@@ -81,6 +81,7 @@ private Q_SLOTS:
         toolbar.resize(toolbar.idealWidth(), 30);
         toolbar.show();
         QVERIFY(!toolbar.ShowOverflow(QPoint()));
+        QVERIFY(toolbar.isButtonEnabled(1) && !toolbar.isButtonEnabled(u"send_mail"_s) && !toolbar.isButtonEnabled(2));
         toolbar.resize(toolbar.button(0)->width() + 2, 30);
         QVERIFY(toolbar.button(0)->isVisible() && !toolbar.button(1)->isVisible());
 

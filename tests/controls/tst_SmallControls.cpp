@@ -15,6 +15,7 @@
 #include <QCheckBox>
 #include <QLabel>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QRadioButton>
 #include <QSignalSpy>
 #include <QTest>
@@ -180,14 +181,17 @@ private Q_SLOTS:
                                                                {true, u"&Non"_s, Answer::No},
                                                                {true, QString(), Answer::No}};
         for (const auto &[question, press, answer] : rows) {
-            const Message message{u"<i>titre</i> & suite"_s, u"Attention"_s, Message::Icon::Exclamation,
+            const Message message{u"<i>titre</i> & suite"_s, question ? QString() : u"Attention"_s,
+                                  Message::Icon::Exclamation,
                                   question ? Message::Buttons::YesNo : Message::Buttons::Ok};
             bool seen = false;
             QTimer::singleShot(0, this, [&, press = press, question = question] {
                 auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
                 QVERIFY(box);
                 seen = box->text() == message.text && box->textFormat() == Qt::PlainText &&
-                       box->icon() == QMessageBox::Warning && box->buttons().size() == (question ? 2 : 1);
+                       box->icon() == QMessageBox::Warning && box->buttons().size() == (question ? 2 : 1) &&
+                       box->windowTitle() == (question ? u"Quillwire"_s : message.title) && box->defaultButton() &&
+                       box->defaultButton()->text() == (question ? u"&Oui"_s : u"OK"_s);
                 for (QAbstractButton *button : box->buttons()) {
                     if (button->text() == press)
                         button->click();

@@ -187,6 +187,32 @@ private Q_SLOTS:
         }
     }
 
+    void associationIsWrittenUnderBothRoots()
+    {
+        cRegistry registry(*m_store);
+        const QStringList verb{u"show"_s, u"Show"_s, u"p /s"_s};
+        const auto addVerb = [&](const QStringList &items) {
+            return errorOf([&] { registry.CreateAdditionalEXEAssociations(u"QW"_s, items); }).section(u' ', 0, 0);
+        };
+        QCOMPARE(addVerb(verb), u"-2147194451"); // before there is a class
+        registry.CreateEXEAssociation(u" C:\\p q.exe "_s, u"QW"_s, u"A feed"_s, u"rss"_s, QString(), true,
+                                      u"Imprimer"_s, true, QString(), true, QString(), 2);
+        QCOMPARE(addVerb(verb.mid(1)), u"-2147194452");
+        QCOMPARE(addVerb(verb), u"none");
+        const QString expected =
+            u".rss=QW|QW=A feed|QW\\shell\\open=&Open|QW\\shell\\open\\command=\"C:\\p q.exe\" \"%1\"|"
+            "QW\\shell\\print=Imprimer|QW\\shell\\print\\command=\"C:\\p q.exe\" /p \"%1\"|"
+            "QW\\shell\\add=&Install rss|QW\\shell\\add\\command=\"C:\\p q.exe\" /a \"%1\"|"
+            "QW\\shell\\new=&New|QW\\shell\\new\\command=\"C:\\p q.exe\" /n \"%1\"|"
+            "QW\\DefaultIcon=\"C:\\p q.exe\",2|QW\\shell\\show=Show|QW\\shell\\show\\command=p /s"_s;
+        for (const QString &row : expected.split(u'|')) {
+            const QString section = row.section(u'=', 0, 0);
+            const QVariant value = row.section(u'=', 1);
+            QCOMPARE(registry.ValueEx(RegistryRoot::ClassesRoot, section, {}, 1, {}), value);
+            QCOMPARE(registry.ValueEx(RegistryRoot::LocalMachine, u"SOFTWARE\\Classes\\" + section, {}, 1, {}), value);
+        }
+    }
+
 private:
     std::unique_ptr<QTemporaryDir> m_directory;
     std::unique_ptr<RefusingStore> m_store;

@@ -4,7 +4,9 @@
 #include "support/clsDES.h"
 
 #include "platform/AnsiText.h"
+#include "platform/Files.h"
 
+#include <QTemporaryDir>
 #include <QTest>
 
 namespace {
@@ -57,11 +59,14 @@ private Q_SLOTS:
     {
         clsDES des;
         int draws = 0;
+        QList<int> percents;
+        des.setProgress([&percents](int percent) { percents.append(percent); });
         des.setRandom([&draws] { return ++draws == 1 ? 0.5 : 0.0; });
         QByteArray bytes = "secret";
         des.EncryptByte(bytes, u"12345678"_s);
         // What OpenSSL makes of 40000000 hex (halves go to the even neighbour), 0 and 6, low byte first, and the text.
         QCOMPARE(bytes.toHex(), QByteArray("fd9108d8da54d5a3eeb0c863c20286d69308f01e6dfde9f9"));
+        QCOMPARE(percents, (QList<int>{0, 33, 66, 100}));
     }
 
     void whatWasEncipheredDeciphers()
@@ -150,6 +155,24 @@ private Q_SLOTS:
         };
         for (const auto &[coded, hex] : strange)
             QCOMPARE(des.DecodeArray64(coded).toHex(), hex);
+    }
+
+    void filesAreConvertedAndNeverOverwrittenUnasked()
+    {
+        const QTemporaryDir directory;
+        const QString plain = directory.filePath(u"plain"_s);
+        const QString cipher = directory.filePath(u"cipher"_s);
+        const QString back = directory.filePath(u"back"_s);
+        Files::write(plain, QByteArray(200, 'z'));
+        clsDES des;
+        for (const bool in64 : {false, true}) {
+            QVERIFY(des.EncryptFile(plain, cipher, true, u"k"_s, in64));
+            QCOMPARE(Files::read(cipher).bytes.contains("\r\n"), in64);
+            QVERIFY(des.DecryptFile(cipher, back, true, u"k"_s, in64));
+            QCOMPARE(Files::read(back).bytes, QByteArray(200, 'z'));
+        }
+        QVERIFY(!des.EncryptFile(back, plain, false, u"k"_s) && !des.EncryptFile(u"/none"_s, back, true, u"k"_s));
+        QCOMPARE(Files::read(plain).bytes, QByteArray(200, 'z'));
     }
 };
 
