@@ -168,10 +168,12 @@ private Q_SLOTS:
     {
         const QString address = u"http://somewhere.invalid/feed"_s;
         m_server->setBody(address, "by proxy");
-        qputenv("http_proxy", m_server->url(QString()).toUtf8());
+        qputenv("http_proxy", m_server->url(QString()).replace(u"http://"_s, u"http://me:pw@"_s).toUtf8());
         const auto direct = qScopeGuard([] { qunsetenv("http_proxy"); });
         QCOMPARE(fetch(address), 200);
         QCOMPARE(destinationBytes(), QByteArray("by proxy"));
+        QCOMPARE(m_server->lastRequest(address).header("proxy-authorization"),
+                 "Basic " + QByteArray("me:pw").toBase64());
     }
 
     void redirectionsAreFollowedToTheirLimit()
