@@ -56,7 +56,7 @@ constexpr std::array<const char *, 4> earlierPages = {
 /// A page that is still as an earlier version brought it gives way to today's; one that the user changed is kept.
 bool isEarlierPage(const QString &path)
 {
-    constexpr qint64 largest = 64 * 1024; // bytes; no page of ours comes near it
+    constexpr qint64 largest = 64LL * 1024; // bytes; no page of ours comes near it
     const QFileInfo file(path);
     if (!file.isFile() || file.isSymLink() || file.size() > largest)
         return false;
