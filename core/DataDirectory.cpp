@@ -45,7 +45,8 @@ QString chosenPath(const QString &programDirectory)
     return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/quillwire"_s;
 }
 
-/// The SHA-256 of each page that an earlier version laid into the folder.
+/// The SHA-256 of each page that an earlier version laid into the folder. Who changes a page adds that of the one
+/// before.
 constexpr std::array<const char *, 4> earlierPages = {
     "f9b2d40f0cf639b491d6ca62face0fd4a07f34f7ceedee8b1506cafbbdb721bd",
     "990baae283501a036de664525ff5249af4f984f7f71b26e1d05ab315f1803f7f",
