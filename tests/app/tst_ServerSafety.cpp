@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "platform/net/NetworkState.h"
+#include "tests/fixtures/Eventually.h"
 #include "tests/fixtures/FeedTexts.h"
 #include "tests/fixtures/HostileAnswers.h"
 #include "tests/fixtures/ResidentMemory.h"
@@ -38,8 +39,7 @@ private Q_SLOTS:
         m_data = std::make_unique<TemporaryDataDirectory>();
         m_runtime = std::make_unique<QTemporaryDir>();
         QByteArray settings = Files::read(u":/data/params.xml"_s).bytes;
-        m_data->write(u"params.xml"_s,
-                      settings.replace("<params>", "<params><start mode=\"Plein écran\" update=\"1\"/>"));
+        m_data->write(u"params.xml"_s, settings.replace("<params>", "<params><start mode=\"Minimisé\" update=\"1\"/>"));
         QByteArray catalogue = "<favoris>";
         for (int feed = 1; feed <= m_feeds; ++feed) {
             const QByteArray key = QByteArray::number(feed);
@@ -84,7 +84,7 @@ private Q_SLOTS:
         QElapsedTimer timer;
         timer.start();
         const int mostMs = 15000 + 1000 * m_feeds + DownloadLimits().idleMs;
-        QVERIFY(QTest::qWaitFor([this] { return isMerged(m_feeds); }, mostMs));
+        QVERIFY(eventually([this] { return isMerged(m_feeds); }, mostMs));
         const qint64 took = timer.elapsed();
         const qint64 grown = peak(program) - before.value_or(0);
         for (int feed = 1; feed <= m_feeds; ++feed) {
@@ -121,7 +121,7 @@ private Q_SLOTS:
         }
         QProcess program;
         start(program);
-        QVERIFY(QTest::qWaitFor([&isAsked] { return isAsked; }, 20000));
+        QVERIFY(eventually([&isAsked] { return isAsked; }));
         QTest::qWait(20);
         qInfo("the end took %lld ms", end(program));
     }
@@ -170,7 +170,7 @@ private:
         QElapsedTimer timer;
         timer.start();
         program.terminate();
-        const bool isOver = QTest::qWaitFor([&program] { return program.state() == QProcess::NotRunning; }, 20000);
+        const bool isOver = eventually([&program] { return program.state() == QProcess::NotRunning; });
         const qint64 took = timer.elapsed();
         [&] {
             QVERIFY(isOver && program.exitStatus() == QProcess::NormalExit && program.exitCode() == 0);

@@ -3,6 +3,7 @@
 #include "platform/AnsiText.h"
 #include "platform/Files.h"
 #include "platform/Literals.h"
+#include "tests/fixtures/Eventually.h"
 #include "tests/fixtures/FeedTexts.h"
 #include "tests/fixtures/LocalHttpServer.h"
 #include "tests/fixtures/TemporaryDataDirectory.h"
@@ -43,7 +44,7 @@ private:
     {
         auto process = start(arguments);
         const QString socket = m_runtime->filePath(u"Quillwire3.0_APPLICATION"_s);
-        if (!QTest::qWaitFor([&] { return QFileInfo::exists(socket); }, 20000))
+        if (!eventually([&] { return QFileInfo::exists(socket); }))
             qWarning("the first instance doesn't listen");
         return process;
     }
@@ -51,7 +52,7 @@ private:
     /// Waits without a halt of this thread's server.
     static bool ended(QProcess &process)
     {
-        return QTest::qWaitFor([&] { return process.state() == QProcess::NotRunning; }, 20000);
+        return eventually([&] { return process.state() == QProcess::NotRunning; });
     }
 
     void end(QProcess &process) const
@@ -89,7 +90,7 @@ private Q_SLOTS:
     {
         m_data->write(u"feeds.xml"_s, "<favoris><feed");
         const auto first = start();
-        QTRY_VERIFY_WITH_TIMEOUT(m_data->exists(u"params.xml"_s), 20000);
+        QVERIFY(eventually([this] { return m_data->exists(u"params.xml"_s); }));
         QTest::qWait(500); // the box stands and waits for its OK
         QCOMPARE(first->state(), QProcess::Running);
         first->terminate(); // ends it as the OK does: there is no road out any more

@@ -3,6 +3,7 @@
 #include "dialogs/frmImport.h"
 #include "dialogs/frmProprietes.h"
 #include "platform/Literals.h"
+#include "tests/fixtures/Eventually.h"
 #include "tests/fixtures/FakeDownloader.h"
 #include "tests/fixtures/FeedTexts.h"
 #include "tests/window/PrincFixture.h"
@@ -122,12 +123,12 @@ private Q_SLOTS:
         QSignalSpy complete(pane, &BrowserPane::DocumentComplete);
         pane->show();
         pane->Navigate(m_fixture->data.file(u"tmp.htm"_s));
-        QTRY_VERIFY_WITH_TIMEOUT(!complete.isEmpty(), 15000);
+        QVERIFY(eventually([&] { return !complete.isEmpty(); }));
         // The engine throws input away before the page is painted.
-        for (int tries = 0; tries < 100 && dwlFeed->requests.empty(); ++tries) {
+        QVERIFY(eventually([&] {
             QTest::mouseClick(pane->focusProxy()->focusProxy(), Qt::LeftButton, {}, QPoint(20, 20));
-            QTest::qWait(100);
-        }
+            return !dwlFeed->requests.empty();
+        }));
         QCOMPARE(dwlFeed->requests.size(), 1U);
         QCOMPARE(dwlFeed->requests[0].url, u"http://h/fil"_s);
         QCOMPARE(m_fixture->control<AddressBox>("txtURL")->text(), u"feed://h/fil"_s);

@@ -2,6 +2,7 @@
 
 #include "controls/ImageList.h"
 #include "platform/Literals.h"
+#include "tests/fixtures/Eventually.h"
 #include "tests/fixtures/FakeDownloader.h"
 #include "tests/fixtures/FeedTexts.h"
 #include "tests/fixtures/LocalHttpServer.h"
@@ -325,30 +326,29 @@ private Q_SLOTS:
         auto *page = m_fixture->control<BrowserPane>("WebBrowser1");
         page->show();
         const auto isAt = [&](const QString &path) {
-            return QTest::qWaitFor(
-                [&] { return page->LocationURL() == server.url(path) && !bar->isButtonEnabled(u"browser_arreter"_s); },
-                20000);
+            return eventually(
+                [&] { return page->LocationURL() == server.url(path) && !bar->isButtonEnabled(u"browser_arreter"_s); });
         };
         for (const QString &path : {u"/a"_s, u"/b"_s}) {
             page->Navigate(server.url(path));
             QVERIFY(isAt(path));
         }
-        QTRY_VERIFY(bar->isButtonEnabled(0) && !bar->isButtonEnabled(1));
+        QVERIFY(eventually([&] { return bar->isButtonEnabled(0) && !bar->isButtonEnabled(1); }));
         bar->button(0)->click();
         QVERIFY(isAt(u"/a"_s));
-        QTRY_VERIFY(bar->isButtonEnabled(1));
+        QVERIFY(eventually([&] { return bar->isButtonEnabled(1); }));
         bar->button(1)->click();
         QVERIFY(isAt(u"/b"_s));
         const int hits = server.hits(u"/b"_s);
         bar->button(2)->click();
-        QTRY_COMPARE(server.hits(u"/b"_s), hits + 1);
+        QVERIFY(eventually([&] { return server.hits(u"/b"_s) == hits + 1; }));
         QVERIFY(isAt(u"/b"_s));
         page->Navigate(server.url(u"/silent"_s));
-        QTRY_VERIFY(server.hits(u"/silent"_s) == 1 && bar->isButtonEnabled(3));
+        QVERIFY(eventually([&] { return server.hits(u"/silent"_s) == 1 && bar->isButtonEnabled(3); }));
         QSignalSpy complete(page, &BrowserPane::DocumentComplete);
         bar->button(3)->click();
         QVERIFY(isAt(u"/b"_s));
-        QTRY_VERIFY(!complete.isEmpty());
+        QVERIFY(eventually([&] { return !complete.isEmpty(); }));
         QCOMPARE(effectOf([&] { bar->button(5)->click(); }), u"opens "_s + server.url(u"/b"_s));
         QTimer::singleShot(0, qApp, [] {
             auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());

@@ -4,6 +4,7 @@
 #include "controls/CutTips.h"
 #include "controls/cReBar.h"
 #include "platform/Literals.h"
+#include "tests/fixtures/Eventually.h"
 #include "tests/fixtures/FeedTexts.h"
 #include "tests/window/PrincFixture.h"
 #include "window/SplitBar.h"
@@ -178,7 +179,7 @@ private Q_SLOTS:
         auto *page = m_fixture->control<BrowserPane>("WebBrowser1");
         QSignalSpy loaded(page, &BrowserPane::DocumentComplete);
         page->show();
-        QTRY_VERIFY_WITH_TIMEOUT(!loaded.isEmpty(), 20000);
+        QVERIFY(eventually([&] { return !loaded.isEmpty(); }));
         const QList<QWidget *> panes = {m_fixture->tree(), m_fixture->list(), page,
                                         m_fixture->control<AddressBox>("txtURL")};
         const auto paneWithFocus = [&panes] {

@@ -5,6 +5,7 @@
 
 #include "controls/StatusBar.h"
 #include "platform/AnsiText.h"
+#include "tests/fixtures/Eventually.h"
 #include "tests/fixtures/FeedTexts.h"
 #include "tests/fixtures/LocalHttpServer.h"
 
@@ -389,10 +390,10 @@ private Q_SLOTS:
         // The way back from there is the start page, as after any start.
         auto *page = m_fixture->control<BrowserPane>("WebBrowser1");
         page->show();
-        QTRY_VERIFY_WITH_TIMEOUT(page->LocationURL().endsWith("/tmp.htm"_L1), 20000);
-        QTRY_VERIFY(m_fixture->browserToolbar()->isButtonEnabled(u"browser_precedent"_s));
+        QVERIFY(eventually([&] { return page->LocationURL().endsWith("/tmp.htm"_L1); }));
+        QVERIFY(eventually([&] { return m_fixture->browserToolbar()->isButtonEnabled(u"browser_precedent"_s); }));
         m_fixture->browserToolbar()->button(0)->click();
-        QTRY_VERIFY(page->LocationURL().endsWith("/home.htm"_L1));
+        QVERIFY(eventually([&] { return page->LocationURL().endsWith("/home.htm"_L1); }));
     }
 };
 
