@@ -193,6 +193,13 @@ void frmImport::handleNext()
     }
 }
 
+void frmImport::openFile(const QString &path)
+{
+    handleNext();
+    m_txtOPMLPath->setText(path);
+    handleNext();
+}
+
 void frmImport::handleBack()
 {
     showPage(m_previousPage);

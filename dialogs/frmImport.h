@@ -33,6 +33,10 @@ public:
     frmImport(QWidget *owner, Messages &messages, OpmlDownload &download, ImportRun &run, AskFile askPath = {});
     ~frmImport() override;
 
+    /// Goes to the page of the file with `path` in it, and from there on to its feeds, as the buttons would. For a
+    /// wizard that was just opened.
+    void openFile(const QString &path);
+
     /// What the buttons do.
     void handleNext();
     void handleBack();

@@ -23,13 +23,19 @@ constexpr int stepMs = 100;
 constexpr int breathMs = 10; // enough for what was asked meanwhile, and for a window to be painted
 
 /// Whole-minute boundaries between two times: from 12:00:59 to 12:01:00 there is one.
-qint16 minuteBoundaries(const QDateTime &from, const QDateTime &to)
+qint64 allMinuteBoundaries(const QDateTime &from, const QDateTime &to)
 {
     const auto minute = [](const QDateTime &when) {
         const qint64 seconds = when.toSecsSinceEpoch();
         return seconds >= 0 ? seconds / 60 : -((59 - seconds) / 60);
     };
-    const qint64 minutes = minute(to) - minute(from);
+    return minute(to) - minute(from);
+}
+
+/// Likewise, as the scheduler counts them. Throws RunTimeError::overflow() past 16 bits.
+qint16 minuteBoundaries(const QDateTime &from, const QDateTime &to)
+{
+    const qint64 minutes = allMinuteBoundaries(from, to);
     if (minutes < std::numeric_limits<qint16>::min() || minutes > std::numeric_limits<qint16>::max())
         throw RunTimeError::overflow();
     return static_cast<qint16>(minutes);
@@ -40,6 +46,14 @@ std::size_t placeAfter(const FeedNodePtr &child, const std::vector<FeedNodePtr> 
 {
     const auto found = std::find(children.begin(), children.end(), child);
     return found == children.end() ? place : static_cast<std::size_t>(found - children.begin()) + 1;
+}
+
+int feedsBelow(const FeedNodePtr &folder)
+{
+    int count = 0;
+    for (const FeedNodePtr &child : folder->children())
+        count += child->image() == NodeImage::Folder ? feedsBelow(child) : 1;
+    return count;
 }
 
 } // namespace
@@ -83,6 +97,7 @@ void UpdateScheduler::handleUpdateTick()
     m_timUpdate.stop();
     const qsizetype count = m_surroundings.tables.updatettl.Count();
     QStringList keys = m_surroundings.tables.updatettl.Keys();
+    const bool ownWalk = beginWalk(dueFeeds());
     for (qsizetype i = 0; i < count && i < keys.size() && !m_stopped; ++i) {
         const QString key = keys[i];
         const qint16 minutes =
@@ -91,11 +106,52 @@ void UpdateScheduler::handleUpdateTick()
             continue;
         const FeedNodePtr node = m_surroundings.tables.nodeByKey.Item(key);
         m_surroundings.wait(stepMs);
+        goOnWithWalk();
         updateFeed(node);
         waitForUpdate();
         keys = m_surroundings.tables.updatettl.Keys(); // entries may have come or changed places during the waits
     }
+    if (ownWalk)
+        endWalk();
     start(false);
+}
+
+/// How many feeds the scan is going to find due, for show: it takes no offence at entries over which the scan itself
+/// may stumble.
+int UpdateScheduler::dueFeeds() const
+{
+    const FeedTables &tables = m_surroundings.tables;
+    const QDateTime now = m_surroundings.clock();
+    const QStringList keys = tables.updatettl.Keys();
+    return static_cast<int>(std::count_if(keys.begin(), keys.end(), [&](const QString &key) {
+        return tables.updatedate.Exists(key) &&
+               allMinuteBoundaries(tables.updatedate.Item(key).date(), now) > tables.updatettl.Item(key).toInt();
+    }));
+}
+
+/// False when a walk is under way already, of which this one becomes a part.
+bool UpdateScheduler::beginWalk(int count)
+{
+    if (m_walkCount > 0 || count == 0)
+        return false;
+    m_walkPlace = 0;
+    m_walkCount = count;
+    return true;
+}
+
+void UpdateScheduler::goOnWithWalk()
+{
+    if (m_stopped || m_walkCount == 0)
+        return;
+    m_walkCount = std::max(m_walkCount, ++m_walkPlace);
+    Q_EMIT walkReached(m_walkPlace, m_walkCount);
+}
+
+void UpdateScheduler::endWalk()
+{
+    m_walkCount = 0;
+    if (!m_stopped)
+        Q_EMIT walkEnded();
 }
 
 void UpdateScheduler::waitForUpdate()
@@ -120,16 +176,20 @@ void UpdateScheduler::updateFolder(const FeedNodePtr &node)
 {
     // A copy: the argument may be a reference into a list that changes during the waits.
     const FeedNodePtr folder = node; // NOLINT(performance-unnecessary-copy-initialization)
+    const bool ownWalk = folder && beginWalk(feedsBelow(folder));
     for (std::size_t place = 0; folder && place < folder->children().size() && !m_stopped;) {
         const FeedNodePtr child = folder->children()[place];
         m_surroundings.wait(stepMs);
-        if (child->image() == NodeImage::Feed)
+        if (child->image() == NodeImage::Feed) {
+            goOnWithWalk();
             updateFeed(child);
-        else if (child->image() == NodeImage::Folder)
+        } else if (child->image() == NodeImage::Folder)
             updateFolder(child);
         waitForUpdate();
         place = placeAfter(child, folder->children(), place);
     }
+    if (ownWalk)
+        endWalk();
 }
 
 void UpdateScheduler::updateFeed(const FeedNodePtr &node)

@@ -95,6 +95,11 @@ Q_SIGNALS:
     void allBegan();
     void allEnded();
 
+    /// A walk over several feeds (all, those of a folder, those that are due) has come to its `place`th of `count`.
+    /// What is added or deleted meanwhile may make the count a little wrong; the place never exceeds it.
+    void walkReached(int place, int count);
+    void walkEnded();
+
 private:
     void handleDownloadProgress(double percent);
     void handleDownloadComplete(qint32 status);
@@ -105,6 +110,10 @@ private:
     void showUpdate(const QString &title, qint16 newItems);
     void endUpdate(qint16 newItems);
     void waitForUpdate();
+    int dueFeeds() const;
+    bool beginWalk(int count);
+    void goOnWithWalk();
+    void endWalk();
 
     Surroundings m_surroundings;
     QTimer m_timUpdate{this};
@@ -114,4 +123,6 @@ private:
     bool m_updateRunning = false;
     bool m_updateAllRunning = false;
     bool m_stopped = false;
+    int m_walkPlace = 0;
+    int m_walkCount = 0; ///< 0 while there is no walk
 };

@@ -22,6 +22,8 @@
 #include "window/LongLived.h"
 #include "window/ReadingSide.h"
 
+#include <QTimer>
+
 namespace {
 
 /// What the status bar says of an import that is over.
@@ -78,11 +80,14 @@ void Dialogs::showSearchDialog(int tab)
     frmRechercher(&m_parts.form, port, SearchEndpoints::configured(file(u"search-endpoints.ini"_s)), tab).exec();
 }
 
-void Dialogs::showImport()
+void Dialogs::showImport(const QString &path)
 {
     OpmlDownload download(m_outside.makeDownloader(), file(u"tmp.opml"_s));
     ImportRun run(m_outside.makeDownloader(), file(u"tmp.xml"_s), m_outside.wait, m_parts.AddFeed);
-    frmImport(&m_parts.form, m_parts.messages, download, run).exec();
+    frmImport form(&m_parts.form, m_parts.messages, download, run);
+    if (!path.isEmpty()) // once it is on show: the file may be refused by a box
+        QTimer::singleShot(0, &form, [&form, path] { form.openFile(path); });
+    form.exec();
     if (run.hasBegun())
         m_parts.setStatusText(importSummary(run));
 }

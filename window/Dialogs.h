@@ -52,7 +52,9 @@ public:
 
     void showOptions();
     void showSearchDialog(int tab);
-    void showImport();
+
+    /// With a path the wizard goes straight to that file's feeds.
+    void showImport(const QString &path = {});
     void showExport();
 
     /// The table of contents, or the page of a topic's number. F1 in a dialog shows the dialog's own.

@@ -29,6 +29,7 @@ constexpr int smallBandHeight = 22;
 constexpr int bigBandHeight = 46;
 const QString statePanel = u"state"_s;
 const QString progressPanel = u"progressbar"_s;
+const QString countPanel = u"glue"_s;
 
 } // namespace
 
@@ -118,7 +119,7 @@ void MainFrame::buildStatusBar()
 {
     stabPrinc->addPanel(statePanel, 500);
     stabPrinc->addPanel(progressPanel, 150);
-    stabPrinc->addPanel(u"glue"_s, 200, StatusBar::Panel::Glue);
+    stabPrinc->addPanel(countPanel, 200, StatusBar::Panel::Glue);
     prbChargement->setValue(50);
     prbChargement->hide();
     placeProgressBar();
@@ -219,6 +220,11 @@ void MainFrame::setToolbarSize(const QString &key)
 void MainFrame::setStatusText(const QString &text)
 {
     stabPrinc->setPanelText(statePanel, text);
+}
+
+void MainFrame::setCountText(const QString &text)
+{
+    stabPrinc->setPanelText(countPanel, text);
 }
 
 void MainFrame::showColumn(int column, bool shown)

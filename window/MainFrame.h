@@ -69,6 +69,9 @@ public:
     /// The text of the status panel "state".
     void setStatusText(const QString &text);
 
+    /// The text of the last status panel, "glue": how far something long has come.
+    void setCountText(const QString &text);
+
     /// Shows the column of that number, as wide as it was or as it is by default, or hides it.
     void showColumn(int column, bool shown);
 

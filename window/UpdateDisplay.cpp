@@ -25,6 +25,11 @@ UpdateDisplay::UpdateDisplay(Parts parts, QObject *parent) : QObject(parent), m_
     connect(&scheduler, &UpdateScheduler::ended, this, &UpdateDisplay::handleEnded);
     connect(&scheduler, &UpdateScheduler::allBegan, this, [this] { enableUpdateButton(false); });
     connect(&scheduler, &UpdateScheduler::allEnded, this, [this] { enableUpdateButton(true); });
+    connect(&scheduler, &UpdateScheduler::walkReached, this, [this](int place, int count) {
+        if (count > 1)
+            m_parts.frame.setCountText(QString::number(place) + u" / "_s + QString::number(count));
+    });
+    connect(&scheduler, &UpdateScheduler::walkEnded, this, [this] { m_parts.frame.setCountText({}); });
 }
 
 UpdateDisplay::~UpdateDisplay() = default;

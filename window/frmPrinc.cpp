@@ -8,10 +8,20 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QTimer>
 
 namespace {
 constexpr const char *tokenVariable = "XDG_ACTIVATION_TOKEN";
+
+/// The path in a text of the command line that names an OPML file, as a desktop hands it over: between double quotes.
+/// "" for every other text.
+QString opmlFileOf(const QString &text)
+{
+    const bool named = text.startsWith(u'"') && text.endsWith(".opml\""_L1, Qt::CaseInsensitive);
+    return named ? text.sliced(1, text.size() - 2) : QString();
 }
+
+} // namespace
 
 frmPrinc::frmPrinc(const LongLived &longLived, Desktop desktop, Dialogs::Outside outside)
     : m_longLived(longLived), m_desktop(std::move(desktop)), m_dialogs(dialogParts(), std::move(outside)),
@@ -109,7 +119,19 @@ void frmPrinc::showTrayIcon(bool shown)
 
 void frmPrinc::openCommandLine(const QString &text)
 {
-    m_opening.openCommandLine(text);
+    const QString path = opmlFileOf(text);
+    if (path.isEmpty())
+        m_opening.openCommandLine(text);
+    else // from the event loop: the start, or a second start that waits, isn't held up by a wizard
+        QTimer::singleShot(0, this, [this, path] { importFile(path); });
+}
+
+void frmPrinc::importFile(const QString &path)
+{
+    if (QApplication::activeModalWidget())
+        m_frame.setStatusText(u"Fermez la fenêtre ouverte, puis ouvrez à nouveau : "_s + path);
+    else
+        m_dialogs.showImport(path);
 }
 
 // --- The end

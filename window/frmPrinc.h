@@ -64,6 +64,7 @@ private:
     FeedOpening::Parts openingParts();
     void AddFeed(const std::shared_ptr<CachedFeed> &document, const QString &strURL);
     void openInSystemBrowser(const QString &url);
+    void importFile(const QString &path);
     void openIcon();
     void handleTrayDoubleClick();
 

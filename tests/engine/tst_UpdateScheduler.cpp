@@ -289,6 +289,38 @@ private Q_SLOTS:
         QCOMPARE(m_downloader->requests.size(), std::size_t(2));
     }
 
+    void aWalkTellsHowFarItIs()
+    {
+        m_catalogue->createFolder(m_tree->root(), u"D"_s); // 1
+        addFeed(2, {});
+        addFeed(3, {});
+        m_state->select(node(1));
+        addFeed(4, {});
+        addFeed(5, {});
+        QStringList told;
+        connect(m_scheduler.get(), &UpdateScheduler::walkReached, m_scheduler.get(),
+                [&](int place, int count) { told.append(u"%1/%2"_s.arg(place).arg(count)); });
+        connect(m_scheduler.get(), &UpdateScheduler::walkEnded, m_scheduler.get(), [&] { told.append(u"end"_s); });
+        const auto tellings = [&told] { return std::exchange(told, {}).join(u' '); };
+        m_scheduler->updateAllFeeds();
+        QCOMPARE(tellings(), u"1/4 2/4 3/4 4/4 end"_s);
+        m_scheduler->updateFolder(node(1));
+        QCOMPARE(tellings(), u"1/2 2/2 end"_s);
+        setUpdated(3, m_now.addDays(1));
+        m_now = m_now.addSecs(7200);
+        m_scheduler->handleUpdateTick();
+        QCOMPARE(tellings(), u"1/3 2/3 3/3 end"_s);
+        m_scheduler->handleUpdateTick();
+        QCOMPARE(tellings(), QString());
+        m_now = m_now.addSecs(7200);
+        m_duringWait = [this] {
+            if (m_downloader->isRunning())
+                m_scheduler->stop();
+        };
+        m_scheduler->updateAllFeeds();
+        QCOMPARE(tellings(), u"1/4"_s);
+    }
+
     void aDayOfTwoHundredFeeds()
     {
         constexpr int feeds = 200;

@@ -13,6 +13,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTimer>
+#include <QTreeWidget>
 
 /// Ways through the dialogs of the real window, from the menu to what is left behind.
 class tst_DialogJourneys : public QObject
@@ -105,6 +106,32 @@ private Q_SLOTS:
         QCOMPARE(statusText(), u"Importation terminée\u00a0: 1 flux ajouté, 1 sans réponse, 1 illisible"_s);
         QCOMPARE(m_fixture->feedTree().root()->children().size(), std::size_t(1));
         QCOMPARE(m_fixture->messages.shown.size(), 1U);
+    }
+
+    void anOpmlFileOfTheCommandLineOpensTheImportAtItsFeeds()
+    {
+        m_fixture->data.write(u"A b.OPML"_s, "<opml><head><title/></head><body><outline text=\"A\" "
+                                             "xmlUrl=\"http://h/a\"/></body></opml>");
+        QStringList seen;
+        QTimer look;
+        connect(&look, &QTimer::timeout, &look, [&] {
+            const auto *dialog = qobject_cast<frmImport *>(QApplication::activeModalWidget());
+            const auto *feeds = dialog ? dialog->findChild<QTreeWidget *>() : nullptr;
+            if (!feeds || feeds->topLevelItemCount() == 0)
+                return;
+            look.stop();
+            m_fixture->window->openCommandLine(u"\"/other.opml\""_s); // no second wizard over the first
+            QCoreApplication::processEvents();
+            seen = {feeds->isVisible() ? feeds->topLevelItem(0)->text(0) : QString(), statusText().right(11)};
+            while (const auto *open = qobject_cast<QDialog *>(QApplication::activeModalWidget()))
+                press(*open, "cmdAnnuler");
+        });
+        look.start(1);
+        m_fixture->start(u'"' + m_fixture->data.file(u"A b.OPML"_s) + u'"');
+        QTRY_COMPARE(seen, (QStringList{u"A"_s, u"/other.opml"_s}));
+        QVERIFY(!QApplication::activeModalWidget());
+        QVERIFY(m_fixture->messages.shown.empty());
+        QCOMPARE(m_fixture->control<AddressBox>("txtURL")->text(), u"http://"_s);
     }
 
     void aFeedLinkOfAPageComesBackToTheAddressBox()
