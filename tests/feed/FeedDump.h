@@ -3,6 +3,7 @@
 #pragma once
 
 #include "engine/feed/CachedFeed.h"
+#include "platform/DateText.h"
 #include "platform/Literals.h"
 
 #include <QByteArray>
@@ -84,6 +85,17 @@ inline QStringList all(const CachedFeed &feed)
         addItem(lines, feed, index);
     }
     return lines;
+}
+
+/// Of each item its title and its marks.
+inline QString marks(const CachedFeed &feed)
+{
+    QStringList items;
+    for (qint16 i = 0; i < feed.ItemCount(); ++i)
+        items += feed.ItemTitle(i) + (feed.IsItemRead(i) ? " read"_L1 : ""_L1) +
+                 (feed.IsItemDeleted(i) ? " deleted "_L1 : " "_L1) +
+                 DateText::fromText(feed.ItemDownloadDate(i)).toUTC().toString(Qt::ISODate);
+    return items.join(", "_L1);
 }
 
 } // namespace FeedDump

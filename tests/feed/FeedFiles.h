@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "platform/Files.h"
+#include "platform/Literals.h"
+
+#include <QByteArrayList>
+#include <QDateTime>
+#include <QFile>
+#include <QTemporaryDir>
+
+/// The text of a file of this folder's data.
+inline QString textOfData(const QString &name)
+{
+    return QString::fromUtf8(Files::read(QString::fromUtf8(TEST_DATA_DIR "/") + name).bytes);
+}
+
+/// A case of a file of this folder's data: its name behind "===", then its documents, with a line "---" between them.
+struct FeedCase
+{
+    QString name;
+    QByteArrayList documents;
+};
+
+inline QList<FeedCase> readCases(const QString &file)
+{
+    QList<FeedCase> cases;
+    for (const QString &line : textOfData(file).split(u'\n'))
+        if (line.startsWith("=== "_L1))
+            cases.append({line.mid(4), {{}}});
+        else if (line == "---"_L1)
+            cases.last().documents.append(QByteArray());
+        else
+            cases.last().documents.last() += line.toUtf8() + '\n';
+    return cases;
+}
+
+/// A document of RSS 2.0 with that between the tags of its channel.
+inline QByteArray rss(const QByteArray &channel, const QByteArray &before = {})
+{
+    return before + "<rss version=\"2.0\"><channel>" + channel + "</channel></rss>";
+}
+
+/// The files of a test, in a folder that goes with it.
+class FeedFiles final
+{
+public:
+    QString path(const char *name) const { return m_directory.filePath(QLatin1String(name)); }
+
+    /// The path of the file, which then holds these bytes since the first day of 2004. It isn't
+    /// waited for until they are on the disk.
+    QString write(const char *name, const QByteArray &bytes) const
+    {
+        QFile file(path(name));
+        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+            qFatal("A file of the test can't be written.");
+        file.flush();
+        file.setFileTime(QDateTime({2004, 1, 1}, {12, 0}, Qt::UTC), QFileDevice::FileModificationTime);
+        return path(name);
+    }
+    QString writeSample(const char *name, const char *sample) const
+    {
+        return write(name, Files::read(QString::fromUtf8(SAMPLES_DIR "/") + QLatin1String(sample)).bytes);
+    }
+    QByteArray read(const char *name) const { return Files::read(path(name)).bytes; }
+
+private:
+    QTemporaryDir m_directory;
+};

@@ -1,0 +1,273 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "tests/feed/FeedDump.h"
+#include "tests/feed/FeedFiles.h"
+
+#include <QHash>
+#include <QSet>
+#include <QTest>
+
+#include <algorithm>
+
+namespace {
+
+/// Where a text stands in a document, as data/fields.txt says it.
+struct Place
+{
+    QString scope; ///< "ROOT", "CHANNEL", "ITEM", or "ATTRIBUTES" for those of the channel's own
+    QString element;
+    QString child;
+    QString attribute;
+    bool joined = false;
+
+    Place(QString text, bool ofItem) : scope(ofItem ? u"ITEM"_s : u"CHANNEL"_s), joined(text.endsWith(u'+'))
+    {
+        if (joined)
+            text.chop(1);
+        if (text.startsWith(u'/')) {
+            scope = u"ROOT"_s;
+            text.remove(0, 1);
+        }
+        attribute = text.section(u'@', 1);
+        element = text.section(u'@', 0, 0).section(u'/', 0, 0);
+        child = text.section(u'@', 0, 0).section(u'/', 1);
+        if (element.isEmpty())
+            scope = u"ATTRIBUTES"_s;
+    }
+
+    QString elementName() const { return scope + u' ' + element.section(u'[', 0, 0); }
+    QString name() const { return scope + u' ' + element + u'/' + child + u'@' + attribute; }
+};
+
+struct Field
+{
+    QString name;
+    QList<Place> places; ///< in order of preference
+};
+
+struct Format
+{
+    QString name;
+    QString version;
+    QString document;
+    QList<Field> fields = {};
+
+    QList<Place> places() const
+    {
+        QList<Place> all;
+        for (const Field &field : fields)
+            all += field.places;
+        return all;
+    }
+};
+
+QList<Format> readTable()
+{
+    QList<Format> formats;
+    for (const QString &line : textOfData(u"fields.txt"_s).split(u'\n')) {
+        QStringList words = line.split(u' ');
+        const QString name = words.takeFirst();
+        if (name == "format"_L1) {
+            formats.append({words[0], words[1], words.mid(2).join(u' ')});
+        } else if (!name.isEmpty() && name != "#"_L1) {
+            Field field{name, {}};
+            for (const QString &word : words)
+                field.places.append(Place(word, name.startsWith("Item"_L1)));
+            formats.last().fields.append(field);
+        }
+    }
+    return formats;
+}
+
+/// A document in which places hold a text each, and what it has to say by the table.
+class Filled
+{
+public:
+    /// The first `empty` places hold nothing. With two copies every element is followed by one of its kind.
+    Filled(const Format &format, const QList<Place> &places, qsizetype empty = 0, int copies = 1)
+        : m_format(format), m_places(places), m_copies(copies)
+    {
+        for (const Place &place : places) {
+            const bool isNumber =
+                place.child == "width"_L1 || place.child == "height"_L1 || place.attribute == "length"_L1;
+            const QString number = QString::number(100 + m_texts.size());
+            m_texts.insert(place.name(), m_texts.size() < empty ? QString()
+                                         : isNumber             ? number
+                                                                : u"http://e.example/"_s + number);
+        }
+    }
+
+    QByteArray document() const
+    {
+        QHash<QString, QString> parts{{u"NAMESPACES"_s, u"xmlns:r='http://www.w3.org/1999/02/22-rdf-syntax-ns#'"
+                                                        " xmlns:dc='http://purl.org/dc/elements/1.1/'"
+                                                        " xmlns:content='http://purl.org/rss/1.0/modules/content/'"_s}};
+        QStringList done;
+        for (const Place &place : m_places) {
+            const QString element = place.scope + place.element;
+            if (place.element.isEmpty())
+                parts[place.scope] += attributeTag(place, 0);
+            else if (!done.contains(element))
+                for (int copy = 0; copy < m_copies; ++copy)
+                    parts[place.scope] += elementTags(place, copy);
+            done.append(element);
+        }
+        QString text = m_format.document;
+        for (const char *part : {"NAMESPACES", "ATTRIBUTES", "ROOT", "CHANNEL", "ITEM"})
+            text.replace(QLatin1String(part), parts.value(QLatin1String(part)));
+        return text.toUtf8();
+    }
+
+    QString dump() const
+    {
+        QStringList used, lines{u"Version: "_s + m_format.version};
+        for (const char *prefix : {"content", "dc"})
+            if (std::ranges::any_of(m_places, [&](const Place &place) {
+                    return place.element.startsWith(QLatin1String(prefix) + u':');
+                }))
+                used.append(QLatin1String(prefix));
+        FeedDump::add(lines, "Has", used.join(u' '));
+        addTexts(lines, {},
+                 {"Title", "Link", "Description", "Language", "Copyright", "ManagingEditor", "WebMaster", "Ttl"});
+        addRecord(lines, "Image",
+                  {"ImageUrl", "ImageTitle", "ImageLink", "ImageWidth", "ImageHeight", "ImageDescription"});
+        lines << u"Items: 1"_s << u"Item: 0"_s;
+        addTexts(lines, "Item", {"Title", "Link", "Description"});
+        addRecord(lines, "Source", {"ItemSourceName", "ItemSourceUrl"});
+        addRecord(lines, "Enclosure", {"ItemEnclosureUrl", "ItemEnclosureType", "ItemEnclosureLength"});
+        addTexts(lines, "Item", {"Category", "Author", "Comments", "PubDate"});
+        return lines.join(u'\n');
+    }
+
+private:
+    QString copyOf(const Place &place, int copy) const
+    {
+        const QString text = m_texts.value(place.name());
+        return text.isEmpty() ? text : text + QString(copy, u'9');
+    }
+
+    QString attributeTag(const Place &place, int copy) const
+    {
+        return u' ' + place.attribute + u"='"_s + copyOf(place, copy) + u'\'';
+    }
+
+    /// The element of the place, with all that other places put into it.
+    QString elementTags(const Place &first, int copy) const
+    {
+        const QString local = first.element.section(u'[', 0, 0);
+        QString attributes = first.element.mid(local.size());
+        attributes.replace(u'[', u' ').remove(u']');
+        QString content;
+        for (const Place &place : m_places)
+            if (place.scope != first.scope || place.element != first.element)
+                continue;
+            else if (!place.attribute.isEmpty())
+                attributes += attributeTag(place, copy);
+            else if (place.child.isEmpty())
+                content += copyOf(place, copy);
+            else
+                content += u'<' + place.child + u'>' + copyOf(place, copy) + u"</"_s + place.child + u'>';
+        return u'<' + local + attributes + u'>' + content + u"</"_s + local + u'>';
+    }
+
+    /// What the first place says that says anything.
+    QString text(const QString &name) const
+    {
+        for (const Field &field : m_format.fields)
+            for (const Place &place : field.places)
+                if (field.name == name && !copyOf(place, 0).isEmpty())
+                    return copyOf(place, 0) + (place.joined && m_copies > 1 ? u", "_s + copyOf(place, 1) : QString());
+        return {};
+    }
+
+    void addTexts(QStringList &lines, const char *of, std::initializer_list<const char *> fields) const
+    {
+        for (const char *field : fields)
+            FeedDump::add(lines, field, text(QLatin1String(of) + QLatin1String(field)));
+    }
+
+    /// A line of several fields; none where the address is empty, or, where the name may stand alone, both are.
+    void addRecord(QStringList &lines, const char *name, std::initializer_list<const char *> fields) const
+    {
+        QStringList texts;
+        for (const QByteArray field : fields) {
+            const char *none = field.startsWith("Image") ? "-1" : "0";
+            const bool isNumber = field.endsWith("Width") || field.endsWith("Height") || field.endsWith("Length");
+            const QString found = text(QString::fromLatin1(field));
+            texts.append(found.isEmpty() && isNumber ? QLatin1String(none) : found);
+        }
+        if (!texts[0].isEmpty() || (texts.size() == 2 && !texts[1].isEmpty()))
+            lines.append(QLatin1String(name) + u": "_s + texts.join(", "_L1));
+    }
+
+    const Format &m_format;
+    QList<Place> m_places;
+    int m_copies;
+    QHash<QString, QString> m_texts;
+};
+
+} // namespace
+
+/// That every field of every format is read from the places that the table names, in their order, and from no other.
+class tst_FeedFields : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyFieldComesFromItsPlaces_data()
+    {
+        QTest::addColumn<QByteArray>("document");
+        QTest::addColumn<QString>("dump");
+        const QList<Format> formats = readTable();
+        QCOMPARE(formats.size(), 5);
+        for (const Format &format : formats) {
+            const auto row = [&](const QString &name, const Filled &filled) {
+                QTest::newRow(qPrintable(format.name + u' ' + name)) << filled.document() << filled.dump();
+            };
+            for (const Field &field : format.fields) {
+                QList<Place> reversed = field.places;
+                std::ranges::reverse(reversed);
+                row(field.name + u" of all places"_s, Filled(format, field.places));
+                row(field.name + u" of all places, the last first"_s, Filled(format, reversed));
+                for (qsizetype i = 0; i < field.places.size(); ++i) {
+                    row(field.name + u" of place "_s + QString::number(i), Filled(format, {field.places[i]}));
+                    row(field.name + u" where so many are empty: "_s + QString::number(i),
+                        Filled(format, field.places, i));
+                }
+            }
+            QList<Place> all = format.places();
+            row(u"all fields"_s, Filled(format, all));
+            row(u"all fields, each element twice"_s, Filled(format, all, 0, 2));
+            std::ranges::reverse(all);
+            row(u"all fields, the last first"_s, Filled(format, all));
+            const auto isForeign = [&all](const Place &place) {
+                return std::ranges::none_of(all, [&](const Place &known) {
+                    return known.elementName() == place.elementName() || known.name() == place.name();
+                });
+            };
+            QList<Place> foreign;
+            QSet<QString> names;
+            for (const Format &other : formats)
+                for (const Place &place : other.places())
+                    if (isForeign(place) && !names.contains(place.name())) {
+                        foreign.append(place);
+                        names.insert(place.name());
+                    }
+            row(u"the places of other formats"_s, Filled(format, foreign));
+        }
+    }
+
+    void everyFieldComesFromItsPlaces()
+    {
+        QFETCH(const QByteArray, document);
+        CachedFeed feed;
+        QCOMPARE(feed.Load(m_files.write("feed.xml", document)), LoadOk);
+        QTEST(FeedDump::all(feed).join(u'\n'), "dump");
+    }
+
+private:
+    FeedFiles m_files;
+};
+
+QTEST_GUILESS_MAIN(tst_FeedFields)
+#include "tst_FeedFields.moc"
