@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "controls/UpDown.h"
 #include "core/AppSettings.h"
 #include "core/FeedTables.h"
 #include "dialogs/frmAbout.h"
@@ -17,14 +16,15 @@
 #include "platform/Literals.h"
 #include "platform/MailSender.h"
 #include "support/clsDES.h"
+#include "tests/dialogs/DialogDump.h"
 #include "tests/fixtures/FakeDownloader.h"
 #include "tests/fixtures/FakeMessages.h"
+#include "tests/fixtures/Golden.h"
+#include "tests/fixtures/TemporaryDataDirectory.h"
 
 #include <QAbstractButton>
-#include <QAccessible>
 #include <QApplication>
 #include <QComboBox>
-#include <QFile>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -39,7 +39,7 @@ constexpr const char *dialogNames[] = {"frmImport",  "frmExport",   "frmRecherch
 
 } // namespace
 
-/// What holds for the looks of every dialog. Its controls stand in data/controls.txt, a line each.
+/// What holds for the looks of every dialog. Its controls and their places stand in data/controls.txt, a line each.
 class DialogLayoutTest : public QObject
 {
     Q_OBJECT
@@ -50,11 +50,12 @@ private Q_SLOTS:
     void noTextIsCut_data();
     void noTextIsCut();
     void everyControlIsAsInTheTable();
+    void longTextsAreShownInTime();
 
 private:
     std::unique_ptr<QDialog> make(const QString &name);
+    void setFontScale(double scale) const;
     void checkTexts(const QWidget &dialog) const;
-    static QString told(const QDialog &dialog);
 
     QFont m_font = QApplication::font();
     QWidget m_window;
@@ -100,6 +101,13 @@ std::unique_ptr<QDialog> DialogLayoutTest::make(const QString &name)
     return std::make_unique<frmAbout>(window, frmAbout::OpenInSystemBrowser());
 }
 
+void DialogLayoutTest::setFontScale(double scale) const
+{
+    QFont font = m_font;
+    font.setPointSizeF(font.pointSizeF() * scale);
+    QApplication::setFont(font);
+}
+
 /// Every label and button on show has the room that it asks for, and lies within its dialog.
 void DialogLayoutTest::checkTexts(const QWidget &dialog) const
 {
@@ -141,9 +149,7 @@ void DialogLayoutTest::noTextIsCut()
 {
     QFETCH(QString, name);
     QFETCH(double, scale);
-    QFont font = m_font;
-    font.setPointSizeF(font.pointSizeF() * scale);
-    QApplication::setFont(font);
+    setFontScale(scale);
     const std::unique_ptr<QDialog> dialog = make(name);
     dialog->setObjectName(name);
     dialog->show();
@@ -161,67 +167,37 @@ void DialogLayoutTest::noTextIsCut()
         }
 }
 
-/// A line for each control: its name, text and state.
-QString DialogLayoutTest::told(const QDialog &dialog)
-{
-    QString lines = u"["_s + dialog.windowTitle() + u"]\n"_s;
-    for (QWidget *const widget : dialog.findChildren<QWidget *>()) {
-        const auto *const button = qobject_cast<const QAbstractButton *>(widget);
-        const auto *const tabs = qobject_cast<const QTabBar *>(widget);
-        const auto *const list = qobject_cast<const QComboBox *>(widget);
-        const auto *const box = qobject_cast<const QLineEdit *>(widget);
-        const bool isOfTheUser = widget->objectName() == u"txtNom"_s;
-        const bool takesKeys = (widget->focusPolicy() & Qt::TabFocus) && !widget->focusProxy();
-        QAccessibleInterface *const accessible = QAccessible::queryAccessibleInterface(widget);
-        QStringList parts = {accessible->text(QAccessible::Name).simplified()};
-        if (qobject_cast<QTabBar *>(widget->parentWidget()) || qobject_cast<QComboBox *>(widget->parentWidget()))
-            continue;
-        for (int i = 0; tabs && i < tabs->count(); ++i)
-            parts += tabs->tabText(i);
-        for (int i = 0; list && i < list->count(); ++i)
-            parts += list->itemText(i);
-        if (box)
-            parts += (isOfTheUser ? u"the user's name"_s : u'"' + box->text() + u'"') +
-                     (box->echoMode() == QLineEdit::Password ? u" secret"_s : QString());
-        if (auto *const upDown = qobject_cast<UpDown *>(widget)) {
-            const int first = upDown->value();
-            upDown->stepBy(-9999);
-            const int least = upDown->value();
-            upDown->stepBy(1);
-            const int step = upDown->value() - least;
-            upDown->stepBy(9999);
-            parts += u"%1 in %2 to %3 by %4"_s.arg(first).arg(least).arg(upDown->value()).arg(step);
-        }
-        if (button && button->isChecked())
-            parts += u"checked"_s;
-        if (const auto *const push = qobject_cast<const QPushButton *>(widget); push && push->isDefault())
-            parts += u"default"_s;
-        if (!widget->isEnabledTo(&dialog))
-            parts += u"disabled"_s;
-        if (widget->isHidden())
-            parts += u"hidden"_s;
-        if (widget->property("readOnly").toBool())
-            parts += u"read only"_s;
-        if (takesKeys && parts.constFirst().isEmpty() && !tabs)
-            parts += u"NAMELESS"_s;
-        if (!parts.join(QString()).isEmpty() && (tabs || !widget->objectName().startsWith(u"qt_"_s)))
-            lines += widget->objectName() + u": "_s + parts.join(u" | "_s) + u'\n';
-    }
-    return lines;
-}
-
 void DialogLayoutTest::everyControlIsAsInTheTable()
 {
-    QString all;
-    for (const char *const name : dialogNames)
-        all += told(*make(QString::fromLatin1(name))) + u'\n';
-    QFile table(QString::fromUtf8(TEST_DATA_DIR "/controls.txt"));
-    QVERIFY(table.open(QIODevice::ReadOnly));
-    const QStringList are = all.split(u'\n');
-    const QStringList wanted = QString::fromUtf8(table.readAll()).split(u'\n');
-    for (qsizetype i = 0; i < are.size(); ++i)
-        QCOMPARE(are[i], wanted.value(i));
-    QCOMPARE(are.size(), wanted.size());
+    for (const double scale : {1.0, 1.5}) {
+        setFontScale(scale);
+        QString all;
+        for (const char *const name : dialogNames)
+            all += DialogDump::told(*make(QString::fromLatin1(name)));
+        QCOMPARE(differenceFromGolden(u"controls.txt"_s, all), QString());
+    }
+}
+
+void DialogLayoutTest::longTextsAreShownInTime()
+{
+    const auto shown = [](const QWidget &form, const char *name) {
+        const auto *const box = form.findChild<QPlainTextEdit *>(QString::fromLatin1(name));
+        return u"%1 %2"_s.arg(box->toPlainText().size()).arg(box->lineWrapMode());
+    };
+    for (const auto &[text, told] :
+         {std::pair<QString, QString>(QString(5000, u'a') + u' ' + QString(5000, u'a'), u"10001 1"_s),
+          std::pair<QString, QString>(QString(5001, u'a') + u" a"_s, u"5003 0"_s)})
+        QCOMPARE(
+            shown(frmSendMail(&m_window, m_settings, m_messages, text, Wait(), frmSendMail::MakeMail()), "txtContent"),
+            told);
+    const TemporaryDataDirectory data;
+    data.write(u"f.xml"_s, "<rss version=\"2.0\"><channel><title>t</title><description>" + "a "_ba.repeated(40000) +
+                               "</description></channel></rss>");
+    const auto feed = std::make_shared<CachedFeed>();
+    QCOMPARE(feed->Load(data.file(u"f.xml"_s)), LoadOk);
+    frmProprietes form(&m_window, {feed, true, {}, [] { return FeedNodePtr(); }, m_tables, m_cipher});
+    QVERIFY(form.fillFrom()); // read only: no more of it than a box can be asked to show
+    QCOMPARE(shown(form, "txtDescription"), u"65535 1"_s);
 }
 
 QTEST_MAIN(DialogLayoutTest)

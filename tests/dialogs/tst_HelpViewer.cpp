@@ -5,6 +5,8 @@
 #include "dialogs/HelpViewer.h"
 #include "platform/Files.h"
 #include "platform/Literals.h"
+#include "tests/dialogs/DialogDump.h"
+#include "tests/fixtures/Golden.h"
 
 #include <QAction>
 #include <QDialog>
@@ -12,6 +14,7 @@
 #include <QFileInfo>
 #include <QHelpContentWidget>
 #include <QHelpIndexWidget>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
@@ -19,6 +22,34 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QWindow>
+
+namespace {
+
+/// Keeps what was asked of it, as text.
+class FakeSystem final : public HelpSystem
+{
+public:
+    void htmlHelp(const QString &path, HelpCommand command, const HelpData &argument) override
+    {
+        QString data = u"nothing"_s;
+        if (const auto *const number = std::get_if<qint32>(&argument))
+            data = QString::number(*number);
+        if (const auto *const query = std::get_if<HelpQuery>(&argument))
+            data = u"%1 %2 %3 %4 %5 %6 %7 [%8]"_s.arg(query->size)
+                       .arg(query->unicode)
+                       .arg(query->text)
+                       .arg(query->proximity)
+                       .arg(query->stemmedSearch)
+                       .arg(query->titlesOnly)
+                       .arg(query->execute)
+                       .arg(query->window);
+        asked += u"[%1] %2 %3"_s.arg(path, QString::number(int(command)), data);
+    }
+
+    QStringList asked;
+};
+
+} // namespace
 
 class HelpViewerTest : public QObject
 {
@@ -34,17 +65,54 @@ private Q_SLOTS:
 
     void cleanup() { m_viewer.reset(); }
 
-    void contentsOpenOnTheStartPageAndTopicsByTheirNumber()
+    void requestsReachTheHelpSystemInItsForm()
+    {
+        FakeSystem system;
+        CHelp help(system);
+        help.Show(u" a.chm "_s, QString());
+        help.Show(u" a.chm "_s, u" W1 "_s, 7);
+        help.Show(u"a.chm"_s, u" "_s);
+        help.ShowIndex(u"a.chm"_s, u"W1"_s);
+        help.ShowSearch(u"a.chm"_s, u"W1"_s);
+        QCOMPARE(system.asked, QStringList({u"[ a.chm ] 1 nothing"_s, u"[a.chm>W1] 15 7"_s, u"[a.chm>] 1 nothing"_s,
+                                            u"[a.chm>W1] 2 0"_s, u"[a.chm>W1] 3 32 0 TEST 0 0 0 1 []"_s}));
+    }
+
+    void everyTopicHasItsPage()
     {
         CHelp help(*m_viewer);
-        help.Show(asked(), QString(), 2);
-        QCOMPARE(page(), u"premiers-pas.html"_s);
-        help.Show(asked(), QString(), 32000); // a number that no page bears
-        QCOMPARE(page(), u"index.html"_s);
-        help.Show(asked(), u"W1"_s);
+        QStringList pages;
+        for (int topic = 0; topic <= 27; ++topic) { // the first and the last are none
+            help.Show(asked(), QString(), topic);
+            pages += page().section(u'.', 0, 0);
+        }
+        QCOMPARE(pages.join(u' '),
+                 u"index index premiers-pas fenetre menus barres arbre liste page adresse mises-a-jour "
+                 "avis notification import export recherche proprietes options mail authentification "
+                 "a-propos messages clavier echanges fichiers demarrage formats index"_s);
+    }
+
+    void theWindowIsAsInTheTable()
+    {
+        CHelp(*m_viewer).Show(asked(), u"W1"_s);
         QCOMPARE(page(), u"index.html"_s);
         QCOMPARE(find<QTabWidget>("tabs")->currentIndex(), 0);
         QTRY_VERIFY(find<QHelpContentWidget>("contents")->model()->rowCount() > 0);
+        QCOMPARE(differenceFromGolden(u"help.txt"_s, DialogDump::told(*m_viewer)), QString());
+    }
+
+    void theContentsLeadToPages()
+    {
+        CHelp(*m_viewer).Show(asked(), QString(), 19);
+        auto *const contents = find<QHelpContentWidget>("contents");
+        QTRY_VERIFY(contents->model()->rowCount() > 0);
+        const QModelIndex book = contents->model()->index(0, 0);
+        QVERIFY(contents->isExpanded(book));
+        QTest::mouseClick(contents->viewport(), Qt::LeftButton, {}, contents->visualRect(book).center());
+        QCOMPARE(page(), u"index.html"_s);
+        QVERIFY(contents->hasFocus());
+        Q_EMIT contents->linkActivated(QUrl(u"qthelp://none/a.html"_s));
+        QCOMPARE(page(), u"a.html"_s);
     }
 
     void theIndexLeadsToPages()
@@ -60,14 +128,29 @@ private Q_SLOTS:
     void theSearchFindsPagesByTheirText()
     {
         CHelp(*m_viewer).ShowSearch(asked(), QString());
-        QCOMPARE(find<QTabWidget>("tabs")->currentIndex(), 2);
-        QCOMPARE(find<QLineEdit>("query")->text(), u"TEST"_s);
-        find<QLineEdit>("query")->setText(u"authentification"_s);
-        find<QPushButton>("search")->click();
         auto *const results = find<QListWidget>("results");
-        QTRY_VERIFY_WITH_TIMEOUT(results->count() > 0, 20000);
-        Q_EMIT results->itemActivated(results->item(0));
-        QVERIFY(find<HelpBrowser>("page")->toPlainText().contains(u"authentification"_s, Qt::CaseInsensitive));
+        auto *const query = find<QLineEdit>("query");
+        const auto state = [this] { return find<QLabel>("state")->text(); };
+        const auto settled = [&] { return state() != u"Recherche en cours..."_s; };
+        QCOMPARE(find<QTabWidget>("tabs")->currentIndex(), 2);
+        QCOMPARE(query->text(), u"TEST"_s);
+        QVERIFY(!settled()); // the text of the pages is indexed first
+        QTRY_VERIFY_WITH_TIMEOUT(settled(), 20000);
+        QCOMPARE(state(), u"Aucune page trouvée"_s);
+        query->setText(u" authentification "_s);
+        find<QPushButton>("search")->click();
+        QVERIFY(!settled());
+        QTRY_VERIFY(settled());
+        QCOMPARE(state(), u"Pages trouvées : "_s + QString::number(results->count()));
+        QVERIFY(results->count() > 0 && !results->item(0)->text().isEmpty());
+        for (const bool byClick : {true, false}) {
+            find<HelpBrowser>("page")->setSource(QUrl());
+            byClick ? Q_EMIT results->itemClicked(results->item(0)) : Q_EMIT results->itemActivated(results->item(0));
+            QVERIFY(find<HelpBrowser>("page")->toPlainText().contains(u"authentification"_s, Qt::CaseInsensitive));
+        }
+        query->setText(u" "_s);
+        QTest::keyClick(query, Qt::Key_Return);
+        QCOMPARE(results->count(), 0);
     }
 
     void linksAreFollowedBackAndForwardAndHandedOverWhenTheyLeadOut()
