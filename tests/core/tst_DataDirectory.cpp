@@ -3,12 +3,21 @@
 #include "core/DataDirectory.h"
 #include "platform/Files.h"
 #include "platform/Literals.h"
-#include "platform/RunTimeError.h"
+#include "tests/fixtures/RunTimeErrors.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
+
+namespace {
+
+QByteArray carried(const QString &name)
+{
+    return Files::read(u":/data/"_s + name).bytes;
+}
+
+} // namespace
 
 class DataDirectoryTest : public QObject
 {
@@ -26,33 +35,44 @@ private Q_SLOTS:
     {
         const DataDirectory chosen = DataDirectory::ofProgram(m_folder->path());
         QCOMPARE(chosen.path(), m_folder->filePath(u"home/share/quillwire"_s));
-        QVERIFY(QDir(chosen.file(u"feeds"_s)).exists());
-        for (const char *name : {"feeds.xml", "home.htm", "style.css", "slien.gif"}) {
-            const QByteArray carried = Files::read(u":/data/"_s + QLatin1String(name)).bytes;
-            QVERIFY2(!carried.isEmpty(), name);
-            QCOMPARE(Files::read(chosen.file(QLatin1String(name))).bytes, carried);
+        QCOMPARE(QDir(chosen.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+                 (QStringList{u"feeds"_s, u"feeds.xml"_s, u"home.htm"_s, u"slien.gif"_s, u"style.css"_s}));
+        for (const QString &name : {u"feeds.xml"_s, u"home.htm"_s, u"style.css"_s, u"slien.gif"_s})
+            QCOMPARE(Files::read(chosen.file(name)).bytes, carried(name));
+        const QFile::Permissions others = QFile::ReadGroup | QFile::ExeGroup | QFile::ReadOther | QFile::ExeOther;
+        for (const QString &made : {chosen.path(), chosen.file(u"feeds"_s)}) { // passwords lie there
+            QCOMPARE(QFile::permissions(made) & others, QFile::Permissions());
+            QVERIFY(QFileInfo(made).isWritable() && QFileInfo(made).isExecutable());
         }
-        QVERIFY(!Files::exists(chosen.file(u"params.xml"_s)));
         QCOMPARE(chosen.cacheFile(u"12"_s), QString(chosen.path() + u"/feeds/12.xml"_s));
     }
 
     void aPageOfAnEarlierVersionGivesWayAndOneOfTheUsersDoesNot()
     {
         const DataDirectory chosen = DataDirectory::ofProgram(m_folder->path());
-        const QString style = chosen.file(u"style.css"_s);
-        const QByteArray today = Files::read(style).bytes;
-        const QByteArray earlier = Files::read(QString::fromUtf8(TEST_DATA_DIR "/style-3.1.0.css")).bytes;
-        QVERIFY(!earlier.isEmpty() && earlier != today);
-        for (const QByteArray &end : {QByteArray(), QByteArray("\n")}) {
-            Files::write(style, earlier + end);
+        const QDir earlier(QStringLiteral(TEST_DATA_DIR "/earlier"));
+        QCOMPARE(earlier.count(), 2U + 4U);
+        for (const QString &name : earlier.entryList(QDir::Files)) {
+            const QString page = name.section(u'-', 0, 0) + u'.' + name.section(u'.', -1);
+            const QByteArray before = Files::read(earlier.filePath(name)).bytes;
+            QVERIFY(before != carried(page));
+            for (const QByteArray &end : {QByteArray(), QByteArray("\n"), QByteArray(70000, ' ')}) {
+                Files::write(chosen.file(page), before + end);
+                DataDirectory::ofProgram(m_folder->path());
+                QCOMPARE(Files::read(chosen.file(page)).bytes, end.isEmpty() ? carried(page) : before + end);
+            }
+            const QString link = chosen.file(page); // a user's own, whatever it leads to
+            Files::write(m_folder->filePath(name), before);
+            QVERIFY(QFile::remove(link) && QFile::link(m_folder->filePath(name), link));
             DataDirectory::ofProgram(m_folder->path());
-            QCOMPARE(Files::read(style).bytes, end.isEmpty() ? today : earlier + end);
+            QVERIFY(QFileInfo(link).isSymLink() && Files::read(link).bytes == before);
+            QFile::remove(link);
         }
     }
 
     void onlyAFirstStartMakesACatalogue()
     {
-        for (const QString &there : {u"params.xml"_s, u"feeds/7.xml"_s}) {
+        for (const QString &there : {u"params.xml"_s, u"feeds/7.xml"_s, u"feeds/.7"_s}) {
             init();
             DataDirectory chosen = DataDirectory::ofProgram(m_folder->path());
             QFile::remove(chosen.file(u"feeds.xml"_s));
@@ -66,17 +86,19 @@ private Q_SLOTS:
     void whatAKillLeftBehindIsSwept()
     {
         const DataDirectory chosen = DataDirectory::ofProgram(m_folder->path());
-        const QStringList left = {u"feeds.xml.AbCdEf"_s, u"params.xml.xxXxxx"_s, u"tmpupd.xml.zZZZZZ"_s,
+        const QStringList left = {u"feeds.xml.AbCdEf"_s,   u"params.xml.xxXxxx"_s, u"tmp.xml.aBcdef"_s,
+                                  u"tmpupd.xml.zZZZZZ"_s,  u"tmp.opml.abcdeF"_s,   u"tmp.htm.ABcdef"_s,
+                                  u"home.htm.aBackp"_s,    u"style.css.AbCdEf"_s,  u"slien.gif.AbCdEf"_s,
                                   u"feeds/12.xml.QwErTy"_s};
-        const QStringList kept = {u"feeds.xml.backup"_s, u"feeds.xml.Backup"_s, u"notes.AbCdEf"_s, u"feeds/12.xml.1"_s,
-                                  u"feeds/mine.xml.AbCdEf"_s};
+        const QStringList kept = {u"feeds.xml.backup"_s, u"feeds.xml.BACKUP"_s,     u"feeds.xml.Backup"_s,
+                                  u"feeds.xml.BackUp"_s, u"feeds.xml.backUp"_s,     u"feeds.xml.AbCdE"_s,
+                                  u"tmp.xml.AbCdEfg"_s,  u"my.feeds.xml.AbCdEf"_s,  u"notes.AbCdEf"_s,
+                                  u"feeds/12.xml.1"_s,   u"feeds/mine.xml.AbCdEf"_s};
         for (const QString &name : left + kept)
             Files::write(chosen.file(name), "half");
         chosen.sweepLeftovers();
-        for (const QString &name : left)
-            QVERIFY2(!Files::exists(chosen.file(name)), qPrintable(name));
-        for (const QString &name : kept)
-            QVERIFY2(Files::exists(chosen.file(name)), qPrintable(name));
+        for (const QString &name : left + kept)
+            QVERIFY2(Files::exists(chosen.file(name)) == kept.contains(name), qPrintable(name));
     }
 
     void aFolderWithACatalogueIsPortable()
@@ -108,9 +130,10 @@ private Q_SLOTS:
     {
         const QString file = m_folder->filePath(u"file"_s);
         Files::write(file, "x");
-        for (const QString &place : {file, QString(file + u"/below"_s)}) {
+        for (const auto &[place, error] : {std::pair(file, RunTimeError::pathNotFound()),
+                                           std::pair(QString(file + u"/below"_s), RunTimeError::permissionDenied())}) {
             qputenv("QUILLWIRE_DATA", place.toUtf8());
-            QVERIFY_EXCEPTION_THROWN(DataDirectory::ofProgram(m_folder->path()), RunTimeError);
+            QCOMPARE(errorOf([this] { DataDirectory::ofProgram(m_folder->path()); }), error.number());
         }
     }
 

@@ -2,62 +2,85 @@
 
 #include "core/SettingsFile.h"
 #include "platform/Literals.h"
-#include "platform/RunTimeError.h"
-#include "platform/xml/XmlDocument.h"
 #include "tests/fixtures/FakeMessages.h"
+#include "tests/fixtures/Golden.h"
+#include "tests/fixtures/RunTimeErrors.h"
 #include "tests/fixtures/TemporaryDataDirectory.h"
 
+#include <QRegularExpression>
 #include <QTest>
-
-#include <tuple>
+#include <QVariant>
 
 namespace {
-
-const QByteArray leastItems = "<items><read time='3000'/><new notify='true'><sound path='s.wav'/></new></items>";
-
-/// Every setting has a value of its own, in the form in which files are written.
-const QByteArray full =
-    "<?xml version=\"1.0\"?>\n<Quillwire><params other=\"kept\"><!-- mine --><extra/><start mode=\"Minimisé\" "
-    "update=\"1\" z=\"1\"/><mails smtpserver=\"s\" smtpport=\"2525\" frommail=\"a@b\" fromname=\"Ö &quot;&lt;&amp;&gt;"
-    "&quot;\"/><window officestyle=\"0\" toolbars=\"big\"><dimension width=\"801\" height=\"602\"/><screencoord "
-    "x=\"-3\" "
-    "y=\"4\"/><split horizontal=\"205\" vertical=\"106.5\"/><rebar><Bands count=\"1\"><Band id=\"1\" data=\"ToolBar\" "
-    "left=\"7\" right=\"8\"/></Bands></rebar></window><lview><hcolumn name=\"Category\" width=\"16\"/><hcolumn "
-    "name=\"Extra\" width=\"9\"/><hcolumn name=\"Title\" width=\"11\"/><hcolumn name=\"Author\" width=\"0\"/><hcolumn "
-    "name=\"Date\" width=\"13\"/><hcolumn name=\"Downloaded\" width=\"14\"/></lview><items><read time=\"-5000\"/><new "
-    "notify=\"false\"><sound path=\"C:\\été.wav\"/></new></items></params></Quillwire>\n";
 
 QByteArray templateBytes()
 {
     return Files::read(u":/data/params.xml"_s).bytes;
 }
 
-QByteArray params(const QByteArray &inner)
+/// Every setting has a value of its own.
+QByteArray full()
 {
-    return "<?xml version='1.0'?><Quillwire><params>" + inner + "</params></Quillwire>";
+    return Files::read(QStringLiteral(TEST_DATA_DIR "/settings-full.xml")).bytes;
 }
 
-/// All settings in a line; of the bars' layout the place of the tool bar.
+const QString failureText = u"Erreur lors du chargement du fichier de configuration"_s;
+
+/// A setting a line.
 QString told(const AppSettings &settings)
 {
-    const QString bars = settings.rebarLayout.section(u"data=\"ToolBar\" "_s, 1).section(u" right"_s, 0, 0);
-    QString line = settings.startMode + u'|' + settings.smtpServer + u'|' + settings.fromMail + u'|' +
-                   settings.fromName + u'|' + QString(bars).remove(u'"') + u'|' + settings.soundPath;
-    for (const int number :
-         {int(settings.updateAtStart), int(settings.officeStyle), int(settings.smallToolbars), int(settings.notifyNew),
-          int(settings.smtpPort), int(settings.windowWidth), int(settings.windowHeight), int(settings.windowX),
-          int(settings.windowY), int(settings.splitHorizontal), int(settings.splitVertical), int(settings.readDelay)})
-        line += u' ' + QString::number(number);
-    for (std::size_t i = 1; i <= 6; ++i) {
-        line += u" %1/%2"_s.arg(settings.columnWidth[i]).arg(settings.columnWidthInt[i]);
-        line += u'/' + QString::number(settings.columnDefaultWidth[i]);
-    }
-    return line;
+    QList<QPair<QString, QVariant>> fields = {{u"startMode"_s, settings.startMode},
+                                              {u"updateAtStart"_s, settings.updateAtStart},
+                                              {u"smtpServer"_s, settings.smtpServer},
+                                              {u"smtpPort"_s, settings.smtpPort},
+                                              {u"fromName"_s, settings.fromName},
+                                              {u"fromMail"_s, settings.fromMail},
+                                              {u"officeStyle"_s, settings.officeStyle},
+                                              {u"smallToolbars"_s, settings.smallToolbars},
+                                              {u"windowWidth"_s, settings.windowWidth},
+                                              {u"windowHeight"_s, settings.windowHeight},
+                                              {u"windowX"_s, settings.windowX},
+                                              {u"windowY"_s, settings.windowY},
+                                              {u"splitHorizontal"_s, settings.splitHorizontal},
+                                              {u"splitVertical"_s, settings.splitVertical},
+                                              {u"readDelay"_s, settings.readDelay},
+                                              {u"notifyNew"_s, settings.notifyNew},
+                                              {u"soundPath"_s, settings.soundPath},
+                                              {u"rebarLayout"_s, settings.rebarLayout}};
+    const QString widths = u"%1, in whole twips %2, by default %3"_s;
+    for (std::size_t i = 0; i < settings.columnWidth.size(); ++i)
+        fields.append(
+            {u"column %1"_s.arg(i),
+             widths.arg(settings.columnWidth[i]).arg(settings.columnWidthInt[i]).arg(settings.columnDefaultWidth[i])});
+    QString lines;
+    for (const auto &[name, value] : fields)
+        lines += name + u": "_s + value.toString() + u'\n';
+    return lines;
 }
 
-QString failureText()
+/// `text` with one element or attribute left out, or an attribute given an odd value, and what that is called.
+QList<QPair<QString, QString>> alterations(const QString &text)
 {
-    return u"Erreur lors du chargement du fichier de configuration"_s;
+    static const QRegularExpression tag(u"<(\\w+)[^>]*>"_s);
+    static const QRegularExpression attribute(u" (\\w+)=\"[^\"]*\""_s);
+    QList<QPair<QString, QString>> altered;
+    for (const QRegularExpressionMatch &element : tag.globalMatch(text)) {
+        const QString name = element.captured(1);
+        const QString close = element.captured().endsWith("/>"_L1) ? u"/>"_s : u"</"_s + name + u'>';
+        const qsizetype end = text.indexOf(close, element.capturedStart()) + close.size();
+        altered.append({name, text.left(element.capturedStart()) + text.mid(end)});
+        for (const QRegularExpressionMatch &inner : attribute.globalMatch(element.captured())) {
+            const QString called = inner.captured(1);
+            const auto with = [&](const QString &other) {
+                QString whole = text;
+                return whole.replace(element.capturedStart() + inner.capturedStart(), inner.capturedLength(), other);
+            };
+            altered.append({name + u' ' + called, with({})});
+            for (const QString &value : {u"True"_s, u"2.5"_s, u"40000"_s})
+                altered.append({u"%1 %2=%3"_s.arg(name, called, value), with(u" %1=\"%2\""_s.arg(called, value))});
+        }
+    }
+    return altered;
 }
 
 } // namespace
@@ -75,47 +98,41 @@ private Q_SLOTS:
 
     void eachFileGivesItsSettings()
     {
-        // The file, the twips of a pixel across and down, and the settings.
-        const QList<std::tuple<QByteArray, double, double, QString>> rows = {
-            {templateBytes(), 15, 15,
-             u"Plein écran|localhost|admin@localhost||left=2 top=23|C:/WINDOWS/MEDIA/notify.wav 0 1 1 1 25 816 604 99 "
-             u"113 3450 2415 3000 "
-             "3780/3780/3750 240/240/240 900/900/1500 1215/1215/1500 855/855/1500 1005/1005/0"_s},
-            {full, 10, 12,
-             u"Minimisé|s|a@b|Ö \"<&>\"|left=7|C:\\été.wav 1 0 0 0 2525 801 602 -3 4 2050 1278 -5000 "
-             "110/110/2500 160/160/160 130/130/1000 140/140/1000 0/0/1000 160/160/0"_s},
-            // What is missing takes its default, columns too.
-            {params("<lview/>" + leastItems), 15, 15,
-             u"Plein écran|localhost|admin@localhost||left=0 top=21|s.wav 0 1 1 1 25 800 600 0 0 3750 2250 3000 "
-             "0/0/3750 240/240/240 0/0/1500 0/0/1500 0/0/1500 0/0/0"_s},
-            // Elements without attributes have defaults of their own; columns are taken by name.
-            {params("<start/><mails smtpport='26'/><window toolbars='big'><dimension height='500'/><screencoord/>"
-                    "<split vertical='10.5'/><rebar/></window><lview><hcolumn name='Category' width='0'/>"
-                    "<hcolumn name='Other' width='x'/></lview>" +
-                    leastItems),
-             10, 10,
-             u"Minimisé|localhost|admin@localhost||left=0 top=21|s.wav 0 1 0 1 26 800 500 0 0 2500 105 3000 "
-             "0/0/2500 160/160/160 0/0/1000 0/0/1000 0/0/1000 0/0/0"_s},
-            // Only exact words count, and halves go to the even neighbour.
-            {params("<start mode='minimisé' update='true'/><window officestyle='yes' toolbars='Small'><dimension "
-                    "width='800.5' height='801.5'/></window><lview/><items><read time='-1'/><new notify='True'>"
-                    "<sound path=''/></new></items>"),
-             15, 15,
-             u"minimisé|localhost|admin@localhost||left=0 top=21| 0 0 0 0 25 800 802 0 0 3750 2250 -1 "
-             "0/0/3750 240/240/240 0/0/1500 0/0/1500 0/0/1500 0/0/0"_s},
-            // Without the list of columns their defaults are scaled twice: 192 dots per inch.
-            {params(leastItems), 7.5, 7.5,
-             u"Plein écran|localhost|admin@localhost||left=0 top=21|s.wav 0 1 1 1 25 800 600 0 0 1875 1125 3000 "
-             "14062.5/14062/1875 120/120/120 5625/5625/750 5625/5625/750 5625/5625/750 0/0/0"_s},
-        };
-        for (const auto &[content, x, y, expected] : rows) {
+        const QByteArray least = "<Quillwire><params><items><read time='3000'/><new notify='true'><sound path='s.wav'/>"
+                                 "</new></items></params></Quillwire>";
+        const QList<std::tuple<QString, QByteArray, double, double>> rows = {
+            {u"untouched"_s, least, 15, 15}, // the widths by default, scaled twice, overflow: the load fails
+            {u"least"_s, least, 7.5, 7},
+            {u"template"_s, templateBytes(), 15, 15},
+            {u"full"_s, full(), 10, 12}};
+        for (const auto &[name, content, x, y] : rows) {
             AppSettings settings;
-            m_folder->write(u"params.xml"_s, content);
-            QVERIFY(file(x, y).loadSettings(settings));
-            QCOMPARE(told(settings), expected);
+            QCOMPARE(load(content, settings, x, y), name != u"untouched");
+            QCOMPARE(differenceFromGolden(u"settings-%1.expected"_s.arg(name), told(settings)), QString());
         }
+    }
+
+    /// Which settings a missing or odd piece of the file changes, and whether the file can be saved then.
+    void eachPieceOfTheFileMayBeMissingOrOdd()
+    {
         AppSettings settings;
-        QVERIFY(!load(params(leastItems), settings)); // twice scaled at 96 dots per inch they overflow
+        QVERIFY(load(full(), settings, 10, 12));
+        const QStringList whole = told(settings).split(u'\n');
+        QString table;
+        for (const auto &[name, text] : alterations(QString::fromUtf8(full()))) {
+            QStringList outcome;
+            AppSettings others;
+            const bool loads = load(text.toUtf8(), others, 10, 12);
+            for (const QString &line : loads ? told(others).split(u'\n') : QStringList{u"fails"_s})
+                if (!whole.contains(line))
+                    outcome.append(line);
+            if (const int error = errorOf([&] { file(10, 12).saveSettings(settings, {}, [] {}); })) {
+                outcome.append(u"no save, error %1"_s.arg(error));
+                QCOMPARE(m_folder->read(u"params.xml"_s), text.toUtf8());
+            }
+            table += name + u": "_s + outcome.join(u"; "_s) + u'\n';
+        }
+        QCOMPARE(differenceFromGolden(u"settings-pieces.expected"_s, table), QString());
     }
 
     void aFirstRunStartsFromTheTemplateAndGainsStartAndMails()
@@ -125,36 +142,24 @@ private Q_SLOTS:
         QVERIFY(m_messages->shown.empty());
         QCOMPARE(m_folder->read(u"params.xml"_s), templateBytes());
         file().saveSettings(settings, {}, [] {});
-        const std::vector<XmlNode> children = saved({}).childNodes();
-        QCOMPARE(children.at(children.size() - 2).nodeName(), u"start"_s);
-        QCOMPARE(children.back().nodeName(), u"mails"_s);
+        QCOMPARE(differenceFromGolden(u"settings-first-run.xml"_s, saved()), QString());
         const SettingsFile away(m_folder->file(u"none/params.xml"_s), templateBytes(), {}, *m_messages);
         QVERIFY(!away.loadSettings(settings));
     }
 
     void brokenFilesEndTheLoadWithTheFailureBox()
     {
-        const auto items = [](const char *inner) { return params("<lview/><items>" + QByteArray(inner) + "</items>"); };
-        const QByteArrayList contents = {
-            "<Quillwire><params>",
-            "<Other><params/></Other>",
-            items("<new notify='true'><sound path=''/></new>"),
-            items("<read time='3s'/><new notify='true'><sound path=''/></new>"),
-            items("<read time='2147483648'/><new notify='true'><sound path=''/></new>"),
-            items("<read time='1'/><new notify='true'><sound/></new>"),
-            params("<mails smtpport=''/><lview/>" + leastItems),
-            params("<window><dimension width='32768'/></window><lview/>" + leastItems),
-            params("<window><split horizontal='2200'/></window><lview/>" + leastItems), // overflows in twips
-            params("<lview><hcolumn width='1'/></lview>" + leastItems),
-            params("<lview><hcolumn name='Title' width='1e300'/></lview>" + leastItems),
-        };
-        for (const QByteArray &content : contents) {
+        const auto with = [](const char *before, const char *after) { return full().replace(before, after); };
+        for (const QByteArray &content :
+             {QByteArray("<Quillwire><params>"), QByteArray("<Other><params/></Other>"),
+              with("\"-5000\"", "\"2147483648\""), with("\"205\"", "\"3277\""), // this one overflows in twips
+              with("\"11\"", "\"1e300\"")}) {
             m_messages->shown.clear();
             AppSettings settings;
-            QVERIFY2(!load(content, settings), content.constData());
+            QVERIFY2(!load(content, settings, 10, 12), content.constData());
             QCOMPARE(m_messages->shown.size(), std::size_t(1));
             const Message &box = m_messages->shown.front();
-            QCOMPARE(box.text, QString(failureText() + u"\n\nLe programme va maintenant se terminer"_s));
+            QCOMPARE(box.text, QString(failureText + u"\n\nLe programme va maintenant se terminer"_s));
             QCOMPARE(box.title, u"Erreur"_s);
             QVERIFY(box.icon == Message::Icon::Critical && box.buttons == Message::Buttons::Ok);
             QCOMPARE(m_folder->read(u"params.xml"_s), content);
@@ -163,40 +168,27 @@ private Q_SLOTS:
 
     void aSaveWritesEachSettingWhereItWasRead()
     {
-        m_folder->write(u"params.xml"_s, full);
         AppSettings settings;
-        QVERIFY(file(15, 12).loadSettings(settings));
+        QVERIFY(load(full(), settings, 15, 12));
         const WindowGeometry geometry{-45, 48, 12007.5, 7224, {0, 165, 0, 195, 210, 0, 240}};
         file(15, 12).saveSettings(settings, geometry, [] {});
-        QCOMPARE(m_folder->read(u"params.xml"_s), QByteArray(full).replace("801", "800.5"));
+        QCOMPARE(saved(), QString::fromUtf8(full().replace("801", "800.5")));
+        for (bool *turned :
+             {&settings.updateAtStart, &settings.officeStyle, &settings.smallToolbars, &settings.notifyNew})
+            *turned = !*turned;
         settings.splitHorizontal = 1001;
-        file(15, 12).saveSettings(settings, geometry, [] {});
-        QVERIFY(m_folder->read(u"params.xml"_s).contains("<split horizontal=\"66.73333\" "));
-    }
-
-    void aSaveWithAMissingNodeRaisesAnErrorAndLeavesTheFile()
-    {
-        AppSettings settings;
-        QVERIFY(file().loadSettings(settings));
-        for (const char *taken : {"<dimension width=\"816\" height=\"604\" />", " y=\"113\"",
-                                  "<sound path=\"C:/WINDOWS/MEDIA/notify.wav\" />"}) {
-            QByteArray content = templateBytes();
-            QVERIFY(content.contains(taken));
-            content.replace(taken, "");
-            m_folder->write(u"params.xml"_s, content);
-            QVERIFY_EXCEPTION_THROWN(file().saveSettings(settings, {}, [] {}), RunTimeError);
-            QCOMPARE(m_folder->read(u"params.xml"_s), content);
-        }
+        file(15, 12).saveSettings(settings, {}, [] {});
+        QCOMPARE(differenceFromGolden(u"settings-turned.xml"_s, saved()), QString());
     }
 
     void theBoxOfAnUnreadableFileComesBackUntilTheFileIsRepaired()
     {
         AppSettings settings;
-        QVERIFY(file().loadSettings(settings));
+        QVERIFY(load(full(), settings));
         m_folder->write(u"params.xml"_s, "<Quillwire>");
         m_messages->onShow = [this](const Message &) {
             if (m_messages->shown.size() == 3)
-                m_folder->write(u"params.xml"_s, templateBytes());
+                m_folder->write(u"params.xml"_s, full());
         };
         settings.soundPath = u"new.wav"_s;
         int calls = 0;
@@ -207,8 +199,8 @@ private Q_SLOTS:
         saveAndClose();
         QCOMPARE(calls, 4);
         QCOMPARE(m_messages->shown.size(), std::size_t(3));
-        QCOMPARE(m_messages->shown.back().text, failureText());
-        QCOMPARE(saved(u"/items/new/sound"_s).attribute(u"path"_s), u"new.wav"_s);
+        QCOMPARE(m_messages->shown.back().text, failureText);
+        QVERIFY(saved().contains("<sound path=\"new.wav\"/>"_L1));
     }
 
 private:
@@ -216,20 +208,15 @@ private:
     {
         return {m_folder->file(u"params.xml"_s), templateBytes(), {x, y}, *m_messages};
     }
-    bool load(const QByteArray &content, AppSettings &settings) const
+    bool load(const QByteArray &content, AppSettings &settings, double x = 15, double y = 15) const
     {
         m_folder->write(u"params.xml"_s, content);
-        return file().loadSettings(settings);
+        return file(x, y).loadSettings(settings);
     }
-    XmlNode saved(const QString &path)
-    {
-        m_saved.load(m_folder->file(u"params.xml"_s));
-        return m_saved.selectSingleNode(u"Quillwire/params"_s + path);
-    }
+    QString saved() const { return QString::fromUtf8(m_folder->read(u"params.xml"_s)); }
 
     std::unique_ptr<TemporaryDataDirectory> m_folder;
     std::unique_ptr<FakeMessages> m_messages;
-    XmlDocument m_saved;
 };
 
 QTEST_GUILESS_MAIN(SettingsFileTest)
