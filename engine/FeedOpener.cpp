@@ -8,6 +8,8 @@
 #include "platform/RunTimeError.h"
 #include "platform/net/Downloader.h"
 
+#include <QFileInfo>
+
 #include <algorithm>
 #include <cmath>
 
@@ -42,6 +44,7 @@ void FeedOpener::openFeedNode(const FeedNodePtr &node)
 {
     if (!node || node->image() != NodeImage::Feed)
         return;
+    tellLoad(m_directory.cacheFile(node->key()));
     if (m_current.document->IsLoaded())
         m_current.document->Save();
     if (m_current.document->Load(m_directory.cacheFile(node->key())) != LoadOk) {
@@ -63,8 +66,14 @@ void FeedOpener::openEntered(const QString &text)
     }
 }
 
+void FeedOpener::tellLoad(const QString &path)
+{
+    Q_EMIT loadBegan(QFileInfo(path).size() + QFileInfo(m_current.document->Path()).size());
+}
+
 void FeedOpener::openLocalFile(const QString &path)
 {
+    tellLoad(path);
     m_current.document->Save();
     if (!Files::exists(path)) {
         refuse(Reason::NoSuchFile);
@@ -139,6 +148,7 @@ void FeedOpener::handleDownloadComplete(qint32 status)
 
 void FeedOpener::openDownloaded()
 {
+    tellLoad(m_directory.file(u"tmp.xml"_s));
     m_current.document->Save(); // an address or a local file on show is stale now: the download has replaced it
     switch (m_current.document->Load(m_directory.file(u"tmp.xml"_s))) {
     case LoadOk:

@@ -70,6 +70,10 @@ Q_SIGNALS:
     /// The server is done, whatever came of it; one of the signals below follows.
     void fetchEnded();
 
+    /// A file is about to be read, and the feed on show perhaps to be saved, which are so many bytes together; one of
+    /// the signals below follows, but for credentialsAsked(). Nothing has its events in between.
+    void loadBegan(qint64 bytes);
+
     /// The feed on show is another one.
     void opened(FeedOpener::Source source);
     void refused(const FeedOpener::Refusal &refusal);
@@ -85,6 +89,7 @@ private:
     void handleDownloadComplete(qint32 status);
     void openDownloaded();
     void openLocalFile(const QString &path);
+    void tellLoad(const QString &path);
     void refuse(Reason reason) { Q_EMIT refused({reason}); }
 
     DataDirectory m_directory;

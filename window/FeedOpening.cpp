@@ -10,10 +10,14 @@
 #include "reading/ItemListView.h"
 #include "reading/ReadingPane.h"
 #include "window/AddressBand.h"
+#include "window/BusySign.h"
 #include "window/MainFrame.h"
 #include "window/MainToolbar.h"
 
 namespace {
+
+/// In bytes; what is smaller is on show within a tenth of a second.
+constexpr qint64 largeFeed = 4 * 1024 * 1024LL;
 
 QString warningTitle()
 {
@@ -69,11 +73,17 @@ FeedOpening::FeedOpening(Parts parts, QObject *parent) : QObject(parent), m_part
     connect(&opener, &FeedOpener::progress, this,
             [this](int percent) { m_parts.frame.prbChargement->setValue(percent); });
     connect(&opener, &FeedOpener::fetchEnded, this, [this] { m_parts.frame.prbChargement->hide(); });
+    connect(&opener, &FeedOpener::loadBegan, this, [this](qint64 bytes) {
+        if (bytes >= largeFeed && !m_busySign)
+            m_busySign = std::make_unique<BusySign>(m_parts.frame);
+    });
     connect(&opener, &FeedOpener::opened, this, &FeedOpening::handleOpened);
     connect(&opener, &FeedOpener::refused, this, &FeedOpening::handleRefused);
     connect(&opener, &FeedOpener::credentialsAsked, this, [this] { m_parts.showAuthentication(); });
     connect(&opener, &FeedOpener::pageOffered, this, &FeedOpening::handlePageOffered);
 }
+
+FeedOpening::~FeedOpening() = default;
 
 AddressBox &FeedOpening::txtURL() const
 {
@@ -127,15 +137,18 @@ void FeedOpening::handleOpened(FeedOpener::Source source)
     if (source != FeedOpener::Source::LocalFile)
         m_parts.frame.cToolbar1->setButtonEnabled(MainToolbar::Ajouter, source == FeedOpener::Source::Network);
     m_parts.reading.FillItemList();
+    m_busySign.reset();
 }
 
 void FeedOpening::handleRefused(const FeedOpener::Refusal &refusal)
 {
+    m_busySign.reset();
     m_parts.messages.show(boxFor(refusal));
 }
 
 void FeedOpening::handlePageOffered()
 {
+    m_busySign.reset();
     const Message question{u"La ressource spécifiée n'est pas un fichier RSS valide, voulez-vous "
                            "essayer d'ouvrir le fichier dans le navigateur ?"_s,
                            warningTitle(), Message::Icon::Exclamation, Message::Buttons::YesNo};

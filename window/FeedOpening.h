@@ -8,8 +8,10 @@
 #include <QString>
 
 #include <functional>
+#include <memory>
 
 class AddressBox;
+class BusySign;
 class MainFrame;
 class Messages;
 class ReadingPane;
@@ -33,6 +35,7 @@ public:
     };
 
     explicit FeedOpening(Parts parts, QObject *parent = nullptr);
+    ~FeedOpening() override;
 
     /// The text of the address box.
     QString addressText() const;
@@ -58,4 +61,5 @@ private:
     void handlePageOffered();
 
     Parts m_parts;
+    std::unique_ptr<BusySign> m_busySign; ///< while a large feed is read and listed
 };

@@ -5,6 +5,7 @@
 #include "tests/fixtures/FeedTexts.h"
 #include "tests/window/PrincFixture.h"
 
+#include <QLabel>
 #include <QProgressBar>
 
 /// What the user is told when a feed is opened by its address or its file, in the real window.
@@ -92,6 +93,27 @@ private Q_SLOTS:
         QCOMPARE(barVisible(), entered.startsWith(u"feed:"));
         QCOMPARE(m_fixture->buttons(), u"0000"_s);
         QCOMPARE(m_fixture->list()->items().rowCount(), 0);
+    }
+
+    void aLargeFeedShowsThatItIsRead()
+    {
+        const QString path = m_fixture->data.file(u"large.rss"_s);
+        const auto *count = m_fixture->control<QWidget>("stabPrinc")->findChild<QLabel *>(u"glue"_s);
+        QStringList seen;
+        connect(&m_fixture->program->longLived().opener, &FeedOpener::loadBegan, this, [&] {
+            const QCursor *pointer = QGuiApplication::overrideCursor();
+            seen.append(pointer && pointer->shape() == Qt::WaitCursor ? count->text() : u"-"_s);
+        });
+        const QByteArray padding = "<!--" + QByteArray(4 * 1024 * 1024, 'x') + "-->";
+        const QByteArray small = FeedTexts::rss(u"L"_s, {u"a"_s});
+        for (const QByteArray &feed : QByteArrayList{small, small + padding, "<no" + padding}) {
+            m_fixture->data.write(u"large.rss"_s, feed);
+            enter(path);
+            QVERIFY(!QGuiApplication::overrideCursor());
+            QCOMPARE(count->text(), QString());
+        }
+        QCOMPARE(seen, (QStringList{u"-"_s, u"Ouverture..."_s, u"Ouverture..."_s}));
+        QCOMPARE(m_fixture->messages.shown.size(), std::size_t(1));
     }
 
     void theButtonFollowsWhereTheFeedCameFrom()
