@@ -129,10 +129,10 @@ int UpdateScheduler::dueFeeds() const
     }));
 }
 
-/// False when a walk is under way already, of which this one becomes a part.
+/// False when a walk is under way already, of which this one becomes a part, or when it won't get anywhere.
 bool UpdateScheduler::beginWalk(int count)
 {
-    if (m_walkCount > 0 || count == 0)
+    if (m_walkCount > 0 || count == 0 || !m_surroundings.isConnected())
         return false;
     m_walkPlace = 0;
     m_walkCount = count;

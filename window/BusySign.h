@@ -4,8 +4,8 @@
 
 class MainFrame;
 
-/// A sign of life while something holds the window: the pointer waits, and the status bar says that a feed is opened. Both are
-/// seen at once, without events, and gone with this object.
+/// A sign of life while something holds the window: the pointer waits, and the status bar says that a feed is opened.
+/// Both are seen at once, without events, and gone with this object.
 class BusySign final
 {
 public:

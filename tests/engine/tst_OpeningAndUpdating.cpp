@@ -113,6 +113,9 @@ private:
         });
         connect(from, &S::allBegan, this, [said] { said(u"all began"_s); });
         connect(from, &S::allEnded, this, [said] { said(u"all ended"_s); });
+        connect(from, &S::walkReached, this,
+                [said](int place, int count) { said(u"%1 / %2"_s.arg(place).arg(count)); });
+        connect(from, &S::walkEnded, this, [said] { said(u"walk ended"_s); });
 
         using O = FeedOpener;
         static const QStringList sources = {u"cache file"_s, u"network"_s, u"local file"_s};
@@ -123,6 +126,7 @@ private:
         connect(opener, &O::fetchBegan, this, [this] { m_said.append(u"opening"_s); });
         connect(opener, &O::progress, this, [this](int percent) { m_said.append(u"progress %1"_s.arg(percent)); });
         connect(opener, &O::fetchEnded, this, [this] { m_said.append(u"came"_s); });
+        connect(opener, &O::loadBegan, this, [this](qint64 bytes) { m_said.append(u"reading %1 bytes"_s.arg(bytes)); });
         connect(opener, &O::opened, this, [this](O::Source source) {
             m_said.append(u"opened from %1: %2"_s.arg(sources[int(source)], m_current->document->Title()));
             tellShown();
