@@ -5,58 +5,73 @@
 #include "controls/cReBar.h"
 #include "controls/cToolbar.h"
 #include "platform/Literals.h"
+#include "tests/fixtures/Steps.h"
 
 #include <QApplication>
+#include <QContextMenuEvent>
+#include <QMenu>
+#include <QPointer>
 #include <QSignalSpy>
 #include <QTest>
 #include <QToolButton>
-
-#include <algorithm>
-#include <tuple>
 
 namespace {
 
 class Box final : public QWidget
 {
 public:
-    using QWidget::QWidget;
+    Box(const QString &name, QWidget *parent) : QWidget(parent) { setObjectName(name); }
     QSize sizeHint() const override { return {200, 20}; }
     QSize minimumSizeHint() const override { return {100, 20}; }
 };
 
-/// A rebar as the main window has it: one band on the first row, two on the second.
+/// A rebar as the main window has it, one band on the first row, two on the second, and a fixed one on the third.
 struct Fixture
 {
-    explicit Fixture(int width = 800)
+    explicit Fixture(int width = 800, bool withFixed = false)
     {
         window.resize(width, 300);
-        rebar.AddBand(menu, QString(), true, false, u"MenuBar"_s);
-        rebar.AddBand(tools, QString(), true, false, u"ToolBar"_s);
-        rebar.AddBand(address, QString(), false, false, u"StyleBar"_s);
+        QWidgetList children{menu, tools, address};
+        if (withFixed)
+            children += new Box(u"Fixed"_s, &window);
+        for (QWidget *child : children)
+            rebar.AddBand(child, {}, child != address, child->objectName() == u"Fixed"_s, child->objectName());
         rebar.setBandMinimumSize(0, -1, 24);
         rebar.setBandMinimumSize(1, -1, 40);
         rebar.resize(width, rebar.rebarHeight());
         rebar.RebarSize();
         window.show();
+        QObject::connect(&rebar, &cReBar::HeightChanged, [this](int height) { heights += QString::number(height); });
     }
 
     std::vector<BandLayout::Band> bands() const { return *BandLayout::fromText(rebar.saveLayout()); }
-    QRect rectOf(const QString &data) const
-    {
-        const std::vector<BandLayout::Band> all = bands();
-        return std::ranges::find(all, data, &BandLayout::Band::data)->rect;
-    }
-    /// Of each band its initial, its top, and its left and right edges.
+
+    /// Of each band its initial, its top, its edges, and its child's: "M0:0-800[10-800]", with ">" where it has a
+    /// chevron.
     QString placed() const
     {
         QStringList places;
         for (const BandLayout::Band &band : bands()) {
-            const QRect &rect = band.rect;
-            places += u"%1%2:%3-%4"_s.arg(band.data.at(0)).arg(rect.top()).arg(rect.left()).arg(rect.right() + 1);
+            const QRect child = rebar.findChild<QWidget *>(band.data)->geometry();
+            places += u"%1%2:%3-%4[%5-%6%7]"_s.arg(band.data.at(0))
+                          .arg(band.rect.top())
+                          .arg(band.rect.left())
+                          .arg(band.rect.right() + 1)
+                          .arg(child.left())
+                          .arg(child.right() + 1)
+                          .arg(band.chevron ? u">"_s : QString());
         }
         return places.join(u' ');
     }
-    QPoint gripperOf(const QString &data) const { return rectOf(data).topLeft() + QPoint(4, 8); }
+
+    QPoint gripperOf(const QString &initial) const
+    {
+        for (const BandLayout::Band &band : bands())
+            if (band.data.startsWith(initial))
+                return band.rect.topLeft() + QPoint(band.fixed ? 1 : 4, 8);
+        return {};
+    }
+
     void drag(const QPoint &from, const QPoint &to)
     {
         QTest::mousePress(&rebar, Qt::LeftButton, {}, from);
@@ -66,10 +81,52 @@ struct Fixture
         QTest::mouseRelease(&rebar, Qt::LeftButton, {}, to);
     }
 
+    /// What the menu of the gripper offers; the entry at `chosen` is taken.
+    QString takeFromMenu(const QPoint &gripper, int chosen)
+    {
+        QContextMenuEvent event(QContextMenuEvent::Mouse, gripper, gripper);
+        QCoreApplication::sendEvent(&rebar, &event);
+        const std::unique_ptr<QMenu> menuOfBand(rebar.findChild<QMenu *>());
+        QStringList entries;
+        for (const QAction *action : menuOfBand ? menuOfBand->actions() : QList<QAction *>())
+            entries += (action->isEnabled() ? u"+"_s : u"-"_s) + action->text();
+        if (menuOfBand && chosen >= 0)
+            menuOfBand->actions().at(chosen)->trigger();
+        return entries.join(u", "_s);
+    }
+
+    QString take(const QStringList &step)
+    {
+        const auto number = [&step](int at) { return step.value(at).toInt(); };
+        const QPoint gripper = gripperOf(step.value(1));
+        if (step[0] == u"wide"_s)
+            rebar.resize(number(1), rebar.height());
+        else if (step[0] == u"drag"_s)
+            drag(gripper, QPoint(number(2), number(3)));
+        else if (step[0] == u"press-right"_s) // another button holds no band
+            QTest::mousePress(&rebar, Qt::RightButton, {}, gripper), QTest::mouseMove(&rebar, QPoint(400, 60));
+        else if (step[0] == u"double"_s)
+            QTest::mouseDClick(&rebar, Qt::LeftButton, {}, gripper);
+        else if (step[0] == u"over"_s)
+            QTest::mouseMove(&rebar, gripper + QPoint(number(2), 0));
+        else if (step[0] == u"least"_s)
+            rebar.setBandMinimumSize(number(1), number(2), number(3));
+        else if (step[0] == u"all-of"_s)
+            rebar.showAllOfBand(number(1));
+        else if (step[0] == u"none"_s)
+            rebar.RemoveAllBands();
+        else if (step[0] == u"menu"_s)
+            return takeFromMenu(gripper, number(2));
+        else if (step[0] == u"save"_s)
+            return rebar.saveLayout();
+        return rebar.cursor().shape() == Qt::SizeAllCursor ? u"hand"_s : QString();
+    }
+
     QWidget window;
-    QWidget *menu = new Box(&window);
-    QWidget *tools = new Box(&window);
-    QWidget *address = new Box(&window);
+    QWidget *menu = new Box(u"MenuBar"_s, &window);
+    QWidget *tools = new Box(u"ToolBar"_s, &window);
+    QWidget *address = new Box(u"StyleBar"_s, &window);
+    QStringList heights; ///< told
     cReBar rebar{&window};
 };
 
@@ -96,56 +153,38 @@ class tst_cReBar : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void bandsStandWhereTheyFitAndWhereTheyAreDragged()
+    /// Behind each step the file has where all bands stand, what heights were told, and what a menu offered.
+    void bandsStandWhereTheyFitAndWhereTheyAreMoved()
     {
-        // The rebar's width, a band, the place to which its gripper is dragged, and where all bands stand then.
-        const QPoint stay;
-        const QList<std::tuple<int, QString, QPoint, QString>> rows = {
-            {1600, {}, stay, u"M0:0-1600 T26:0-112 S26:114-1600"_s},
-            {200, {}, stay, u"M0:0-200 T26:0-112 S26:114-200"_s},
-            {60, {}, stay, u"M0:0-60 T26:0-29 S26:31-60"_s},
-            {800, u"StyleBar"_s, {5, 100}, u"M0:0-800 T26:0-800 S68:0-800"_s},
-            {800, u"StyleBar"_s, {500, 10}, u"M0:0-494 S0:496-800 T26:0-800"_s},
-            {800, u"StyleBar"_s, {795, 40}, u"M0:0-800 T26:0-754 S26:756-800"_s},
-            {800, u"StyleBar"_s, {-20, 40}, u"M0:0-800 S26:0-754 T26:756-800"_s},
-            {800, u"ToolBar"_s, {400, 40}, u"M0:0-800 T26:0-112 S26:114-800"_s},
-            {800, u"ToolBar"_s, {790, 40}, u"M0:0-800 S26:0-754 T26:756-800"_s},
-            {800, u"ToolBar"_s, {300, 5}, u"M0:0-294 T0:296-800 S42:0-800"_s},
-            {800, u"MenuBar"_s, {300, 45}, u"T0:0-112 S0:114-220 M0:222-800"_s},
-            {800, u"MenuBar"_s, {5, 100}, u"T0:0-112 S0:114-800 M42:0-800"_s},
-        };
-        for (const auto &[width, band, to, placed] : rows) {
-            Fixture f;
-            f.rebar.resize(width, f.rebar.height());
-            if (!band.isEmpty())
-                f.drag(f.gripperOf(band), to);
-            QCOMPARE(f.placed(), placed);
-        }
-        Fixture f;
-        QSignalSpy heights(&f.rebar, &cReBar::HeightChanged);
-        f.rebar.resize(700, f.rebar.height());
-        QCOMPARE(heights.size(), 0);
-        const int before = f.rebar.rebarHeight();
-        f.rebar.setBandMinimumSize(1, -1, 22);
-        f.rebar.setBandMinimumSize(99, 5, 5);
-        QCOMPARE(heights, QList<QVariantList>({{before - 18}}));
+        std::unique_ptr<Fixture> f;
+        const Steps steps{[&f](const Steps::Given &given) {
+                              f = std::make_unique<Fixture>(800, given.contains(u"fixed"_s));
+                              return QString();
+                          },
+                          [&f](const QString &step) {
+                              const QString answer = f->take(step.split(u' '));
+                              const QString heights = std::exchange(f->heights, {}).join(u' ');
+                              return QStringList({f->placed(), heights, answer}).join(u" | "_s);
+                          }};
+        QCOMPARE(steps.differenceFrom(u"rebar.txt"_s), QString());
     }
 
     void aLayoutComesBackAsItWasKept()
     {
         Fixture f(806);
         QVERIFY(f.rebar.restoreLayout(kept));
-        QCOMPARE(f.rectOf(u"ToolBar"_s).width(), 200);
-        const QString saved = f.rebar.saveLayout();
-        QVERIFY(saved.startsWith(u"<Bands count=\"3\" rowCount=\"2\"><Band id=\"1\" data=\"MenuBar\" "_s));
-        QVERIFY(!saved.contains(u'\n') && !saved.contains(u"> <"_s));
-
-        f.drag(f.gripperOf(u"StyleBar"_s), QPoint(300, f.rebar.height() + 20));
+        QCOMPARE(f.placed(), u"M0:0-806[10-806] T26:0-200[10-200] S26:202-806[212-806]");
+        f.drag(f.gripperOf(u"S"_s), QPoint(300, f.rebar.height() + 20));
         const QString moved = f.rebar.saveLayout();
         QVERIFY(moved.contains(u"rowCount=\"3\""_s));
         Fixture other(806);
         QVERIFY(other.rebar.restoreLayout(moved));
         QCOMPARE(other.rebar.saveLayout(), moved);
+        const QPointer<QWidget> child = other.menu;
+        other.rebar.RemoveAllBands();
+        QCOMPARE(other.rebar.saveLayout(), u"<Bands count=\"0\" rowCount=\"0\"/>"_s);
+        QVERIFY(child->isHidden() && child->parentWidget() == &other.window);
+        QCOMPARE(other.rebar.BandCount(), 0);
     }
 
     void aTextThatIsNoSuchLayoutChangesNothing()
@@ -176,18 +215,7 @@ private Q_SLOTS:
         text.replace(u"top=\"0\""_s, u"top=\"-50\""_s);
         text.replace(u"bandChildMinWidth=\"94\""_s, u"bandChildMinWidth=\"2147483648\""_s);
         QVERIFY(f.rebar.restoreLayout(text));
-        QCOMPARE(f.placed(), u"M0:0-800 T26:0-686 S26:688-800");
-    }
-
-    void aFixedBandStaysWhereItIs()
-    {
-        Fixture f;
-        auto *fixed = new Box(&f.window);
-        f.rebar.AddBand(fixed, QString(), true, true, u"Fixed"_s);
-        const QString before = f.rebar.saveLayout();
-        const QPoint left(f.rectOf(u"Fixed"_s).topLeft() + QPoint(1, 5));
-        f.drag(left, left - QPoint(0, 90));
-        QCOMPARE(f.rebar.saveLayout(), before);
+        QCOMPARE(f.placed(), u"M0:0-800[10-800] T26:0-686[10-686] S26:688-800[698-800]");
     }
 
     void theLineBetweenRowsIsWholeAtEveryScale()

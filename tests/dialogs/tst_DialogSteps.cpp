@@ -16,11 +16,11 @@
 #include "exchange/OpmlDownload.h"
 #include "platform/MailSender.h"
 #include "support/clsDES.h"
-#include "tests/dialogs/DialogUser.h"
 #include "tests/fixtures/FakeDownloader.h"
 #include "tests/fixtures/FakeMessages.h"
-#include "tests/fixtures/Golden.h"
+#include "tests/fixtures/Steps.h"
 #include "tests/fixtures/TemporaryDataDirectory.h"
+#include "tests/fixtures/WidgetUser.h"
 
 namespace {
 
@@ -37,7 +37,7 @@ public:
     virtual ~World() = default;
 
     virtual std::unique_ptr<QDialog> open() = 0;
-    virtual DialogUser::State outside() const { return {}; }
+    virtual WidgetUser::State outside() const { return {}; }
     virtual bool act(const QString &) { return false; }
 
     /// Takes `step`, of the user or of the world around the dialog.
@@ -53,9 +53,9 @@ public:
         }
     }
 
-    QHash<QString, QString> given; ///< how the dialog is opened
+    Steps::Given given; ///< how the dialog is opened
     QDialog *form = nullptr;
-    std::optional<DialogUser> user;
+    std::optional<WidgetUser> user;
     TemporaryDataDirectory data;
 
 protected:
@@ -93,7 +93,7 @@ class Options final : public World
             [this] { return given.value(u"chosen"_s); });
     }
 
-    DialogUser::State outside() const override
+    WidgetUser::State outside() const override
     {
         return {{u"updateAtStart"_s, QVariant(m_settings.updateAtStart).toString()},
                 {u"notifyNew"_s, QVariant(m_settings.notifyNew).toString()},
@@ -147,9 +147,9 @@ class Properties final : public World
         return step.startsWith(u"select"_s);
     }
 
-    DialogUser::State outside() const override
+    WidgetUser::State outside() const override
     {
-        DialogUser::State tables;
+        WidgetUser::State tables;
         for (const QString &key : {u"3"_s, u"9"_s}) {
             QString secret = m_tables.passwords.Exists(key) ? m_tables.passwords.Item(key) : QString();
             tables[u"tables of "_s + key] =
@@ -182,7 +182,7 @@ class Search final : public World
         return std::make_unique<frmRechercher>(&window, port, endpoints, given.value(u"tab"_s).toInt());
     }
 
-    DialogUser::State outside() const override
+    WidgetUser::State outside() const override
     {
         return {{u"url"_s, dynamic_cast<frmRechercher &>(*form).searchUrl()}};
     }
@@ -231,7 +231,7 @@ class Import final : public World
         return true;
     }
 
-    DialogUser::State outside() const override
+    WidgetUser::State outside() const override
     {
         return {{u"lists asked for"_s, QString::number(m_list->requests.size())},
                 {u"feeds asked for"_s, QString::number(m_feeds->requests.size())},
@@ -316,7 +316,7 @@ class Small final : public World
         return made;
     }
 
-    DialogUser::State outside() const override
+    WidgetUser::State outside() const override
     {
         return {{u"out.opml"_s, QString::fromUtf8(data.read(u"out.opml"_s))}};
     }
@@ -357,47 +357,33 @@ private Q_SLOTS:
     void everyStepHasItsEffects()
     {
         QFETCH(QString, dialog);
-        const QString file = u"steps/"_s + dialog + u".txt"_s;
-        const QByteArray steps = Files::read(u"" TEST_DATA_DIR "/"_s + file).bytes;
-        QStringList told;
-        DialogUser::State first;
-        for (const QString &line : QString::fromUtf8(steps).split(u'\n')) {
-            if (line.startsWith(u'['))
-                told += line, told += open(dialog, line, first);
-            else if (line.isEmpty())
-                told += line;
-            else if (!line.startsWith(u"opened"_s) && m_form)
-                told += step(line.section(u" => "_s, 0, 0));
-        }
-        QCOMPARE(differenceFromGolden(file, told.join(u'\n')), QString());
+        WidgetUser::State first;
+        const Steps steps{[&](const Steps::Given &given) { return open(dialog, given, first); },
+                          [this](const QString &step) {
+                              m_world->take(step);
+                              return m_world->user->changes().replace(m_world->data.directory().path(), u"DATA"_s);
+                          }};
+        QCOMPARE(steps.differenceFrom(u"steps/"_s + dialog + u".txt"_s), QString());
     }
 
 private:
-    QString open(const QString &dialog, const QString &line, DialogUser::State &first)
+    QString open(const QString &dialog, const Steps::Given &given, WidgetUser::State &first)
     {
         m_form.reset();
         m_world = worldOf(dialog);
+        m_world->given = given;
         m_world->given[u"kind"_s] = dialog;
-        const QStringList given = line.mid(1, line.lastIndexOf(u']') - 1).split(u" | "_s).mid(1);
-        for (const QString &value : given)
-            m_world->given[value.section(u" = "_s, 0, 0)] = value.section(u" = "_s, 1);
         try {
             m_form = m_world->open();
         } catch (const RunTimeError &error) {
-            return u"opened => error %1"_s.arg(error.number());
+            return u"error %1"_s.arg(error.number());
         }
         m_world->form = m_form.get();
         m_form->show();
         m_form->activateWindow();
         [[maybe_unused]] const bool active = QTest::qWaitForWindowActive(m_form.get());
         m_world->user.emplace(*m_form, [this] { return m_world->outside(); });
-        return u"opened => "_s + m_world->user->differenceFrom(first);
-    }
-
-    QString step(const QString &step)
-    {
-        m_world->take(step);
-        return step + u" => "_s + m_world->user->changes().replace(m_world->data.directory().path(), u"DATA"_s);
+        return m_world->user->differenceFrom(first);
     }
 
     std::unique_ptr<World> m_world;
