@@ -60,8 +60,8 @@ const QHash<QString, QStyle::State> states = {
     {u"down"_s, QStyle::State_Sunken},      {u"set"_s, QStyle::State_On},          {u"focus"_s, QStyle::State_HasFocus},
     {u"across"_s, QStyle::State_Horizontal}};
 const QHash<QString, QStyle::PrimitiveElement> primitives = {
-    {u"menu"_s, QStyle::PE_PanelMenu},        {u"menu-frame"_s, QStyle::PE_FrameMenu},
-    {u"menu-bar"_s, QStyle::PE_PanelMenuBar}, {u"gripper"_s, QStyle::PE_IndicatorToolBarHandle},
+    {u"menu"_s, QStyle::PE_PanelMenu},         {u"menu-frame"_s, QStyle::PE_FrameMenu},
+    {u"menu-bar"_s, QStyle::PE_PanelMenuBar},  {u"gripper"_s, QStyle::PE_IndicatorToolBarHandle},
     {u"button"_s, QStyle::PE_PanelButtonTool}, {u"bar-separator"_s, QStyle::PE_IndicatorToolBarSeparator}};
 const QHash<QString, QStyle::ControlElement> controls = {{u"entry"_s, QStyle::CE_MenuItem},
                                                          {u"bar-entry"_s, QStyle::CE_MenuBarItem},
@@ -129,7 +129,8 @@ private Q_SLOTS:
                 told += u"rebar\n"_s + PaintLog::of(rebar);
                 told += u"separator\n"_s + PaintLog::of(*rebar.findChild<cToolbar *>(), QWidget::DrawChildren);
             }
-            const QList<QToolButton *> chevrons = rebar.findChildren<QToolButton *>(QString(), Qt::FindDirectChildrenOnly);
+            const QList<QToolButton *> chevrons =
+                rebar.findChildren<QToolButton *>(QString(), Qt::FindDirectChildrenOnly);
             for (const QToolButton *chevron : chevrons)
                 QCOMPARE(chevron->style() == m_style, style == DrawStyle::OfficeXp);
         }
