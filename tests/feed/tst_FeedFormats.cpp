@@ -80,6 +80,11 @@ void tst_FeedFormats::documentsAreToldApart_data()
         row(draft, "<feed version='0.2' xmlns='" + QByteArray(draft) + "'/>", LoadBadVersionOther);
     row("OPML", "<opml version='1.1'><body/></opml>", LoadUnknownFormat);
     row("RDF without channel", rdf + "<item xmlns='http://purl.org/rss/1.0/'/></RDF>", LoadUnknownFormat);
+    row("RDF by another name",
+        "<Bag xmlns='http://www.w3.org/1999/02/22-rdf-syntax-ns#'><channel xmlns='http://purl.org/rss/1.0/'/></Bag>",
+        LoadUnknownFormat);
+    row("RDF of a strange namespace", "<RDF xmlns='urn:x'><channel xmlns='http://purl.org/rss/1.0/'/></RDF>",
+        LoadUnknownFormat);
     row("rss of a strange namespace", "<rss version='2.0' xmlns='urn:x'/>", LoadUnknownFormat);
     row("RSS 2.0 with a default namespace", "<rss version='2.0' xmlns='http://blogs.law.harvard.edu/tech/rss'/>",
         LoadOk);
@@ -140,7 +145,7 @@ void tst_FeedFormats::aFailedLoadLeavesNothingHeld()
     for (const QString &bad : {m_files.write("bad.xml", "no feed"), m_files.path("absent"), m_files.path(".")}) {
         QCOMPARE(feed.Load(m_files.writeSample("feed.xml", "rss20.xml")), LoadOk);
         QCOMPARE(feed.Path(), m_files.path("feed.xml"));
-        QCOMPARE(feed.Load(bad), bad.endsWith(".xml"_L1) ? LoadNotAFeed : LoadFileNotFound);
+        QCOMPARE(int(feed.Load(bad)), bad.endsWith(".xml"_L1) ? 1 : 0); // numbers that are part of the interface
         FeedImage image;
         image.Url = u"old"_s;
         QVERIFY(!feed.IsLoaded() && !feed.IsStale() && feed.Path().isEmpty() && !feed.GetImage(image));
