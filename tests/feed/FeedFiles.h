@@ -5,36 +5,9 @@
 #include "platform/Files.h"
 #include "platform/Literals.h"
 
-#include <QByteArrayList>
 #include <QDateTime>
 #include <QFile>
 #include <QTemporaryDir>
-
-/// The text of a file of this folder's data.
-inline QString textOfData(const QString &name)
-{
-    return QString::fromUtf8(Files::read(QString::fromUtf8(TEST_DATA_DIR "/") + name).bytes);
-}
-
-/// A case of a file of this folder's data: its name behind "===", then its documents, with a line "---" between them.
-struct FeedCase
-{
-    QString name;
-    QByteArrayList documents;
-};
-
-inline QList<FeedCase> readCases(const QString &file)
-{
-    QList<FeedCase> cases;
-    for (const QString &line : textOfData(file).split(u'\n'))
-        if (line.startsWith("=== "_L1))
-            cases.append({line.mid(4), {{}}});
-        else if (line == "---"_L1)
-            cases.last().documents.append(QByteArray());
-        else
-            cases.last().documents.last() += line.toUtf8() + '\n';
-    return cases;
-}
 
 /// A document of RSS 2.0 with that between the tags of its channel.
 inline QByteArray rss(const QByteArray &channel, const QByteArray &before = {})

@@ -64,7 +64,8 @@ struct Format
 QList<Format> readTable()
 {
     QList<Format> formats;
-    for (const QString &line : textOfData(u"fields.txt"_s).split(u'\n')) {
+    const QByteArray table = Files::read(QStringLiteral(TEST_DATA_DIR "/fields.txt")).bytes;
+    for (const QString &line : QString::fromUtf8(table).split(u'\n')) {
         QStringList words = line.split(u' ');
         const QString name = words.takeFirst();
         if (name == "format"_L1) {

@@ -3,6 +3,7 @@
 #include "tests/feed/FeedDump.h"
 #include "tests/feed/FeedFiles.h"
 #include "tests/fixtures/Golden.h"
+#include "tests/fixtures/TextCases.h"
 
 #include <QTest>
 
@@ -65,7 +66,7 @@ void tst_FeedTransfer::everyFormatTakesTheItemsOfEveryOther()
 void tst_FeedTransfer::namesKeepTheirMeaning()
 {
     QString told;
-    for (const FeedCase &each : readCases(u"transfer.txt"_s)) {
+    for (const TextCase &each : readCases(u"transfer.txt"_s)) {
         CachedFeed from(m_clock), into(m_clock);
         QCOMPARE(from.Load(m_files.write("from.xml", each.documents[0])), LoadOk);
         QCOMPARE(into.Load(m_files.write("into.xml", each.documents[1])), LoadOk);

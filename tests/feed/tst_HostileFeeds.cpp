@@ -51,7 +51,7 @@ void tst_HostileFeeds::smallDocumentsDoNotHoldTheThread_data()
         "<item" + declarations + ">" + QByteArray("<a0:b/>").repeated(140000) + "</item>");
     row("many declarations on very many items", QByteArray("<item" + declarations + "/>").repeated(280));
     row("an undeclared prefix an item", many(20000, item));
-    row("undeclared prefixes", many(200, item).repeated(80));
+    row("undeclared prefixes", many(200, item).repeated(40));
     row("names", many(90000, "<a@/>"));
     row("a choice in the document type", {},
         "<!ELEMENT rss (a" + QByteArray("|a").repeated(isSanitized ? 40000 : 400000) + ")>");
@@ -107,7 +107,6 @@ void tst_HostileFeeds::longTextsAreSavedAsTheyWereLoaded_data()
         return "<" + name + ">" + text + "</" + name + ">";
     };
     const QByteArray pieces = "<![CDATA[<" + eleven.first(5500000) + "]]>x<![CDATA[<" + eleven.first(5500000) + "]]>";
-    row("text with a reference", element("description", eleven + "&amp;x"), rss({}), true);
     row("text of CDATA, in Latin-1", element("description", pieces), latin, true);
     row("text of CDATA, in another format", element("description", pieces), atom, true);
     row("the longest address that becomes an attribute", element("link", eleven.first(200000)), atom, true);
@@ -120,7 +119,6 @@ void tst_HostileFeeds::longTextsAreSavedAsTheyWereLoaded_data()
     row("attribute behind a long text",
         element("description", eleven + "&lt;") + "<source url='" + eleven.first(4000000) + "'>s</source>", rss({}),
         true);
-    row("long attributes in a row", QByteArray("<x y='" + eleven.first(5500000) + "'/>").repeated(2), rss({}), true);
     row("markup as deep as may be",
         element("title", QByteArray("<b>").repeated(253) + "x" + QByteArray("</b>").repeated(253)), rss({}), true);
 }

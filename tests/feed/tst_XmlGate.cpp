@@ -4,6 +4,7 @@
 #include "tests/feed/FeedDump.h"
 #include "tests/feed/FeedFiles.h"
 #include "tests/fixtures/Golden.h"
+#include "tests/fixtures/TextCases.h"
 
 #include <QElapsedTimer>
 #include <QTcpServer>
@@ -238,7 +239,7 @@ void tst_XmlGate::nothingOutsideTheDocumentIsRead()
 void tst_XmlGate::whatIsWrittenReadsBackTheSame()
 {
     QString told;
-    for (const FeedCase &each : readCases(u"written.txt"_s)) {
+    for (const TextCase &each : readCases(u"written.txt"_s)) {
         told += u"=== "_s + each.name + u'\n';
         for (const char *declaration : {"", "<?xml version='1.0' encoding='ISO-8859-1'?>\n"}) {
             XmlDocument document;

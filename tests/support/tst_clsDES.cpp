@@ -9,6 +9,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <tuple>
+
 namespace {
 
 clsDES::Block block(const QByteArray &hex)
@@ -55,56 +57,74 @@ private Q_SLOTS:
         }
     }
 
+    /// What OpenSSL makes of eight bytes, the size, low byte first, the text and zeros, and how far it says it is.
     void cipherTextIsHeadSizeAndDataChainedFromZero()
     {
-        clsDES des;
-        int draws = 0;
-        QList<int> percents;
-        des.setProgress([&percents](int percent) { percents.append(percent); });
-        des.setRandom([&draws] { return ++draws == 1 ? 0.5 : 0.0; });
-        QByteArray bytes = "secret";
-        des.EncryptByte(bytes, u"12345678"_s);
-        // What OpenSSL makes of 40000000 hex (halves go to the even neighbour), 0 and 6, low byte first, and the text.
-        QCOMPARE(bytes.toHex(), QByteArray("fd9108d8da54d5a3eeb0c863c20286d69308f01e6dfde9f9"));
-        QCOMPARE(percents, (QList<int>{0, 33, 66, 100}));
-    }
-
-    void whatWasEncipheredDeciphers()
-    {
-        const QList<QPair<QString, int>> texts = {
-            {u"abcd"_s, 16},           {u"abcde"_s, 24},
-            {u"mot de passé €"_s, 32}, {AnsiText::fromBytes(QByteArray::fromHex("00ff8081a0090d0a")), 24},
-            {QString(100, u'x'), 112},
+        const QList<std::tuple<QString, QByteArray, QString>> rows = {
+            {u"secret"_s, "fd9108d8da54d5a3eeb0c863c20286d69308f01e6dfde9f9", u"0 33 66 100"_s},
+            {u""_s, "fd9108d8da54d5a322cad16e6897f848", u"0 50 100"_s},
+            {u"abcd"_s, "fd9108d8da54d5a3cbcba1f476552476", u"0 50 100"_s},
+            {u"mot de passé €"_s, "fd9108d8da54d5a3b8b0864a2f1d3dd9d48ec64afa9bc34f1584418204c0e245",
+             u"0 25 50 75 100"_s},
+            {AnsiText::fromBytes(QByteArray::fromHex("00ff8081a0090d0a")),
+             "fd9108d8da54d5a3ecd76e7a4516add3d37ee10b593176a4", u"0 33 66 100"_s},
         };
-        for (const auto &[text, cipherSize] : texts) {
+        for (const auto &[text, cipher, percents] : rows) {
             clsDES des;
-            QString raw = des.EncryptString(text, u"a key"_s, false);
-            QCOMPARE(raw.size(), cipherSize);
-            QString in64 = des.Encode64(raw);
-            QCOMPARE(des.DecryptString(raw, u"a key"_s, false), text);
-            QVERIFY(in64 != des.EncryptString(text, u"a key"_s, true)); // no two runs are alike
-            clsDES other;
-            QCOMPARE(other.DecryptString(in64, u"a key"_s, true), text);
-            QCOMPARE(in64, raw); // the text in Base64 is overwritten
+            int draws = 0;
+            QString told;
+            des.setProgress([&told](int percent) { told += QString::number(percent) + u' '; });
+            des.setRandom([&draws] { return ++draws == 1 ? 0.5 : 0.0; }); // halves go to the even neighbour
+            QByteArray bytes = AnsiText::toBytes(text);
+            des.EncryptByte(bytes, u"12345678"_s);
+            QCOMPARE(bytes.toHex(), cipher);
+            QCOMPARE(told.trimmed(), percents);
+            told.clear();
+            des.DecryptByte(bytes, u"12345678"_s);
+            QCOMPARE(told.trimmed(), text.isEmpty() ? percents.chopped(4) : percents);
+            // Without a text the head is left too.
+            QCOMPARE(bytes,
+                     text.isEmpty() ? QByteArray("\0\0\0\x40", 4) + QByteArray(12, '\0') : AnsiText::toBytes(text));
         }
+        QStringList every, told;
         clsDES des;
-        des.setRandom([] { return 0.0; });
-        QString nothing = des.EncryptString(QString(), u"k"_s, false);
-        QCOMPARE(des.DecryptString(nothing, u"k"_s, false), QString(16, QChar(0)));
+        des.setProgress([&told](int percent) { told += QString::number(percent); });
+        for (int percent = 0; percent <= 100; ++percent)
+            every += QString::number(percent);
+        QByteArray bytes(8 * 250, 'x');
+        des.EncryptByte(bytes, u"k"_s);
+        QCOMPARE(told, every);
     }
 
-    void keyIsCutToEightCharactersAndKeptBetweenCalls()
+    void textsAndFilesGoThereAndBack()
     {
-        clsDES des;
-        QString cipher = des.EncryptString(u"password"_s, u"%%K9:Tm417"_s, true);
-        QString again = cipher;
-        QCOMPARE(des.DecryptString(again, u"%%K9:Tm4"_s, true), u"password");
-        QCOMPARE(des.DecryptString(cipher, QString(), true), u"password");
+        const QTemporaryDir directory;
+        const QString plain = directory.filePath(u"plain"_s);
+        const QString cipher = directory.filePath(u"cipher"_s);
+        const QString back = directory.filePath(u"back"_s);
+        const QByteArray content(200, 'z');
+        Files::write(plain, content);
+        clsDES des, other;
+        for (const bool in64 : {false, true}) {
+            QString coded = des.EncryptString(u"mot de passé €"_s, u"%%K9:Tm417"_s, in64);
+            QVERIFY(coded != des.EncryptString(u"mot de passé €"_s, u"%%K9:Tm417"_s, in64)); // no two runs are alike
+            QCOMPARE(coded.size(), in64 ? 44 : 32);
+            const QString raw = in64 ? des.Decode64(coded) : coded;
+            QCOMPARE(other.DecryptString(coded, u"%%K9:Tm4"_s, in64), u"mot de passé €"_s); // eight characters count
+            QCOMPARE(coded, raw);                                      // the text in Base64 is overwritten
+            QCOMPARE(other.DecryptString(coded), u"mot de passé €"_s); // with the key given last
+            QVERIFY(des.EncryptFile(plain, cipher, true, u"k"_s, in64));
+            QCOMPARE(Files::read(cipher).bytes.size(), in64 ? 294 : 216);
+            QVERIFY(!des.DecryptFile(cipher, cipher, false) && des.DecryptFile(cipher, back, in64, {}, in64));
+            QCOMPARE(Files::read(back).bytes, content);
+        }
+        QVERIFY(!des.EncryptFile(back, plain, false, u"k"_s) && !des.EncryptFile(u"/none"_s, back, true, u"k"_s));
+        QVERIFY(!des.EncryptFile(plain, directory.filePath(u"none/file"_s), true, u"k"_s));
+        QCOMPARE(Files::read(plain).bytes, content);
         // A short key is filled with zeros.
         des.setKey(u"abc"_s);
-        const QByteArray filled = hexOf(des.encryptBlock({}));
-        des.setKey(u"abc"_s + QString(5, QChar(0)));
-        QCOMPARE(hexOf(des.encryptBlock({})), filled);
+        other.setKey(u"abc"_s + QString(5, QChar(0)));
+        QCOMPARE(des.encryptBlock({}), other.encryptBlock({}));
     }
 
     void wrongKeyOrBrokenCipherTextIsSilent()
@@ -120,28 +140,29 @@ private Q_SLOTS:
             des.DecryptByte(cut, u"right"_s);
             QCOMPARE(cut.size(), length);
         }
-        for (const char size : {-1, -2, -3, -4}) { // the first three lie within what the array's length allows for
+        // Sizes, and whether the array's length allows for them. What is changed in a block is changed alike in the
+        // next one's text.
+        for (const auto &[size, isPossible] :
+             {std::pair(-3, false), {-1, false}, {0, false}, {1, true}, {4, true}, {5, false}}) {
             QByteArray forged = "text";
             des.EncryptByte(forged, u"right"_s);
-            for (int i = 0; i < 4; ++i) // what is changed in a block is changed alike in the plain text of the next
-                forged[i] = static_cast<char>(forged[i] ^ (i == 0 ? 4 : 0) ^ (i == 0 ? size : -1));
+            for (int i = 0; i < 4; ++i)
+                forged[i] = static_cast<char>(forged[i] ^ (i == 0 ? 4 : 0) ^ (size >> 8 * i));
             des.DecryptByte(forged, u"right"_s);
-            QVERIFY(forged.size() == 16 && forged.endsWith("text"));
+            QCOMPARE(forged.size(), isPossible ? size : 16);
+            QVERIFY(isPossible || forged.endsWith("text"));
         }
     }
 
     void base64LinesBreakAfter76Characters()
     {
         clsDES des;
-        // Bytes, and the lengths of the lines: a result of one full line has no break, two end with one.
-        const QList<QPair<int, QList<int>>> sizes{{57, {76}}, {58, {76, 4}}, {114, {76, 76, 0}}};
-        for (const auto &[size, lines] : sizes) {
+        const QString full = QString(76, u'+').replace(u"++++"_s, u"+/v7"_s);
+        const QList<QPair<int, QString>> rows = {
+            {57, full}, {58, full + u"\r\n+w=="_s}, {114, full + u"\r\n"_s + full + u"\r\n"_s}};
+        for (const auto &[size, coded] : rows) {
             const QByteArray input(size, '\xfb');
-            const QString coded = des.EncodeArray64(input);
-            QList<int> lengths;
-            for (const QString &line : coded.split(u"\r\n"_s))
-                lengths.append(static_cast<int>(line.size()));
-            QCOMPARE(lengths, lines);
+            QCOMPARE(des.EncodeArray64(input), coded);
             QCOMPARE(des.DecodeArray64(coded), input);
         }
         const QList<QPair<QString, QByteArray>> strange = {
@@ -155,24 +176,7 @@ private Q_SLOTS:
         };
         for (const auto &[coded, hex] : strange)
             QCOMPARE(des.DecodeArray64(coded).toHex(), hex);
-    }
-
-    void filesAreConvertedAndNeverOverwrittenUnasked()
-    {
-        const QTemporaryDir directory;
-        const QString plain = directory.filePath(u"plain"_s);
-        const QString cipher = directory.filePath(u"cipher"_s);
-        const QString back = directory.filePath(u"back"_s);
-        Files::write(plain, QByteArray(200, 'z'));
-        clsDES des;
-        for (const bool in64 : {false, true}) {
-            QVERIFY(des.EncryptFile(plain, cipher, true, u"k"_s, in64));
-            QCOMPARE(Files::read(cipher).bytes.contains("\r\n"), in64);
-            QVERIFY(des.DecryptFile(cipher, back, true, u"k"_s, in64));
-            QCOMPARE(Files::read(back).bytes, QByteArray(200, 'z'));
-        }
-        QVERIFY(!des.EncryptFile(back, plain, false, u"k"_s) && !des.EncryptFile(u"/none"_s, back, true, u"k"_s));
-        QCOMPARE(Files::read(plain).bytes, QByteArray(200, 'z'));
+        QCOMPARE(des.Encode64(u"é€"_s), u"6YA="_s);
     }
 };
 
