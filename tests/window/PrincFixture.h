@@ -6,10 +6,12 @@
 #include "app/Program.h"
 #include "controls/cToolbar.h"
 #include "platform/Literals.h"
-#include "platform/net/Downloader.h"
 #include "reading/BrowserPane.h"
 #include "reading/ItemListView.h"
+#include "tests/fixtures/Eventually.h"
+#include "tests/fixtures/FakeDownloader.h"
 #include "tests/fixtures/FakeMessages.h"
+#include "tests/fixtures/FeedTexts.h"
 #include "tests/fixtures/TemporaryDataDirectory.h"
 #include "window/AddressBox.h"
 #include "window/FeedTreeView.h"
@@ -19,21 +21,24 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QLabel>
 #include <QMenu>
 #include <QPointer>
-#include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
 
 /// A notification area without a desktop.
 class FakeTrayShell final : public TrayShell
 {
 public:
-    FakeTrayShell(const bool &available, QPointer<QMenu> &menu) : m_available(available), m_menu(menu) {}
+    FakeTrayShell(const bool &available, QPointer<QMenu> &menu, QStringList &log)
+        : m_available(available), m_menu(menu), m_log(log)
+    {}
     void setNotify(Notify notify) override { m_notify = std::move(notify); }
     void setMenu(QMenu *menu) override { m_menu = menu; }
-    void add(const TrayRecord &) override {}
-    void modify(const TrayRecord &) override {}
-    void remove(const TrayRecord &) override {}
+    void add(const TrayRecord &record) override { m_log += u"icon added: "_s + TrayRecord::textOf(record.szTip); }
+    void modify(const TrayRecord &record) override { m_log += u"icon changed: "_s + TrayRecord::textOf(record.szTip); }
+    void remove(const TrayRecord &) override { m_log += u"icon removed"_s; }
     void setVersion(const TrayRecord &) override {}
     bool isAvailable() const override { return m_available; }
     void raise(int value) const { m_notify(value); }
@@ -41,34 +46,44 @@ public:
 private:
     const bool &m_available;
     QPointer<QMenu> &m_menu;
+    QStringList &m_log;
     Notify m_notify;
 };
 
-/// A help that notes the topics asked for; -1 is the table of contents.
+/// A help that notes what is asked for.
 class FakeHelp final : public HelpSystem
 {
 public:
-    explicit FakeHelp(QList<qint32> &topics) : m_topics(topics) {}
-    void htmlHelp(const QString &, HelpCommand, const HelpData &argument) override
+    explicit FakeHelp(QStringList &log) : m_log(log) {}
+    void htmlHelp(const QString &file, HelpCommand, const HelpData &argument) override
     {
         const auto *topic = std::get_if<qint32>(&argument);
-        m_topics.append(topic ? *topic : -1);
+        m_log += u"help of "_s + file.section(u'/', -1) + (topic ? u", topic %1"_s.arg(*topic) : u", contents"_s);
     }
 
 private:
-    QList<qint32> &m_topics;
+    QStringList &m_log;
 };
 
-/// The main window over a data directory of its own, without the browser's engine, desktop or outside network.
+/// The main window over a data directory of its own, without the browser's engine, desktop or network.
 class PrincFixture
 {
 public:
-    PrincFixture() { data.write(u"feeds.xml"_s, "<?xml version=\"1.0\"?><favoris></favoris>"); }
+    PrincFixture()
+    {
+        data.write(u"feeds.xml"_s, "<?xml version=\"1.0\"?><favoris></favoris>");
+        messages.onShow = [this](const Message &box) {
+            log += u"box \"%1\": %2 (icon %3, buttons %4)"_s.arg(box.title, QString(box.text).replace(u'\n', u'|'))
+                       .arg(int(box.icon))
+                       .arg(int(box.buttons));
+        };
+    }
 
     /// The first or a further run of the program: settings from the file, the window up and shown.
     void start(const QString &commandLine = {})
     {
         window.reset();
+        downloaders.clear();
         const QByteArray fresh = Files::read(QString::fromUtf8(SAMPLES_DIR "/../resources/data/params.xml")).bytes;
         program = std::make_unique<Program>(
             Program::Surroundings{data.directory(), fresh, ScreenScale(), messages, [this] { return now; },
@@ -82,6 +97,7 @@ public:
         QObject::connect(window.get(), &frmPrinc::closeAsked, program.get(), &Program::end);
         window->findChild<BrowserPane *>()->hide(); // an engine isn't started for a pane that nobody sees
         program->start(*window, DesktopSurroundings::screens(), commandLine);
+        shownByTheStart = window->isVisible();
         window->show();
         QVERIFY(QTest::qWaitForWindowExposed(window.get()));
     }
@@ -98,34 +114,72 @@ public:
     {
         Desktop desktop{messages};
         desktop.makeTrayShell = [this] {
-            auto shell = std::make_unique<FakeTrayShell>(trayAvailable, trayMenu);
+            auto shell = std::make_unique<FakeTrayShell>(trayAvailable, trayMenu, log);
             tray = shell.get();
             return shell;
         };
         desktop.openInSystemBrowser = [this](const QString &url) {
-            openInSystemBrowser(url);
-            return true;
+            log += u"opens "_s + url;
+            return systemBrowserOpens;
         };
-        desktop.inputBox = [this](QWidget *, const QString &, const QString &) { return inputAnswer; };
-        desktop.askFeedFile = [](QWidget *, const QString &, const QString &) { return QString(); };
+        desktop.inputBox = [this](QWidget *, const QString &prompt, const QString &title) {
+            log += u"asks for a line \"%1\": %2"_s.arg(title, prompt);
+            return inputAnswer;
+        };
+        desktop.askFeedFile = [this](QWidget *, const QString &title, const QString &filter) {
+            log += u"asks for a file \"%1\": %2"_s.arg(title, filter);
+            return inputAnswer;
+        };
         return desktop;
     }
 
     Dialogs::Outside dialogs()
     {
         return {[this] { return makeDownloader(); },
-                [this] { return std::make_unique<FakeHelp>(helpTopics); },
+                [this] { return std::make_unique<FakeHelp>(log); },
                 {[] { return 0; }, [](int) {}},
                 [](int milliseconds) { QTest::qWait(qMin(milliseconds, 5)); }};
+    }
+
+    /// A downloader that soon answers from `pages`, as long as `serversAnswer`.
+    std::unique_ptr<Downloader> makeDownloader()
+    {
+        auto downloader = std::make_unique<FakeDownloader>();
+        downloaders.push_back(downloader.get());
+        auto *looks = new QTimer(downloader.get());
+        QObject::connect(looks, &QTimer::timeout, downloader.get(), [this, answering = downloader.get()] {
+            answering->pages = pages;
+            if (serversAnswer)
+                answering->answer();
+        });
+        looks->start(1);
+        return downloader;
+    }
+
+    bool isDownloading() const
+    {
+        return std::any_of(downloaders.begin(), downloaders.end(),
+                           [](const QPointer<FakeDownloader> &one) { return one && one->isRunning(); });
+    }
+
+    /// Writes two feeds, A (2) with three items in the folder D (1), and B (3) beside it with one. The second item of A
+    /// has all that an item may have.
+    void writeFeeds(const QByteArray &comments = "http://h/c")
+    {
+        data.write(u"feeds.xml"_s,
+                   R"(<?xml version="1.0"?>
+<favoris><dir name="D" key="1" visible="1"><feed name="A" url="http://h/2" key="2" ttl="60" cache="-7"/></dir>)"
+                   R"(<feed name="B" url="http://h/3" key="3" ttl="60" cache="-7"/></favoris>)");
+        const QByteArray parts = "<title>b</title><comments>" + comments +
+                                 "</comments><enclosure url='http://h/b.mp3' length='9' type='a/b'/>";
+        data.write(u"feeds/2.xml"_s,
+                   FeedTexts::rss(u"A"_s, {u"a"_s, u"b"_s, u"c"_s}).replace("<title>b</title>", parts));
+        data.write(u"feeds/3.xml"_s, FeedTexts::rss(u"B"_s, {u"d"_s}));
     }
 
     /// What the program holds for the window, to be looked at and changed.
     AppSettings &settings() const { return program->longLived().settings; }
     FeedTree &feedTree() const { return program->longLived().tree; }
-    FeedNodePtr selected() const { return program->longLived().treeState.selected(); }
-
-    /// Writes a catalogue and the cache files of its feeds.
-    void writeCatalogue(const QByteArray &favoris) { data.write(u"feeds.xml"_s, favoris); }
 
     template <class Control>
     Control *control(const char *name) const
@@ -136,17 +190,27 @@ public:
     ItemListView *list() const { return control<ItemListView>("lvwItems"); }
     cToolbar *toolbar() const { return control<cToolbar>("cToolbar1"); }
     cToolbar *browserToolbar() const { return control<cToolbar>("tlbBrowser"); }
+    BrowserPane *page() const { return control<BrowserPane>("WebBrowser1"); }
+    AddressBox *txtURL() const { return control<AddressBox>("txtURL"); }
     FeedNodePtr node(const char *key) const { return feedTree().find(QString::fromLatin1(key)); }
 
     QPoint placeOf(const FeedNodePtr &node) const { return tree()->visualRect(feedTree().indexOf(node)).center(); }
-    void click(const FeedNodePtr &node) const
+    void click(const char *key) const { QTest::mouseClick(tree()->viewport(), Qt::LeftButton, {}, placeOf(node(key))); }
+    void rightClick(const char *key) const
     {
-        QTest::mouseClick(tree()->viewport(), Qt::LeftButton, {}, placeOf(node));
+        const QPoint place = placeOf(node(key));
+        QContextMenuEvent event(QContextMenuEvent::Mouse, place, tree()->viewport()->mapToGlobal(place));
+        QCoreApplication::sendEvent(tree()->viewport(), &event);
     }
-    void clickRow(int row, int column, Qt::MouseButton button = Qt::LeftButton) const
+    void clickRow(int row, Qt::MouseButton button = Qt::LeftButton) const
     {
-        const QRect cell = list()->visualRect(list()->items().index(row, column - 1));
+        const QRect cell = list()->visualRect(list()->items().index(row, 0));
         QTest::mouseClick(list()->viewport(), button, {}, cell.center());
+    }
+    void enter(const QString &address) const
+    {
+        txtURL()->setText(address);
+        QTest::keyClick(txtURL(), Qt::Key_Return);
     }
 
     /// Chooses the entry with that caption in one of the window's menus.
@@ -156,15 +220,6 @@ public:
             if (action->text() == caption)
                 return action->trigger();
         QFAIL(qPrintable(caption));
-    }
-
-    /// The enabled state of the four buttons of the main toolbar, as "1" and "0".
-    QString buttons() const
-    {
-        QString states;
-        for (int i = 0; i < toolbar()->buttonCount(); ++i)
-            states += toolbar()->isButtonEnabled(i) ? u'1' : u'0';
-        return states;
     }
 
     /// The popup of new items; null before the first one.
@@ -179,16 +234,19 @@ public:
     TemporaryDataDirectory data;
     QTemporaryDir runtime;
     FakeMessages messages;
+    QStringList log; ///< what went out of the window
     std::function<void(AppSettings &)> adjustSettings;
     QDateTime now = QDateTime(QDate(2004, 7, 1), QTime(12, 0));
     QString inputAnswer;
-    std::function<void(const QString &)> openInSystemBrowser = [](const QString &) {};
+    bool systemBrowserOpens = true;
     bool trayAvailable = true;
+    bool shownByTheStart = false;
     FakeTrayShell *tray = nullptr;
     QPointer<QMenu> trayMenu;
     int releases = 0;
-    QList<qint32> helpTopics;
-    std::function<std::unique_ptr<Downloader>()> makeDownloader = [] { return std::make_unique<Downloader>(); };
+    QHash<QString, QByteArray> pages; ///< what servers have, by address
+    bool serversAnswer = true;
+    std::vector<QPointer<FakeDownloader>> downloaders; ///< that of the opener, that of the updates, those of dialogs
     std::unique_ptr<Program> program;
     std::unique_ptr<frmPrinc> window; ///< ends before the program
 };
