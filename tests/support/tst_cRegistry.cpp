@@ -5,10 +5,8 @@
 #include "platform/FileRegistryStore.h"
 #include "platform/Files.h"
 #include "platform/RunTimeError.h"
-#include "tests/fixtures/Golden.h"
+#include "tests/fixtures/Steps.h"
 
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -67,40 +65,34 @@ class tst_cRegistry : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    /// The lines at the margin of data/registry.expected are what is done with the registry, those below each are what
-    /// it answers: an error with its number, or what it says and holds.
     void everyStepIsAnswered()
     {
         qputenv("QUILLWIRE_TEST_PLACE", "/a b");
-        const Files::Content script = Files::read(QStringLiteral(TEST_DATA_DIR "/registry.expected"));
-        QString told;
-        for (const QString &line : QString::fromUtf8(script.bytes).split(u'\n')) {
-            if (line.isEmpty() || line.startsWith(u' '))
-                continue;
-            told += line + u'\n';
-            QString answer;
+        const auto take = [this](const QString &step) {
+            QStringList words = step.split(u'|');
+            const QString verb = words.takeFirst();
             try {
-                QStringList words = line.split(u'|');
-                const QString verb = words.takeFirst();
-                QVERIFY2(m_verbs.contains(verb), qPrintable(line));
-                answer = m_verbs[verb](words);
+                return m_verbs[verb](words);
             } catch (const RunTimeError &error) {
-                answer = QString::number(error.number()) + u' ' + error.text();
+                return QString(QString::number(error.number()) + u' ' + error.text());
             }
-            for (const QString &part : answer.split(u'\n'))
-                told += u"    "_s + part + u'\n';
-        }
-        QVERIFY(!told.isEmpty());
-        QCOMPARE(differenceFromGolden(u"registry.expected"_s, told), QString());
+        };
+        QCOMPARE((Steps{{}, take}.differenceFrom(u"registry.steps"_s)), QString());
     }
 
 private:
     using Words = const QStringList &;
 
+    /// What is read, and what the store holds there.
     QString read()
     {
         const QVariant value = m_registry.Value();
-        return shown(value) + u", type %1"_s.arg(m_registry.ValueType);
+        qint32 type = 0;
+        QByteArray data;
+        const RegistryKey key{m_registry.ClassKey, m_registry.SectionKey};
+        const bool isHeld = m_store.queryValue(key, m_registry.ValueKey, type, data) == RegistryResult::Success;
+        return shown(value) + u", type %1, "_s.arg(m_registry.ValueType) +
+               (isHeld ? u"held as %1 "_s.arg(type) + QString::fromLatin1(data.toHex(' ')) : u"not held"_s);
     }
 
     QString list()
@@ -118,24 +110,14 @@ private:
             .arg(sections.join(u' '));
     }
 
-    /// All that the file holds.
-    QString contents() const
+    /// The default values of a section of the classes, under both roots.
+    QString classTexts(const QString &section)
     {
-        QStringList lines;
-        const QJsonObject sections = QJsonDocument::fromJson(Files::read(m_path).bytes).object();
-        for (auto section = sections.begin(); section != sections.end(); ++section) {
-            lines += section.key();
-            const QJsonObject values = section.value().toObject();
-            for (auto value = values.begin(); value != values.end(); ++value) {
-                const QJsonObject fields = value.value().toObject();
-                const QByteArray data = QByteArray::fromBase64(fields.value(u"data"_s).toString().toLatin1());
-                const int type = fields.value(u"type"_s).toInt();
-                const bool isText = type < 3 || type == 7;
-                lines += u"    %1: %2 "_s.arg(value.key()).arg(type) +
-                         shown(isText ? QVariant(QString::fromUtf8(data)) : QVariant(data));
-            }
-        }
-        return lines.join(u'\n');
+        const auto text = [this](qint32 root, const QString &path) {
+            return m_registry.ValueEx(root, path, {}, 1, u"(none)"_s).toString();
+        };
+        return text(RegistryRoot::ClassesRoot, section) + u" | "_s +
+               text(RegistryRoot::LocalMachine, u"SOFTWARE\\Classes\\"_s + section);
     }
 
     QTemporaryDir m_directory;
@@ -187,13 +169,13 @@ private:
              m_registry.CreateAdditionalEXEAssociations(w[0], w.mid(1));
              return m_registry.SectionKey;
          }},
-        {u"broken file"_s,
+        {u"class"_s, [this](Words w) { return classTexts(w[0]); }},
+        {u"write file"_s,
          [this](Words w) {
              Files::write(m_path, w[0].toUtf8());
-             return w[0];
+             return QString();
          }},
-        {u"contents"_s, [this](Words) { return contents(); }},
-        {u"file"_s, [this](Words) { return QString::fromUtf8(Files::read(m_path).bytes); }}};
+        {u"read file"_s, [this](Words) { return QString::fromUtf8(Files::read(m_path).bytes); }}};
 };
 
 QTEST_GUILESS_MAIN(tst_cRegistry)
