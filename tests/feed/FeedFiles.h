@@ -15,6 +15,15 @@ inline QByteArray rss(const QByteArray &channel, const QByteArray &before = {})
     return before + "<rss version=\"2.0\"><channel>" + channel + "</channel></rss>";
 }
 
+/// The part so many times, each with its number in the places of "@".
+inline QByteArray many(int count, const QByteArray &part)
+{
+    QByteArray all;
+    for (int i = 0; i < count; ++i)
+        all += QByteArray(part).replace("@", QByteArray::number(i));
+    return all;
+}
+
 /// The files of a test, in a folder that goes with it.
 class FeedFiles final
 {

@@ -15,10 +15,8 @@ class tst_FeedMarks : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void marksAreReadFromTheirAttributes();
     void addedAndRemovedItemsKeepTheirOrder();
     void anItemOutlivesItsDocumentAndLeavesItsMarksThere();
-    void whatIsNotKnownIsKept();
     void aFailedSaveIsRaisedAndLeavesTheFile();
     void aReplacedFileGetsTheMarksAndNothingElse_data();
     void aReplacedFileGetsTheMarksAndNothingElse();
@@ -44,36 +42,6 @@ private:
     QDateTime m_now{QDate(2004, 7, 1), QTime(14, 0), Qt::UTC};
     Clock m_clock = [this] { return m_now; };
 };
-
-/// What can't be read as a date counts as none: the item was downloaded when its file was written.
-void tst_FeedMarks::marksAreReadFromTheirAttributes()
-{
-    const QByteArrayList attributes = {"m:downloaded='2004-07-01T14:00:00Z' m:read='1'",
-                                       " m:downloaded='2004-07-01T14:00:00+02:00' m:read='0' m:deleted=' 1 '",
-                                       "m:downloaded='\n2004-07-01T14:00:00Z ' read='1' deleted='1'",
-                                       "m:downloaded='soon' m:read='yes'",
-                                       "m:downloaded='0100-01-03T00:00:00Z' m:read='2'",
-                                       "m:downloaded='0099-12-29T00:00:00Z'",
-                                       "m:downloaded='9999-12-29T00:00:00Z'",
-                                       "m:downloaded='10000-01-03T00:00:00Z'",
-                                       "m:downloaded=''",
-                                       "downloaded='2004-07-01T14:00:00Z'"};
-    const QStringList marks = {u"a read 2004-07-01T14:00:00Z"_s, u"b deleted 2004-07-01T12:00:00Z"_s,
-                               u"c 2004-07-01T14:00:00Z"_s,      u"d 2004-01-01T12:00:00Z"_s,
-                               u"e 0100-01-03T00:00:00Z"_s,      u"f 2004-01-01T12:00:00Z"_s,
-                               u"g 9999-12-29T00:00:00Z"_s,      u"h 2004-01-01T12:00:00Z"_s,
-                               u"i 2004-01-01T12:00:00Z"_s,      u"j 2004-01-01T12:00:00Z"_s};
-    QByteArray all;
-    for (qsizetype i = 0; i < attributes.size(); ++i)
-        all += "<item " + attributes[i] + "><title>" + char('a' + i) + "</title></item>";
-    CachedFeed feed(m_clock);
-    const QString file = m_files.write("feed.xml", rss(all).replace("<rss", "<rss xmlns:m='urn:quillwire:marks'"));
-    for (int time = 0; time < 2; ++time) {
-        QCOMPARE(feed.Load(file), LoadOk);
-        QCOMPARE(FeedDump::marks(feed), marks.join(u", "_s));
-        feed.Save();
-    }
-}
 
 /// Lower case: the items of the store; capitals: those of the feed that they are taken from.
 void tst_FeedMarks::addedAndRemovedItemsKeepTheirOrder()
@@ -125,23 +93,6 @@ void tst_FeedMarks::anItemOutlivesItsDocumentAndLeavesItsMarksThere()
     m_now = m_now.addDays(1);
     QVERIFY(store.AddItem(node));
     QCOMPARE(FeedDump::marks(store), u"a 2004-07-01T14:00:00Z, a 2004-07-01T14:00:01Z, a 2004-07-02T14:00:01Z"_s);
-}
-
-void tst_FeedMarks::whatIsNotKnownIsKept()
-{
-    const QByteArray bytes = "<?xml version=\"1.0\" encoding=\"ISO-8859-1\" standalone=\"yes\"?>\n"
-                             "<?style href=\"x\"?>\n<!-- before -->\n"
-                             "<rss xmlns:x=\"urn:x\" xmlns:quillwire=\"urn:theirs\" version=\"2.0\" quillwire:a=\"1\">"
-                             "<channel x:z=\"1\" a=\"2\"><x:y>\xE9</x:y><title><![CDATA[<t>]]></title><!-- in -->"
-                             "<item><x:y/><title>a &amp; b</title></item>\n</channel></rss>\n<!-- after -->\n";
-    CachedFeed feed(m_clock);
-    QCOMPARE(feed.Load(m_files.write("feed.xml", bytes)), LoadOk);
-    feed.SetItemRead(0, true);
-    feed.Save();
-    QByteArray expected = bytes;
-    expected.replace("urn:theirs\"", "urn:theirs\" xmlns:quillwire2=\"urn:quillwire:marks\"");
-    expected.replace("<item", "<item quillwire2:read=\"1\" quillwire2:downloaded=\"2004-01-01T12:00:00Z\"");
-    QCOMPARE(m_files.read("feed.xml"), expected);
 }
 
 void tst_FeedMarks::aFailedSaveIsRaisedAndLeavesTheFile()

@@ -25,15 +25,6 @@ private:
     FeedFiles m_files;
 };
 
-/// The part so many times, each with its number in the places of "@".
-static QByteArray many(int count, const QByteArray &part)
-{
-    QByteArray all;
-    for (int i = 0; i < count; ++i)
-        all += QByteArray(part).replace("@", QByteArray::number(i));
-    return all;
-}
-
 void tst_HostileFeeds::smallDocumentsDoNotHoldTheThread_data()
 {
     QTest::addColumn<QByteArray>("bytes");

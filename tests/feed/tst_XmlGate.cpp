@@ -43,15 +43,6 @@ static QByteArray element(const QByteArray &name, const QByteArray &text = {})
     return "<" + name + ">" + text + "</" + name.split(' ').first() + ">";
 }
 
-/// The part so many times, each with its number in the places of "@".
-static QByteArray many(int count, const QByteArray &part)
-{
-    QByteArray all;
-    for (int i = 0; i < count; ++i)
-        all += QByteArray(part).replace("@", QByteArray::number(i));
-    return all;
-}
-
 static QByteArray nested(int depth, const QByteArray &inner = {})
 {
     return QByteArray("<b>").repeated(depth) + inner + QByteArray("</b>").repeated(depth);
