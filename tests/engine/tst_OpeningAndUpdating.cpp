@@ -200,6 +200,7 @@ private:
             {u"timers"_s, [&] { tellTimers(); }},
             {u"update"_s, [&] { m_scheduler->updateFeed(node); }},
             {u"all"_s, [&] { m_scheduler->updateAllFeeds(); }},
+            {u"fire"_s, [&] { fireTimers(); }},
             {u"tick"_s, [&] { m_scheduler->handleUpdateTick(); }},
             {u"first-tick"_s, [&] { m_scheduler->handleGlobalUpdateTick(); }},
             {u"ticks-until"_s, [&] { ticksUntil(time); }},
@@ -311,6 +312,13 @@ private:
         for (const QTimer *timer : m_scheduler->findChildren<QTimer *>())
             if (timer->isActive())
                 m_said.append(u"%1 ms"_s.arg(timer->interval()));
+    }
+    /// What runs is over.
+    void fireTimers()
+    {
+        for (QTimer *timer : m_scheduler->findChildren<QTimer *>())
+            if (QTimerEvent over(timer->timerId()); timer->isActive())
+                QCoreApplication::sendEvent(timer, &over);
     }
     void noteNodes(const FeedNodePtr &node)
     {
