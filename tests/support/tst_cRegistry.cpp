@@ -110,6 +110,13 @@ private:
             .arg(sections.join(u' '));
     }
 
+    void associate(Words w)
+    {
+        const auto is = [&w](int i) { return w[i] == "yes"_L1; };
+        m_registry.CreateEXEAssociation(w[0], w[1], w[2], w[3], w[4], is(5), w[6], is(7), w[8], is(9), w[10],
+                                        w[11].toInt());
+    }
+
     /// The default values of a section of the classes, under both roots.
     QString classTexts(const QString &section)
     {
@@ -159,9 +166,10 @@ private:
         {u"refuse"_s, [this](Words w) { return m_store.refused = w[0]; }},
         {u"associate"_s,
          [this](Words w) {
-             const auto is = [&w](int i) { return w[i] == "yes"_L1; };
-             m_registry.CreateEXEAssociation(w[0], w[1], w[2], w[3], w[4], is(5), w[6], is(7), w[8], is(9), w[10],
-                                             w[11].toInt());
+             if (w.size() == 4) // nothing but what must be said
+                 m_registry.CreateEXEAssociation(w[0], w[1], w[2], w[3]);
+             else
+                 associate(w);
              return m_registry.SectionKey;
          }},
         {u"add verbs"_s,
