@@ -15,12 +15,14 @@ inline QByteArray rss(const QByteArray &channel, const QByteArray &before = {})
     return before + "<rss version=\"2.0\"><channel>" + channel + "</channel></rss>";
 }
 
-/// The part so many times, each with its number in the places of "@".
+/// The part so many times, each with its number in the places of "@", and one less in those of "^".
 inline QByteArray many(int count, const QByteArray &part)
 {
+    if (!part.contains('@'))
+        return part.repeated(count);
     QByteArray all;
     for (int i = 0; i < count; ++i)
-        all += QByteArray(part).replace("@", QByteArray::number(i));
+        all += QByteArray(part).replace("@", QByteArray::number(i)).replace("^", QByteArray::number(i - 1));
     return all;
 }
 
