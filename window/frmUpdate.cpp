@@ -5,6 +5,7 @@
 #include "controls/Twips.h"
 #include "platform/Literals.h"
 #include "window/InfoLabel.h"
+#include "window/ReducedMotion.h"
 #include "window/TaskBar.h"
 
 #include <QAccessibleWidget>
@@ -90,7 +91,9 @@ frmUpdate::FindWorkArea frmUpdate::workAreaOf(QWidget *window)
 {
     return [window] {
         const QScreen *screen = window->screen();
-        return WorkArea{screen->availableGeometry(), {Twips::perPixelX(screen), Twips::perPixelY(screen)}};
+        return WorkArea{screen->availableGeometry(),
+                        {Twips::perPixelX(screen), Twips::perPixelY(screen)},
+                        desktopReducesMotion(*window)};
     };
 }
 
@@ -210,6 +213,8 @@ void frmUpdate::placeWindow()
     const double bottom = (area.pixels.top() + area.pixels.height()) * m_scale.twipsPerPixelY;
     m_place = QRect(static_cast<int>(std::lround(right)) - fromRight,
                     static_cast<int>(std::lround(bottom)) - fromBottom, fullWidth, firstHeight);
+    if (area.withoutMotion)
+        m_place.setTop(m_place.top() - (lastHeight - firstHeight));
     applyPlace();
 }
 

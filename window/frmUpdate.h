@@ -21,11 +21,13 @@ class frmUpdate : public QWidget
     Q_OBJECT
 
 public:
-    /// The work area of the screen that the main window is on, in pixels, and that screen's scale.
+    /// The work area of the screen that the main window is on, in pixels, that screen's scale, and whether the popup is
+    /// to stand there at once instead of sliding up.
     struct WorkArea
     {
         QRect pixels;
         ScreenScale scale;
+        bool withoutMotion = false;
     };
     using FindWorkArea = std::function<WorkArea()>;
 
