@@ -4,6 +4,7 @@
 
 #include "platform/Literals.h"
 #include "reading/BrowserPane.h"
+#include "tests/fixtures/Eventually.h"
 #include "tests/fixtures/FakeMessages.h"
 #include "tests/fixtures/LocalHttpServer.h"
 #include "tests/fixtures/TemporaryDataDirectory.h"
@@ -17,6 +18,8 @@
 #include <QWebEngineView>
 
 #include <csignal>
+#include <memory>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
@@ -35,22 +38,6 @@ inline QByteArray wideBytes(const QString &text)
     for (const QChar c : text)
         bytes.append(static_cast<char>(c.unicode() & 0xFF)).append(static_cast<char>(c.unicode() >> 8));
     return bytes;
-}
-
-/// Waits in a real event loop: the engine works by many small events, each of which a polling wait would hold up.
-template <typename Condition>
-bool eventually(Condition condition)
-{
-    QEventLoop loop;
-    QTimer look;
-    QObject::connect(&look, &QTimer::timeout, &loop, [&] {
-        if (condition())
-            loop.quit();
-    });
-    look.start(10);
-    QTimer::singleShot(patience, &loop, &QEventLoop::quit);
-    loop.exec();
-    return condition();
 }
 
 inline void letPass(int milliseconds)
@@ -99,15 +86,12 @@ protected:
     QWebEngineView *view() const { return m_pane->findChild<QWebEngineView *>(); }
 
     /// What a script out of the page's reach says.
-    QString evaluate(const QString &script) const
+    QString evaluate(const QString &script, int milliseconds = patience) const
     {
-        QString result;
-        bool done = false;
-        view()->page()->runJavaScript(script, QWebEngineScript::ApplicationWorld, [&](const QVariant &value) {
-            result = value.toString();
-            done = true;
-        });
-        return eventually([&done] { return done; }) ? result : u"no answer"_s;
+        const auto result = std::make_shared<std::optional<QString>>();
+        view()->page()->runJavaScript(script, QWebEngineScript::ApplicationWorld,
+                                      [result](const QVariant &value) { *result = value.toString(); });
+        return eventually([&result] { return result->has_value(); }, milliseconds) ? **result : u"no answer"_s;
     }
 
     /// The page's visible text, also while it still loads.

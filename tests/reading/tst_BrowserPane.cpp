@@ -36,21 +36,6 @@ private Q_SLOTS:
         QCOMPARE(text(), u"sans"_s);
     }
 
-    void onlyAddressesThatAPageCanHaveAreNavigatedTo()
-    {
-        QVERIFY(goAndWait(m_data.file(u"home.htm"_s)));
-        QSignalSpy begun(m_pane.get(), &BrowserPane::DownloadBegin);
-        QSignalSpy system(m_pane.get(), &BrowserPane::systemLinkActivated);
-        for (const char *refused : {"", " ", "javascript:document.body.textContent='script'", "data:text/html,texte",
-                                    "chrome://version", "quillwire://pages/params.xml"})
-            m_pane->Navigate(QLatin1String(refused));
-        m_pane->Navigate(u"mailto:someone@example.org"_s);
-        letPass(200);
-        QVERIFY(begun.isEmpty());
-        QCOMPARE(system.size(), 1);
-        QCOMPARE(text(), u"Départ"_s);
-    }
-
     void backAndForwardFollowTheBrowsersOwnList()
     {
         makePane();
@@ -68,95 +53,6 @@ private Q_SLOTS:
         writePage("<html><body>autre article</body></html>"); // there is one file for all items
         m_pane->GoForward();
         QVERIFY(showsText(u"autre article"_s));
-    }
-
-    void markupOfAFeedRunsNoScriptAndReachesNoFile()
-    {
-        m_data.write(u"params.xml"_s, "<p>secret</p>");
-        const QByteArray hit = m_server->url(u"/"_s).toUtf8();
-        m_server->setBody(u"/pixel.svg"_s, "<svg xmlns='http://www.w3.org/2000/svg' width='33' height='33'/>",
-                          "image/svg+xml");
-        QByteArray markup = R"(<html><head><base href='HIT'></head><body><p id=t>texte</p>
-            <script>document.title='script'; new Image().src='HITscript'</script><script src='HIToutside.js'></script>
-            <img src='quillwire://pages/nothing.gif' onerror="new Image().src='HITonerror'">
-            <svg onload="new Image().src='HITonload'"></svg>
-            <iframe src="javascript:new Image().src='HITjsframe'"></iframe>
-            <iframe srcdoc="<script>new Image().src='HITsrcdoc'</script>"></iframe>
-            <iframe src='FILE'></iframe><object data='FILE'></object><embed src='FILE'>
-            <link rel=stylesheet href='FILE'><iframe src='quillwire://pages/../params.xml'></iframe>
-            <meta http-equiv=refresh content="0;url=HITrefreshed"><img src='HITpixel.svg'></body></html>)";
-        markup.replace("HIT", hit).replace("FILE", fileAddress(u"params.xml"_s).toUtf8());
-        writePage(markup);
-        QVERIFY(goAndWait(page()));
-        QVERIFY(eventually([&] { return m_server->hits(u"/pixel.svg"_s) == 1; })); // pictures of the web are shown
-        letPass(500);
-        QCOMPARE(m_server->totalHits(), 1);
-        QVERIFY(view()->title() != u"script"_s);
-        QCOMPARE(m_pane->LocationURL(), fileAddress(u"tmp.htm"_s));
-        QVERIFY(!text().contains(u"secret"_s));
-    }
-
-    void aLinkToAFileIsDeadOnPagesOfFeedsAndOfTheWeb_data()
-    {
-        QTest::addColumn<QString>("target");
-        QTest::newRow("file") << u"file:///etc/hostname"_s;
-        QTest::newRow("script") << u"javascript:document.body.textContent='script'"_s;
-        QTest::newRow("data") << u"data:text/html,script"_s;
-        QTest::newRow("relative address without a base") << u"/article.html"_s;
-        QTest::newRow("another file of the folder") << u"params.xml"_s;
-        QTest::newRow("way out of the folder") << u"quillwire://pages/feeds/../../etc/passwd"_s;
-        QTest::newRow("unknown program") << u"steam://run/1"_s;
-    }
-
-    void aLinkToAFileIsDeadOnPagesOfFeedsAndOfTheWeb()
-    {
-        QFETCH(QString, target);
-        QSignalSpy system(m_pane.get(), &BrowserPane::systemLinkActivated);
-        m_data.write(u"params.xml"_s, "script");
-        QVERIFY(showsLink(target));
-        clickLink();
-        letPass(250);
-        QCOMPARE(text(), u"lien"_s);
-        QCOMPARE(m_pane->LocationURL(), fileAddress(u"tmp.htm"_s));
-        QVERIFY(system.isEmpty());
-        QVERIFY(m_messages.shown.empty());
-    }
-
-    void aPageOfTheWebRunsItsScriptsButReachesNoPageOfTheFolder()
-    {
-        writePage("<html><body>article</body></html>");
-        m_server->setBody(u"/web.html"_s,
-                          "<html><body><p id=t>sans</p><script>document.getElementById('t').textContent='avec script';"
-                          "</script><iframe src='quillwire://pages/tmp.htm'></iframe>"
-                          "<img src='quillwire://pages/slien.gif' onload=\"document.title='image'\">"
-                          "<img src='qrc:/qt-project.org/styles/commonstyle/images/left-32.png' "
-                          "onload=\"document.title='image'\"><iframe sandbox='allow-scripts' srcdoc=\"<img "
-                          "src='quillwire://pages/slien.gif' onload='parent.postMessage(1, `*`)'>\"></iframe>"
-                          "<script>onmessage = () => document.title = 'image'</script>"
-                          "<script src='quillwire://pages/style.css'></script></body></html>",
-                          "text/html");
-        m_server->setAnswer(u"/moved"_s, LocalHttpServer::Answer::redirect(u"/web.html"_s));
-        QVERIFY(showsLink(m_server->url(u"/moved"_s)));
-        clickLink();
-        QVERIFY(showsText(u"avec script"_s));
-        QCOMPARE(m_pane->LocationURL(), m_server->url(u"/web.html"_s));
-        letPass(200);
-        QVERIFY(view()->title() != u"image"_s);
-        QVERIFY(!text().contains(u"lien"_s));
-    }
-
-    void aDownloadGoesWhereTheUserSaysOrNowhere()
-    {
-        m_server->setAnswer(u"/file.bin"_s, {.body = "octets", .headers = {{"Content-Type", "application/zip"}}});
-        m_pane->Navigate(m_server->url(u"/file.bin"_s));
-        QVERIFY(eventually([&] { return m_server->hits(u"/file.bin"_s) == 1; }));
-        letPass(200);
-        m_pane->downloadPath = m_data.file(u"recu.bin"_s);
-        QSignalSpy status(m_pane.get(), &BrowserPane::StatusTextChange);
-        m_pane->Navigate(m_server->url(u"/file.bin"_s));
-        QVERIFY(status.wait(patience));
-        QCOMPARE(status.first().first().toString(), u"Téléchargement terminé : recu.bin"_s);
-        QCOMPARE(m_data.read(u"recu.bin"_s), "octets"_ba);
     }
 
     void aServerThatRefusesOrAPageWhoseProcessDiesStopsNothing()
@@ -209,6 +105,38 @@ private Q_SLOTS:
         QCOMPARE(view()->page()->backgroundColor(), QColor(Qt::black));
         QVERIFY(goAndWait(m_server->url(u"/web.html"_s)));
         QCOMPARE(view()->page()->backgroundColor(), QColor(Qt::white));
+    }
+
+    void aFeedBringsNoStyleOfItsOwn_data()
+    {
+        QTest::addColumn<QByteArray>("markup");
+        QTest::newRow("attribute") << "<div id=x style='position:fixed;inset:0'>mot de passe</div>"_ba;
+        QTest::newRow("element") << "<style>#x{position:fixed}</style><div id=x>mot de passe</div>"_ba;
+        QTest::newRow("element of a picture")
+            << "<svg><style>#x{position:fixed}</style></svg><div id=x>mot de passe</div>"_ba;
+        QTest::newRow("sheet in an address")
+            << "<link rel=stylesheet href='data:text/css,%23x{position:fixed}'><div id=x></div>"_ba;
+        QTest::newRow("the page as its own sheet")
+            << "<link rel=stylesheet href=tmp.htm><p>{} #x{position:fixed} {}</p><div id=x></div>"_ba;
+        QTest::newRow("dialog") << "<dialog open id=x>mot de passe</dialog>"_ba;
+        QTest::newRow("drawing that spills over")
+            << "<svg id=x width=1 height=1 overflow=visible><foreignObject y=-99 width=999 height=999>"
+               "mot de passe</foreignObject></svg>"_ba;
+    }
+
+    void aFeedBringsNoStyleOfItsOwn()
+    {
+        QFETCH(QByteArray, markup);
+        QFile sheet(QString::fromUtf8(SAMPLES_DIR "/../resources/data/style.css"));
+        QVERIFY(sheet.open(QIODevice::ReadOnly));
+        m_data.write(u"style.css"_s, sheet.readAll());
+        writePage("<html><head><link rel=\"stylesheet\" href=\"style.css\" type=\"text/css\" /></head><body><div "
+                  "id=\"frame\"><p id=\"content\">" +
+                  markup + "</p></div></body></html>");
+        QVERIFY(goAndWait(page()));
+        const QString style = u"getComputedStyle(document.getElementById('x'))"_s;
+        QCOMPARE(evaluate(style + u".position"_s), u"static"_s);
+        QVERIFY(!markup.contains("<svg id") || evaluate(style + u".overflow"_s) == u"hidden"_s);
     }
 
     void theSheetLeavesTheSizesThatAreWritten_data()

@@ -22,10 +22,14 @@ public:
     void enableBrowserButton(const QString &key, bool enabled) override { buttons[key] = enabled; }
     void setAttachmentEntry(const QString &caption, const QString &key) override { attachment = {caption, key}; }
     bool updateRunning() const override { return updating; }
-    void showMailDialog(const QString &) override {}
-    void showItemMenu(bool, bool) override {}
-    void showColumnMenu() override {}
+    void showMailDialog(const QString &text) override { asked += u"mail "_s + text.section(u'\r', 0, 0); }
+    void showItemMenu(bool canMarkRead, bool canMarkUnread) override
+    {
+        asked += u"menu %1%2"_s.arg(canMarkRead).arg(canMarkUnread);
+    }
+    void showColumnMenu() override { asked += u"columns"_s; }
 
+    QStringList asked;
     QHash<QString, bool> buttons;
     QStringList attachment;
     bool updating = false;
@@ -147,6 +151,19 @@ private Q_SLOTS:
         QCOMPARE(room.read(), QList<bool>({false, false, false}));
         room.pane.MarkSelectedItem(false); // nothing is selected
         QCOMPARE(room.read(), QList<bool>({false, false, false}));
+    }
+
+    void theRightButtonAndTheMailAskTheWindow()
+    {
+        Room &room = *m_room;
+        room.current.document->SetItemRead(1, true);
+        room.click(0, 1, Qt::RightButton);
+        room.click(1, 2, Qt::RightButton);
+        room.pane.sendItemByMail(2);
+        QTest::mouseClick(room.list.viewport(), Qt::RightButton, {}, QPoint(50, 190));
+        QCOMPARE(room.window.asked, QStringList({u"menu 10"_s, u"menu 01"_s, u"mail trois"_s, u"columns"_s}));
+        QCOMPARE(room.read(), QList<bool>({false, true, false}));
+        QCOMPARE(room.window.buttons.value(u"send_mail"_s), true);
     }
 
     void deletingGoesByKeySavesAndLeavesNothingSelected()
