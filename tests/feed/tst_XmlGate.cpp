@@ -44,7 +44,7 @@ void tst_XmlGate::documentsAreJudgedByTheBoundsOfTheirUser()
     const QByteArray host = "127.0.0.1:" + QByteArray::number(server.serverPort());
     const QByteArray secret = m_files.write("secret", "<!ENTITY b 'the secret'>the secret").toUtf8();
     const QRegularExpression repeated(u"\\{(\\d+):([^{}]*)\\}"_s);
-    const auto take = [&](const QString &step) {
+    const auto take = [&](const QString &step, const QString &) {
         const QStringList parts = step.split(u" | "_s);
         QByteArrayList documents;
         for (const QString &part : {parts.value(1), parts.value(2)}) {

@@ -66,7 +66,7 @@ private Q_SLOTS:
 
     void onlyAWholeBodyReplacesTheDestination()
     {
-        const auto take = [this](const QString &step) {
+        const auto take = [this](const QString &step, const QString &) {
             const QByteArray whole = QByteArray::fromPercentEncoding(step.toUtf8().replace('|', "\r\n"));
             const qsizetype body = whole.indexOf("\r\n\r\n") + 4;
             const QString told = outcomeOf(once(whole));

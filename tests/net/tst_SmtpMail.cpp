@@ -46,7 +46,7 @@ private Q_SLOTS:
 
     void addressesAreMadeFitForTheEnvelope()
     {
-        const auto take = [](const QString &step) {
+        const auto take = [](const QString &step, const QString &) {
             return QString::fromLatin1(MailMessage::envelopeAddress(QUrl::fromPercentEncoding(step.toUtf8())));
         };
         QCOMPARE((Steps{{}, take}.differenceFrom(u"addresses.steps"_s)), QString());

@@ -56,7 +56,7 @@ private Q_SLOTS:
 
     void textsConvertToNumbers()
     {
-        const auto take = [](const QString &step) {
+        const auto take = [](const QString &step, const QString &) {
             const QString text = step.mid(1).chopped(1);
             return QStringList{QString::number(Numbers::isNumeric(text)),
                                told([&] { return Numbers::toDouble(text); }),
@@ -92,7 +92,7 @@ private Q_SLOTS:
     void datesOfAllLocalesAreRead()
     {
         const bool american = QLocale::system().language() == QLocale::English;
-        const auto take = [](const QString &step) {
+        const auto take = [](const QString &step, const QString &) {
             QDateTime when;
             const int error = errorOf([&] { when = DateText::fromText(step.mid(1).chopped(1)); });
             if (DateText::isDate(step.mid(1).chopped(1)) != (error == 0))
@@ -115,7 +115,7 @@ private Q_SLOTS:
     void aDictionaryKeepsTheOrderInWhichItsEntriesCame()
     {
         Dictionary<QString> table;
-        const auto take = [&table](const QString &step) {
+        const auto take = [&table](const QString &step, const QString &) {
             const QString verb = step.section(u' ', 0, 0), key = step.section(u' ', 1, 1),
                           value = step.section(u' ', 2);
             const int error = errorOf([&] {

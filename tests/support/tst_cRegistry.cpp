@@ -68,7 +68,7 @@ private Q_SLOTS:
     void everyStepIsAnswered()
     {
         qputenv("QUILLWIRE_TEST_PLACE", "/a b");
-        const auto take = [this](const QString &step) {
+        const auto take = [this](const QString &step, const QString &) {
             QStringList words = step.split(u'|');
             const QString verb = words.takeFirst();
             try {
