@@ -3,6 +3,7 @@
 #include "platform/xml/XmlDocument.h"
 #include "tests/feed/FeedDump.h"
 #include "tests/feed/FeedFiles.h"
+#include "tests/fixtures/RunTimeErrors.h"
 #include "tests/fixtures/Steps.h"
 #include "tests/fixtures/TextCases.h"
 
@@ -81,7 +82,10 @@ QString tst_XmlGate::judged(const QByteArray &bytes) const
     result += passes ? u", passes"_s : u", refused"_s;
     if ((feed.Load(path) == LoadOk) != passes)
         result += u", can't be saved"_s;
-    if (document.toBytes().contains("the secret") || m_files.read("feed.xml").contains("the secret"))
+    QByteArray written;
+    if (const int error = errorOf([&] { written = document.toBytes(); }))
+        result += u", own error %1"_s.arg(error);
+    if (written.contains("the secret") || m_files.read("feed.xml").contains("the secret"))
         result += u", tells the secret"_s;
     if (timer.elapsed() > 5000)
         result += u", takes %1 ms"_s.arg(timer.elapsed());
