@@ -32,8 +32,8 @@ class FeedFiles final
 public:
     QString path(const char *name) const { return m_directory.filePath(QLatin1String(name)); }
 
-    /// The path of the file, which then holds these bytes since the first day of 2004. It isn't
-    /// waited for until they are on the disk.
+    /// The path of the file, which then holds these bytes, written on the first day of 2004. Nothing waits for the
+    /// disk.
     QString write(const char *name, const QByteArray &bytes) const
     {
         QFile file(path(name));

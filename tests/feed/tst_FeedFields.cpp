@@ -20,12 +20,10 @@ struct Place
     QString element;
     QString child;
     QString attribute;
-    bool joined = false;
 
-    Place(QString text, bool ofItem) : scope(ofItem ? u"ITEM"_s : u"CHANNEL"_s), joined(text.endsWith(u'+'))
+    Place(QString text, bool ofItem) : scope(ofItem ? u"ITEM"_s : u"CHANNEL"_s)
     {
-        if (joined)
-            text.chop(1);
+        text.remove(u'+'); // what is joined shows in what is told
         if (text.startsWith(u'/')) {
             scope = u"ROOT"_s;
             text.remove(0, 1);

@@ -5,9 +5,8 @@
 #include "tests/feed/FeedFiles.h"
 
 #include <QDir>
+#include <QRegularExpression>
 #include <QTest>
-
-#include <functional>
 
 /// Marks, added and removed items, and what stays of them in the file.
 class tst_FeedMarks : public QObject

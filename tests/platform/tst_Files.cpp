@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "platform/AutostartRegistryStore.h"
+#include "platform/FileRegistryStore.h"
 #include "platform/FileStamp.h"
 #include "platform/Files.h"
 #include "platform/Literals.h"
@@ -59,6 +61,15 @@ private Q_SLOTS:
         QVERIFY(!Files::exists(file) && Files::read(file).result == Files::ReadResult::Absent && !FileStamp::of(file));
         QCOMPARE(errorOf([&] { Files::remove(file); }), 53);
         QCOMPARE(errorOf([&] { Files::copy(file, copy); }), 53);
+    }
+
+    void theRegistryLiesInTheFolderOfTheUsersSettings()
+    {
+        const QByteArray before = qgetenv("XDG_CONFIG_HOME");
+        qputenv("XDG_CONFIG_HOME", "/settings");
+        QCOMPARE(FileRegistryStore::defaultPath(), u"/settings/quillwire/registry.json"_s);
+        QCOMPARE(AutostartRegistryStore::defaultDirectory(), u"/settings/autostart"_s);
+        qputenv("XDG_CONFIG_HOME", before);
     }
 
     void onlyRegularFilesAreRead()
