@@ -69,18 +69,15 @@ private Q_SLOTS:
         QCOMPARE(send(*mail), u"sent"_s);
         QCOMPARE(m_server->mails().size(), 1);
         const LocalSmtpServer::Mail received = m_server->mails().first();
-        QCOMPARE(received.from, QByteArray("<me@here.example>"));
-        QCOMPARE(received.recipients, QByteArrayList{"<you@there.example>"});
-        const QString text = QString::fromUtf8(received.data);
-        const auto head =
-            QRegularExpression(u"^Date: (.*)\r\nFrom: (.*)\r\n (.*)\r\nTo: (.*)\r\n (.*)\r\nSubject: s\r\n"
-                               "Message-ID: <[-0-9a-f]{36}@here.example>\r\n"_s)
-                .match(text);
-        QCOMPARE(head.capturedTexts().mid(2),
-                 (QStringList{u"\"Me\""_s, u"<me@here.example>"_s, u"\"You\""_s, u"<you@there.example>"_s}));
-        QVERIFY(qAbs(QDateTime::fromString(head.captured(1), Qt::RFC2822Date).secsTo(QDateTime::currentDateTime())) <
-                60);
-        QVERIFY(text.endsWith(u"\r\n\r\n.\r\n..t\r\n"_s));
+        QCOMPARE(received.from + received.recipients.join(), QByteArray("<me@here.example><you@there.example>"));
+        const QRegularExpression form(
+            u"^Date: ([^\r]*)\r\nFrom: \"Me\"\r\n <me@here.example>\r\nTo: \"You\"\r\n <you@there.example>\r\nSubject: "
+            u"s\r\n"
+            "Message-ID: <[-0-9a-f]{36}@here.example>\r\n(?:[-A-Z].*\r\n)+\r\n\\.\r\n\\.\\.t\r\n$"_s);
+        const auto mailFound = form.match(QString::fromUtf8(received.data));
+        QVERIFY2(mailFound.hasMatch(), received.data);
+        const QDateTime sent = QDateTime::fromString(mailFound.captured(1), Qt::RFC2822Date);
+        QVERIFY(qAbs(sent.secsTo(QDateTime::currentDateTime())) < 60);
     }
 
     /// Every answer at every step: what the user is told, and what the server has heard.
