@@ -61,6 +61,7 @@ private:
     {
         m_folder = std::make_unique<TemporaryDataDirectory>();
         m_now = QDateTime(QDate(2004, 7, 1), QTime(14, 0));
+        m_meanwhile = m_folder->directory().path();
         restart();
     }
 
@@ -71,7 +72,7 @@ private:
         m_tree = std::make_unique<FeedTree>();
         m_state = std::make_unique<FeedTreeState>(*m_tree);
         m_catalogue = std::make_unique<FeedCatalogue>(m_folder->directory(), *m_tree, *m_state, m_cipher,
-                                                      [this] { return m_now; });
+                                                      [this] { return QDir().mkpath(m_meanwhile), m_now; });
         new QAbstractItemModelTester(m_tree.get(), QAbstractItemModelTester::FailureReportingMode::QtTest,
                                      m_tree.get());
         const auto say = [this](const QString &what, const FeedNodePtr &node) {
@@ -115,6 +116,7 @@ private:
             {u"restart"_s, [&] { restart(), m_catalogue->loadCatalogue(); }},
             {u"write"_s, [&] { m_folder->write(text(1), rest.mid(rest.indexOf(' ') + 1)); }},
             {u"make-folder"_s, [&] { QDir().mkpath(m_folder->file(text(1))); }},
+            {u"make-folder-meanwhile"_s, [&] { m_meanwhile = m_folder->file(text(1)); }},
             {u"file"_s, [&] { tellFile(m_folder->read(text(1))); }},
             {u"files"_s, [&] { m_said = QDir(m_folder->file(u"feeds"_s)).entryList(QDir::Files); }},
             {u"tables"_s, [&] { tellTables(); }},
@@ -216,6 +218,7 @@ private:
     FeedNodePtr m_chosen;
     clsDES m_cipher;
     QDateTime m_now;
+    QString m_meanwhile; ///< a folder that comes when the clock is looked at
     QStringList m_said;
     QString m_shape;
 };
