@@ -195,7 +195,7 @@ private Q_SLOTS:
                               const QString all = world->user->changes();
                               return given.contains(u"all"_s) ? all : QString();
                           },
-                          [&world](const QString &step, const QString &) {
+                          [&world](const QString &step) {
                               try {
                                   world->take(step);
                               } catch (const RunTimeError &error) {

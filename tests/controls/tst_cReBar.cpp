@@ -161,7 +161,7 @@ private Q_SLOTS:
                               f = std::make_unique<Fixture>(800, given.contains(u"fixed"_s));
                               return QString();
                           },
-                          [&f](const QString &step, const QString &) {
+                          [&f](const QString &step) {
                               const QString answer = f->take(step.split(u' '));
                               const QString heights = std::exchange(f->heights, {}).join(u' ');
                               return QStringList({f->placed(), heights, answer}).join(u" | "_s);

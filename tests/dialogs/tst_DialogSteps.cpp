@@ -359,7 +359,7 @@ private Q_SLOTS:
         QFETCH(QString, dialog);
         WidgetUser::State first;
         const Steps steps{[&](const Steps::Given &given) { return open(dialog, given, first); },
-                          [this](const QString &step, const QString &) {
+                          [this](const QString &step) {
                               m_world->take(step);
                               return m_world->user->changes().replace(m_world->data.directory().path(), u"DATA"_s);
                           }};

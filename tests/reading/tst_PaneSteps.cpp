@@ -126,10 +126,10 @@ private:
     QString changes()
     {
         const State now = state();
+        for (const LocalHttpServer::Request &request : m_server->takeRequests())
+            if (request.path != u"/favicon.ico"_s)
+                m_events += u"gets "_s + request.path;
         QStringList parts = m_events + QStringList(m_pane ? m_pane->downloadQuestions : 0, u"asks where to save"_s);
-        for (int i = m_requestsBefore; i < m_server->totalHits(); ++i)
-            if (const QString path = m_server->requests()[i].path; path != u"/favicon.ico"_s)
-                parts += u"gets "_s + path;
         parts.sort();
         QStringList told;
         for (qsizetype i = 0; i < parts.size(); i += parts.count(parts[i]))
@@ -167,7 +167,7 @@ private:
     void settle()
     {
         m_events.clear();
-        m_requestsBefore = m_server->totalHits();
+        m_server->takeRequests();
         m_before = state();
         if (m_pane)
             m_pane->downloadQuestions = 0;
@@ -290,7 +290,6 @@ private:
     QStringList m_events;
     QHash<int, bool> m_commands;
     QString m_meanwhile; ///< a step to take while the next question is on show
-    int m_requestsBefore = 0;
     int m_patience = qEnvironmentVariableIsSet("QUILLWIRE_WRITE_GOLDENS") ? 3000 : 8000; ///< milliseconds
     int m_pages = 0;
     bool m_isWatched = false;
