@@ -24,9 +24,9 @@ QVariant unwrapped(QVariant answer)
 
 bool portalTurnsAnimationsOff()
 {
-    QDBusMessage question = QDBusMessage::createMethodCall(
-        u"org.freedesktop.portal.Desktop"_s, u"/org/freedesktop/portal/desktop"_s,
-        u"org.freedesktop.portal.Settings"_s, u"Read"_s);
+    QDBusMessage question =
+        QDBusMessage::createMethodCall(u"org.freedesktop.portal.Desktop"_s, u"/org/freedesktop/portal/desktop"_s,
+                                       u"org.freedesktop.portal.Settings"_s, u"Read"_s);
     question << u"org.gnome.desktop.interface"_s << u"enable-animations"_s;
     question.setAutoStartService(false);
     const QDBusMessage answer = QDBusConnection::sessionBus().call(question, QDBus::Block, patienceMs);
