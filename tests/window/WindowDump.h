@@ -66,35 +66,11 @@ inline QString textOf(const QMetaProperty &property, const QVariant &value)
     return value.typeId() == QMetaType::QCursor ? QString::number(value.value<QCursor>().shape()) : value.toString();
 }
 
-constexpr const char *properties[] = {"windowTitle",
-                                      "text",
-                                      "toolTip",
-                                      "enabled",
-                                      "focusPolicy",
-                                      "contextMenuPolicy",
-                                      "cursor",
-                                      "minimumSize",
-                                      "maximumSize",
-                                      "maxLength",
-                                      "autoRaise",
-                                      "popupMode",
-                                      "iconSize",
-                                      "textFormat",
-                                      "indent",
-                                      "minimum",
-                                      "maximum",
-                                      "value",
-                                      "textVisible",
-                                      "acceptDrops",
-                                      "editTriggers",
-                                      "selectionMode",
-                                      "autoScroll",
-                                      "textElideMode",
-                                      "headerHidden",
-                                      "toolButtonStyle",
-                                      "uniformRowHeights",
-                                      "rootIsDecorated",
-                                      "allColumnsShowFocus"};
+inline const QStringList properties =
+    u"windowTitle text toolTip enabled focusPolicy contextMenuPolicy cursor minimumSize maximumSize maxLength "
+    "autoRaise popupMode iconSize textFormat indent minimum maximum value textVisible acceptDrops "
+    "editTriggers selectionMode autoScroll textElideMode headerHidden toolButtonStyle uniformRowHeights rootIsDecorated allColumnsShowFocus"_s
+        .split(u' ');
 
 /// The widget's kind and name, and behind them what there is to tell of it, with " | " between.
 inline QString line(const QWidget &widget)
@@ -108,14 +84,14 @@ inline QString line(const QWidget &widget)
         parts += u'"' + name + u'"';
     if (widget.isHidden() && !widget.inherits("QToolButton")) // which of these there is room for is the font's affair
         parts += u"hidden"_s;
-    for (const char *wanted : properties) {
-        const int index = widget.metaObject()->indexOfProperty(wanted);
+    for (const QString &wanted : properties) {
+        const int index = widget.metaObject()->indexOfProperty(wanted.toLatin1());
         const QMetaProperty property = widget.metaObject()->property(index);
         const QString value = index < 0 ? QString() : textOf(property, property.read(&widget));
-        if (widget.inherits("ToolbarButton") && qstrcmp(wanted, "focusPolicy") == 0)
+        if (widget.inherits("ToolbarButton") && wanted == u"focusPolicy")
             continue; // only one button of a bar takes the focus from outside
         if (index >= 0 && value != textOf(property, property.read(&plainOf(widget))))
-            parts += QString::fromLatin1(wanted) + u'=' + value;
+            parts += wanted + u'=' + value;
     }
     const QIcon icon = widget.isWindow() ? widget.windowIcon() : widget.property("icon").value<QIcon>();
     if (!icon.isNull())

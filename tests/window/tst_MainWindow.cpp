@@ -2,7 +2,6 @@
 
 #include "tests/fixtures/Golden.h"
 #include "tests/window/WindowDump.h"
-#include "window/MainToolbar.h"
 
 #include <QDialog>
 #include <QLineEdit>
@@ -96,7 +95,84 @@ private:
         QCoreApplication::processEvents();
         QStringList effect = m_fixture->log + WindowDump::changes(before, WindowDump::all(*m_fixture));
         effect.replaceInStrings(m_fixture->data.directory().path(), u"DATA"_s);
+        if (effect.isEmpty())
+            effect += u"nothing"_s;
         return u"\n    "_s + effect.join(u"\n    "_s) + u'\n';
+    }
+
+    /// Starts the update of all feeds, and notes what is to be seen while the first of them is fetched.
+    void updateAll() const
+    {
+        PrincFixture &f = *m_fixture;
+        f.serversAnswer = false;
+        QTimer look;
+        connect(&look, &QTimer::timeout, &look, [&f, before = WindowDump::all(f)] {
+            if (!f.serversAnswer && f.isDownloading()) {
+                f.log += WindowDump::changes(before, WindowDump::all(f));
+                f.serversAnswer = true;
+            }
+        });
+        look.start(1);
+        f.choose(u"Tout mettre à jour"_s);
+    }
+
+    /// Does what one of these phrases says; what stands for "*" comes as the words.
+    void doAct(const QString &act) const
+    {
+        PrincFixture &f = *m_fixture;
+        using Words = QStringList;
+        const auto key = [](const Words &words, int index = 0) { return words.value(index).toUtf8(); };
+        const std::initializer_list<std::pair<const char *, std::function<void(const Words &)>>> acts = {
+            {"click *", [&](const Words &w) { f.click(key(w)); }},
+            {"menu of the list",
+             [&](const Words &) { QTest::mouseClick(f.list()->viewport(), Qt::RightButton, {}, QPoint(5, 100)); }},
+            {"menu of item *", [&](const Words &w) { f.clickRow(w[0].toInt(), Qt::RightButton); }},
+            {"menu of *", [&](const Words &w) { f.rightClick(key(w)); }},
+            {"item *", [&](const Words &w) { f.clickRow(w[0].toInt()); }},
+            {"key *", [&](const Words &w) { QTest::keyClick(f.tree(), Qt::Key(QKeySequence(w[0])[0].key())); }},
+            {"choose *", [&](const Words &w) { f.choose(w.join(u' ')); }},
+            {"main *", [&](const Words &w) { f.toolbar()->button(w[0].toInt())->click(); }},
+            {"able *", [&](const Words &w) { f.toolbar()->setButtonEnabled(w[0].toInt(), true); }},
+            {"arrow of the attachment", [&](const Words &) { Q_EMIT f.browserToolbar()->DropDownPress(9); }},
+            {"page tells of *", [&](const Words &w) { Q_EMIT f.page()->StatusTextChange(w[0]); }},
+            {"page begins", [&](const Words &) { Q_EMIT f.page()->DownloadBegin(); }},
+            {"page progress *", [&](const Words &w) { Q_EMIT f.page()->ProgressChange(w[0].toInt(), w[1].toInt()); }},
+            {"page is there", [&](const Words &) { Q_EMIT f.page()->DocumentComplete(); }},
+            {"page command *", [&](const Words &w) { Q_EMIT f.page()->CommandStateChange(w[0].toInt(), false); }},
+            {"page leads out to *", [&](const Words &w) { Q_EMIT f.page()->systemLinkActivated(w[0]); }},
+            {"page leads to *", [&](const Words &w) { Q_EMIT f.page()->feedLinkAccepted(w[0]); }},
+            {"page *", [&](const Words &w) { f.browserToolbar()->button(w[0].toInt())->click(); }},
+            {"image", [&](const Words &) { f.control<QToolButton>("Image1")->click(); }},
+            {"input*", [&](const Words &w) { f.inputAnswer = w.join(u' '); }},
+            {"answer *",
+             [&](const Words &w) {
+                 f.messages.answer = w[0] == u"yes" ? Messages::Answer::Yes : Messages::Answer::No;
+             }},
+            {"enter *", [&](const Words &w) { f.enter(QString(w[0]).replace(u"DATA"_s, f.data.directory().path())); }},
+            {"serve *", [&](const Words &w) { f.pages[w[0]] = FeedTexts::rss(u"Le Monde"_s, w.mid(1)); }},
+            {"servers *", [&](const Words &w) { f.serversAnswer = w[0] == u"answer"; }},
+            {"finish *", [&](const Words &w) { f.downloaders[0]->finish(w[0].toInt(), w.mid(1).join(u' ').toUtf8()); }},
+            {"progress *",
+             [&](const Words &w) {
+                 Q_EMIT f.downloaders[f.downloaders[0]->isRunning() ? 0 : 1]->DownloadProgress(w[0].toInt());
+             }},
+            {"notify no", [&](const Words &) { f.settings().notifyNew = false; }},
+            {"browser none", [&](const Words &) { f.systemBrowserOpens = false; }},
+            {"update all", [&](const Words &) { updateAll(); }},
+            {"drop again on *", [&](const Words &w) { Q_EMIT f.tree()->nodeDropped(f.node(key(w)), false); }},
+            {"drop *",
+             [&](const Words &w) {
+                 QTest::mousePress(f.tree()->viewport(), Qt::LeftButton, {}, f.placeOf(f.node(key(w))));
+                 Q_EMIT f.tree()->nodeDropped(f.node(key(w, 2)), w[1] == u"above");
+             }},
+            {"icon *", [&](const Words &w) { f.tray->raise(w[0].toInt()); }},
+            {"hide", [&](const Words &) { f.window->hide(); }}};
+        for (const auto &[phrase, perform] : acts) {
+            const QString fixed = QString::fromLatin1(phrase).remove(u'*');
+            if (act == fixed.trimmed() || (phrase[qstrlen(phrase) - 1] == '*' && act.startsWith(fixed)))
+                return perform(act.mid(fixed.size()).split(u' ', Qt::SkipEmptyParts));
+        }
+        QFAIL(qPrintable(act));
     }
 
 private Q_SLOTS:
@@ -142,198 +218,28 @@ private Q_SLOTS:
         QCOMPARE(differenceFromGolden(u"commands.txt"_s, told), QString());
     }
 
+    /// The file holds the acts, behind ">", and what each of them makes of the window.
     void everyActOfTheUserTellsInTheWindow()
     {
-        start(false);
-        PrincFixture &f = *m_fixture;
-        const auto button = [&f](cToolbar *bar, int index) { return [bar, index] { bar->button(index)->click(); }; };
-        const auto newItems = [&f](const QString &url, const QStringList &items) {
-            f.pages[url] = FeedTexts::rss(u"Le Monde"_s, items);
-        };
-        std::vector<std::pair<QString, std::function<void()>>> acts = {
-            {u"click on the root"_s, [&] { f.click("root"); }},
-            {u"click on the folder"_s, [&] { f.click("1"); }},
-            {u"key down"_s, [&] { QTest::keyClick(f.tree(), Qt::Key_Down); }},
-            {u"key up, onto the folder"_s, [&] { QTest::keyClick(f.tree(), Qt::Key_Up); }},
-            {u"click on feed A"_s, [&] { f.click("2"); }},
-            {u"right click beside the items"_s,
-             [&] { QTest::mouseClick(f.list()->viewport(), Qt::RightButton, {}, QPoint(5, 100)); }},
-            {u"click on item b"_s, [&] { f.clickRow(1); }},
-            {u"right click on item b"_s, [&] { f.clickRow(1, Qt::RightButton); }},
-            {u"mark as read"_s, [&] { f.choose(u"Comme lu"_s); }},
-            {u"right click on item b, read"_s, [&] { f.clickRow(1, Qt::RightButton); }},
-            {u"mark as not read"_s, [&] { f.choose(u"Comme non lu"_s); }},
-            {u"arrow of the attachment"_s, [&] { Q_EMIT f.browserToolbar()->DropDownPress(9); }}};
-        for (int i = 0; i < 10; ++i)
-            if (f.browserToolbar()->button(i))
-                acts.emplace_back(u"page button %1"_s.arg(i), button(f.browserToolbar(), i));
-        acts.insert(acts.end(),
-                    {{u"properties"_s, button(f.toolbar(), 2)},
-                     {u"right click on the folder"_s, [&] { f.rightClick("1"); }},
-                     {u"right click on feed B"_s, [&] { f.rightClick("3"); }},
-                     {u"right click on feed B, selected"_s, [&] { f.rightClick("3"); }},
-                     {u"new folder beside B"_s, [&] { f.choose(u"Nouveau dossier"_s); }},
-                     {u"no name for the folder"_s,
-                      [&] {
-                          f.inputAnswer.clear();
-                          f.choose(u"Nouveau dossier"_s);
-                      }},
-                     {u"image of the address, no file chosen"_s, [&] { f.control<QToolButton>("Image1")->click(); }},
-                     {u"image of the address, a file"_s,
-                      [&] {
-                          f.inputAnswer = u"/a/b.xml"_s;
-                          f.control<QToolButton>("Image1")->click();
-                      }},
-                     {u"feed of the web"_s,
-                      [&] {
-                          newItems(u"http://h/neu"_s, {u"n"_s});
-                          f.enter(u"http://h/neu"_s);
-                      }},
-                     {u"properties of the feed of the web"_s, button(f.toolbar(), 2)},
-                     {u"add it"_s, button(f.toolbar(), 3)},
-                     {u"click on item c of feed A"_s,
-                      [&] {
-                          f.click("2");
-                          f.clickRow(2);
-                      }},
-                     {u"update of feed A begins"_s,
-                      [&] {
-                          f.serversAnswer = false;
-                          f.toolbar()->button(0)->click();
-                      }},
-                     {u"click on the feed that is updated"_s, [&] { f.click("2"); }},
-                     {u"progress"_s, [&] { Q_EMIT f.downloaders[1]->DownloadProgress(40); }},
-                     {u"update of feed A ends"_s,
-                      [&] {
-                          newItems(u"http://h/2"_s, {u"z"_s, u"y"_s, u"a"_s, u"b"_s, u"c"_s});
-                          f.serversAnswer = true;
-                      }},
-                     {u"update of a feed without news for the popup"_s,
-                      [&] {
-                          newItems(u"http://h/3"_s, {u"x"_s, u"d"_s});
-                          f.settings().notifyNew = false;
-                          f.click("3");
-                          f.toolbar()->button(0)->click();
-                      }},
-                     {u"update of all"_s,
-                      [&] {
-                          f.serversAnswer = false;
-                          QTimer look;
-                          connect(&look, &QTimer::timeout, &look, [&, before = WindowDump::all(f)] {
-                              if (!f.serversAnswer && f.isDownloading()) {
-                                  f.log += WindowDump::changes(before, WindowDump::all(f));
-                                  f.serversAnswer = true;
-                              }
-                          });
-                          look.start(1);
-                          f.choose(u"Tout mettre à jour"_s);
-                      }},
-                     {u"feed B dropped on the folder"_s,
-                      [&] {
-                          f.click("3");
-                          QTest::mousePress(f.tree()->viewport(), Qt::LeftButton, {}, f.placeOf(f.node("3")));
-                          Q_EMIT f.tree()->nodeDropped(f.node("1"), false);
-                      }},
-                     {u"dropped once more, its node being another one now"_s,
-                      [&] { Q_EMIT f.tree()->nodeDropped(f.node("root"), false); }},
-                     {u"feed B dropped above A, another feed being selected"_s,
-                      [&] {
-                          f.click("5");
-                          QTest::mousePress(f.tree()->viewport(), Qt::LeftButton, {}, f.placeOf(f.node("3")));
-                          Q_EMIT f.tree()->nodeDropped(f.node("2"), true);
-                      }},
-                     {u"remove the folder, no"_s,
-                      [&] {
-                          f.click("1");
-                          f.messages.answer = Messages::Answer::No;
-                          f.toolbar()->button(1)->click();
-                      }},
-                     {u"remove the folder, yes"_s,
-                      [&] {
-                          f.messages.answer = Messages::Answer::Yes;
-                          f.toolbar()->button(1)->click();
-                      }},
-                     {u"remove the added feed"_s,
-                      [&] {
-                          f.click("5");
-                          f.toolbar()->button(1)->click();
-                      }},
-                     {u"buttons and entries with nothing selected"_s,
-                      [&] {
-                          for (const int index : {0, 1, 2})
-                              f.toolbar()->button(index)->click();
-                          for (const QString &entry : {u"Rafraichir"_s, u"Propriétés"_s, u"Nouveau dossier"_s})
-                              f.choose(entry);
-                      }},
-                     {u"link that no program opens"_s,
-                      [&] {
-                          f.systemBrowserOpens = false;
-                          f.choose(u"FAQ"_s);
-                      }},
-                     {u"the page tells of a link"_s, [&] { Q_EMIT f.page()->StatusTextChange(u"http://h/lien"_s); }},
-                     {u"the page begins"_s, [&] { Q_EMIT f.page()->DownloadBegin(); }},
-                     {u"the page is on its way"_s, [&] { Q_EMIT f.page()->ProgressChange(1, 0); }},
-                     {u"most of the page is there"_s, [&] { Q_EMIT f.page()->ProgressChange(80, 100); }},
-                     {u"the page is there"_s, [&] { Q_EMIT f.page()->DocumentComplete(); }},
-                     {u"no way forward"_s, [&] { Q_EMIT f.page()->CommandStateChange(1, false); }},
-                     {u"no way back"_s, [&] { Q_EMIT f.page()->CommandStateChange(2, false); }},
-                     {u"another state of the page"_s, [&] { Q_EMIT f.page()->CommandStateChange(3, false); }},
-                     {u"link for another program"_s, [&] { Q_EMIT f.page()->systemLinkActivated(u"mailto:a@h"_s); }},
-                     {u"link to a feed"_s, [&] { Q_EMIT f.page()->feedLinkAccepted(u"feed://h/neu"_s); }},
-                     {u"add its feed"_s, button(f.toolbar(), 3)},
-                     {u"double click on the icon"_s, [&] { f.tray->raise(515); }},
-                     {u"double click, the window hidden"_s,
-                      [&] {
-                          f.window->hide();
-                          f.tray->raise(515);
-                      }},
-                     {u"right click on the icon"_s, [&] { f.tray->raise(516); }}});
         QString told;
-        for (const auto &[name, act] : acts)
-            told += name + effectOf(act);
-        QCOMPARE(differenceFromGolden(u"acts.txt"_s, told), QString());
-    }
-
-    void everyOutcomeOfAnOpeningIsTold()
-    {
-        const QString address = u"http://h/a"_s;
-        const QByteArray feed = FeedTexts::rss(u"T"_s, {u"one"_s, u"two"_s});
-        struct Opening
-        {
-            const char *name;
-            QString entered;
-            int status = 0; ///< of the answer; 0 where none is due
-            QByteArray body = {};
-        };
-        QString told;
-        for (const Opening &opening : std::initializer_list<Opening>{
-                 {"a feed", u"feed:h/a"_s, 200, feed},
-                 {"a host that isn't known", address, 3},
-                 {"not there", address, 404},
-                 {"credentials wanted", address, 4},
-                 {"credentials refused", address, 401},
-                 {"no feed", address, 200, "<html>"},
-                 {"a version that isn't read", address, 200, "<rss version='3.0'><channel/></rss>"},
-                 {"another format", address, 200, "<opml/>"},
-                 {"another scheme", u"feed:ftp://a/b"_s},
-                 {"no file of that name", u"/no/such/file"_s},
-                 {"a file that is no feed", u"feeds.xml"_s},
-                 {"a file that is a feed", u"mine.rss"_s}}) {
-            start(false);
-            m_fixture->data.write(u"mine.rss"_s, feed);
-            m_fixture->serversAnswer = false;
-            m_fixture->messages.answer = Messages::Answer::No;
-            selectItem();
-            m_fixture->toolbar()->setButtonEnabled(MainToolbar::Ajouter, true);
-            const bool isFile = m_fixture->data.exists(opening.entered);
-            told += QString::fromLatin1(opening.name) + effectOf([&] {
-                        m_fixture->enter(isFile ? m_fixture->data.file(opening.entered) : opening.entered);
-                    });
-            if (opening.status != 0)
-                told += u"  answered"_s +
-                        effectOf([&] { m_fixture->downloaders[0]->finish(opening.status, opening.body); });
+        for (const QString &line :
+             QString::fromUtf8(Files::read(QStringLiteral(TEST_DATA_DIR "/acts.txt")).bytes).split(u'\n')) {
+            if (line.startsWith(u'#'))
+                told += line + u'\n';
+            if (!line.startsWith(u"> "_s))
+                continue;
+            told += line;
+            if (line == u"> start"_s) {
+                start(false);
+                told += u'\n';
+            } else {
+                told += effectOf([this, &line] {
+                    for (const QString &act : line.mid(2).split(u"; "_s))
+                        doAct(act);
+                });
+            }
         }
-        QCOMPARE(differenceFromGolden(u"openings.txt"_s, told), QString());
+        QCOMPARE(differenceFromGolden(u"acts.txt"_s, told), QString());
     }
 };
 
