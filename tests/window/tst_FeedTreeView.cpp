@@ -2,17 +2,35 @@
 
 #include "controls/ImageList.h"
 #include "platform/Literals.h"
-#include "window/FeedTreeView.h"
+#include "tests/fixtures/Golden.h"
+#include "tests/window/WindowDump.h"
 
 #include <QAccessible>
 #include <QContextMenuEvent>
 #include <QDrag>
 #include <QDropEvent>
 #include <QMimeData>
+#include <QProxyStyle>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
+
+/// Notes the picture that each text is drawn with.
+class RecordingStyle final : public QProxyStyle
+{
+public:
+    void drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
+                     const QWidget *widget) const override
+    {
+        if (const auto *item = qstyleoption_cast<const QStyleOptionViewItem *>(option);
+            item && element == CE_ItemViewItem)
+            shown[item->text] = WindowDump::pictureOf(item->icon) + u" of %1"_s.arg(item->decorationSize.width());
+        QProxyStyle::drawControl(element, option, painter, widget);
+    }
+
+    mutable QHash<QString, QString> shown;
+};
 
 class tst_FeedTreeView : public QObject
 {
@@ -29,10 +47,34 @@ private:
     QPoint placeOf(const char *key) const { return m_view->visualRect(m_tree.indexOf(node(key))).center(); }
     QModelIndexList selected() const { return m_view->selectionModel()->selectedIndexes(); }
 
+    /// Presses on a node and moves what is carried over a place, as a drag would, then drops it there.
+    void dragAndDrop(const char *key, QPoint place, const char *carried)
+    {
+        QTest::mousePress(m_view->viewport(), Qt::LeftButton, {}, placeOf(key));
+        const QImage before = m_view->viewport()->grab().toImage();
+        QMimeData mime;
+        mime.setData(u"application/x-quillwire-node"_s, carried);
+        QDragEnterEvent enter(place, Qt::MoveAction, &mime, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(m_view->viewport(), &enter);
+        QDragMoveEvent move(place, Qt::MoveAction, &mime, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(m_view->viewport(), &move);
+        const bool marked = m_view->viewport()->grab().toImage() != before;
+        QDragLeaveEvent leave;
+        QCoreApplication::sendEvent(m_view->viewport(), &leave);
+        QCOMPARE(m_view->viewport()->grab().toImage(), before);
+        m_said += u"enters %1, is taken %2, marked %3"_s.arg(enter.isAccepted()).arg(move.isAccepted()).arg(marked);
+        QCoreApplication::sendEvent(m_view->viewport(), &enter);
+        QDropEvent drop(place, Qt::MoveAction, &mime, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(m_view->viewport(), &drop);
+    }
+
 private Q_SLOTS:
     void init()
     {
         m_tree.remove(m_tree.root());
+        int number = 2;
+        for (const QString &picture : {u"folder"_s, u"feed"_s, u"feed-updating"_s, u"root"_s})
+            m_pictures.setPicture(number++, picture);
         m_view = std::make_unique<FeedTreeView>(m_tree, m_state, m_pictures);
         const FeedNodePtr root = m_tree.addRoot(u"root"_s, u"Favoris"_s, NodeImage::Root);
         const FeedNodePtr folder = m_tree.addChild(root, u"1"_s, u"Presse"_s, NodeImage::Folder);
@@ -57,124 +99,107 @@ private Q_SLOTS:
         });
     }
 
-    void aClickSelectsBeforeItIsTold()
+    void theViewTellsWhatTheUserDid()
     {
-        QString selectedThen;
-        connect(m_view.get(), &FeedTreeView::nodeClicked, this, [&] { selectedThen = m_state.selected()->key(); });
-        QTest::mouseClick(m_view->viewport(), Qt::LeftButton, {}, placeOf("3"));
-        QCOMPARE(m_said, QStringList(u"click 3"_s));
-        QCOMPARE(selectedThen, u"3"_s);
+        QStringList log;
+        const auto act = [&](const QString &name, const std::function<void()> &perform) {
+            m_said.clear();
+            perform();
+            log += name + u": "_s +
+                   (m_said + QStringList{u"selected "_s + (m_state.selected() ? m_state.selected()->key() : u"none"_s)})
+                       .join(u", "_s);
+        };
+        const auto key = [this](Qt::Key pressed) {
+            return [this, pressed] { QTest::keyClick(m_view.get(), pressed); };
+        };
+        const auto menu = [this](QContextMenuEvent::Reason reason, QPoint place) {
+            return [this, reason, place] {
+                QContextMenuEvent event(reason, place, m_view->viewport()->mapToGlobal(place));
+                QCoreApplication::sendEvent(m_view->viewport(), &event);
+            };
+        };
+        const QRect folder = m_view->visualRect(m_tree.indexOf(node("1")));
+        const QPoint arrow(folder.left() - m_view->indentation() / 2, folder.center().y());
+        const auto click = [this](QPoint from, QPoint to, Qt::MouseButton button = Qt::LeftButton) {
+            return [this, from, to, button] {
+                QTest::mousePress(m_view->viewport(), button, {}, from);
+                m_said += u"pressed on "_s + (m_view->draggedNode() ? m_view->draggedNode()->key() : u"none"_s) +
+                          u", selected "_s + (m_state.selected() ? m_state.selected()->key() : u"none"_s);
+                QTest::mouseRelease(m_view->viewport(), button, {}, to);
+            };
+        };
+        const QPoint nowhere(50, 390);
+        act(u"press on 2, release on 4"_s, click(placeOf("2"), placeOf("4")));
+        act(u"click on 3"_s, click(placeOf("3"), placeOf("3")));
+        act(u"right press on 2"_s, click(placeOf("2"), placeOf("2"), Qt::RightButton));
+        act(u"click on nothing"_s, click(nowhere, nowhere));
+        act(u"down"_s, key(Qt::Key_Down));
+        act(u"down, at the end"_s, key(Qt::Key_Down));
+        act(u"left"_s, key(Qt::Key_Left));
+        act(u"menu on 2"_s, menu(QContextMenuEvent::Mouse, placeOf("2")));
+        act(u"menu on nothing"_s, menu(QContextMenuEvent::Mouse, nowhere));
+        act(u"menu beside 2"_s, menu(QContextMenuEvent::Mouse, QPoint(2, placeOf("2").y())));
+        act(u"menu by the keyboard"_s, menu(QContextMenuEvent::Keyboard, {}));
+        act(u"click on the arrow of 1"_s, click(arrow, arrow));
+        log += m_state.isExpanded(node("1")) ? u"open"_s : u"closed"_s;
+        act(u"click on 4"_s, [&] { click(placeOf("4"), placeOf("4"))(); });
+        act(u"up, over what is closed"_s, key(Qt::Key_Up));
+        m_state.setExpanded(node("1"), true);
+        log += m_view->isExpanded(m_tree.indexOf(node("1"))) ? u"open"_s : u"closed"_s;
+        for (const QByteArray &drag :
+             {"2 over 4 -4 as 2", "2 over 4 4 as 2", "2 over nothing 0 as 2", "2 over 4 4 as 3", "4 over 3 -4 as 4",
+              "4 over 1 4 as 4", "2 over root 4 as 2", "4 over 4 4 as 4", "1 over 4 4 as 1"}) {
+            const QByteArrayList words = drag.split(' ');
+            const QPoint place = words[2] == "nothing" ? nowhere : placeOf(words[2]) + QPoint(0, words[3].toInt());
+            act(u"drag "_s + QString::fromLatin1(drag), [&] { dragAndDrop(words[0], place, words[5]); });
+        }
+        m_state.select(nullptr);
+        act(u"menu by the keyboard, nothing selected"_s, menu(QContextMenuEvent::Keyboard, {}));
+        act(u"up, nothing selected"_s, key(Qt::Key_Up));
+        m_state.select(node("2"));
+        for (const char *gone : {"4", "2", "1"})
+            act(u"removal of "_s + QString::fromLatin1(gone), [&] { m_tree.remove(node(gone)); });
+        QCOMPARE(differenceFromGolden(u"tree.txt"_s, log.join(u'\n') + u'\n'), QString());
     }
 
-    void aPressSelectsNothingUntilItIsReleased()
+    void everyNodeHasItsPictureItsLinesAndItsName()
     {
-        QTest::mousePress(m_view->viewport(), Qt::LeftButton, {}, placeOf("2"));
-        QVERIFY(!m_state.selected());
-        QCOMPARE(m_view->draggedNode(), node("2"));
-        QTest::mouseRelease(m_view->viewport(), Qt::LeftButton, {}, placeOf("4"));
-        QVERIFY(m_said.isEmpty());
-        QVERIFY(selected().isEmpty());
-    }
-
-    void theArrowOfAFolderOpensItWithoutAClick()
-    {
-        const QRect row = m_view->visualRect(m_tree.indexOf(node("1")));
-        const QPoint arrow(row.left() - m_view->indentation() / 2, row.center().y());
-        QTest::mouseClick(m_view->viewport(), Qt::LeftButton, {}, arrow);
-        QVERIFY(!m_state.isExpanded(node("1")));
-        QVERIFY(m_said.isEmpty());
-    }
-
-    void arrowKeysTellTheNextNodeBeforeTheSelectionMoves()
-    {
-        m_state.select(node("3"));
-        QTest::keyClick(m_view.get(), Qt::Key_Down);
-        QCOMPARE(m_said, QStringList(u"arrow 4 from 3"_s));
-        QCOMPARE(m_state.selected(), node("4"));
-        QTest::keyClick(m_view.get(), Qt::Key_Down); // the last node has none behind it
-        QCOMPARE(m_said.size(), 1);
-        m_state.setExpanded(node("1"), false);
-        QTest::keyClick(m_view.get(), Qt::Key_Up);
-        QCOMPARE(m_said.last(), u"arrow 1 from 4"_s);
-        QCOMPARE(m_state.selected(), node("1"));
-    }
-
-    void aContextMenuIsAskedForWithMouseAndKeyboardWithoutSelecting()
-    {
-        m_state.select(node("4"));
-        const QPoint place = placeOf("2");
-        QContextMenuEvent mouse(QContextMenuEvent::Mouse, place, m_view->viewport()->mapToGlobal(place));
-        QCoreApplication::sendEvent(m_view->viewport(), &mouse);
-        QContextMenuEvent keyboard(QContextMenuEvent::Keyboard, QPoint(), QPoint());
-        QCoreApplication::sendEvent(m_view->viewport(), &keyboard);
-        QCOMPARE(m_said, QStringList({u"right 2"_s, u"right 4"_s}));
-        QCOMPARE(m_state.selected(), node("4"));
-    }
-
-    void aDropTellsItsTargetAndTheSide_data()
-    {
-        QTest::addColumn<QByteArray>("carried");
-        QTest::addColumn<int>("offset");
-        QTest::addColumn<QStringList>("told");
-        QTest::newRow("upper half") << QByteArray("2") << -4 << QStringList(u"drop 4 1"_s);
-        QTest::newRow("lower half") << QByteArray("2") << 4 << QStringList(u"drop 4 0"_s);
-        QTest::newRow("no node there") << QByteArray("2") << 200 << QStringList(u"drop  0"_s);
-        QTest::newRow("not the dragged node") << QByteArray("3") << 4 << QStringList();
-    }
-
-    void aDropTellsItsTargetAndTheSide()
-    {
-        QFETCH(QByteArray, carried);
-        QFETCH(int, offset);
-        m_state.select(node("3"));
-        QTest::mousePress(m_view->viewport(), Qt::LeftButton, {}, placeOf("2"));
-        QMimeData mime;
-        mime.setData(u"application/x-quillwire-node"_s, carried);
-        const QPointF place = placeOf("4") + QPoint(0, offset);
-        QDragEnterEvent enter(place.toPoint(), Qt::MoveAction, &mime, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(m_view->viewport(), &enter);
-        QDropEvent drop(place, Qt::MoveAction, &mime, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(m_view->viewport(), &drop);
-        QTEST(m_said, "told");
-        QCOMPARE(m_state.selected(), node("3")); // a drag neither clicks nor selects
-    }
-
-    void aMarkStandsOnlyWhereADropActs_data()
-    {
-        QTest::addColumn<QByteArray>("dragged");
-        QTest::addColumn<QByteArray>("over");
-        QTest::addColumn<bool>("taken");
-        QTest::addColumn<bool>("marked");
-        QTest::newRow("feed on a feed") << QByteArray("4") << QByteArray("3") << true << true;
-        QTest::newRow("feed on a folder") << QByteArray("4") << QByteArray("1") << true << true;
-        QTest::newRow("feed on the root") << QByteArray("2") << QByteArray("root") << true << true;
-        QTest::newRow("feed on itself") << QByteArray("4") << QByteArray("4") << false << false;
-        QTest::newRow("feed on no node") << QByteArray("4") << QByteArray() << false << false;
-        QTest::newRow("folder on a feed") << QByteArray("1") << QByteArray("4") << false << false;
-        QTest::newRow("feed right under the root") << QByteArray("2") << QByteArray("4") << true << false;
-    }
-
-    void aMarkStandsOnlyWhereADropActs()
-    {
-        QFETCH(QByteArray, dragged);
-        QFETCH(QByteArray, over);
-        QFETCH(bool, taken);
-        QFETCH(bool, marked);
-        QTest::mousePress(m_view->viewport(), Qt::LeftButton, {}, placeOf(dragged));
-        const QImage before = m_view->viewport()->grab().toImage();
-        QMimeData mime;
-        mime.setData(u"application/x-quillwire-node"_s, dragged);
-        const QPoint place = over.isEmpty() ? QPoint(50, 390) : placeOf(over);
-        QDragEnterEvent enter(place, Qt::MoveAction, &mime, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(m_view->viewport(), &enter);
-        QVERIFY(enter.isAccepted()); // or no move would be told
-        QDragMoveEvent move(place, Qt::MoveAction, &mime, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(m_view->viewport(), &move);
-        QCOMPARE(move.isAccepted(), taken);
-        QCOMPARE(m_view->viewport()->grab().toImage() != before, marked);
-        QDragLeaveEvent leave;
-        QCoreApplication::sendEvent(m_view->viewport(), &leave);
-        QCOMPARE(m_view->viewport()->grab().toImage(), before);
+        m_tree.setImages(node("3"), NodeImage::FeedUpdating, NodeImage::FeedUpdating);
+        m_tree.setImages(node("4"), NodeImage::Feed, NodeImage::Folder);
+        QPalette colours;
+        colours.setColor(QPalette::Dark, Qt::red);
+        m_view->setPalette(colours);
+        RecordingStyle style;
+        m_view->setStyle(&style);
+        QStringList told;
+        for (const char *key : {"root", "1", "2", "3", "4"}) {
+            const QRect row = m_view->visualRect(m_tree.indexOf(node(key)));
+            QStringList pictures;
+            for (const bool selected : {false, true}) {
+                m_state.select(selected ? node(key) : nullptr);
+                m_view->viewport()->grab(row);
+                pictures += style.shown.value(node(key)->text());
+            }
+            const QImage image = m_view->viewport()->grab().toImage();
+            const auto hasLine = [&image](const QRect &part) {
+                for (int x = part.left(); x <= part.right(); ++x)
+                    for (int y = part.top(); y <= part.bottom(); ++y)
+                        if (image.pixelColor(x, y) == QColor(Qt::red))
+                            return true;
+                return false;
+            };
+            QStringList lines;
+            const int middle = row.center().y();
+            for (int x = row.left() - 1 - m_view->indentation() / 2; x > 0; x -= m_view->indentation())
+                lines += u"%1%2%3"_s.arg(
+                    hasLine(QRect(QPoint(x, row.top()), QPoint(x, middle - 1))) ? u"up"_s : QString(),
+                    hasLine(QRect(QPoint(x, middle + 1), QPoint(x, row.bottom()))) ? u"down"_s : QString(),
+                    hasLine(QRect(QPoint(x + 1, middle), QPoint(x + 8, middle))) ? u"right"_s : QString());
+            told += QAccessible::queryAccessibleInterface(m_view.get())->focusChild()->text(QAccessible::Name) +
+                    u": "_s + pictures.join(u", selected "_s) + u"; "_s + lines.join(u", then "_s);
+        }
+        m_view->setStyle(nullptr);
+        QCOMPARE(differenceFromGolden(u"nodes.txt"_s, told.join(u'\n') + u'\n'), QString());
     }
 
     void aDragThatRestsAtTheEdgeScrollsToTheEnd()
@@ -212,19 +237,6 @@ private Q_SLOTS:
         QCoreApplication::sendEvent(m_view->viewport(), &move);
         const auto *drag = m_view->findChild<QDrag *>();
         QVERIFY(drag && drag->hotSpot().y() <= -m_view->visualRect(m_tree.indexOf(node("2"))).height());
-    }
-
-    void aNodeTellsItsKindAndState()
-    {
-        const auto told = [this](const char *key) {
-            m_state.select(node(key));
-            return QAccessible::queryAccessibleInterface(m_view.get())->focusChild()->text(QAccessible::Name);
-        };
-        QCOMPARE(told("root"), u"Favoris"_s);
-        QCOMPARE(told("1"), u"Presse, dossier"_s);
-        QCOMPARE(told("2"), u"Monde, flux"_s);
-        m_tree.setImages(node("2"), NodeImage::FeedUpdating, NodeImage::FeedUpdating);
-        QCOMPARE(told("2"), u"Monde, flux, mise à jour en cours"_s);
     }
 };
 
