@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "app/DesktopSurroundings.h"
 #include "app/GraphicsChoice.h"
 #include "app/Program.h"
 #include "app/StartPlace.h"
@@ -67,6 +68,8 @@ class ProgramTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase() { qputenv("XDG_CONFIG_HOME", m_runtime.path().toUtf8()); }
+
     void init()
     {
         m_program.reset();
@@ -93,24 +96,21 @@ private Q_SLOTS:
                                              u"open feed:x, feeds"_s, u"present, feeds, timer"_s}));
     }
 
-    void theStartModeIsComparedToTheLetter_data()
-    {
-        QTest::addColumn<QByteArray>("mode");
-        QTest::addColumn<QString>("last");
-        QTest::newRow("to the tray") << QByteArray("Minimisé") << u"hide, feeds, timer"_s;
-        QTest::newRow("a small letter") << QByteArray("minimisé") << u"present, feeds, timer"_s;
-        QTest::newRow("full screen") << QByteArray("Plein écran") << u"present, feeds, timer"_s;
-    }
-
     void theStartModeIsComparedToTheLetter()
     {
-        QFETCH(QByteArray, mode);
-        QByteArray params = freshSettings();
-        m_folder->write(u"params.xml"_s,
-                        params.replace("<params>", QByteArray("<params><start mode='" + mode + "' update='0'/>")));
-        QVERIFY(m_program->loadSettings());
-        start();
-        QTEST(m_window->log.back(), "last");
+        for (const auto &[mode, last] :
+             {std::pair("Minimisé", u"hide, feeds, timer"_s), std::pair("minimisé", u"present, feeds, timer"_s),
+              std::pair("Plein écran", u"present, feeds, timer"_s)}) {
+            make();
+            QByteArray params = freshSettings();
+            m_folder->write(
+                u"params.xml"_s,
+                params.replace("<params>", QByteArray("<params><start mode='" + QByteArray(mode) + "' update='0'/>")));
+            QVERIFY(m_program->loadSettings());
+            start();
+            QCOMPARE(m_window->log.back(), last);
+            m_program->end();
+        }
     }
 
     void aCatalogueOfAnotherLocaleOutlivesTheFirstMinute()
@@ -145,6 +145,37 @@ private Q_SLOTS:
         QVERIFY(GraphicsChoice::isSoftware("software", devices.path()));
     }
 
+    void whereTheProcessorDrawsTheUserIsHeardFirst()
+    {
+        const QByteArrayList names = {"QT_QUICK_BACKEND", "QTWEBENGINE_CHROMIUM_FLAGS", "QT_XCB_GL_INTEGRATION",
+                                      "QT_WAYLAND_DISABLE_HW_INTEGRATION"};
+        QByteArrayList set;
+        for (const auto &[asked, users] :
+             {std::pair("hardware", ""), std::pair("software", ""), std::pair("software", "own")}) {
+            qputenv("QUILLWIRE_GRAPHICS", asked);
+            for (const QByteArray &name : names)
+                *users ? qputenv(name, users) : qunsetenv(name);
+            GraphicsChoice::prepare();
+            for (const QByteArray &name : names)
+                set += qgetenv(name);
+        }
+        QCOMPARE(set.join(' '), QByteArray("    software --disable-gpu none 1 own own own own"));
+    }
+
+    void theStartWithTheDesktopIsAnEntryOfItsOwn()
+    {
+        const auto atStartup = DesktopSurroundings::dialogs(m_folder->directory(), [](int) {}).runAtStartup;
+        const QDir folder(m_runtime.filePath(u"autostart"_s));
+        for (const int state : {1, 0, 2}) {
+            atStartup.setRunAtStartup(state);
+            QCOMPARE(atStartup.isRunAtStartup(), state == 0 ? 0 : 2);
+            QByteArray entry;
+            for (const QFileInfo &file : folder.entryInfoList({u"*.desktop"_s}))
+                entry += Files::read(file.filePath()).bytes;
+            QVERIFY2(entry.contains(QCoreApplication::applicationFilePath().toUtf8()) == (state != 0), entry);
+        }
+    }
+
     void settingsThatCannotBeUsedEndTheStart()
     {
         m_folder->write(u"params.xml"_s, "<Quillwire/>");
@@ -164,15 +195,14 @@ private Q_SLOTS:
         objects.current.document->SetItemRead(0, true);
         objects.catalogue.tables.updatettl.Replace(u"1"_s, u"17"_s);
         m_window->log.clear();
-        m_program->end();
-        QCOMPARE(m_window->log,
-                 (QStringList{u"no popup, feeds"_s, u"bands, feeds, marks"_s, u"no icon, feeds, marks"_s}));
-        QCOMPARE(m_releases, 1);
-        QVERIFY(m_folder->read(u"feeds.xml"_s).contains("ttl=\"17\""));
-        const QByteArray params = m_folder->read(u"params.xml"_s);
-        QVERIFY(params.contains("<Bands taken=\"1\"/>") && params.contains("width=\"800\" height=\"600\""));
-        m_program->end();
-        QCOMPARE(m_releases, 1);
+        connect(m_program.get(), &Program::ended, this, [this] { m_window->log += u"ended"_s; });
+        QVERIFY(isListening());
+        for (int twice = 0; twice < 2; ++twice)
+            m_program->end();
+        QCOMPARE(m_window->log, (QStringList{u"no popup, feeds"_s, u"bands, feeds, marks"_s, u"no icon, feeds, marks"_s,
+                                             u"released, catalogue 1, settings 1, deaf 1"_s, u"ended"_s}));
+        QVERIFY(m_program->isEnded());
+        QCOMPARE(m_downloaders.size(), std::size_t(2));
         for (const FakeDownloader *downloader : m_downloaders)
             QVERIFY(downloader->signalsBlocked());
     }
@@ -182,7 +212,7 @@ private Q_SLOTS:
         QVERIFY(m_program->loadSettings());
         m_onOpen = [this] { m_program->end(); };
         start(u"x"_s);
-        QCOMPARE(m_window->log.back(), u"no icon, feeds"_s);
+        QVERIFY(m_window->log.contains(u"no icon, feeds"_s) && !m_window->log.filter(u"present"_s).size());
         QVERIFY(m_program->isEnded());
     }
 
@@ -195,6 +225,9 @@ private Q_SLOTS:
         m_program->end();
         QCOMPARE(m_folder->read(u"params.xml"_s), QByteArray("untouched"));
         QCOMPARE(m_releases, 0);
+        QVERIFY(m_program->isEnded() && !isListening());
+        for (const FakeDownloader *downloader : m_downloaders)
+            QVERIFY(downloader->signalsBlocked());
     }
 
     void aMissingCatalogueIsARunTimeError()
@@ -204,31 +237,28 @@ private Q_SLOTS:
         QVERIFY_EXCEPTION_THROWN(start(), RunTimeError);
     }
 
-    void aWindowThatNobodySeesIsBroughtIntoSight_data()
-    {
-        QTest::addColumn<QRect>("stored");
-        QTest::addColumn<QRect>("shown");
-        QTest::newRow("inside") << QRect(10, 20, 800, 600) << QRect(10, 20, 800, 600);
-        QTest::newRow("on the second screen") << QRect(-900, 0, 800, 600) << QRect(-900, 0, 800, 600);
-        QTest::newRow("partly outside") << QRect(1200, 700, 800, 600) << QRect(1200, 700, 800, 600);
-        QTest::newRow("small") << QRect(10, 40, 60, 20) << QRect(10, 40, 60, 20);
-        QTest::newRow("outside") << QRect(3000, 0, 800, 600) << QRect(0, 30, 800, 600);
-        QTest::newRow("all but a line outside") << QRect(1279, 30, 800, 600) << QRect(0, 30, 800, 600);
-        QTest::newRow("no size") << QRect(10, 40, 0, 0) << QRect(10, 40, 800, 600);
-        QTest::newRow("no height") << QRect(10, 40, 700, -5) << QRect(10, 40, 700, 600);
-        QTest::newRow("no size, outside") << QRect(-32768, 32767, -32768, 1) << QRect(0, 30, 800, 600);
-    }
-
     void aWindowThatNobodySeesIsBroughtIntoSight()
     {
-        QFETCH(QRect, stored);
-        AppSettings settings;
-        settings.windowX = static_cast<qint16>(stored.x());
-        settings.windowY = static_cast<qint16>(stored.y());
-        settings.windowWidth = static_cast<qint16>(stored.width());
-        settings.windowHeight = static_cast<qint16>(stored.height());
-        QTEST(startPlace(settings, {QRect(0, 30, 1280, 770), QRect(-1280, 0, 1280, 800)}), "shown");
-        QCOMPARE(startPlace(settings, {}).topLeft(), stored.topLeft());
+        const QList<QRect> screens = {QRect(0, 30, 1280, 770), QRect(-1280, 0, 1280, 800)};
+        for (const auto &[name, stored, shown] : std::initializer_list<std::tuple<const char *, QRect, QRect>>{
+                 {"inside", {10, 20, 800, 600}, {10, 20, 800, 600}},
+                 {"on the second screen", {-900, 0, 800, 600}, {-900, 0, 800, 600}},
+                 {"partly outside", {1264, 784, 800, 600}, {1264, 784, 800, 600}},
+                 {"small", {10, 40, 16, 16}, {10, 40, 16, 16}},
+                 {"outside", {3000, 0, 800, 600}, {0, 30, 800, 600}},
+                 {"all but some pixels outside", {1265, 30, 800, 600}, {0, 30, 800, 600}},
+                 {"all but some lines outside", {30, 785, 800, 600}, {0, 30, 800, 600}},
+                 {"too narrow", {10, 40, 15, 600}, {10, 40, 800, 600}},
+                 {"no height", {10, 40, 700, -5}, {10, 40, 700, 600}},
+                 {"no size, outside", {-32768, 32767, -32768, 1}, {0, 30, 800, 600}}}) {
+            AppSettings settings;
+            settings.windowX = static_cast<qint16>(stored.x());
+            settings.windowY = static_cast<qint16>(stored.y());
+            settings.windowWidth = static_cast<qint16>(stored.width());
+            settings.windowHeight = static_cast<qint16>(stored.height());
+            QVERIFY2(startPlace(settings, screens) == shown, name);
+            QCOMPARE(startPlace(settings, {}).topLeft(), stored.topLeft());
+        }
     }
 
 private:
@@ -244,7 +274,22 @@ private:
                 m_downloaders.push_back(downloader.get());
                 return downloader;
             },
-            m_runtime.path(), [this] { ++m_releases; }});
+            m_runtime.path(), [this] { noteRelease(); }});
+    }
+
+    bool isListening() const { return QFileInfo::exists(m_runtime.filePath(u"Quillwire3.0_APPLICATION"_s)); }
+
+    /// Notes what of the road out is behind when the instance lock is given back.
+    void noteRelease()
+    {
+        ++m_releases;
+        const QByteArray params = m_folder->read(u"params.xml"_s);
+        if (m_window)
+            m_window->log +=
+                u"released, catalogue %1, settings %2, deaf %3"_s
+                    .arg(m_folder->read(u"feeds.xml"_s).contains("ttl=\"17\""))
+                    .arg(params.contains("<Bands taken=\"1\"/>") && params.contains("width=\"800\" height=\"600\""))
+                    .arg(!isListening());
     }
 
     void start(const QString &commandLine = {})
@@ -280,5 +325,5 @@ private:
     std::unique_ptr<Program> m_program;
 };
 
-QTEST_GUILESS_MAIN(ProgramTest)
+QTEST_MAIN(ProgramTest)
 #include "tst_Program.moc"

@@ -38,34 +38,20 @@ private Q_SLOTS:
     {
         m_data = std::make_unique<TemporaryDataDirectory>();
         m_runtime = std::make_unique<QTemporaryDir>();
-        QByteArray settings = Files::read(u":/data/params.xml"_s).bytes;
-        m_data->write(u"params.xml"_s, settings.replace("<params>", "<params><start mode=\"Minimisé\" update=\"1\"/>"));
-        QByteArray catalogue = "<favoris>";
-        for (int feed = 1; feed <= m_feeds; ++feed) {
-            const QByteArray key = QByteArray::number(feed);
-            catalogue += "<feed name=\"F\" url=\"" + m_server.url(path(feed)).toUtf8() + "\" key=\"" + key + "\"/>";
-            Files::write(m_data->cacheFile(QString::number(feed)), stored());
-        }
-        m_data->write(u"feeds.xml"_s, catalogue + "</favoris>");
-    }
-
-    void healthyFeedsAreMergedAmongHostileOnes_data()
-    {
-        QTest::addColumn<int>("healthyFeeds");
-        QTest::newRow("the tenth floods heads") << m_feeds - 1;
-        QTest::newRow("each of most is hostile in a way of its own") << m_feeds / 4 + 2;
+        QStringList addresses;
+        for (int feed = 1; feed <= m_feeds; ++feed)
+            addresses += m_server.url(path(feed));
+        fill(*m_data, addresses);
     }
 
     void healthyFeedsAreMergedAmongHostileOnes()
     {
-        QFETCH(int, healthyFeeds);
-        const bool isOne = healthyFeeds == m_feeds - 1;
-        const std::vector<HostileAnswer> answers = isOne ? floods() : allThatEndInTime();
+        const std::vector<HostileAnswer> answers = allThatEndInTime();
         QProcess program;
         std::optional<qint64> before;
         QList<int> hostile;
         for (int feed = 1; feed <= m_feeds; ++feed) {
-            const bool isHealthy = isOne ? feed != 10 : feed <= 2 || feed % 4 == 0;
+            const bool isHealthy = feed <= 2 || feed % 4 == 0;
             Answer answer;
             answer.body = FeedTexts::rss(u"F"_s, {u"new"_s, u"old"_s});
             if (!isHealthy) {
@@ -78,9 +64,8 @@ private Q_SLOTS:
                 return answer;
             });
         }
-        QCOMPARE(m_feeds - hostile.size(), healthyFeeds);
 
-        start(program);
+        start(program, *m_data, *m_runtime);
         QElapsedTimer timer;
         timer.start();
         const int mostMs = 15000 + 1000 * m_feeds + DownloadLimits().idleMs;
@@ -95,35 +80,36 @@ private Q_SLOTS:
         }
         const qint64 endTook = end(program);
         qInfo("%d of %d feeds merged in %.1f s, %d hostile; memory grew by %.1f MB at most; the end took %lld ms",
-              healthyFeeds, m_feeds, double(took) / 1000, int(hostile.size()), double(grown) / megabyte, endTook);
+              int(m_feeds - hostile.size()), m_feeds, double(took) / 1000, int(hostile.size()),
+              double(grown) / megabyte, endTook);
         QVERIFY2(isSanitized || grown < 16 * megabyte, QByteArray::number(grown));
         QCOMPARE(m_data->read(u"feeds.xml"_s).count("lastupdate="), m_feeds);
     }
 
-    void theProgramEndsInTheMiddleOfAnyAnswer_data()
-    {
-        QTest::addColumn<Answer>("answer");
-        QTest::newRow("header lines without end") << floods().at(0).answer;
-        QTest::newRow("header lines drop by drop") << drips().at(0).answer;
-        QTest::newRow("a body drop by drop") << drips().at(3).answer;
-        QTest::newRow("silence") << silence();
-    }
-
     void theProgramEndsInTheMiddleOfAnyAnswer()
     {
-        QFETCH(Answer, answer);
-        bool isAsked = false;
-        for (int feed = 1; feed <= m_feeds; ++feed) {
-            m_server.setHandler(path(feed), [&isAsked, answer](const LocalHttpServer::Request &) {
+        struct Run
+        {
+            TemporaryDataDirectory data;
+            QTemporaryDir runtime;
+            QProcess program;
+            bool isAsked = false;
+        };
+        std::vector<std::unique_ptr<Run>> runs;
+        for (const Answer &answer : {floods().at(0).answer, drips().at(0).answer, drips().at(3).answer, silence()}) {
+            const auto &run = runs.emplace_back(std::make_unique<Run>());
+            const QString place = u"/run%1"_s.arg(runs.size());
+            fill(run->data, {m_server.url(place)});
+            m_server.setHandler(place, [&isAsked = run->isAsked, answer](const LocalHttpServer::Request &) {
                 isAsked = true;
                 return answer;
             });
+            start(run->program, run->data, run->runtime);
         }
-        QProcess program;
-        start(program);
-        QVERIFY(eventually([&isAsked] { return isAsked; }));
-        QTest::qWait(20);
-        qInfo("the end took %lld ms", end(program));
+        for (const auto &run : runs) {
+            QVERIFY(eventually([&run] { return run->isAsked; }));
+            qInfo("the end took %lld ms", end(run->program));
+        }
     }
 
 private:
@@ -148,17 +134,31 @@ private:
         return answers;
     }
 
+    /// A program that updates these feeds at once and shows no window.
+    static void fill(const TemporaryDataDirectory &data, const QStringList &addresses)
+    {
+        QByteArray settings = Files::read(u":/data/params.xml"_s).bytes;
+        data.write(u"params.xml"_s, settings.replace("<params>", "<params><start mode=\"Minimisé\" update=\"1\"/>"));
+        QByteArray catalogue = "<favoris>";
+        for (qsizetype i = 0; i < addresses.size(); ++i) {
+            const QByteArray key = QByteArray::number(i + 1);
+            catalogue += "<feed name=\"F\" url=\"" + addresses[i].toUtf8() + "\" key=\"" + key + "\"/>";
+            data.write(u"feeds/%1.xml"_s.arg(i + 1), stored());
+        }
+        data.write(u"feeds.xml"_s, catalogue + "</favoris>");
+    }
+
     bool isMerged(int feed) const
     {
         return Files::read(m_data->cacheFile(QString::number(feed))).bytes.contains("<title>new</title>");
     }
 
-    void start(QProcess &program) const
+    static void start(QProcess &program, const TemporaryDataDirectory &data, const QTemporaryDir &runtime)
     {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(u"QUILLWIRE_DATA"_s, m_data->directory().path());
-        environment.insert(u"QUILLWIRE_RUNTIME_DIR"_s, m_runtime->path());
-        environment.insert(u"XDG_CONFIG_HOME"_s, m_runtime->path());
+        environment.insert(u"QUILLWIRE_DATA"_s, data.directory().path());
+        environment.insert(u"QUILLWIRE_RUNTIME_DIR"_s, runtime.path());
+        environment.insert(u"XDG_CONFIG_HOME"_s, runtime.path());
         program.setProcessEnvironment(environment);
         program.setStandardErrorFile(QProcess::nullDevice()); // the browser engine tells much there
         program.start(QString::fromUtf8(PROGRAM), {});
@@ -198,7 +198,7 @@ private:
         return line.match(QString::fromLatin1(file.readAll())).captured(1).toLongLong() * 1024;
     }
 
-    int m_feeds = 12;
+    int m_feeds = 8;
     LocalHttpServer m_server;
     std::unique_ptr<TemporaryDataDirectory> m_data;
     std::unique_ptr<QTemporaryDir> m_runtime;

@@ -24,6 +24,8 @@ private:
     std::unique_ptr<TemporaryDataDirectory> m_data;
     std::unique_ptr<QTemporaryDir> m_runtime;
     LocalHttpServer m_server;
+    QByteArray m_used;
+    int m_restful = 0; ///< looks at which the process slept
 
     std::unique_ptr<QProcess> start(const QStringList &arguments = {}) const
     {
@@ -63,6 +65,18 @@ private:
         QCOMPARE(process.exitCode(), 0);
     }
 
+    /// Whether the process sleeps, and did nothing since the last look.
+    bool rests(const QProcess &process)
+    {
+        QFile file(u"/proc/%1/stat"_s.arg(process.processId()));
+        if (!file.open(QIODevice::ReadOnly))
+            return false;
+        const QByteArrayList fields = file.readAll().split(' ');
+        m_restful = fields[2] == "S" && fields[13] == m_used ? m_restful + 1 : 0;
+        m_used = fields[13]; // ticks of the processor
+        return m_restful > 100;
+    }
+
     /// The text as it stands on a page.
     static QByteArray onPage(const char *text)
     {
@@ -91,9 +105,8 @@ private Q_SLOTS:
         m_data->write(u"feeds.xml"_s, "<favoris><feed");
         const auto first = start();
         QVERIFY(eventually([this] { return m_data->exists(u"params.xml"_s); }));
-        QTest::qWait(500); // the box stands and waits for its OK
-        QCOMPARE(first->state(), QProcess::Running);
-        first->terminate(); // ends it as the OK does: there is no road out any more
+        QVERIFY(eventually([&] { return rests(*first); })); // the box stands and waits for its OK
+        first->terminate();                                 // ends it as the OK does: there is no road out any more
         QVERIFY(ended(*first));
         QCOMPARE(first->exitCode(), 1);
         QVERIFY(!m_data->read(u"params.xml"_s).contains("<start"));
@@ -103,7 +116,7 @@ private Q_SLOTS:
     void aTermSignalEndsAStartThatShowsABox()
     {
         const auto first = startFirst({u"\"/no/such/file\""_s});
-        QTest::qWait(500); // "Le fichier que vous tentez d'ouvrir n'existe pas" stands
+        QVERIFY(eventually([&] { return rests(*first); })); // "Le fichier que vous tentez d'ouvrir n'existe pas" stands
         end(*first);
         QVERIFY(m_data->read(u"params.xml"_s).contains("<start"));
     }
@@ -122,11 +135,11 @@ private Q_SLOTS:
         QVERIFY(startsAndEnds({}));
         QVERIFY(startsAndEnds({u"\""_s + feed + u"\""_s}));
         // The first instance has opened the file: its copy and the page of its channel are there.
-        QTRY_VERIFY(m_data->read(u"tmp.xml"_s).contains("Remis"));
-        QTRY_VERIFY(m_data->read(u"tmp.htm"_s).contains(onPage("Remis")));
+        QVERIFY(eventually([this] { return m_data->read(u"tmp.xml"_s).contains("Remis"); }));
+        QVERIFY(eventually([this] { return m_data->read(u"tmp.htm"_s).contains(onPage("Remis")); }));
         QVERIFY(startsAndEnds({m_server.url(u"/f.xml"_s)}));
-        QTRY_COMPARE_WITH_TIMEOUT(m_server.hits(u"/f.xml"_s), 1, 10000);
-        QTRY_VERIFY(m_data->read(u"tmp.htm"_s).contains(onPage("Loin")));
+        QVERIFY(eventually([this] { return m_server.hits(u"/f.xml"_s) == 1; }));
+        QVERIFY(eventually([this] { return m_data->read(u"tmp.htm"_s).contains(onPage("Loin")); }));
         QCOMPARE(first->state(), QProcess::Running);
         QCOMPARE(m_data->read(u"params.xml"_s), settings);
         end(*first);

@@ -146,7 +146,7 @@ private Q_SLOTS:
         act(u"up, over what is closed"_s, key(Qt::Key_Up));
         m_state.setExpanded(node("1"), true);
         log += m_view->isExpanded(m_tree.indexOf(node("1"))) ? u"open"_s : u"closed"_s;
-        for (const QByteArray &drag :
+        for (const QByteArray drag :
              {"2 over 4 -4 as 2", "2 over 4 4 as 2", "2 over nothing 0 as 2", "2 over 4 4 as 3", "4 over 3 -4 as 4",
               "4 over 1 4 as 4", "2 over root 4 as 2", "4 over 4 4 as 4", "1 over 4 4 as 1"}) {
             const QByteArrayList words = drag.split(' ');
