@@ -161,11 +161,12 @@ private Q_SLOTS:
 
     void shiftF10OpensTheMenuOfWhatHasTheFocus()
     {
-        m_fixture->startActive();
-        m_fixture->click("root");
         for (const auto &[control, entry] :
              {std::pair("tvwFavoris", u"Nouveau dossier"_s), std::pair("lvwItems", u"Auteur"_s), // nothing is selected
               std::pair("txtURL", u"Paste"_s)}) {
+            m_fixture = std::make_unique<PrincFixture>(); // here the focus doesn't come back from a menu
+            m_fixture->startActive();
+            m_fixture->click("root");
             auto *focused = m_fixture->control<QWidget>(control);
             focused->setFocus();
             QStringList entries;
