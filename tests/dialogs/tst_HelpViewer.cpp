@@ -18,6 +18,8 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
+#include <QScreen>
+#include <QSplitter>
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTest>
@@ -99,6 +101,10 @@ private Q_SLOTS:
         QCOMPARE(find<QTabWidget>("tabs")->currentIndex(), 0);
         QTRY_VERIFY(find<QHelpContentWidget>("contents")->model()->rowCount() > 0);
         QCOMPARE(differenceFromGolden(u"help.txt"_s, DialogDump::told(*m_viewer)), QString());
+        const auto *splitter = m_viewer->findChild<QSplitter *>();
+        QVERIFY(splitter->sizes()[0] < splitter->sizes()[1] && !splitter->childrenCollapsible());
+        const QSize room = m_viewer->screen()->availableSize();
+        QVERIFY(m_viewer->width() > room.width() / 2 && m_viewer->height() > room.height() / 2);
     }
 
     void theContentsLeadToPages()
