@@ -97,7 +97,7 @@ frmAbout::frmAbout(QWidget *owner, const OpenInSystemBrowser &openInSystemBrowse
     };
     addLink(u"lblProduct"_s, u"Page web de Quillwire"_s, MakerSite::page(u"prog/Quillwire/"_s));
     // Not this program's version but the one that the site's page is asked for by;
-    // theAboutBoxLeadsToTheMakersPages holds it.
+    // the steps of frmAbout hold it.
     addLink(u"lblVersionUpdate"_s, u"Information de mise à jour"_s,
             MakerSite::page(u"prog/Quillwire/update.php?version=3.0.4"_s));
     addLink(u"lblURL"_s, MakerSite::root(), MakerSite::root());

@@ -188,7 +188,7 @@ void frmOptions::handleReadLeft()
 {
     if (!Numbers::isNumeric(m_txtRead->text())) {
         // What is stored comes back as it is stored, in milliseconds, so that a wrong entry is seen for what it is;
-        // leavingABoxMendsItsNumber holds it.
+        // the steps of frmOptions hold it.
         m_txtRead->setText(QString::number(m_settings.readDelay));
         return;
     }

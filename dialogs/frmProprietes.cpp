@@ -119,7 +119,7 @@ frmProprietes::frmProprietes(QWidget *owner, Port port) : DialogBase(u"Propriét
 
     for (QLineEdit *const box : {m_txtMaj, m_txtCache, m_txtUsername, m_txtPassword})
         connect(box, &QLineEdit::textChanged, this, [this] { m_cmdAppliquer->setEnabled(true); });
-    // A stray click changes no retention: "Appliquer" waits for a change of a box. applyingWritesTheTables holds it.
+    // A stray click changes no retention: "Appliquer" waits for a change of a box. The steps of frmProprietes hold it.
     connect(m_chkNoDel, &QCheckBox::toggled, this, [this](bool checked) { enableCache(!checked); });
     connect(m_cmdAppliquer, &QPushButton::clicked, this, &frmProprietes::handleApply);
     connect(cmdFermer, &QPushButton::clicked, this, &frmProprietes::accept);
@@ -278,7 +278,7 @@ void frmProprietes::handleApply()
         replace(tables.updatettl, m_period);
     }
     // What the user typed is kept as typed, even where the next opening can't read it, and "never" is lost at zero
-    // days, which has no sign; applyingWritesTheTables holds both.
+    // days, which has no sign; the steps of frmProprietes hold both.
     replace(tables.updatecache, m_chkNoDel->isChecked()
                                     ? QString::number(Numbers::toDouble(m_txtCache->text()) * -1, 'g', 15)
                                     : m_txtCache->text());
