@@ -127,7 +127,8 @@ private:
     {
         const State now = state();
         for (const LocalHttpServer::Request &request : m_server->takeRequests())
-            if (request.path != u"/favicon.ico"_s)
+            if (request.path != u"/favicon.ico"_s && // and on a busy machine the engine may ask twice for a page
+                !(request.path == u"/link.html"_s && m_events.contains(u"gets /link.html"_s)))
                 m_events += u"gets "_s + request.path;
         QStringList parts = m_events + QStringList(m_pane ? m_pane->downloadQuestions : 0, u"asks where to save"_s);
         parts.sort();
