@@ -200,9 +200,14 @@ private Q_SLOTS:
                 if (!accept)
                     dialog->setNameFilter({});
                 (void)eventually([view] { return view->model()->rowCount(view->rootIndex()) > 1; }, 500);
+                const auto cell = [view](int row, int column) {
+                    return view->model()->index(row, column, view->rootIndex()).data().toString();
+                };
+                QStringList files;
                 for (int row = 0; row < view->model()->rowCount(view->rootIndex()); ++row)
-                    for (const int column : {0, 1})
-                        told += view->model()->index(row, column, view->rootIndex()).data().toString();
+                    files += cell(row, 0) + u'|' + cell(row, 1);
+                files.sort(); // the dialog sorts them when it comes to it
+                told += files;
                 const QModelIndex date = view->model()->index(0, 3, view->rootIndex());
                 told += QLocale().toDateTime(date.data().toString(), QLocale::ShortFormat).isValid() ? u"dated"_s
                                                                                                      : u"undated"_s;
