@@ -1,17 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "platform/net/NetworkState.h"
-#include "tests/fixtures/Eventually.h"
+#include "tests/app/ProgramHome.h"
 #include "tests/fixtures/FeedTexts.h"
 #include "tests/fixtures/HostileAnswers.h"
 #include "tests/fixtures/ResidentMemory.h"
 #include "tests/fixtures/Sanitizer.h"
-#include "tests/fixtures/TemporaryDataDirectory.h"
 
-#include <QElapsedTimer>
-#include <QProcess>
 #include <QRegularExpression>
-#include <QTest>
 
 #include <optional>
 
@@ -36,18 +32,17 @@ private Q_SLOTS:
 
     void init()
     {
-        m_data = std::make_unique<TemporaryDataDirectory>();
-        m_runtime = std::make_unique<QTemporaryDir>();
+        m_home = std::make_unique<ProgramHome>();
         QStringList addresses;
         for (int feed = 1; feed <= m_feeds; ++feed)
             addresses += m_server.url(path(feed));
-        fill(*m_data, addresses);
+        fill(m_home->data, addresses);
     }
 
     void healthyFeedsAreMergedAmongHostileOnes()
     {
         const std::vector<HostileAnswer> answers = allThatEndInTime();
-        QProcess program;
+        std::unique_ptr<QProcess> program;
         std::optional<qint64> before;
         QList<int> hostile;
         for (int feed = 1; feed <= m_feeds; ++feed) {
@@ -60,39 +55,37 @@ private Q_SLOTS:
             }
             m_server.setHandler(path(feed), [&, answer, isHealthy](const LocalHttpServer::Request &) {
                 if (!isHealthy && !before)
-                    before = peakFromNowOn(program);
+                    before = peakFromNowOn(*program);
                 return answer;
             });
         }
 
-        start(program, *m_data, *m_runtime);
+        program = m_home->start();
         QElapsedTimer timer;
         timer.start();
         const int mostMs = 15000 + 1000 * m_feeds + DownloadLimits().idleMs;
         QVERIFY(eventually([this] { return isMerged(m_feeds); }, mostMs));
         const qint64 took = timer.elapsed();
-        const qint64 grown = peak(program) - before.value_or(0);
+        const qint64 grown = peak(*program) - before.value_or(0);
         for (int feed = 1; feed <= m_feeds; ++feed) {
             if (hostile.contains(feed))
-                QCOMPARE(Files::read(m_data->cacheFile(QString::number(feed))).bytes, stored());
+                QCOMPARE(Files::read(m_home->data.cacheFile(QString::number(feed))).bytes, stored());
             else
                 QVERIFY2(isMerged(feed), QByteArray::number(feed));
         }
-        const qint64 endTook = end(program);
+        const qint64 endTook = end(*program);
         qInfo("%d of %d feeds merged in %.1f s, %d hostile; memory grew by %.1f MB at most; the end took %lld ms",
               int(m_feeds - hostile.size()), m_feeds, double(took) / 1000, int(hostile.size()),
               double(grown) / megabyte, endTook);
         QVERIFY2(isSanitized || grown < 16 * megabyte, QByteArray::number(grown));
-        QCOMPARE(m_data->read(u"feeds.xml"_s).count("lastupdate="), m_feeds);
+        QCOMPARE(m_home->data.read(u"feeds.xml"_s).count("lastupdate="), m_feeds);
     }
 
     void theProgramEndsInTheMiddleOfAnyAnswer()
     {
-        struct Run
+        struct Run : ProgramHome
         {
-            TemporaryDataDirectory data;
-            QTemporaryDir runtime;
-            QProcess program;
+            std::unique_ptr<QProcess> program;
             bool isAsked = false;
         };
         std::vector<std::unique_ptr<Run>> runs;
@@ -104,11 +97,11 @@ private Q_SLOTS:
                 isAsked = true;
                 return answer;
             });
-            start(run->program, run->data, run->runtime);
+            run->program = run->start();
         }
         for (const auto &run : runs) {
             QVERIFY(eventually([&run] { return run->isAsked; }));
-            qInfo("the end took %lld ms", end(run->program));
+            qInfo("the end took %lld ms", end(*run->program));
         }
     }
 
@@ -150,32 +143,13 @@ private:
 
     bool isMerged(int feed) const
     {
-        return Files::read(m_data->cacheFile(QString::number(feed))).bytes.contains("<title>new</title>");
+        return Files::read(m_home->data.cacheFile(QString::number(feed))).bytes.contains("<title>new</title>");
     }
 
-    static void start(QProcess &program, const TemporaryDataDirectory &data, const QTemporaryDir &runtime)
-    {
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(u"QUILLWIRE_DATA"_s, data.directory().path());
-        environment.insert(u"QUILLWIRE_RUNTIME_DIR"_s, runtime.path());
-        environment.insert(u"XDG_CONFIG_HOME"_s, runtime.path());
-        program.setProcessEnvironment(environment);
-        program.setStandardErrorFile(QProcess::nullDevice()); // the browser engine tells much there
-        program.start(QString::fromUtf8(PROGRAM), {});
-    }
-
-    /// Asks the program to end, and gives the milliseconds that it took.
     static qint64 end(QProcess &program)
     {
-        QElapsedTimer timer;
-        timer.start();
-        program.terminate();
-        const bool isOver = eventually([&program] { return program.state() == QProcess::NotRunning; });
-        const qint64 took = timer.elapsed();
-        [&] {
-            QVERIFY(isOver && program.exitStatus() == QProcess::NormalExit && program.exitCode() == 0);
-            QVERIFY2(isSanitized || took < 1000, QByteArray::number(took));
-        }();
+        const qint64 took = ProgramHome::end(program);
+        [&] { QVERIFY2(isSanitized || took < 1000, QByteArray::number(took)); }();
         return took;
     }
 
@@ -200,8 +174,7 @@ private:
 
     int m_feeds = 8;
     LocalHttpServer m_server;
-    std::unique_ptr<TemporaryDataDirectory> m_data;
-    std::unique_ptr<QTemporaryDir> m_runtime;
+    std::unique_ptr<ProgramHome> m_home;
 };
 
 QTEST_GUILESS_MAIN(ServerSafetyTest)
