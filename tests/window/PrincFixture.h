@@ -99,13 +99,6 @@ public:
         program->start(*window, DesktopSurroundings::screens(), commandLine);
         shownByTheStart = window->isVisible();
         window->show();
-        QVERIFY(QTest::qWaitForWindowExposed(window.get()));
-    }
-
-    /// Likewise, with the keyboard in the window.
-    void startActive()
-    {
-        start();
         window->activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(window.get()));
     }
@@ -192,6 +185,7 @@ public:
     cToolbar *browserToolbar() const { return control<cToolbar>("tlbBrowser"); }
     BrowserPane *page() const { return control<BrowserPane>("WebBrowser1"); }
     AddressBox *txtURL() const { return control<AddressBox>("txtURL"); }
+    QString statusText() const { return control<QWidget>("stabPrinc")->findChild<QLabel *>(u"state"_s)->text(); }
     FeedNodePtr node(const char *key) const { return feedTree().find(QString::fromLatin1(key)); }
 
     QPoint placeOf(const FeedNodePtr &node) const { return tree()->visualRect(feedTree().indexOf(node)).center(); }

@@ -84,6 +84,8 @@ inline QString line(const QWidget &widget)
         parts += u'"' + name + u'"';
     if (widget.isHidden() && !widget.inherits("QToolButton")) // which of these there is room for is the font's affair
         parts += u"hidden"_s;
+    if (widget.isMinimized())
+        parts += u"minimised"_s;
     for (const QString &wanted : properties) {
         const int index = widget.metaObject()->indexOfProperty(wanted.toLatin1());
         const QMetaProperty property = widget.metaObject()->property(index);

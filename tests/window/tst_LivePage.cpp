@@ -140,7 +140,7 @@ private Q_SLOTS:
 
     void f6AndTabGoThroughThePanesInOrder()
     {
-        m_fixture->startActive();
+        m_fixture->start();
         m_fixture->page()->show();
         QVERIFY(comesTo(ownPage(u"home.htm"_s)));
         const QList<QWidget *> panes = {m_fixture->tree(), m_fixture->list(), m_fixture->page(), m_fixture->txtURL()};

@@ -9,7 +9,6 @@
 
 #include <QAccessible>
 #include <QMenu>
-#include <QTimer>
 #include <QToolButton>
 
 /// The frame of the real window: bars, bands and panes.
@@ -23,41 +22,6 @@ private:
 private Q_SLOTS:
     void init() { m_fixture = std::make_unique<PrincFixture>(); }
     void cleanup() { m_fixture.reset(); }
-
-    void draggingTheBarsResizesThePanesWithinTheirBounds()
-    {
-        m_fixture->start();
-        auto *bar = m_fixture->control<SplitBar>("picHorizontalSplit");
-        const int before = bar->x();
-        QTest::mousePress(bar, Qt::LeftButton, {}, QPoint(0, 5));
-        QTest::mouseMove(bar, QPoint(70, 5));
-        QTest::mouseMove(bar, QPoint(5000, 5)); // past the bound the bar stays
-        QTest::mouseRelease(bar, Qt::LeftButton, {}, QPoint(0, 5));
-        QCOMPARE(bar->x(), before + 70);
-        QCOMPARE(int(m_fixture->settings().splitHorizontal), (before + 70) * 15);
-        QCOMPARE(m_fixture->tree()->width(), before + 70);
-
-        auto *lower = m_fixture->control<SplitBar>("picVerticalSplit");
-        const int height = m_fixture->list()->height();
-        QTest::mousePress(lower, Qt::LeftButton, {}, QPoint(5, 0));
-        QTest::mouseMove(lower, QPoint(5, -30));
-        QTest::mouseRelease(lower, Qt::LeftButton, {}, QPoint(5, 0));
-        QCOMPARE(m_fixture->list()->height(), height - 30);
-        QCOMPARE(int(m_fixture->settings().splitVertical), (height - 30) * 15);
-    }
-
-    void theStyleIsRefusedForOldControls()
-    {
-        m_fixture->start();
-        for (const int minor : {70, 71}) { // the settings of a first start say Office XP
-            m_fixture->toolbar()->setCommonControlsVersion({4, minor});
-            m_fixture->choose(u"Standard"_s);
-            QCOMPARE(m_fixture->settings().officeStyle, minor == 70);
-            QCOMPARE(m_fixture->browserToolbar()->drawStyle() == DrawStyle::Standard, minor == 71);
-            QCOMPARE(m_fixture->messages.shown.size(), std::size_t(1));
-        }
-        QCOMPARE(m_fixture->log.last(), u"box \"Information\": Impossible de changer le style (icon 1, buttons 0)"_s);
-    }
 
     void theChevronOfABandOpensWhatDoesNotFit()
     {
@@ -87,7 +51,7 @@ private Q_SLOTS:
 
     void theShortcutsOfTheMenusWorkFromEveryPane()
     {
-        m_fixture->startActive();
+        m_fixture->start();
         QHash<QAction *, int> reached;
         for (QAction *action : m_fixture->window->actions()) {
             action->disconnect(); // it is only to be reached
@@ -159,52 +123,39 @@ private Q_SLOTS:
         QCOMPARE(ofList->tipOfCell(cell(0)), u"<p>"_s + title.toHtmlEscaped() + u"</p>"_s);
     }
 
-    void shiftF10OpensTheMenuOfWhatHasTheFocus()
-    {
-        for (const auto &[control, entry] :
-             {std::pair("tvwFavoris", u"Nouveau dossier"_s), std::pair("lvwItems", u"Auteur"_s), // nothing is selected
-              std::pair("txtURL", u"Paste"_s)}) {
-            m_fixture = std::make_unique<PrincFixture>(); // here the focus doesn't come back from a menu
-            m_fixture->startActive();
-            m_fixture->click("root");
-            auto *focused = m_fixture->control<QWidget>(control);
-            focused->setFocus();
-            QStringList entries;
-            QTimer look;
-            connect(&look, &QTimer::timeout, &look, [&entries] {
-                if (auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget())) {
-                    for (const QAction *action : menu->actions())
-                        entries.append(action->text());
-                    menu->close();
-                }
-            });
-            look.start(1);
-            QTest::keyClick(focused, Qt::Key_F10, Qt::ShiftModifier | Qt::ControlModifier); // another key
-            QVERIFY(entries.isEmpty());
-            QTest::keyClick(focused, Qt::Key_F10, Qt::ShiftModifier);
-            QVERIFY2(eventually([&, wanted = entry] { return !entries.filter(wanted).isEmpty(); }, 2000), control);
-        }
-    }
-
-    void theBarsTellWhatTheyAreAndMoveByKeysAndByTools()
+    void theBarsMoveByTheMouseByKeysAndByToolsWithinTheirBounds()
     {
         m_fixture->start();
         for (const char *name : {"picHorizontalSplit", "picVerticalSplit"}) {
             auto *bar = m_fixture->control<SplitBar>(name);
             const bool across = name[3] == 'H';
+            const QWidget *pane = across ? static_cast<QWidget *>(m_fixture->tree()) : m_fixture->list();
             const auto edge = [&] { return across ? bar->x() : bar->y(); };
+            const auto extent = [&] { return across ? pane->width() : pane->height(); };
+            const auto stored = [&] {
+                const AppSettings &settings = m_fixture->settings();
+                return int(across ? settings.splitHorizontal : settings.splitVertical);
+            };
             QAccessibleInterface *told = QAccessible::queryAccessibleInterface(bar);
             QCOMPARE(told->role(), QAccessible::Splitter);
             QVERIFY(told->text(QAccessible::Name).startsWith(u"Séparation"_s));
             QAccessibleValueInterface *value = told->valueInterface();
-            QVERIFY(value);
             const int before = edge();
+            const int wide = extent();
             QCOMPARE(value->currentValue().toInt(), before);
             QTest::keyClick(bar, across ? Qt::Key_Right : Qt::Key_Down);
             QCOMPARE(edge(), before + value->minimumStepSize().toInt());
+            QTest::keyClick(bar, across ? Qt::Key_Left : Qt::Key_Up);
+            QTest::mousePress(bar, Qt::LeftButton);
+            QTest::mouseMove(bar, across ? QPoint(-30, 5) : QPoint(5, -30));
+            QTest::mouseMove(bar, across ? QPoint(5000, 5) : QPoint(5, 5000)); // past the bound the bar stays
+            QTest::mouseRelease(bar, Qt::LeftButton);
+            QCOMPARE(edge(), before - 30);
+            QCOMPARE(extent(), wide - 30);
+            QCOMPARE(stored(), extent() * 15);
             value->setCurrentValue(value->minimumValue());
             QCOMPARE(edge(), value->minimumValue().toInt());
-            QVERIFY(edge() < before && m_fixture->list()->isVisible());
+            QVERIFY(edge() < before - 30 && m_fixture->list()->isVisible());
             value->setCurrentValue(1000000); // past the end is the end
             QCOMPARE(edge(), value->maximumValue().toInt());
         }

@@ -3,12 +3,18 @@
 #include "tests/fixtures/Golden.h"
 #include "tests/window/WindowDump.h"
 
-#include <QDialog>
+#include <QCheckBox>
+#include <QClipboard>
+#include <QInputDialog>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QTabWidget>
+#include <QTreeWidget>
 
-/// The real window as a whole: how it looks, and what each command and each act of the user makes of it.
+/// The real window as a whole: how it looks, what each command and each act of the user makes of it, and what it leaves
+/// on the disk.
 class tst_MainWindow : public QObject
 {
     Q_OBJECT
@@ -33,7 +39,10 @@ private:
             }
         };
         m_fixture->start();
-        m_fixture->log.clear();
+        connect(&m_fixture->program->longLived().opener, &FeedOpener::loadBegan, this, [this] {
+            if (QGuiApplication::overrideCursor())
+                m_fixture->log += u"the pointer waits: "_s + m_fixture->control<QLabel>("glue")->text();
+        });
     }
 
     void selectItem() const
@@ -95,25 +104,71 @@ private:
         QCoreApplication::processEvents();
         QStringList effect = m_fixture->log + WindowDump::changes(before, WindowDump::all(*m_fixture));
         effect.replaceInStrings(m_fixture->data.directory().path(), u"DATA"_s);
+        if (QGuiApplication::overrideCursor())
+            effect += u"the pointer waits on"_s;
         if (effect.isEmpty())
             effect += u"nothing"_s;
         return u"\n    "_s + effect.join(u"\n    "_s) + u'\n';
     }
 
-    /// Starts the update of all feeds, and notes what is to be seen while the first of them is fetched.
-    void updateAll() const
+    /// Starts the update of all feeds, and notes what is to be seen while the first of them is fetched; then the window
+    /// is closed, or the servers answer.
+    void updateAll(bool closes) const
     {
         PrincFixture &f = *m_fixture;
         f.serversAnswer = false;
         QTimer look;
-        connect(&look, &QTimer::timeout, &look, [&f, before = WindowDump::all(f)] {
-            if (!f.serversAnswer && f.isDownloading()) {
-                f.log += WindowDump::changes(before, WindowDump::all(f));
-                f.serversAnswer = true;
-            }
+        connect(&look, &QTimer::timeout, &look, [&f, &look, closes, before = WindowDump::all(f)] {
+            if (!f.isDownloading())
+                return;
+            look.stop();
+            f.log += WindowDump::changes(before, WindowDump::all(f));
+            f.serversAnswer = !closes;
+            if (closes)
+                f.window->close();
         });
         look.start(1);
         f.choose(u"Tout mettre à jour"_s);
+    }
+
+    /// Opens a list of those feeds as the command line does and takes all of them; `stops` breaks off at the first.
+    void import(const QStringList &feeds, bool stops) const
+    {
+        PrincFixture &f = *m_fixture;
+        QByteArray outlines;
+        for (const QString &feed : feeds)
+            outlines += "<outline text=\"A\" xmlUrl=\"http://h/" + feed.toLatin1() + "\"/>";
+        f.data.write(u"A b.OPML"_s, "<opml><head><title/></head><body>" + outlines + "</body></opml>");
+        f.serversAnswer = !stops;
+        f.pages[u"http://h/bad"_s] = "<html/>";
+        bool taken = false;
+        QTimer look;
+        connect(&look, &QTimer::timeout, &look, [&] {
+            const QWidget *dialog = QApplication::activeModalWidget();
+            const auto *list = dialog ? dialog->findChild<QTreeWidget *>() : nullptr;
+            if (!list || list->topLevelItemCount() == 0)
+                return;
+            if (!std::exchange(taken, true)) {
+                f.window->openCommandLine(u"\"/other.opml\""_s); // no second wizard over the first
+                eventually([&f] { return f.statusText().endsWith(u"/other.opml"_s); }, 1000);
+                f.log += u"%1 listed; "_s.arg(list->topLevelItemCount()) + f.statusText();
+                dialog->findChild<QCheckBox *>(u"chkCkeckAll"_s)->setChecked(true);
+                QTimer::singleShot(0, dialog,
+                                   [dialog] { dialog->findChild<QPushButton *>(u"cmdTerminer"_s)->click(); });
+            } else if (stops && f.isDownloading()) {
+                dialog->findChild<QPushButton *>(u"cmdCanceller"_s)->click();
+            }
+        });
+        look.start(1);
+        f.window->openCommandLine(u'"' + f.data.file(u"A b.OPML"_s) + u'"');
+        QVERIFY(eventually([&taken] { return taken && !QApplication::activeModalWidget(); }));
+    }
+
+    /// Presses F1 in a dialog of that kind.
+    static void askForHelp(QDialog &&dialog)
+    {
+        dialog.open();
+        QTest::keyClick(&dialog, Qt::Key_F1);
     }
 
     /// Does what one of these phrases says; what stands for "*" comes as the words.
@@ -129,9 +184,36 @@ private:
             {"menu of item *", [&](const Words &w) { f.clickRow(w[0].toInt(), Qt::RightButton); }},
             {"menu of *", [&](const Words &w) { f.rightClick(key(w)); }},
             {"item *", [&](const Words &w) { f.clickRow(w[0].toInt()); }},
-            {"key *", [&](const Words &w) { QTest::keyClick(f.tree(), Qt::Key(QKeySequence(w[0])[0].key())); }},
+            {"read after *",
+             [&](const Words &w) {
+                 f.settings().readDelay = qint16(w[0].toInt());
+                 f.clickRow(1);
+                 QVERIFY(eventually([&f] { return f.list()->items().isShownRead(1); }));
+             }},
+            {"key *",
+             [&](const Words &w) {
+                 const QKeyCombination keys = QKeySequence(w[0])[0];
+                 auto *part = w.size() > 1 ? f.control<QWidget>(key(w, 2)) : f.tree();
+                 part->setFocus();
+                 QTest::keyClick(part, keys.key(), keys.keyboardModifiers());
+             }},
+            {"focus by *",
+             [&](const Words &w) {
+                 f.tree()->setFocus();
+                 QGuiApplication::clipboard()->setText(w.mid(2).join(u' '));
+                 f.txtURL()->setFocus(Qt::FocusReason(QMetaEnum::fromType<Qt::FocusReason>().keyToValue(key(w))));
+                 f.log += u"left to paste \"%1\", selected \"%2\""_s.arg(QGuiApplication::clipboard()->text(),
+                                                                         f.txtURL()->selectedText());
+             }},
+            {"help in a question", [&](const Words &) { askForHelp(QMessageBox()); }},
+            {"help in a line", [&](const Words &) { askForHelp(QInputDialog()); }},
+            {"help in another", [&](const Words &) { askForHelp(QDialog()); }},
             {"choose *", [&](const Words &w) { f.choose(w.join(u' ')); }},
             {"main *", [&](const Words &w) { f.toolbar()->button(w[0].toInt())->click(); }},
+            {"version *",
+             [&](const Words &w) {
+                 f.toolbar()->setCommonControlsVersion({4, w[0].toInt()});
+             }},
             {"able *", [&](const Words &w) { f.toolbar()->setButtonEnabled(w[0].toInt(), true); }},
             {"arrow of the attachment", [&](const Words &) { Q_EMIT f.browserToolbar()->DropDownPress(9); }},
             {"page tells of *", [&](const Words &w) { Q_EMIT f.page()->StatusTextChange(w[0]); }},
@@ -149,6 +231,13 @@ private:
                  f.messages.answer = w[0] == u"yes" ? Messages::Answer::Yes : Messages::Answer::No;
              }},
             {"enter *", [&](const Words &w) { f.enter(QString(w[0]).replace(u"DATA"_s, f.data.directory().path())); }},
+            {"write *",
+             [&](const Words &w) {
+                 f.data.write(u"large.rss"_s,
+                              w.mid(1).join(u' ').toUtf8() + "<!--" + QByteArray(w[0].toInt(), 'x') + "-->");
+             }},
+            {"import and stop *", [&](const Words &w) { import(w, true); }},
+            {"import *", [&](const Words &w) { import(w, false); }},
             {"serve *", [&](const Words &w) { f.pages[w[0]] = FeedTexts::rss(u"Le Monde"_s, w.mid(1)); }},
             {"servers *", [&](const Words &w) { f.serversAnswer = w[0] == u"answer"; }},
             {"finish *", [&](const Words &w) { f.downloaders[0]->finish(w[0].toInt(), w.mid(1).join(u' ').toUtf8()); }},
@@ -158,7 +247,13 @@ private:
              }},
             {"notify no", [&](const Words &) { f.settings().notifyNew = false; }},
             {"browser none", [&](const Words &) { f.systemBrowserOpens = false; }},
-            {"update all", [&](const Words &) { updateAll(); }},
+            {"update all", [&](const Words &) { updateAll(false); }},
+            {"update all, closing", [&](const Words &) { updateAll(true); }},
+            {"again",
+             [&](const Words &) {
+                 f.window->close();
+                 f.start();
+             }},
             {"drop again on *", [&](const Words &w) { Q_EMIT f.tree()->nodeDropped(f.node(key(w)), false); }},
             {"drop *",
              [&](const Words &w) {
@@ -166,13 +261,31 @@ private:
                  Q_EMIT f.tree()->nodeDropped(f.node(key(w, 2)), w[1] == u"above");
              }},
             {"icon *", [&](const Words &w) { f.tray->raise(w[0].toInt()); }},
-            {"hide", [&](const Words &) { f.window->hide(); }}};
+            {"hide", [&](const Words &) { f.window->hide(); }},
+            {"tray *", [&](const Words &w) { f.trayAvailable = w[0] == u"there"; }},
+            {"dialog opens", [&](const Words &) { (new QDialog(f.window.get()))->open(); }},
+            {"dialog closes", [&](const Words &) { QApplication::activeModalWidget()->close(); }},
+            {"minimise", [&](const Words &) { f.window->showMinimized(); }},
+            {"restore", [&](const Words &) { f.window->showNormal(); }},
+            {"hand over *", [&](const Words &w) {
+                 f.window->takeHandOver(w[0], "token");
+                 QVERIFY(!qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN"));
+             }}};
         for (const auto &[phrase, perform] : acts) {
             const QString fixed = QString::fromLatin1(phrase).remove(u'*');
             if (act == fixed.trimmed() || (phrase[qstrlen(phrase) - 1] == '*' && act.startsWith(fixed)))
                 return perform(act.mid(fixed.size()).split(u' ', Qt::SkipEmptyParts));
         }
         QFAIL(qPrintable(act));
+    }
+
+    /// The settings and the catalogue; of the bands only their order, since their sizes are the font's.
+    QString filesOfState() const
+    {
+        static const QRegularExpression size(
+            u"(left|top|right|bottom|bandChildMinWidth|bandChildIdealWidth)=\"\\d+\""_s);
+        return QString::fromUtf8(m_fixture->data.read(u"params.xml"_s)).replace(size, u"\\1=\"\""_s) + u'\n' +
+               QString::fromUtf8(m_fixture->data.read(u"feeds.xml"_s));
     }
 
 private Q_SLOTS:
@@ -240,6 +353,50 @@ private Q_SLOTS:
             }
         }
         QCOMPARE(differenceFromGolden(u"acts.txt"_s, told), QString());
+    }
+
+    void whatTheUserChangedIsOnTheDiskAndThereAtTheNextStart()
+    {
+        m_fixture = std::make_unique<PrincFixture>();
+        m_fixture->adjustSettings = [](AppSettings &settings) { settings.readDelay = -1; };
+        m_fixture->writeFeeds();
+        m_fixture->start();
+        QVERIFY(m_fixture->shownByTheStart);
+        m_fixture->choose(u"Standard"_s);
+        m_fixture->choose(u"Grandes"_s);
+        m_fixture->window->move(120, 70);
+        m_fixture->window->resize(900, 700);
+        for (int column = 1; column <= itemColumnCount; ++column)
+            m_fixture->list()->setColumnWidthTwips(column, (50 + 10 * column) * 15);
+        AppSettings &settings = m_fixture->settings();
+        settings.startMode = u"Minimisé"_s;
+        settings.updateAtStart = true;
+        settings.smtpServer = u"smtp.h"_s;
+        settings.smtpPort = 26;
+        settings.fromName = u"Jean"_s;
+        settings.fromMail = u"j@h"_s;
+        settings.splitHorizontal = 200 * 15;
+        settings.splitVertical = 180 * 15;
+        settings.notifyNew = false;
+        settings.soundPath = u"/a.wav"_s;
+        QTest::mousePress(m_fixture->tree()->viewport(), Qt::LeftButton, {}, m_fixture->placeOf(m_fixture->node("3")));
+        Q_EMIT m_fixture->tree()->nodeDropped(m_fixture->node("2"), true);
+        m_fixture->program->longLived().treeState.setExpanded(m_fixture->node("1"), false);
+        m_fixture->program->longLived().catalogue.tables.updatettl.Replace(u"2"_s, u"17"_s);
+        QVERIFY(m_fixture->window->close());
+        QCOMPARE(m_fixture->releases, 1);
+        const QString left = filesOfState();
+        QCOMPARE(differenceFromGolden(u"state.xml"_s, left), QString());
+
+        m_fixture->adjustSettings = {};
+        m_fixture->start();
+        QVERIFY(!m_fixture->shownByTheStart);
+        QCOMPARE(QRect(m_fixture->window->pos(), m_fixture->window->size()), QRect(120, 70, 900, 700));
+        QCOMPARE(m_fixture->toolbar()->drawStyle(), DrawStyle::Standard);
+        QCOMPARE(m_fixture->list()->columnWidthTwips(3), 80.0 * 15);
+        m_fixture->settings().soundPath = u"/a.wav"_s; // the fixture plays none
+        m_fixture->window->close();
+        QCOMPARE(filesOfState(), left);
     }
 };
 
