@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "controls/BandLayout.h"
 #include "controls/FrenchTexts.h"
 #include "controls/ImageList.h"
 #include "controls/PictureButton.h"
@@ -7,14 +8,17 @@
 #include "controls/StatusBar.h"
 #include "controls/SystemBrowser.h"
 #include "controls/TabControl.h"
+#include "controls/Twips.h"
 #include "controls/UpDown.h"
 #include "controls/cPopupMenu.h"
+#include "controls/cReBar.h"
 #include "controls/cToolbar.h"
 #include "controls/cToolbarHost.h"
 #include "tests/fixtures/Steps.h"
 #include "tests/fixtures/WidgetUser.h"
 
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QMenu>
 
 namespace {
@@ -49,12 +53,16 @@ public:
         box.setObjectName(u"box"_s);
         picture.setObjectName(u"picture"_s);
         bar.setObjectName(u"bar"_s);
-        for (const int parent : {-1, 0}) {
+        for (const QString &caption : {u"&Fichier"_s, u"&Affichage"_s, u"&Aide"_s}) {
             cPopupMenu::Item item;
-            item.caption = u"&Fichier"_s;
-            item.parentIndex = parent;
+            item.caption = caption;
+            item.parentIndex = menu.AddItem(item);
+            item.caption = u"&Entrée"_s;
             menu.AddItem(item);
         }
+        menuBar.CreateFromMenu(&menu);
+        menuBar.move(0, 350);
+        menuBar.resize(menuBar.sizeHint());
         user.emplace(window, [this] { return outside(); });
         const auto note = [this](const char *event) {
             return [this, event](int index) { user->note(u"%1 %2"_s.arg(QLatin1String(event)).arg(index)); };
@@ -86,8 +94,14 @@ public:
         else if (verb == u"pictures")
             tools->setImageList(number == 2 ? &ImageLists::vbalImageList2() : nullptr);
         else if (verb == u"overflow")
-            overflow(number);
-        else if (verb == u"let-go")
+            overflow(*tools, number);
+        else if (verb == u"menus") // in so many hundredths of the width that they want
+            menuBar.resize(menuBar.idealWidth() * number / 100, 26), overflow(menuBar, 0);
+        else if (verb == u"keys") {
+            const QKeyCombination keys = QKeySequence(name)[0];
+            QWidget *const menuInFront = QApplication::activePopupWidget();
+            QTest::keyClick(menuInFront ? menuInFront : &window, keys.key(), keys.keyboardModifiers());
+        } else if (verb == u"let-go")
             host.Capture(nullptr), user->note(QString::number(tools->isHidden() && !tools->parentWidget()));
         else if (verb == u"status")
             status.resize(number, 24);
@@ -116,9 +130,9 @@ public:
     std::optional<WidgetUser> user;
 
 private:
-    void overflow(int chosen)
+    void overflow(cToolbar &toolbar, int chosen)
     {
-        const QMenu *const shown = tools->ShowOverflow(QPoint(40, 50));
+        const QMenu *const shown = toolbar.ShowOverflow(QPoint(40, 50));
         QStringList entries;
         for (const QAction *entry : shown ? shown->actions() : QList<QAction *>())
             entries += (entry->isEnabled() ? u"+"_s : u"-"_s) + entry->text();
@@ -159,6 +173,8 @@ private:
         all[u"tabs"_s] = QString::number(tabs.selectedTab()) + tabs.tabKey(tabs.selectedTab());
         all[u"spin"_s] = QString::number(spin.value());
         all[u"tick"_s] = QString::number(menu.Checked(1)) + QString::number(menu.action(1)->isChecked());
+        const auto *const open = qobject_cast<const QMenu *>(QApplication::activePopupWidget());
+        all[u"menu"_s] = open && !open->title().isEmpty() ? open->title() : u"closed"_s;
         all[u"browser"_s] = seen;
         return all;
     }
@@ -173,11 +189,162 @@ private:
     ProgressBar bar{&window};
     PictureButton picture{u"ouvrir-fichier"_s, u"Ouvrir"_s, &window};
     cPopupMenu menu{&window, false};
+    cToolbar menuBar{&window};
     QString seen;
     SystemBrowser browser{u"/data"_s, [this](const QUrl &url) {
                               seen = url.toString();
                               return true;
                           }};
+};
+
+class Box final : public QWidget
+{
+public:
+    Box(const QString &name, QWidget *parent) : QWidget(parent) { setObjectName(name); }
+    QSize sizeHint() const override { return {200, 20}; }
+    QSize minimumSizeHint() const override { return {100, 20}; }
+};
+
+/// A rebar as the main window has it, one band on the first row, two on the second, and a fixed one on the third.
+struct Bars
+{
+    explicit Bars(const Steps::Given &given)
+    {
+        window.resize(800, 300);
+        QWidgetList children{menu, tools, address};
+        if (given.contains(u"fixed"_s))
+            children += new Box(u"Fixed"_s, &window);
+        if (given.contains(u"toolbar"_s)) {
+            auto *const toolbar = new cToolbar(&window);
+            toolbar->setObjectName(u"Links"_s);
+            toolbar->setMinimumHeight(20);
+            for (int i = 0; i < 50; ++i)
+                toolbar->AddButton({}, -1, {}, cToolbar::Separator, {});
+            children += toolbar;
+        }
+        for (QWidget *child : children)
+            rebar.AddBand(child, {}, child != address, child->objectName() == u"Fixed"_s, child->objectName());
+        rebar.setBandMinimumSize(0, -1, 24);
+        rebar.setBandMinimumSize(1, -1, 40);
+        rebar.resize(800, rebar.rebarHeight());
+        rebar.RebarSize();
+        window.show();
+        QObject::connect(&rebar, &cReBar::HeightChanged, [this](int height) { heights += QString::number(height); });
+        const double perPixel = Twips::perPixelX(&rebar);
+        QObject::connect(&rebar, &cReBar::ChevronPushed,
+                         [this, perPixel](int index, double left, double top, double right, double bottom) {
+                             QStringList edges;
+                             for (const double edge : {left, top, right, bottom})
+                                 edges += QString::number(edge / perPixel);
+                             pushed += rebar.BandData(index) + u' ' + edges.join(u' ');
+                         });
+    }
+
+    std::vector<BandLayout::Band> bands() const { return *BandLayout::fromText(rebar.saveLayout()); }
+
+    /// Of each band its initial, its top, its edges, and its child's: "M0:0-800[10-800]", with ">" where it has a
+    /// chevron.
+    QString placed() const
+    {
+        QStringList places;
+        for (const BandLayout::Band &band : bands()) {
+            const QRect child = rebar.findChild<QWidget *>(band.data)->geometry();
+            places += u"%1%2:%3-%4[%5-%6%7]"_s.arg(band.data.at(0))
+                          .arg(band.rect.top())
+                          .arg(band.rect.left())
+                          .arg(band.rect.right() + 1)
+                          .arg(child.left())
+                          .arg(child.right() + 1)
+                          .arg(band.chevron ? u">"_s : QString());
+        }
+        return places.join(u' ');
+    }
+
+    QPoint gripperOf(const QString &initial) const
+    {
+        for (const BandLayout::Band &band : bands())
+            if (band.data.startsWith(initial))
+                return band.rect.topLeft() + QPoint(band.fixed ? 1 : 4, 8);
+        return {};
+    }
+
+    void drag(const QPoint &from, const QPoint &to)
+    {
+        QTest::mousePress(&rebar, Qt::LeftButton, {}, from);
+        // A mouse that is moved passes through the places between.
+        for (int i = 1; i <= 4; ++i)
+            QTest::mouseMove(&rebar, from + (to - from) * i / 4);
+        QTest::mouseRelease(&rebar, Qt::LeftButton, {}, to);
+    }
+
+    /// What the menu of the gripper offers; the entry at `chosen` is taken.
+    QString takeFromMenu(const QPoint &gripper, int chosen)
+    {
+        QContextMenuEvent event(QContextMenuEvent::Mouse, gripper, gripper);
+        QCoreApplication::sendEvent(&rebar, &event);
+        const std::unique_ptr<QMenu> menuOfBand(rebar.findChild<QMenu *>());
+        QStringList entries;
+        for (const QAction *action : menuOfBand ? menuOfBand->actions() : QList<QAction *>())
+            entries += (action->isEnabled() ? u"+"_s : u"-"_s) + action->text();
+        if (menuOfBand && chosen >= 0)
+            menuOfBand->actions().at(chosen)->trigger();
+        return entries.join(u", "_s);
+    }
+
+    QString restored(const QString &text) { return rebar.restoreLayout(text) ? u"restored"_s : u"refused"_s; }
+
+    QString take(const QStringList &step)
+    {
+        const auto number = [&step](int at) { return step.value(at).toInt(); };
+        const QPoint gripper = gripperOf(step.value(1));
+        if (step[0] == u"wide"_s)
+            rebar.resize(number(1), rebar.height());
+        else if (step[0] == u"drag"_s)
+            drag(gripper, QPoint(number(2), number(3)));
+        else if (step[0] == u"press-right"_s) // another button holds no band
+            QTest::mousePress(&rebar, Qt::RightButton, {}, gripper), QTest::mouseMove(&rebar, QPoint(400, 60));
+        else if (step[0] == u"double"_s)
+            QTest::mouseDClick(&rebar, Qt::LeftButton, {}, gripper);
+        else if (step[0] == u"over"_s)
+            QTest::mouseMove(&rebar, gripper + QPoint(number(2), 0));
+        else if (step[0] == u"least"_s)
+            rebar.setBandMinimumSize(number(1), number(2), number(3));
+        else if (step[0] == u"all-of"_s)
+            rebar.showAllOfBand(number(1));
+        else if (step[0] == u"none"_s) {
+            rebar.RemoveAllBands();
+            return u"%1 %2 %3"_s.arg(rebar.BandCount()).arg(menu->isHidden()).arg(menu->parentWidget() == &window);
+        } else if (step[0] == u"restore"_s) {
+            kept = step.mid(1).join(u' ');
+            return restored(kept);
+        } else if (step[0] == u"with"_s) { // the same text, but for one place of it
+            const QStringList change = step.mid(1).join(u' ').split(u" for "_s);
+            return kept.contains(change.value(1)) ? restored(QString(kept).replace(change[1], change[0])) : u"?"_s;
+        } else if (step[0] == u"cut"_s) { // at every so many letters
+            int refused = 0;
+            for (int length = 0; length < kept.size(); length += number(1))
+                refused += restored(kept.left(length)) == u"refused"_s ? 1 : 0;
+            return u"%1 of %2 refused"_s.arg(refused).arg((kept.size() - 1) / number(1) + 1);
+        } else if (step[0] == u"chevron"_s) {
+            for (auto *const chevron : rebar.findChildren<QToolButton *>(QString(), Qt::FindDirectChildrenOnly))
+                if (chevron->isVisible())
+                    chevron->click();
+            return std::exchange(pushed, {}).join(u", "_s);
+        } else if (step[0] == u"menu"_s)
+            return takeFromMenu(gripper, number(2));
+        else if (step[0] == u"save"_s)
+            return rebar.saveLayout();
+        return rebar.cursor().shape() == Qt::SizeAllCursor ? u"hand"_s : QString();
+    }
+
+    QWidget window;
+    QWidget *menu = new Box(u"MenuBar"_s, &window);
+    QWidget *tools = new Box(u"ToolBar"_s, &window);
+    QWidget *address = new Box(u"StyleBar"_s, &window);
+    QStringList heights; ///< told
+    QStringList pushed;  ///< of chevrons: their bands, and where they are
+    QString kept;
+    cReBar rebar{&window};
 };
 
 } // namespace
@@ -204,6 +371,22 @@ private Q_SLOTS:
                               return world->user->changes();
                           }};
         QCOMPARE(steps.differenceFrom(u"controls.txt"_s), QString());
+    }
+
+    /// Behind each step the file has where all bands stand, what heights were told, and what a menu offered.
+    void bandsStandWhereTheyFitAndWhereTheyAreMoved()
+    {
+        std::unique_ptr<Bars> bars;
+        const Steps steps{[&bars](const Steps::Given &given) {
+                              bars = std::make_unique<Bars>(given);
+                              return QString();
+                          },
+                          [&bars](const QString &step) {
+                              const QString answer = bars->take(step.split(u' '));
+                              const QString heights = std::exchange(bars->heights, {}).join(u' ');
+                              return QStringList({bars->placed(), heights, answer}).join(u" | "_s);
+                          }};
+        QCOMPARE(steps.differenceFrom(u"rebar.txt"_s), QString());
     }
 
     void everyPictureStandsAtItsPlace()

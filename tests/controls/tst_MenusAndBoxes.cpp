@@ -6,10 +6,8 @@
 #include "controls/FrenchTexts.h"
 #include "controls/MessageBoxes.h"
 #include "controls/cPopupMenu.h"
-#include "controls/cToolbar.h"
-#include "platform/Files.h"
-#include "platform/Literals.h"
 #include "tests/fixtures/Eventually.h"
+#include "tests/fixtures/Golden.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -21,7 +19,6 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -29,12 +26,10 @@
 
 namespace {
 
-int add(cPopupMenu &menu, const QString &caption, int parent = -1)
+int add(cPopupMenu &menu, const QString &caption)
 {
     cPopupMenu::Item item;
     item.caption = caption;
-    item.key = u"key of "_s + caption;
-    item.parentIndex = parent;
     return menu.AddItem(item);
 }
 
@@ -46,41 +41,6 @@ class tst_MenusAndBoxes : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void aMenuBarOpensByKeysAndOverflowsByMenus()
-    {
-        QWidget window;
-        cPopupMenu menu(&window, false);
-        for (const QString &caption : {u"&Fichier"_s, u"&Affichage"_s, u"&Aide"_s})
-            add(menu, u"&Entrée"_s, add(menu, caption));
-        cToolbar toolbar(&window);
-        toolbar.CreateFromMenu(&menu);
-        toolbar.resize(toolbar.sizeHint());
-        window.resize(400, 200);
-        window.show();
-        QVERIFY(QTest::qWaitForWindowActive(&window));
-        QCOMPARE(toolbar.buttonCount(), 3);
-        QVERIFY(!toolbar.ShowOverflow(QPoint()));
-
-        QMenu *file = menu.action(0)->menu();
-        QTest::keyClick(&window, Qt::Key_F10);
-        QTRY_VERIFY(file->isVisible());
-        QTest::keyClick(file, Qt::Key_Right);
-        QTRY_VERIFY(menu.action(2)->menu()->isVisible());
-        QTest::keyClick(menu.action(2)->menu(), Qt::Key_Escape);
-        QTest::keyClick(&window, Qt::Key_Escape);
-        QTest::keyClick(&window, Qt::Key_F, Qt::AltModifier);
-        QTRY_VERIFY(file->isVisible());
-        QSignalSpy clicks(&menu, &cPopupMenu::Click);
-        QTest::keyClick(file, Qt::Key_E);
-        QCOMPARE(clicks.size(), 1);
-        QCOMPARE(clicks.at(0).at(0).toInt(), 1);
-
-        toolbar.resize(toolbar.idealWidth() / 2, toolbar.height());
-        const QMenu *overflow = toolbar.ShowOverflow(QPoint(10, 10));
-        QVERIFY(overflow->actions().contains(menu.action(4)));
-        QVERIFY(!overflow->actions().contains(menu.action(0)));
-    }
-
     void aMenuCanBeEmptiedAndFilledFromItsOwnClick()
     {
         QWidget owner;
@@ -147,87 +107,83 @@ private Q_SLOTS:
         }
     }
 
-    void messageBoxesAnswerInFrench()
+    void whatTheyAskIsFrench()
     {
+        FrenchTexts::install(*qApp);
         using Icon = Message::Icon;
-        using Buttons = Message::Buttons;
-        const auto shown = [](const Message &message, Qt::Key key) {
-            QStringList told;
-            QTimer::singleShot(0, qApp, [&] {
-                auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-                told += {box->windowTitle(),
-                         box->text(),
-                         box->textFormat() == Qt::PlainText ? u"plain"_s : u"markup"_s,
-                         QString::number(box->icon()),
-                         box->defaultButton()->text(),
-                         QString::number(box->textInteractionFlags() & Qt::TextSelectableByKeyboard)};
-                for (const QAbstractButton *button : box->buttons())
-                    told += button->text();
-                QTest::keyClick(box, key);
-            });
-            told += QString::number(int(MessageBoxes().show(message)));
-            return told.join(u'|');
-        };
-        QCOMPARE(shown({u"<i>t</i> & u"_s, u"Attention"_s, Icon::Exclamation}, Qt::Key_Return),
-                 u"Attention|<i>t</i> & u|plain|2|OK|2|OK|0"_s);
-        QCOMPARE(shown({u"t"_s, {}, Icon::Critical}, Qt::Key_Escape), u"Quillwire|t|plain|3|OK|2|OK|0"_s);
-        QCOMPARE(shown({u"t"_s, {}, Icon::Information, Buttons::YesNo}, Qt::Key_O),
-                 u"Quillwire|t|plain|1|&Oui|2|&Oui|&Non|1"_s);
-        QCOMPARE(shown({u"t"_s, {}, Icon::None, Buttons::YesNo}, Qt::Key_Return),
-                 u"Quillwire|t|plain|0|&Oui|2|&Oui|&Non|1"_s);
-        QCOMPARE(shown({u"t"_s, {}, Icon::None, Buttons::YesNo}, Qt::Key_Escape),
-                 u"Quillwire|t|plain|0|&Oui|2|&Oui|&Non|2"_s);
-    }
-
-    void fileDialogsAreFrench()
-    {
+        constexpr auto yesNo = Message::Buttons::YesNo;
         const QTemporaryDir data;
         Files::write(data.filePath(u"a.txt"_s), QByteArray(2048, 'x'));
         Files::write(data.filePath(u"b.opml"_s), "y");
-        const auto shown = [&data](const std::function<QString()> &ask, bool accept) {
-            QStringList told;
-            QTimer::singleShot(0, qApp, [&] {
-                auto *dialog = qobject_cast<QFileDialog *>(QApplication::activeModalWidget());
-                for (const auto label : {QFileDialog::Accept, QFileDialog::Reject, QFileDialog::LookIn,
-                                         QFileDialog::FileName, QFileDialog::FileType})
-                    told += dialog->labelText(label);
-                told += {dialog->windowTitle(), dialog->nameFilters().join(u','), QString::number(dialog->fileMode()),
-                         QString::number(dialog->acceptMode())};
-                const auto *view = dialog->findChild<QTreeView *>(u"treeView"_s);
-                told += QString::number(view->header()->sectionResizeMode(0)) +
-                        QString::number(view->header()->sectionResizeMode(1));
-                dialog->setDirectory(data.path());
-                if (!accept)
-                    dialog->setNameFilter({});
-                (void)eventually([view] { return view->model()->rowCount(view->rootIndex()) > 1; }, 500);
-                const auto cell = [view](int row, int column) {
-                    return view->model()->index(row, column, view->rootIndex()).data().toString();
-                };
-                QStringList files;
-                for (int row = 0; row < view->model()->rowCount(view->rootIndex()); ++row)
-                    files += cell(row, 0) + u'|' + cell(row, 1);
-                files.sort(); // the dialog sorts them when it comes to it
-                told += files;
-                const QModelIndex date = view->model()->index(0, 3, view->rootIndex());
-                told += QLocale().toDateTime(date.data().toString(), QLocale::ShortFormat).isValid() ? u"dated"_s
-                                                                                                     : u"undated"_s;
-                if (auto *name = dialog->findChild<QLineEdit *>(u"fileNameEdit"_s); name->text().isEmpty())
-                    name->setText(u"b.opml"_s);
-                QMetaObject::invokeMethod(dialog, "done", Q_ARG(int, int(accept)));
-            });
-            told += ask();
-            return told.join(u'|').replace(data.path(), u"DATA"_s);
-        };
-        FrenchTexts::install(*qApp);
-        const QString labels = u"|Annuler|Dossier :|Nom du fichier :|Type :|T|"_s;
-        const QString all = u"Tous les fichiers (*)|%1|%2|13|a.txt|2,00 Kio|b.opml|1 octets|dated|"_s;
-        QCOMPARE(shown([] { return FileDialogs::askOpenFile(nullptr, u"T"_s, u"Listes (*.opml)"_s); }, true),
-                 u"Ouvrir"_s + labels + u"Listes (*.opml)|1|0|13|b.opml|1 octets|dated|DATA/b.opml"_s);
-        QCOMPARE(shown([] { return FileDialogs::askOpenFile(nullptr, u"T"_s, {}); }, false),
-                 u"Ouvrir"_s + labels + all.arg(1).arg(0));
-        QCOMPARE(
-            shown([&data] { return FileDialogs::askSaveFile(nullptr, u"T"_s, {}, data.filePath(u"c.opml"_s)); }, true),
-            u"Enregistrer"_s + labels + all.arg(0).arg(1) + u"DATA/c.opml"_s);
+        const QString told =
+            message({u"<i>t</i> & u"_s, u"Attention"_s, Icon::Exclamation}, Qt::Key_Return) +
+            message({u"t"_s, {}, Icon::Critical}, Qt::Key_Escape) +
+            message({u"t"_s, {}, Icon::Information, yesNo}, Qt::Key_O) +
+            message({u"t"_s, {}, Icon::None, yesNo}, Qt::Key_Return) +
+            message({u"t"_s, {}, Icon::None, yesNo}, Qt::Key_Escape) +
+            files(data, true, [] { return FileDialogs::askOpenFile(nullptr, u"T"_s, u"Listes (*.opml)"_s); }) +
+            files(data, false, [] { return FileDialogs::askOpenFile(nullptr, u"T"_s, {}); }) +
+            files(data, true,
+                  [&data] { return FileDialogs::askSaveFile(nullptr, u"T"_s, {}, data.filePath(u"c.opml"_s)); });
+        QCOMPARE(differenceFromGolden(u"boxes.txt"_s, told), QString());
+    }
+
+private:
+    /// What the box shows, and its answer to the key.
+    static QString message(const Message &message, Qt::Key key)
+    {
+        QString told;
+        QTimer::singleShot(0, qApp, [&] {
+            auto *const box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+            told = u"[%1] %2 | format %3 | icon %4 | default %5 | flags %6"_s.arg(box->windowTitle(), box->text())
+                       .arg(box->textFormat())
+                       .arg(box->icon())
+                       .arg(box->defaultButton()->text())
+                       .arg(box->textInteractionFlags());
+            for (const QAbstractButton *button : box->buttons())
+                told += u" | "_s + button->text();
+            QTest::keyClick(box, key);
+        });
+        const Messages::Answer answer = MessageBoxes().show(message);
+        return told + u" => %1\n"_s.arg(int(answer));
+    }
+
+    /// What the dialog shows of the folder, and what comes of it.
+    static QString files(const QTemporaryDir &data, bool accept, const std::function<QString()> &ask)
+    {
+        QStringList told;
+        QTimer::singleShot(0, qApp, [&] {
+            auto *const dialog = qobject_cast<QFileDialog *>(QApplication::activeModalWidget());
+            for (const auto label : {QFileDialog::Accept, QFileDialog::Reject, QFileDialog::LookIn,
+                                     QFileDialog::FileName, QFileDialog::FileType})
+                told += dialog->labelText(label);
+            const auto *const view = dialog->findChild<QTreeView *>(u"treeView"_s);
+            told +=
+                u"[%1] %2 | modes %3 %4 | columns %5 %6"_s.arg(dialog->windowTitle(), dialog->nameFilters().join(u','))
+                    .arg(dialog->fileMode())
+                    .arg(dialog->acceptMode())
+                    .arg(view->header()->sectionResizeMode(0))
+                    .arg(view->header()->sectionResizeMode(1));
+            dialog->setDirectory(data.path());
+            if (!accept)
+                dialog->setNameFilter({});
+            (void)eventually([view] { return view->model()->rowCount(view->rootIndex()) > 1; }, 500);
+            const auto cell = [view](int row, int column) {
+                return view->model()->index(row, column, view->rootIndex()).data().toString();
+            };
+            QStringList rows;
+            for (int row = 0; row < view->model()->rowCount(view->rootIndex()); ++row)
+                rows +=
+                    cell(row, 0) + u' ' + cell(row, 1) +
+                    (QLocale().toDateTime(cell(row, 3), QLocale::ShortFormat).isValid() ? u" dated"_s : u" undated"_s);
+            rows.sort(); // the dialog sorts them when it comes to it
+            told += rows;
+            if (auto *const name = dialog->findChild<QLineEdit *>(u"fileNameEdit"_s); name->text().isEmpty())
+                name->setText(u"b.opml"_s);
+            QMetaObject::invokeMethod(dialog, "done", Q_ARG(int, int(accept)));
+        });
+        const QString chosen = ask().replace(data.path(), u"DATA"_s);
+        return told.join(u" | "_s) + u" => "_s + chosen + u'\n';
     }
 };
 

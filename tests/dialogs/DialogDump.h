@@ -12,14 +12,9 @@
 #include <QComboBox>
 #include <QGridLayout>
 #include <QLabel>
-#include <QLineEdit>
 #include <QMetaEnum>
-#include <QPlainTextEdit>
-#include <QPushButton>
 #include <QRegularExpression>
 #include <QTabBar>
-#include <QTabWidget>
-#include <QTreeView>
 
 #include <cmath>
 
@@ -48,74 +43,55 @@ inline QString nameOf(const QWidget &widget)
     return label->text().isEmpty() ? u"<picture>"_s : u'"' + label->text() + u'"';
 }
 
-inline QString sizesOf(const QWidget &widget)
+inline QStringList sizesOf(const QWidget &widget)
 {
-    const QFontMetrics own = widget.fontMetrics();
-    const QFontMetrics usual(QApplication::font());
-    QStringList parts;
-    if (widget.minimumWidth() > 0)
-        parts += u"at least "_s + measured(widget.minimumWidth(), own.averageCharWidth(), u" characters"_s);
-    if (widget.minimumHeight() > 0)
-        parts += u"at least "_s + measured(widget.minimumHeight(), usual.lineSpacing(), u" lines"_s);
-    if (widget.maximumWidth() < QWIDGETSIZE_MAX)
-        parts += u"at most "_s + measured(widget.maximumWidth(), own.averageCharWidth(), u" characters"_s);
-    if (widget.maximumHeight() < QWIDGETSIZE_MAX)
-        parts += u"at most "_s + measured(widget.maximumHeight(), usual.lineSpacing(), u" lines"_s);
-    if (widget.sizePolicy().retainSizeWhenHidden())
-        parts += u"keeps its place"_s;
-    if (widget.sizePolicy().horizontalPolicy() == QSizePolicy::Ignored)
-        parts += u"any width"_s;
-    if (widget.sizePolicy() == QSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed))
-        parts += u"never grows"_s;
-    if (const double scale = widget.font().pointSizeF() / QApplication::font().pointSizeF(); std::abs(scale - 1) > 0.1)
-        parts += u"font x %1"_s.arg(scale, 0, 'f', 1);
-    if (widget.font().bold() || widget.font().underline())
-        parts += widget.font().bold() ? u"bold"_s : u"underlined"_s;
-    return parts.join(u" | "_s);
+    const int character = widget.fontMetrics().averageCharWidth();
+    const int line = QFontMetrics(QApplication::font()).lineSpacing();
+    const QSizePolicy policy = widget.sizePolicy();
+    const double scale = widget.font().pointSizeF() / QApplication::font().pointSizeF();
+    const auto size = [](const QString &bound, int length, int unit, const QString &name) {
+        return length > 0 && length < QWIDGETSIZE_MAX ? bound + measured(length, unit, name) : QString();
+    };
+    return {size(u"at least "_s, widget.minimumWidth(), character, u" characters"_s),
+            size(u"at least "_s, widget.minimumHeight(), line, u" lines"_s),
+            size(u"at most "_s, widget.maximumWidth(), character, u" characters"_s),
+            size(u"at most "_s, widget.maximumHeight(), line, u" lines"_s),
+            policy.retainSizeWhenHidden() ? u"keeps its place"_s : QString(),
+            policy.horizontalPolicy() == QSizePolicy::Ignored ? u"any width"_s : QString(),
+            policy == QSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed) ? u"never grows"_s : QString(),
+            std::abs(scale - 1) > 0.1 ? u"font x %1"_s.arg(scale, 0, 'f', 1) : QString(),
+            widget.font().bold() ? u"bold"_s : QString(),
+            widget.font().underline() ? u"underlined"_s : QString()};
 }
 
 /// What is special about a control of its kind.
 inline QStringList traitsOf(QWidget &widget)
 {
     QStringList parts;
-    if (const auto *const button = qobject_cast<const QAbstractButton *>(&widget)) {
-        parts += button->text();
-        parts += button->isChecked() ? u"checked"_s : QString();
-        if (!button->icon().pixmap(16, 16).isNull()) {
-            const QSize size = button->iconSize();
-            const bool isByLine = std::abs(2 * size.height() - 3 * widget.fontMetrics().height()) <= 1;
-            parts += u"picture %1 wide for 1 high, "_s.arg(size.width() / double(size.height())) +
-                     (isByLine ? u"a line and a half"_s : QString::number(size.height()) + u" px"_s);
-        }
+    for (const char *const name :
+         {"text", "placeholderText", "toolTip", "styleSheet", "checked", "default", "autoDefault", "echoMode",
+          "clearButtonEnabled", "tabChangesFocus", "readOnly", "verticalScrollBarPolicy", "textFormat", "wordWrap",
+          "headerHidden", "rootIsDecorated", "uniformRowHeights", "expandsOnDoubleClick"})
+        if (const QVariant value = widget.property(name); value.typeId() == QMetaType::QString)
+            parts += value.toString();
+        else if (value.toInt() != 0)
+            parts +=
+                QString::fromLatin1(name) + (value.toInt() > 1 ? u' ' + QString::number(value.toInt()) : QString());
+    if (const auto *const button = qobject_cast<const QAbstractButton *>(&widget);
+        button && !button->icon().pixmap(16, 16).isNull()) {
+        const QSize size = button->iconSize();
+        const bool isByLine = std::abs(2 * size.height() - 3 * widget.fontMetrics().height()) <= 1;
+        parts += u"picture %1 wide for 1 high, "_s.arg(size.width() / double(size.height())) +
+                 (isByLine ? u"a line and a half"_s : QString::number(size.height()) + u" px"_s);
     }
-    if (const auto *const button = qobject_cast<const QPushButton *>(&widget))
-        parts +=
-            (button->isDefault() ? u"default"_s : QString()) + (button->autoDefault() ? QString() : u"not by Enter"_s);
-    if (const auto *const tabs = qobject_cast<const QTabBar *>(&widget))
-        for (int i = 0; i < tabs->count(); ++i)
-            parts += tabs->tabText(i);
-    if (const auto *const list = qobject_cast<const QComboBox *>(&widget))
-        for (int i = 0; i < list->count(); ++i)
-            parts += list->itemText(i);
-    if (const auto *const box = qobject_cast<const QLineEdit *>(&widget)) {
-        parts += box->objectName() == u"txtNom"_s ? u"the user's name"_s : u'"' + box->text() + u'"';
-        parts += box->echoMode() == QLineEdit::Password ? u"secret"_s : QString();
-        parts += box->placeholderText() + (box->isClearButtonEnabled() ? u" clears"_s : QString());
-    }
-    if (const auto *const box = qobject_cast<const QPlainTextEdit *>(&widget))
-        parts += {box->tabChangesFocus() ? u"Tab leaves"_s : QString(), box->toPlainText(),
-                  box->verticalScrollBarPolicy() == Qt::ScrollBarAlwaysOn ? u"scroll bar"_s : QString()};
-    if (const auto *const label = qobject_cast<const QLabel *>(&widget)) {
-        parts +=
-            {label->textFormat() == Qt::PlainText ? u"plain"_s : QString(), label->wordWrap() ? u"wraps"_s : QString()};
-        if (const QPixmap picture = label->pixmap(Qt::ReturnByValue); !picture.isNull())
-            parts += measured(picture.height(), QFontMetrics(QApplication::font()).height(), u" lines high"_s);
-    }
-    if (const auto *const view = qobject_cast<const QTreeView *>(&widget))
-        parts += u"header %1, root %2, uniform %3, opens %4"_s.arg(!view->isHeaderHidden())
-                     .arg(view->rootIsDecorated())
-                     .arg(view->uniformRowHeights())
-                     .arg(view->expandsOnDoubleClick());
+    const auto *const tabs = qobject_cast<const QTabBar *>(&widget);
+    for (int i = 0; tabs && i < tabs->count(); ++i)
+        parts += tabs->tabText(i);
+    const auto *const list = qobject_cast<const QComboBox *>(&widget);
+    for (int i = 0; list && i < list->count(); ++i)
+        parts += list->itemText(i);
+    if (const auto *const label = qobject_cast<const QLabel *>(&widget); label && !label->pixmap().isNull())
+        parts += measured(label->pixmap().height(), QFontMetrics(QApplication::font()).height(), u" lines high"_s);
     if (auto *const upDown = qobject_cast<UpDown *>(&widget)) {
         const int first = upDown->value();
         upDown->stepBy(-9999);
@@ -132,19 +108,11 @@ inline QString told(QWidget &widget, const QWidget &window)
 {
     const bool takesKeys = (widget.focusPolicy() & Qt::TabFocus) && !widget.focusProxy();
     const QString name = QAccessible::queryAccessibleInterface(&widget)->text(QAccessible::Name).simplified();
-    QStringList parts = {name};
-    parts += traitsOf(widget);
-    parts += {widget.toolTip(),
-              widget.styleSheet(),
-              sizesOf(widget),
-              widget.isEnabledTo(&window) ? QString() : u"disabled"_s,
-              widget.isHidden() ? u"hidden"_s : QString(),
-              widget.property("readOnly").toBool() ? u"read only"_s : QString(),
-              widget.cursor().shape() == Qt::PointingHandCursor ? u"hand"_s : QString()};
-    if (takesKeys && name.isEmpty() && !qobject_cast<QTabBar *>(&widget))
-        parts += u"NAMELESS"_s;
-    else if (widget.focusPolicy() == Qt::ClickFocus)
-        parts += u"not by Tab"_s;
+    QStringList parts = QStringList(name) + traitsOf(widget) + sizesOf(widget);
+    parts += {widget.isEnabledTo(&window) ? QString() : u"disabled"_s, widget.isHidden() ? u"hidden"_s : QString(),
+              widget.cursor().shape() == Qt::PointingHandCursor ? u"hand"_s : QString(),
+              takesKeys && name.isEmpty() && !widget.inherits("QTabBar") ? u"NAMELESS"_s : QString(),
+              widget.focusPolicy() == Qt::ClickFocus ? u"not by Tab"_s : QString()};
     parts.removeAll(QString());
     parts.removeDuplicates();
     return nameOf(widget) + u": "_s + parts.join(u" | "_s) + u'\n';
@@ -161,14 +129,11 @@ inline QString told(const QLayout &layout, const QString &first, const QString &
                          style.pixelMetric(QStyle::PM_LayoutRightMargin),
                          style.pixelMetric(QStyle::PM_LayoutBottomMargin));
     QString lines = first + QString::fromLatin1(layout.metaObject()->className());
-    if (margins != usual && !margins.isNull())
+    if (margins != usual)
         lines +=
             u" margins %1 %2 %3 %4"_s.arg(margins.left()).arg(margins.top()).arg(margins.right()).arg(margins.bottom());
-    lines += margins.isNull() ? u" no margins"_s : QString();
-    if (grid)
-        lines += u" spacing %1 %2"_s.arg(grid->horizontalSpacing()).arg(grid->verticalSpacing());
-    else
-        lines += u" spacing %1"_s.arg(layout.spacing());
+    lines += grid ? u" spacing %1 %2"_s.arg(grid->horizontalSpacing()).arg(grid->verticalSpacing())
+                  : u" spacing %1"_s.arg(layout.spacing());
     lines += layout.sizeConstraint() == QLayout::SetFixedSize ? u" fixed"_s : QString();
     for (int i = 0; grid && i < grid->rowCount(); ++i)
         lines += grid->rowStretch(i) > 0 ? u" row %1 takes %2"_s.arg(i).arg(grid->rowStretch(i)) : QString();

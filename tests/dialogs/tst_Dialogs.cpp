@@ -16,11 +16,14 @@
 #include "exchange/OpmlDownload.h"
 #include "platform/MailSender.h"
 #include "support/clsDES.h"
+#include "tests/dialogs/DialogDump.h"
 #include "tests/fixtures/FakeDownloader.h"
 #include "tests/fixtures/FakeMessages.h"
 #include "tests/fixtures/Steps.h"
 #include "tests/fixtures/TemporaryDataDirectory.h"
 #include "tests/fixtures/WidgetUser.h"
+
+#include <QStackedLayout>
 
 namespace {
 
@@ -130,8 +133,12 @@ class Properties final : public World
         if (given.contains(u"selected"_s))
             act(u"select "_s + given[u"selected"_s]);
         const auto feed = std::make_shared<CachedFeed>();
+        data.write(u"long.xml"_s, "<rss version=\"2.0\"><channel><title>t</title><description>" +
+                                      "a "_ba.repeated(40000) + "</description></channel></rss>");
         const QString file = given.value(u"feed"_s, u"" TEST_DATA_DIR "/properties.xml"_s);
-        feed->Load(file.startsWith(u'/') ? file : u"" SAMPLES_DIR "/"_s + file);
+        feed->Load(file == u"long.xml"_s   ? data.file(file)
+                   : file.startsWith(u'/') ? file
+                                           : u"" SAMPLES_DIR "/"_s + file);
         auto made = std::make_unique<frmProprietes>(
             &window, frmProprietes::Port{feed, given.contains(u"address"_s), given[u"address"_s],
                                          [this] { return m_selected; }, m_tables, m_cipher});
@@ -280,8 +287,10 @@ class Mail final : public World
         m_settings.smtpServer = u"smtp.h"_s;
         m_settings.fromMail = u"moi@h"_s;
         m_settings.fromName = u"Moi"_s;
+        const QString word(given.value(u"letters"_s).toInt(), u'a');
+        const QString text = u"Titre\r\n\r\nT"_s + QChar(0) + u"exte\u00a0:\u2028fin\r\n"_s;
         return std::make_unique<frmSendMail>(
-            &window, m_settings, messages, u"Titre\r\n\r\nT"_s + QChar(0) + u"exte\u00a0:\u2028fin\r\n"_s,
+            &window, m_settings, messages, word.isEmpty() ? text : word + u' ' + word,
             [this](int milliseconds) { meanwhile(u"waits %1"_s.arg(milliseconds)); },
             [this](const std::function<void()> &keepAlive) { return std::make_unique<Sender>(*this, keepAlive); });
     }
@@ -341,7 +350,7 @@ std::unique_ptr<World> worldOf(const QString &dialog)
 
 /// What the dialogs do, step by step. Each file of data/steps is what a user does in dialogs of one kind, and behind
 /// each step what happens and what is otherwise then. "[a case | name = value]" opens another dialog.
-class DialogStepsTest : public QObject
+class DialogsTest : public QObject
 {
     Q_OBJECT
 
@@ -358,7 +367,10 @@ private Q_SLOTS:
     {
         QFETCH(QString, dialog);
         WidgetUser::State first;
-        const Steps steps{[&](const Steps::Given &given) { return open(dialog, given, first); },
+        const Steps steps{[&](const Steps::Given &given) {
+                              const QString error = open(dialog, given);
+                              return error.isEmpty() ? shown(first) : error;
+                          },
                           [this](const QString &step) {
                               m_world->take(step);
                               return m_world->user->changes().replace(m_world->data.directory().path(), u"DATA"_s);
@@ -366,8 +378,38 @@ private Q_SLOTS:
         QCOMPARE(steps.differenceFrom(u"steps/"_s + dialog + u".txt"_s), QString());
     }
 
+    /// Its controls and their places stand in data/controls.txt, a line each.
+    void everyControlIsAsInTheTable()
+    {
+        for (const double scale : {1.0, 1.5, 2.0}) {
+            setFontScale(scale);
+            QString all;
+            for (const char *const name : {"frmImport", "frmExport", "frmRechercher", "frmProprietes", "frmOptions",
+                                           "frmSendMail", "frmAuthentification", "frmAbout"}) {
+                open(QString::fromLatin1(name), {{u"user"_s, u"moi"_s}, {u"tab"_s, u"1"_s}, {u"entry"_s, u"2"_s}});
+                all += DialogDump::told(*m_form);
+                m_form->show();
+                all += cutTexts();
+                auto *const tabs = m_form->findChild<QTabWidget *>();
+                for (int i = 0; tabs && i < tabs->count(); ++i) {
+                    tabs->setCurrentIndex(i);
+                    all += cutTexts();
+                }
+                auto *const pages = m_form->findChild<QStackedLayout *>();
+                for (int i = 0; pages && i < pages->count(); ++i) {
+                    pages->setCurrentIndex(i);
+                    QApplication::processEvents();
+                    all += cutTexts();
+                }
+            }
+            QCOMPARE(differenceFromGolden(u"controls.txt"_s, all), QString());
+        }
+        setFontScale(1);
+    }
+
 private:
-    QString open(const QString &dialog, const Steps::Given &given, WidgetUser::State &first)
+    /// What is raised by opening it, if anything.
+    QString open(const QString &dialog, const Steps::Given &given)
     {
         m_form.reset();
         m_world = worldOf(dialog);
@@ -379,6 +421,11 @@ private:
             return u"error %1"_s.arg(error.number());
         }
         m_world->form = m_form.get();
+        return {};
+    }
+
+    QString shown(WidgetUser::State &first)
+    {
         m_form->show();
         m_form->activateWindow();
         [[maybe_unused]] const bool active = QTest::qWaitForWindowActive(m_form.get());
@@ -386,9 +433,40 @@ private:
         return m_world->user->differenceFrom(first);
     }
 
+    static void setFontScale(double scale)
+    {
+        static const QFont usual = QApplication::font();
+        QFont font = usual;
+        font.setPointSizeF(usual.pointSizeF() * scale);
+        QApplication::setFont(font);
+    }
+
+    /// Of the labels and buttons on show those that lack the room that they ask for, or lie outside of their dialog.
+    QString cutTexts() const
+    {
+        QString cut;
+        for (const QWidget *const widget : m_form->findChildren<QWidget *>()) {
+            const auto *const button = qobject_cast<const QAbstractButton *>(widget);
+            const auto *const label = qobject_cast<const QLabel *>(widget);
+            const bool isArrow = button && button->text().isEmpty() && button->icon().isNull();
+            const bool bearsText = (button && !isArrow) || label || widget->inherits("QComboBox") ||
+                                   widget->inherits("QGroupBox") || widget->inherits("QTabBar") ||
+                                   widget->inherits("QLineEdit");
+            if (!bearsText || !widget->isVisible() || widget->objectName().startsWith(u"qt_"_s))
+                continue;
+            const QSize wanted = label && label->wordWrap()
+                                     ? QSize(0, label->heightForWidth(label->width()))
+                                     : widget->minimumSizeHint().expandedTo(button ? widget->sizeHint() : QSize());
+            const QRect place(widget->mapTo(m_form.get(), QPoint()), widget->size());
+            if (widget->size().expandedTo(wanted) != widget->size() || !m_form->rect().contains(place))
+                cut += u"CUT: "_s + DialogDump::nameOf(*widget) + u'\n';
+        }
+        return cut;
+    }
+
     std::unique_ptr<World> m_world;
     std::unique_ptr<QDialog> m_form; ///< in that world; null where it couldn't be opened
 };
 
-QTEST_MAIN(DialogStepsTest)
-#include "tst_DialogSteps.moc"
+QTEST_MAIN(DialogsTest)
+#include "tst_Dialogs.moc"
