@@ -11,38 +11,23 @@ class tst_ErrorTrap : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void anErrorOutOfAnEventHandlerIsShownAndEndsTheProcess()
+    void anErrorOutOfAnEventHandlerIsShownOnceAndEndsTheProcess()
     {
         auto *trap = qobject_cast<ErrorTrap *>(QCoreApplication::instance());
         FakeMessages messages;
         QStringList steps;
-        messages.onShow = [&](const Message &) { steps.append(u"shown"_s); };
+        messages.onShow = [&](const Message &box) {
+            steps += u"shown: %1, icon %2"_s.arg(box.text).arg(int(box.icon));
+            trap->fail(RunTimeError::objectNotSet()); // what comes while the box is open isn't shown
+        };
         trap->setMessages(&messages);
-        trap->setFreeze([&] { steps.append(u"frozen"_s); });
-        trap->setEnd([&](int code) { steps.append(u"end %1"_s.arg(code)); });
-
+        trap->setFreeze([&] { steps += u"frozen"_s; });
+        trap->setEnd([&](int code) { steps += u"end %1"_s.arg(code); });
         QMetaObject::invokeMethod(
             this, [] { throw RunTimeError::overflow(); }, Qt::QueuedConnection);
         QCoreApplication::processEvents();
-
-        QCOMPARE(steps, QStringList({u"frozen"_s, u"shown"_s, u"end 1"_s}));
-        QCOMPARE(messages.shown.size(), std::size_t(1));
-        QCOMPARE(messages.shown.front().text, RunTimeError::overflow().message());
-        QCOMPARE(messages.shown.front().icon, Message::Icon::Critical);
-    }
-
-    void anErrorWhileTheBoxIsOpenIsNotShownAgain()
-    {
-        auto *trap = qobject_cast<ErrorTrap *>(QCoreApplication::instance());
-        FakeMessages messages;
-        int ends = 0;
-        messages.onShow = [&](const Message &) { trap->fail(RunTimeError::objectNotSet()); };
-        trap->setMessages(&messages);
-        trap->setFreeze({});
-        trap->setEnd([&](int) { ++ends; });
-        trap->fail(RunTimeError::typeMismatch());
-        QCOMPARE(messages.shown.size(), std::size_t(1));
-        QCOMPARE(ends, 1);
+        QCOMPARE(steps.join(u", "_s), u"frozen, shown: %1, icon %2, end 1"_s.arg(RunTimeError::overflow().message())
+                                          .arg(int(Message::Icon::Critical)));
     }
 };
 

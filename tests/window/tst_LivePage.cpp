@@ -113,31 +113,6 @@ private Q_SLOTS:
         QCOMPARE(m_fixture->list()->items().rowCount(), 0);
     }
 
-    void aFeedLinkOfThePageIsSubscribed()
-    {
-        m_fixture->pages[u"http://h/fil"_s] = FeedTexts::rss(u"Fil"_s, {u"a"_s, u"b"_s});
-        m_fixture->messages.answer = Messages::Answer::Yes;
-        m_fixture->start();
-        m_fixture->data.write(u"tmp.htm"_s, "<html><body topmargin=0 leftmargin=0><a href=\"feed://h/fil\"><table "
-                                            "width=300 height=200><tr><td>lien</table></a></body></html>");
-        BrowserPane *page = m_fixture->page();
-        page->show();
-        page->Navigate(m_fixture->data.file(u"tmp.htm"_s));
-        QVERIFY(comesTo(ownPage(u"tmp.htm"_s)));
-        // The engine throws input away before the page is painted.
-        QVERIFY(eventually([&] {
-            if (m_fixture->messages.shown.empty())
-                QTest::mouseClick(page->focusProxy()->focusProxy(), Qt::LeftButton, {}, QPoint(20, 20));
-            return m_fixture->list()->items().rowCount() == 2;
-        }));
-        QVERIFY(m_fixture->log.last().contains(u"Le fichier semble être un fichier RSS"_s));
-        QCOMPARE(m_fixture->txtURL()->text(), u"feed://h/fil"_s);
-        m_fixture->toolbar()->button(3)->click();
-        QCOMPARE(m_fixture->data.read(u"feeds.xml"_s),
-                 QByteArray("<?xml version=\"1.0\"?>\n<favoris><feed name=\"Fil\" url=\"feed://h/fil\" key=\"1\" "
-                            "ttl=\"60\" cache=\"-7\"/></favoris>\n"));
-    }
-
     void f6AndTabGoThroughThePanesInOrder()
     {
         m_fixture->start();
@@ -151,31 +126,24 @@ private Q_SLOTS:
             return qsizetype(-1);
         };
         QCOMPARE(paneWithFocus(), qsizetype(0)); // from the start
-        const struct
-        {
-            qsizetype from;
-            Qt::Key key;
-            Qt::KeyboardModifiers with;
-            qsizetype to;
-        } steps[] = {{0, Qt::Key_F6, {}, 1},
-                     {1, Qt::Key_F6, {}, 2},
-                     {2, Qt::Key_F6, {}, 3},
-                     {3, Qt::Key_F6, {}, 0},
-                     {0, Qt::Key_F6, Qt::ShiftModifier, 3},
-                     {3, Qt::Key_F6, Qt::ShiftModifier, 2},
-                     {2, Qt::Key_F6, Qt::ShiftModifier, 1},
-                     {1, Qt::Key_F6, Qt::ShiftModifier, 0},
-                     {-1, Qt::Key_F6, {}, 0},
-                     {-1, Qt::Key_F6, Qt::ShiftModifier, 3},
-                     // In the page itself Tab goes from link to link, so that it is entered from both sides.
-                     {0, Qt::Key_Tab, {}, 1},
-                     {1, Qt::Key_Tab, {}, 2},
-                     {3, Qt::Key_Backtab, Qt::ShiftModifier, 2}};
-        for (const auto &step : steps) {
-            QWidget *from = step.from < 0 ? m_fixture->control<QWidget>("picVerticalSplit") : panes[step.from];
-            from->setFocus();
-            QTest::keyClick(QApplication::focusWidget(), step.key, step.with);
-            QCOMPARE(paneWithFocus(), step.to);
+        // In the page itself Tab goes from link to link, so that it is entered from both sides.
+        for (const auto &[from, keys, to] :
+             std::initializer_list<std::tuple<int, QKeyCombination, int>>{{0, Qt::Key_F6, 1},
+                                                                          {1, Qt::Key_F6, 2},
+                                                                          {2, Qt::Key_F6, 3},
+                                                                          {3, Qt::Key_F6, 0},
+                                                                          {0, Qt::SHIFT | Qt::Key_F6, 3},
+                                                                          {3, Qt::SHIFT | Qt::Key_F6, 2},
+                                                                          {2, Qt::SHIFT | Qt::Key_F6, 1},
+                                                                          {1, Qt::SHIFT | Qt::Key_F6, 0},
+                                                                          {-1, Qt::Key_F6, 0},
+                                                                          {-1, Qt::SHIFT | Qt::Key_F6, 3},
+                                                                          {0, Qt::Key_Tab, 1},
+                                                                          {1, Qt::Key_Tab, 2},
+                                                                          {3, Qt::SHIFT | Qt::Key_Backtab, 2}}) {
+            (from < 0 ? m_fixture->control<QWidget>("picVerticalSplit") : panes[from])->setFocus();
+            QTest::keyClick(QApplication::focusWidget(), keys.key(), keys.keyboardModifiers());
+            QCOMPARE(paneWithFocus(), qsizetype(to));
         }
         m_fixture->page()->hide(); // a pane that isn't there is left out
         panes[1]->setFocus();
