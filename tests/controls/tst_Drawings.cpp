@@ -94,46 +94,30 @@ private Q_SLOTS:
         QCOMPARE(differenceFromGolden(u"office-style.txt"_s, told), QString());
     }
 
-    void theStyleIsOneForAllAndEndsWithTheApplication()
-    {
-        QCOMPARE(m_style->parent(), qApp);
-        QWidget owner;
-        cPopupMenu menu(&owner, true);
-        QCOMPARE(menu.menu()->style(), m_style);
-        m_toolbar.AddButton(u"tip"_s, -1, u"caption"_s, cToolbar::AutoSize, u"key"_s);
-        m_toolbar.AddButton({}, -1, {}, cToolbar::Separator, {});
-        for (const DrawStyle style : {DrawStyle::Standard, DrawStyle::OfficeXp}) {
-            m_toolbar.setDrawStyle(style);
-            const QList<QWidget *> parts = m_toolbar.findChildren<QWidget *>();
-            QCOMPARE(parts.size(), 2);
-            for (const QWidget *part : parts)
-                QCOMPARE(part->style() == m_style, style == DrawStyle::OfficeXp);
-        }
-    }
-
+    /// The style is one for all, and ends with the application.
     void barsAndTheirParts()
     {
-        QString told;
-        for (const DrawStyle style : {DrawStyle::OfficeXp, DrawStyle::Standard}) {
-            QWidget window;
-            cReBar rebar(&window);
-            for (const bool fixed : {false, true}) {
-                auto *toolbar = new cToolbar(&window);
-                toolbar->setDrawStyle(style);
-                toolbar->AddButton({}, -1, {}, cToolbar::Separator, {});
-                toolbar->setMinimumHeight(20);
-                rebar.AddBand(toolbar, fixed ? QString() : u"Lien"_s, true, fixed, QString::number(fixed));
-            }
-            rebar.resize(90, rebar.rebarHeight());
-            if (style == DrawStyle::OfficeXp) {
-                told += u"rebar\n"_s + PaintLog::of(rebar);
-                told += u"separator\n"_s + PaintLog::of(*rebar.findChild<cToolbar *>(), QWidget::DrawChildren);
-            }
-            const QList<QToolButton *> chevrons =
-                rebar.findChildren<QToolButton *>(QString(), Qt::FindDirectChildrenOnly);
-            for (const QToolButton *chevron : chevrons)
-                QCOMPARE(chevron->style() == m_style, style == DrawStyle::OfficeXp);
+        QCOMPARE(m_style->parent(), qApp);
+        QWidget window;
+        QCOMPARE(cPopupMenu(&window, true).menu()->style(), m_style);
+        cReBar rebar(&window);
+        for (const bool fixed : {false, true}) {
+            auto *const toolbar = new cToolbar(&window);
+            toolbar->AddButton({}, -1, {}, cToolbar::Separator, {});
+            toolbar->setMinimumHeight(20);
+            rebar.AddBand(toolbar, fixed ? QString() : u"Lien"_s, true, fixed, QString::number(fixed));
         }
+        rebar.resize(90, rebar.rebarHeight());
+        const QList<cToolbar *> toolbars = rebar.findChildren<cToolbar *>();
+        for (const DrawStyle style :
+             {DrawStyle::Standard, DrawStyle::OfficeXp, DrawStyle::Standard, DrawStyle::OfficeXp}) {
+            for (cToolbar *const toolbar : toolbars)
+                toolbar->setDrawStyle(style);
+            for (const QWidget *const part : rebar.findChildren<QWidget *>())
+                QCOMPARE(part->style() == m_style, style == DrawStyle::OfficeXp);
+        }
+        QString told = u"rebar\n"_s + PaintLog::of(rebar);
+        told += u"separator\n"_s + PaintLog::of(*toolbars[0], QWidget::DrawChildren);
         StatusBar bar;
         bar.addPanel(u"state"_s, 80);
         bar.setPanelText(u"state"_s, u"Prêt\n <b>"_s);

@@ -24,44 +24,31 @@
 #include <QTimer>
 #include <QTreeWidget>
 
-namespace {
-
-int add(cPopupMenu &menu, const QString &caption)
-{
-    cPopupMenu::Item item;
-    item.caption = caption;
-    return menu.AddItem(item);
-}
-
-} // namespace
-
 /// Pop-up menus, and what stands in a window of its own.
 class tst_MenusAndBoxes : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void aMenuCanBeEmptiedAndFilledFromItsOwnClick()
+    void aMenuLosesItsEntriesInItsOwnClickAndThenItsOwner()
     {
-        QWidget owner;
-        cPopupMenu menu(&owner, false);
-        add(menu, u"alt"_s);
-        connect(&menu, &cPopupMenu::Click, &menu, [&menu] {
+        const auto add = [](cPopupMenu &menu, const QString &caption) {
+            cPopupMenu::Item item;
+            item.caption = caption;
+            return menu.AddItem(item);
+        };
+        auto owner = std::make_unique<QWidget>();
+        cPopupMenu menu(owner.get(), true);
+        add(menu, u"alt\tCtrl+O"_s);
+        connect(&menu, &cPopupMenu::Click, &menu, [&] {
             menu.Clear();
-            add(menu, u"neu"_s);
+            add(menu, u"neu\tCtrl+N"_s);
         });
         menu.action(0)->trigger();
         QCOMPARE(menu.Count(), 1);
         QCOMPARE(menu.action(0)->text(), u"neu"_s);
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QCOMPARE(menu.menu()->actions().size(), 1);
-    }
-
-    void itOutlivesItsOwner()
-    {
-        auto owner = std::make_unique<QWidget>();
-        cPopupMenu menu(owner.get(), true);
-        add(menu, u"Ouvrir\tCtrl+O"_s);
         owner.reset();
         menu.setChecked(0, true);
         menu.setOfficeXpStyle(false);

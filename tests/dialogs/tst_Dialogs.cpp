@@ -15,15 +15,21 @@
 #include "exchange/ImportRun.h"
 #include "exchange/OpmlDownload.h"
 #include "platform/MailSender.h"
+#include "platform/net/SmtpMail.h"
 #include "support/clsDES.h"
 #include "tests/dialogs/DialogDump.h"
 #include "tests/fixtures/FakeDownloader.h"
 #include "tests/fixtures/FakeMessages.h"
+#include "tests/fixtures/LocalSmtpServer.h"
 #include "tests/fixtures/Steps.h"
 #include "tests/fixtures/TemporaryDataDirectory.h"
 #include "tests/fixtures/WidgetUser.h"
 
+#include <QPushButton>
 #include <QStackedLayout>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTimer>
 
 namespace {
 
@@ -346,6 +352,17 @@ std::unique_ptr<World> worldOf(const QString &dialog)
     return std::make_unique<Small>();
 }
 
+struct PaintCount : public QObject
+{
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        count += event->type() == QEvent::Paint ? 1 : 0;
+        return false;
+    }
+
+    int count = 0;
+};
+
 } // namespace
 
 /// What the dialogs do, step by step. Each file of data/steps is what a user does in dialogs of one kind, and behind
@@ -405,6 +422,63 @@ private Q_SLOTS:
             QCOMPARE(differenceFromGolden(u"controls.txt"_s, all), QString());
         }
         setFontScale(1);
+    }
+
+    void onlyPaintsPassWhileAMailIsSent_data()
+    {
+        QTest::addColumn<LocalSmtpServer::Step>("slowStep");
+        QTest::newRow("until it fails") << LocalSmtpServer::Step::Greeting;
+        QTest::newRow("until a second after it is sent") << LocalSmtpServer::Step::Quit;
+    }
+
+    void onlyPaintsPassWhileAMailIsSent()
+    {
+        QFETCH(LocalSmtpServer::Step, slowStep);
+        LocalSmtpServer server;
+        server.stallAt(slowStep);
+        FakeMessages messages;
+        AppSettings settings;
+        settings.smtpServer = u"127.0.0.1"_s;
+        settings.fromMail = u"moi@example.org"_s;
+        Wait onWait;
+        frmSendMail form(
+            nullptr, settings, messages, QString(), [&onWait](int milliseconds) { onWait(milliseconds); },
+            [&server](std::function<void()> keepAlive) {
+                auto mail = std::make_unique<SmtpMail>([keepAlive = std::move(keepAlive)] {
+                    keepAlive();
+                    return true;
+                });
+                mail->setPort(server.port());
+                mail->setLimits({.idleMs = 300});
+                return mail;
+            });
+        form.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&form));
+        QCoreApplication::processEvents();
+        form.findChild<QLineEdit *>(u"txtDestMail"_s)->setText(u"toi@example.org"_s);
+
+        // What an update or a page does in the middle of a mail, by each of the roads of the event loop.
+        QStringList passed;
+        QTimer::singleShot(0, this, [&] { passed.append(u"a timer"_s); });
+        QMetaObject::invokeMethod(
+            this, [&] { passed.append(u"a queued call"_s); }, Qt::QueuedConnection);
+        QTcpServer network;
+        QVERIFY(network.listen(QHostAddress::LocalHost));
+        connect(&network, &QTcpServer::newConnection, this, [&] { passed.append(u"the network"_s); });
+        QTcpSocket client;
+        client.connectToHost(QHostAddress::LocalHost, network.serverPort());
+        PaintCount paints;
+        form.findChild<QLabel *>(u"lblEtat"_s)->installEventFilter(&paints);
+        QStringList passedMeanwhile = {u"never looked"_s};
+        messages.onShow = [&](const Message &) { passedMeanwhile = passed; };
+        onWait = [&](int) {
+            Waiting::repaintingWait()(50);
+            passedMeanwhile = passed;
+        };
+        form.findChild<QPushButton *>(u"cmdEnvoyer"_s)->click();
+        QCOMPARE(passedMeanwhile, QStringList());
+        QVERIFY(paints.count > 0);
+        QTRY_COMPARE(passed.size(), 3);
     }
 
 private:

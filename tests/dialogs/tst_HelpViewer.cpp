@@ -6,23 +6,19 @@
 #include "platform/Files.h"
 #include "platform/Literals.h"
 #include "tests/dialogs/DialogDump.h"
-#include "tests/fixtures/Golden.h"
+#include "tests/fixtures/Eventually.h"
+#include "tests/fixtures/Steps.h"
+#include "tests/fixtures/WidgetUser.h"
 
 #include <QAction>
-#include <QDialog>
 #include <QDir>
 #include <QFileInfo>
 #include <QHelpContentWidget>
 #include <QHelpIndexWidget>
-#include <QLabel>
-#include <QLineEdit>
 #include <QListWidget>
-#include <QPushButton>
 #include <QScreen>
 #include <QSplitter>
-#include <QTabWidget>
 #include <QTemporaryDir>
-#include <QTest>
 #include <QWindow>
 
 namespace {
@@ -80,97 +76,38 @@ private Q_SLOTS:
                                             u"[a.chm>W1] 2 0"_s, u"[a.chm>W1] 3 32 0 TEST 0 0 0 1 []"_s}));
     }
 
-    void everyTopicHasItsPage()
+    void everyStepHasItsEffects()
     {
-        CHelp help(*m_viewer);
-        QStringList pages;
-        for (int topic = 0; topic <= 27; ++topic) { // the first and the last are none
-            help.Show(asked(), QString(), topic);
-            pages += page().section(u'.', 0, 0);
-        }
-        QCOMPARE(pages.join(u' '),
-                 u"index index premiers-pas fenetre menus barres arbre liste page adresse mises-a-jour "
-                 "avis notification import export recherche proprietes options mail authentification "
-                 "a-propos messages clavier echanges fichiers demarrage formats index"_s);
+        std::optional<WidgetUser> user;
+        const Steps steps{
+            [&](const Steps::Given &given) {
+                if (!given[u"file"_s].isEmpty())
+                    Files::write(m_folder->filePath(u"Quillwire.qch"_s), given[u"file"_s].toUtf8());
+                make({given.isEmpty() ? QString::fromUtf8(HELP_FILE) : m_folder->filePath(u"Quillwire.qch"_s)});
+                CHelp(*m_viewer).Show(asked(), u"W1"_s);
+                user.emplace(*m_viewer, [this] { return outside(); });
+                if (!given.isEmpty())
+                    return find<HelpBrowser>("page")->toPlainText();
+                (void)eventually([this] { return find<QHelpContentWidget>("contents")->model()->rowCount() > 0; });
+                (void)user->changes();
+                return QString();
+            },
+            [&](const QString &step) {
+                take(step, *user);
+                return user->changes();
+            }};
+        QCOMPARE(steps.differenceFrom(u"help-steps.txt"_s), QString());
     }
 
     void theWindowIsAsInTheTable()
     {
         CHelp(*m_viewer).Show(asked(), u"W1"_s);
-        QCOMPARE(page(), u"index.html"_s);
-        QCOMPARE(find<QTabWidget>("tabs")->currentIndex(), 0);
         QTRY_VERIFY(find<QHelpContentWidget>("contents")->model()->rowCount() > 0);
         QCOMPARE(differenceFromGolden(u"help.txt"_s, DialogDump::told(*m_viewer)), QString());
         const auto *splitter = m_viewer->findChild<QSplitter *>();
         QVERIFY(splitter->sizes()[0] < splitter->sizes()[1] && !splitter->childrenCollapsible());
         const QSize room = m_viewer->screen()->availableSize();
         QVERIFY(m_viewer->width() > room.width() / 2 && m_viewer->height() > room.height() / 2);
-    }
-
-    void theContentsLeadToPages()
-    {
-        CHelp(*m_viewer).Show(asked(), QString(), 19);
-        auto *const contents = find<QHelpContentWidget>("contents");
-        QTRY_VERIFY(contents->model()->rowCount() > 0);
-        const QModelIndex book = contents->model()->index(0, 0);
-        QVERIFY(contents->isExpanded(book));
-        QTest::mouseClick(contents->viewport(), Qt::LeftButton, {}, contents->visualRect(book).center());
-        QCOMPARE(page(), u"index.html"_s);
-        QVERIFY(contents->hasFocus());
-        Q_EMIT contents->linkActivated(QUrl(u"qthelp://none/a.html"_s));
-        QCOMPARE(page(), u"a.html"_s);
-    }
-
-    void theIndexLeadsToPages()
-    {
-        CHelp(*m_viewer).ShowIndex(asked(), QString());
-        QCOMPARE(find<QTabWidget>("tabs")->currentIndex(), 1);
-        QTRY_VERIFY(find<QHelpIndexWidget>("index")->model()->rowCount() > 0);
-        find<QLineEdit>("filter")->setText(u"séparateurs"_s);
-        QTest::keyClick(find<QLineEdit>("filter"), Qt::Key_Return);
-        QTRY_COMPARE(page(), u"fenetre.html"_s);
-    }
-
-    void theSearchFindsPagesByTheirText()
-    {
-        CHelp(*m_viewer).ShowSearch(asked(), QString());
-        auto *const results = find<QListWidget>("results");
-        auto *const query = find<QLineEdit>("query");
-        const auto state = [this] { return find<QLabel>("state")->text(); };
-        const auto settled = [&] { return state() != u"Recherche en cours..."_s; };
-        QCOMPARE(find<QTabWidget>("tabs")->currentIndex(), 2);
-        QCOMPARE(query->text(), u"TEST"_s);
-        QVERIFY(!settled()); // the text of the pages is indexed first
-        QTRY_VERIFY_WITH_TIMEOUT(settled(), 20000);
-        QCOMPARE(state(), u"Aucune page trouvée"_s);
-        query->setText(u" authentification "_s);
-        find<QPushButton>("search")->click();
-        QVERIFY(!settled());
-        QTRY_VERIFY(settled());
-        QCOMPARE(state(), u"Pages trouvées : "_s + QString::number(results->count()));
-        QVERIFY(results->count() > 0 && !results->item(0)->text().isEmpty());
-        for (const bool byClick : {true, false}) {
-            find<HelpBrowser>("page")->setSource(QUrl());
-            byClick ? Q_EMIT results->itemClicked(results->item(0)) : Q_EMIT results->itemActivated(results->item(0));
-            QVERIFY(find<HelpBrowser>("page")->toPlainText().contains(u"authentification"_s, Qt::CaseInsensitive));
-        }
-        query->setText(u" "_s);
-        QTest::keyClick(query, Qt::Key_Return);
-        QCOMPARE(results->count(), 0);
-    }
-
-    void linksAreFollowedBackAndForwardAndHandedOverWhenTheyLeadOut()
-    {
-        CHelp(*m_viewer).Show(asked(), QString(), 2);
-        Q_EMIT find<HelpBrowser>("page")->anchorClicked(QUrl(u"index.html"_s));
-        QCOMPARE(page(), u"index.html"_s);
-        find<QAction>("back")->trigger();
-        QCOMPARE(page(), u"premiers-pas.html"_s);
-        find<QAction>("forward")->trigger();
-        QCOMPARE(page(), u"index.html"_s);
-        Q_EMIT find<HelpBrowser>("page")->anchorClicked(QUrl(u"http://example.org/"_s));
-        QCOMPARE(m_external, QStringList{u"http://example.org/"_s});
-        QCOMPARE(page(), u"index.html"_s);
     }
 
     void itCanBeReadWhileDialogsAreOpen()
@@ -198,26 +135,6 @@ private Q_SLOTS:
         QVERIFY(isUsable()); // open already
     }
 
-    void aMissingOrBrokenFileIsTold_data()
-    {
-        QTest::addColumn<QByteArray>("bytes"); // none: no such file
-        QTest::newRow("absent") << QByteArray();
-        QTest::newRow("no help file") << QByteArray(5000, 'x');
-    }
-
-    void aMissingOrBrokenFileIsTold()
-    {
-        QFETCH(QByteArray, bytes);
-        const QString file = m_folder->filePath(u"Quillwire.qch"_s);
-        if (!bytes.isEmpty())
-            Files::write(file, bytes);
-        make({file});
-        CHelp(*m_viewer).Show(asked(), u"W1"_s);
-        QVERIFY(m_viewer->isVisible());
-        QCOMPARE(find<HelpBrowser>("page")->toPlainText(),
-                 u"Le fichier d'aide /data/Quillwire.chm est introuvable ou illisible."_s);
-    }
-
     void theCollectionLiesInTheCacheAndIsMadeAnewWhenDamaged()
     {
         const QString collection = m_folder->filePath(u"cache/Quillwire.qhc"_s);
@@ -235,6 +152,59 @@ private Q_SLOTS:
     }
 
 private:
+    /// What the user does, or asks of the help; it waits for what comes of it.
+    void take(const QString &step, WidgetUser &user)
+    {
+        CHelp help(*m_viewer);
+        const QString verb = step.section(u' ', 0, 0);
+        const QString rest = step.section(u' ', 1);
+        auto *const contents = find<QHelpContentWidget>("contents");
+        auto *const results = find<QListWidget>("results");
+        const QString before = page();
+        if (verb == u"topics") // the first and the last are none
+            for (int topic = 0; topic <= rest.toInt(); ++topic) {
+                help.Show(asked(), QString(), topic);
+                user.note(page().section(u'.', 0, 0));
+            }
+        else if (verb == u"index")
+            help.ShowIndex(asked(), QString());
+        else if (verb == u"search")
+            help.ShowSearch(asked(), QString());
+        else if (verb == u"link")
+            Q_EMIT find<HelpBrowser>("page")->anchorClicked(QUrl(rest));
+        else if (verb == u"go")
+            find<QAction>(qPrintable(rest))->trigger();
+        else if (verb == u"book") {
+            const QModelIndex book = contents->model()->index(0, 0);
+            user.note(contents->isExpanded(book) ? u"open"_s : u"closed"_s);
+            QTest::mouseClick(contents->viewport(), Qt::LeftButton, {}, contents->visualRect(book).center());
+        } else if (verb == u"contents")
+            Q_EMIT contents->linkActivated(QUrl(rest));
+        else if (verb == u"result") {
+            find<HelpBrowser>("page")->setSource(QUrl());
+            rest == u"click" ? Q_EMIT results->itemClicked(results->item(0))
+                             : Q_EMIT results->itemActivated(results->item(0));
+            const QString text = find<HelpBrowser>("page")->toPlainText();
+            user.note(text.contains(find<QLineEdit>("query")->text().trimmed(), Qt::CaseInsensitive) ? u"found"_s
+                                                                                                     : text);
+        } else if (!user.act(step))
+            user.note(u"NO SUCH STEP"_s);
+        if (step == u"key filter Return") // the page comes when its place is looked up
+            (void)eventually([&] { return page() != before; });
+        if (state() == u"Recherche en cours..."_s)
+            user.note(state());
+        (void)eventually([this] { return state() != u"Recherche en cours..."_s; }, 20000);
+    }
+
+    WidgetUser::State outside() const
+    {
+        return {{u"on show"_s, page()},
+                {u"rows"_s, QString::number(find<QListWidget>("results")->count())},
+                {u"outside"_s, m_external.join(u' ')}};
+    }
+
+    QString state() const { return find<QLabel>("state")->text(); }
+
     template <class Widget>
     Widget *find(const char *name) const
     {
