@@ -11,7 +11,6 @@
 namespace {
 
 constexpr int readColumn = 2;
-constexpr int designInterval = 3000; ///< milliseconds
 
 } // namespace
 
@@ -20,7 +19,6 @@ ReadingPane::ReadingPane(const PageWriter &pages, CurrentFeed &current, const Ap
     : QObject(parent), m_pages(pages), m_current(current), m_settings(settings), m_lvwItems(lvwItems),
       m_browser(browser), m_window(window)
 {
-    m_timRead.setInterval(designInterval);
     connect(&m_timRead, &QTimer::timeout, this, &ReadingPane::handleReadDelayOver);
     connect(&lvwItems, &ItemListView::clickedWithSelection, this,
             [this] { m_window.enableBrowserButton(u"send_mail"_s, true); });

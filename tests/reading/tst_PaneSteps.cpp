@@ -66,6 +66,10 @@ private:
             if (text.contains(u' ')) // not the address that the mouse stands on
                 note(u"status "_s + text);
         });
+        connect(m_pane.get(), &BrowserPane::ProgressChange, this, [this](int progress, int progressMax) {
+            if (progress > progressMax)
+                note(u"progress past its end"_s);
+        });
         connect(m_pane.get(), &BrowserPane::CommandStateChange, this,
                 [this](int command, bool on) { m_commands[command] = on; });
     }
