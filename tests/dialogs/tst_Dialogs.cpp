@@ -406,15 +406,10 @@ private Q_SLOTS:
                 open(QString::fromLatin1(name), {{u"user"_s, u"moi"_s}, {u"tab"_s, u"1"_s}, {u"entry"_s, u"2"_s}});
                 all += DialogDump::told(*m_form);
                 m_form->show();
-                all += cutTexts();
                 auto *const tabs = m_form->findChild<QTabWidget *>();
-                for (int i = 0; tabs && i < tabs->count(); ++i) {
-                    tabs->setCurrentIndex(i);
-                    all += cutTexts();
-                }
                 auto *const pages = m_form->findChild<QStackedLayout *>();
-                for (int i = 0; pages && i < pages->count(); ++i) {
-                    pages->setCurrentIndex(i);
+                for (int page = 0; page < 5; ++page) { // none has more
+                    tabs ? tabs->setCurrentIndex(page) : pages ? pages->setCurrentIndex(page) : void();
                     QApplication::processEvents();
                     all += cutTexts();
                 }
