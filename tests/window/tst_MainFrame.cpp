@@ -5,9 +5,7 @@
 #include "controls/cReBar.h"
 #include "platform/Literals.h"
 #include "tests/window/PrincFixture.h"
-#include "window/SplitBar.h"
 
-#include <QAccessible>
 #include <QMenu>
 #include <QToolButton>
 
@@ -106,14 +104,12 @@ private Q_SLOTS:
         const auto cell = [this](int row) {
             return m_fixture->list()->visualRect(m_fixture->list()->items().index(row, 0)).center();
         };
-        const auto caption = [this](int section) {
-            return QPoint(m_fixture->list()->header()->sectionViewportPosition(section) + 2, 5);
-        };
+        const auto *header = qobject_cast<const CaptionHeader *>(m_fixture->list()->header());
+        const auto caption = [header](int section) { return QPoint(header->sectionViewportPosition(section) + 2, 5); };
         QCOMPARE(ofTree->tipOfCell(m_fixture->placeOf(node)), QString());
         QCOMPARE(ofList->tipOfCell(cell(1)), QString());
         QCOMPARE(ofList->tipOfCaption(caption(0)), QString());
         QCOMPARE(ofList->tipOfCaption(caption(2)), u"<p>Date de publication</p>"_s);
-        const auto *header = qobject_cast<const CaptionHeader *>(m_fixture->list()->header());
         QCOMPARE(header->shownCaption(0), u"Titre"_s);
         QVERIFY(header->shownCaption(2).startsWith(u"Da"_s) && header->shownCaption(2).endsWith(u'…'));
         m_fixture->tree()->resize(90, 300);
@@ -121,44 +117,6 @@ private Q_SLOTS:
                                           m_fixture->placeOf(node).y())),
                  u"<p>Un nom bien trop long &amp; plus</p>"_s);
         QCOMPARE(ofList->tipOfCell(cell(0)), u"<p>"_s + title.toHtmlEscaped() + u"</p>"_s);
-    }
-
-    void theBarsMoveByTheMouseByKeysAndByToolsWithinTheirBounds()
-    {
-        m_fixture->start();
-        for (const char *name : {"picHorizontalSplit", "picVerticalSplit"}) {
-            auto *bar = m_fixture->control<SplitBar>(name);
-            const bool across = name[3] == 'H';
-            const QWidget *pane = across ? static_cast<QWidget *>(m_fixture->tree()) : m_fixture->list();
-            const auto edge = [&] { return across ? bar->x() : bar->y(); };
-            const auto extent = [&] { return across ? pane->width() : pane->height(); };
-            const auto stored = [&] {
-                const AppSettings &settings = m_fixture->settings();
-                return int(across ? settings.splitHorizontal : settings.splitVertical);
-            };
-            QAccessibleInterface *told = QAccessible::queryAccessibleInterface(bar);
-            QCOMPARE(told->role(), QAccessible::Splitter);
-            QVERIFY(told->text(QAccessible::Name).startsWith(u"Séparation"_s));
-            QAccessibleValueInterface *value = told->valueInterface();
-            const int before = edge();
-            const int wide = extent();
-            QCOMPARE(value->currentValue().toInt(), before);
-            QTest::keyClick(bar, across ? Qt::Key_Right : Qt::Key_Down);
-            QCOMPARE(edge(), before + value->minimumStepSize().toInt());
-            QTest::keyClick(bar, across ? Qt::Key_Left : Qt::Key_Up);
-            QTest::mousePress(bar, Qt::LeftButton);
-            QTest::mouseMove(bar, across ? QPoint(-30, 5) : QPoint(5, -30));
-            QTest::mouseMove(bar, across ? QPoint(5000, 5) : QPoint(5, 5000)); // past the bound the bar stays
-            QTest::mouseRelease(bar, Qt::LeftButton);
-            QCOMPARE(edge(), before - 30);
-            QCOMPARE(extent(), wide - 30);
-            QCOMPARE(stored(), extent() * 15);
-            value->setCurrentValue(value->minimumValue());
-            QCOMPARE(edge(), value->minimumValue().toInt());
-            QVERIFY(edge() < before - 30 && m_fixture->list()->isVisible());
-            value->setCurrentValue(1000000); // past the end is the end
-            QCOMPARE(edge(), value->maximumValue().toInt());
-        }
     }
 };
 

@@ -197,6 +197,22 @@ private:
                  part->setFocus();
                  QTest::keyClick(part, keys.key(), keys.keyboardModifiers());
              }},
+            {"pull *",
+             [&](const Words &w) {
+                 auto *bar = f.control<QWidget>(key(w));
+                 QTest::mousePress(bar, Qt::LeftButton);
+                 QTest::mouseMove(bar, QPoint(w[1].toInt(), w[2].toInt()));
+                 QTest::mouseMove(bar, QPoint(5000, 5000)); // past its bound it stays
+                 QTest::mouseRelease(bar, Qt::LeftButton);
+             }},
+            {"set *",
+             [&](const Words &w) {
+                 auto *bar = QAccessible::queryAccessibleInterface(f.control<QWidget>(key(w)))->valueInterface();
+                 bar->setCurrentValue(w[1].toInt());
+                 f.log += u"moved by steps of %1%2%3"_s.arg(bar->minimumStepSize().toInt())
+                              .arg(bar->currentValue() == bar->minimumValue() ? u", to the start"_s : QString(),
+                                   bar->currentValue() == bar->maximumValue() ? u", to the end"_s : QString());
+             }},
             {"focus by *",
              [&](const Words &w) {
                  f.tree()->setFocus();
@@ -391,9 +407,7 @@ private Q_SLOTS:
         m_fixture->adjustSettings = {};
         m_fixture->start();
         QVERIFY(!m_fixture->shownByTheStart);
-        QCOMPARE(QRect(m_fixture->window->pos(), m_fixture->window->size()), QRect(120, 70, 900, 700));
         QCOMPARE(m_fixture->toolbar()->drawStyle(), DrawStyle::Standard);
-        QCOMPARE(m_fixture->list()->columnWidthTwips(3), 80.0 * 15);
         m_fixture->settings().soundPath = u"/a.wav"_s; // the fixture plays none
         m_fixture->window->close();
         QCOMPARE(filesOfState(), left);
