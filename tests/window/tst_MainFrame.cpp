@@ -4,7 +4,9 @@
 #include "controls/CutTips.h"
 #include "controls/cReBar.h"
 #include "platform/Literals.h"
+#include "tests/fixtures/Golden.h"
 #include "tests/window/PrincFixture.h"
+#include "window/PaneLayout.h"
 
 #include <QMenu>
 #include <QToolButton>
@@ -16,6 +18,11 @@ class tst_MainFrame : public QObject
 
 private:
     std::unique_ptr<PrincFixture> m_fixture;
+
+    static QString text(const QRectF &place)
+    {
+        return u"%1,%2 %3x%4"_s.arg(place.x()).arg(place.y()).arg(place.width()).arg(place.height());
+    }
 
 private Q_SLOTS:
     void init() { m_fixture = std::make_unique<PrincFixture>(); }
@@ -117,6 +124,35 @@ private Q_SLOTS:
                                           m_fixture->placeOf(node).y())),
                  u"<p>Un nom bien trop long &amp; plus</p>"_s);
         QCOMPARE(ofList->tipOfCell(cell(0)), u"<p>"_s + title.toHtmlEscaped() + u"</p>"_s);
+    }
+
+    /// A command tells the extent of the window, the positions of its bars, and its dots per inch.
+    void everyPaneHasItsPlaceInTwipsAndInPixels()
+    {
+        const QString played = playedAgain(
+            u"panes.txt"_s, [] {},
+            [](const QStringList &words) {
+                QList<double> is;
+                for (const QString &word : words)
+                    is += word.toDouble();
+                const PaneLayout layout = PaneLayout::of({is[0], is[1], 900, 300, 390, 75, 45, is[2], is[3]});
+                const SplitBounds across = PaneLayout::horizontalBounds(is[0]);
+                const SplitBounds down = PaneLayout::verticalBounds(is[1], 900, 300);
+                QStringList told = {u"bars: %1 to %2, %3 to %4"_s.arg(across.lowest)
+                                        .arg(across.highest)
+                                        .arg(down.lowest)
+                                        .arg(down.highest)};
+                for (const auto &[pane, twips] :
+                     {std::pair("tree", layout.tree), std::pair("bar", layout.horizontalBar),
+                      std::pair("list", layout.list), std::pair("lower bar", layout.verticalBar),
+                      std::pair("toolbar", layout.toolbarHost), std::pair("page", layout.browser)})
+                    told += QString::fromLatin1(pane) + u": "_s + text(twips) + u", pixels "_s +
+                            text(PaneLayout::toPixels(twips, {1440 / is[4], 1440 / is[5]}));
+                return told;
+            });
+        QCOMPARE(differenceFromGolden(u"panes.txt"_s, played), QString());
+        const SplitBounds bounds{201, 11799};
+        QVERIFY(bounds.allows(201) && !bounds.allows(200) && bounds.allows(11799) && !bounds.allows(11800));
     }
 };
 
