@@ -30,6 +30,14 @@ private Q_SLOTS:
         const Steps steps{[this](const Steps::Given &given) { return begin(given); },
                           [this](const QString &step, const QString &wanted) { return take(step, wanted); },
                           u" --> "_s};
+        const QString difference = steps.differenceFrom(u"pane.txt"_s);
+        if (difference.isEmpty())
+            return;
+        // The engine's processes go their own ways: what goes wrong once in a hundred steps is told, twice is a fault.
+        qWarning("Played again, since %s", qPrintable(difference));
+        m_patience = fullPatience();
+        m_pane.reset();
+        m_isWatched = false;
         QCOMPARE(steps.differenceFrom(u"pane.txt"_s), QString());
     }
 
@@ -295,7 +303,8 @@ private:
     QStringList m_events;
     QHash<int, bool> m_commands;
     QString m_meanwhile; ///< a step to take while the next question is on show
-    int m_patience = qEnvironmentVariableIsSet("QUILLWIRE_WRITE_GOLDENS") ? 3000 : 8000; ///< milliseconds
+    static int fullPatience() { return qEnvironmentVariableIsSet("QUILLWIRE_WRITE_GOLDENS") ? 3000 : 8000; }
+    int m_patience = fullPatience(); ///< milliseconds
     int m_pages = 0;
     bool m_isWatched = false;
     bool m_isInBox = false;
