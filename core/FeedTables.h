@@ -28,6 +28,12 @@ public:
                                                         : std::get<QDateTime>(m_value);
     }
 
+    /// True when date() doesn't throw.
+    bool isDate() const
+    {
+        return std::holds_alternative<QDateTime>(m_value) || DateText::isDate(std::get<QString>(m_value));
+    }
+
     /// The text that goes into the catalogue file.
     QString text() const
     {

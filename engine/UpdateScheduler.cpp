@@ -124,7 +124,7 @@ int UpdateScheduler::dueFeeds() const
     const QDateTime now = m_surroundings.clock();
     const QStringList keys = tables.updatettl.Keys();
     return static_cast<int>(std::count_if(keys.begin(), keys.end(), [&](const QString &key) {
-        return tables.updatedate.Exists(key) &&
+        return tables.updatedate.Exists(key) && tables.updatedate.Item(key).isDate() &&
                allMinuteBoundaries(tables.updatedate.Item(key).date(), now) > tables.updatettl.Item(key).toInt();
     }));
 }
