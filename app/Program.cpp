@@ -13,19 +13,28 @@ Program::Program(Surroundings surroundings)
     : m_surroundings(std::move(surroundings)),
       m_settingsFile(m_surroundings.directory.file(u"params.xml"_s), m_surroundings.settingsTemplate,
                      m_surroundings.scale, m_surroundings.messages),
+      m_extensions(m_surroundings.directory.file(u"extensions.ini"_s)), m_standardDates(m_dates),
+      m_addresses(AddressForms::usual, AddressForms::secure, m_extensions.extensions().https),
+      m_rules{Choice<FormatSet>(usualFormats(), allFormats(), m_extensions.extensions().formats),
+              Choice<FeedReading>(exactReading(), mendingReading(), m_extensions.extensions().repair),
+              Choice<ItemAddresses>(writtenAddresses(), wholeAddresses(), m_extensions.extensions().pages)},
       m_treeState(m_tree), m_catalogue(m_surroundings.directory, m_tree, m_treeState, m_DESCrypt, m_surroundings.clock),
       m_dwlFeed(m_surroundings.makeDownloader()), m_dwlUpdate(m_surroundings.makeDownloader()),
-      m_opener(m_surroundings.directory, m_current, *m_dwlFeed),
+      m_opener(m_surroundings.directory, m_current, *m_dwlFeed, m_addresses),
       m_scheduler({m_surroundings.directory, m_tree, m_treeState, m_catalogue.tables, m_current, m_DESCrypt,
-                   *m_dwlUpdate, m_surroundings.isConnected, m_surroundings.clock, m_surroundings.wait}),
+                   *m_dwlUpdate, m_surroundings.isConnected, m_surroundings.clock, m_surroundings.wait, m_addresses,
+                   m_rules}),
       m_server(m_surroundings.runtimeDirectory)
-{}
+{
+    m_current.document = std::make_shared<CachedFeed>(Waiting::systemClock(), m_rules);
+}
 
 Program::~Program() = default;
 
 bool Program::loadSettings()
 {
     m_surroundings.directory.sweepLeftovers();
+    m_brokenExtensions = m_extensions.load();
     if (m_settingsFile.loadSettings(m_settings))
         return true;
     m_surroundings.releaseInstance();
@@ -36,6 +45,11 @@ LongLived Program::longLived()
 {
     return {m_surroundings.directory,
             m_settings,
+            m_extensions,
+            m_addresses,
+            Choice<DateReader>(m_dates, m_standardDates, m_extensions.extensions().dates),
+            m_rules,
+            Choice<PageText>(PageText::ansi, PageText::utf8, m_extensions.extensions().pages),
             m_tree,
             m_treeState,
             m_catalogue,
@@ -52,6 +66,8 @@ void Program::start(ProgramWindow &window, const QList<QRect> &screens, const QS
     window.build();
     window.showStartPage();
     m_catalogue.loadCatalogue();
+    if (!m_brokenExtensions.isEmpty())
+        window.tell(u"extensions.ini, valeur illisible : "_s + m_brokenExtensions.join(u", "_s));
     window.showTrayIcon(true);
     connect(&m_server, &InstanceServer::textReceived, this,
             [&window](const QString &text, const QByteArray &token) { window.takeHandOver(text, token); });

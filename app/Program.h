@@ -2,11 +2,13 @@
 
 #pragma once
 
+#include "core/ExtensionsFile.h"
 #include "core/FeedCatalogue.h"
 #include "core/FeedTreeState.h"
 #include "core/SettingsFile.h"
 #include "engine/CurrentFeed.h"
 #include "engine/FeedOpener.h"
+#include "engine/StandardDates.h"
 #include "engine/UpdateScheduler.h"
 #include "platform/net/InstanceServer.h"
 #include "support/clsDES.h"
@@ -48,8 +50,8 @@ public:
     explicit Program(Surroundings surroundings);
     ~Program() override;
 
-    /// Sweeps what a kill left behind, and reads params.xml. False when it can't be used: the user was told then, the
-    /// instance lock is given back, and nothing else must be called.
+    /// Sweeps what a kill left behind, and reads extensions.ini and params.xml. False when it can't be used: the user
+    /// was told then, the instance lock is given back, and nothing else must be called.
     bool loadSettings();
 
     const AppSettings &settings() const { return m_settings; }
@@ -84,6 +86,12 @@ private:
     Surroundings m_surroundings;
     AppSettings m_settings;
     SettingsFile m_settingsFile;
+    ExtensionsFile m_extensions;
+    QStringList m_brokenExtensions; ///< keys of the file that told nothing
+    Dates m_dates;
+    StandardDates m_standardDates;
+    Choice<AddressForms> m_addresses;
+    FeedRules m_rules;
     clsDES m_DESCrypt;
     FeedTree m_tree;
     FeedTreeState m_treeState;

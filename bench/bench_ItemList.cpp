@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "engine/Dates.h"
 #include "engine/feed/CachedFeed.h"
 #include "platform/Literals.h"
 #include "reading/ItemListView.h"
@@ -63,7 +64,8 @@ struct FilledFeed
 void fillAllRows(benchmark::State &state)
 {
     FilledFeed source(mostItems);
-    ItemListModel model{Dates()};
+    const Dates dates;
+    ItemListModel model{dates};
     double loading = 0;
     double filling = 0;
     for (auto _ : state) {
@@ -84,7 +86,8 @@ void fillAllRows(benchmark::State &state)
 void sortAllRows(benchmark::State &state, ItemColumn column)
 {
     FilledFeed source(mostItems);
-    ItemListModel model{Dates()};
+    const Dates dates;
+    ItemListModel model{dates};
     Qt::SortOrder order = Qt::AscendingOrder;
     model.fill(source.feed);
     for (auto _ : state) {
@@ -100,7 +103,7 @@ public:
     void SetUp(const benchmark::State &state) override
     {
         FilledFeed source(static_cast<int>(state.range(0)));
-        list = std::make_unique<ItemListView>(Dates(), ScreenScale{});
+        list = std::make_unique<ItemListView>(dates, ScreenScale{});
         for (int column = 1; column <= itemColumnCount; ++column)
             list->setColumnWidthTwips(column, 1500);
         list->resize(800, 400);
@@ -111,6 +114,7 @@ public:
     void TearDown(const benchmark::State &) override { list.reset(); }
 
 protected:
+    const Dates dates;
     std::unique_ptr<ItemListView> list;
 };
 

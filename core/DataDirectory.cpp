@@ -47,12 +47,13 @@ QString chosenPath(const QString &programDirectory)
 
 /// The SHA-256 of each page that an earlier version laid into the folder. Who changes a page adds that of the one
 /// before.
-constexpr std::array<const char *, 5> earlierPages = {
+constexpr std::array<const char *, 6> earlierPages = {
     "f9b2d40f0cf639b491d6ca62face0fd4a07f34f7ceedee8b1506cafbbdb721bd",
     "990baae283501a036de664525ff5249af4f984f7f71b26e1d05ab315f1803f7f",
     "501dd5b3728296f518f8724d39c6341bf33ebaa716d2b05607b1cba6d0d02410",
     "44936f29ab93207e24efaa23501ad58a4d79740d540257f4475373e92607cb32",
     "5f64e92c0f9b9772af6f99a85ff12ea2badbdb5bf3e39c752e3ec82385ba8b04",
+    "64e1782cbdbd10e27f012ec44e5b5b84f48ef764928abcb1451fc4d7dfdbbf45",
 };
 
 /// A page that is still as an earlier version brought it gives way to today's; one that the user changed is kept.

@@ -56,9 +56,9 @@ QLabel *addNumberRow(QGridLayout &grid, const QString &caption, QLineEdit *box, 
     return shown;
 }
 
-QString versionName(FeedVersion version)
+QString versionName(const CachedFeed &feed)
 {
-    switch (version) {
+    switch (feed.Version()) {
     case Rss091:
         return u"RSS 0.91"_s;
     case Rss092:
@@ -69,6 +69,12 @@ QString versionName(FeedVersion version)
         return u"RSS 2.0"_s;
     case Atom03:
         return u"Atom 0.3"_s;
+    case Atom10:
+        return u"Atom 1.0"_s;
+    case Rss090:
+        return u"RSS 0.90"_s;
+    case OtherRss:
+        return QString(u"RSS "_s + feed.WrittenVersion()).trimmed();
     }
     return {};
 }
@@ -208,7 +214,7 @@ bool frmProprietes::fillFrom()
     put(m_txtURL, subscribed ? node->tag : m_port.address);
     put(m_txtSite, feed->Link());
     showText(*m_txtDescription, feed->Description());
-    put(m_txtVersion, versionName(feed->Version()));
+    put(m_txtVersion, versionName(*feed));
     put(m_txtLangue, feed->Language());
     put(m_txtEditeur, feed->ManagingEditor());
     put(m_txtWebmaster, feed->WebMaster());

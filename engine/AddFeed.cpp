@@ -17,6 +17,8 @@ void AddFeed(const std::shared_ptr<CachedFeed> &document, const QString &address
     } else if (current.document->IsStale() && Files::exists(current.document->Path())) {
         current.document->Restore(); // an import has used tmp.xml, which becomes the cache file, for something else
     }
+    if (current.document->IsTranslated())
+        current.document->Save(); // the cache file is a copy of the file, and shall be in the format of what is held
     catalogue.addFeed(
         {current.document->Title(), current.document->Ttl(), address, current.strUsername, current.strPassword});
 }

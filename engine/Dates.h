@@ -2,8 +2,7 @@
 
 #pragma once
 
-#include <QDateTime>
-#include <QString>
+#include "engine/DateReader.h"
 
 #include <functional>
 
@@ -21,15 +20,15 @@ struct TimeZoneRecord
 /// Both forms that feeds use are read: the ISO form, by fixed positions, and the form of Internet mail headers (RFC
 /// 822). Zones that aren't on the whole hour come out wrong, and an unreadable Internet form comes out as 30 November
 /// 1999. docs/dates.md tells why these results stay.
-class Dates
+class Dates final : public DateReader
 {
 public:
     /// `timeZone` is asked at each date. By default it is that of the machine.
     explicit Dates(std::function<TimeZoneRecord()> timeZone = machineTimeZone);
 
-    /// The local date of `text`. Throws RunTimeError (type mismatch, invalid call, overflow) where a step can't be
+    /// Always a valid date. Throws RunTimeError (type mismatch, invalid call, overflow) where a step can't be
     /// taken.
-    QDateTime NormaliseDate(const QString &text) const;
+    QDateTime NormaliseDate(const QString &text) const override;
 
     QDateTime ParseIsoDate(const QString &text) const;
     QDateTime ParseInternetDate(const QString &text) const;

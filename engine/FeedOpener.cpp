@@ -13,28 +13,9 @@
 #include <algorithm>
 #include <cmath>
 
-namespace {
-
-constexpr QLatin1String http("http://");
-
-bool isFeedAddress(const QString &text)
-{
-    return text.startsWith(http) || text.startsWith("feed:"_L1);
-}
-
-/// The text without "feed:" (any first 5 characters) and the slashes behind it.
-QString withoutScheme(const QString &text)
-{
-    if (text.startsWith(http))
-        return text;
-    const QString rest = text.mid(5);
-    return rest.startsWith("//"_L1) ? rest.mid(2) : rest;
-}
-
-} // namespace
-
-FeedOpener::FeedOpener(DataDirectory directory, CurrentFeed &current, Downloader &dwlFeed, QObject *parent)
-    : QObject(parent), m_directory(std::move(directory)), m_current(current), m_dwlFeed(dwlFeed)
+FeedOpener::FeedOpener(DataDirectory directory, CurrentFeed &current, Downloader &dwlFeed,
+                       Choice<AddressForms> addresses, QObject *parent)
+    : QObject(parent), m_directory(std::move(directory)), m_current(current), m_dwlFeed(dwlFeed), m_addresses(addresses)
 {
     connect(&m_dwlFeed, &Downloader::DownloadProgress, this, &FeedOpener::handleDownloadProgress);
     connect(&m_dwlFeed, &Downloader::DownloadComplete, this, &FeedOpener::handleDownloadComplete);
@@ -51,13 +32,14 @@ void FeedOpener::openFeedNode(const FeedNodePtr &node)
         refuse(Reason::UnreadableFeed);
         return;
     }
+    m_current.document->SetAddress(m_addresses->addressToUpdate(node->tag));
     m_current.addressFeedShown = false;
     Q_EMIT opened(Source::CacheFile);
 }
 
 void FeedOpener::openEntered(const QString &text)
 {
-    if (isFeedAddress(text)) {
+    if (m_addresses->isFeedAddress(text)) {
         m_current.strUsername.clear();
         m_current.strPassword.clear();
         LoadFile(text);
@@ -87,21 +69,18 @@ void FeedOpener::openLocalFile(const QString &path)
         refuse(Reason::UnreadableFeed);
 }
 
-QString FeedOpener::enteredByCommandLine(const QString &text)
+bool FeedOpener::openedRepaired() const
 {
-    if (isFeedAddress(text))
+    return m_current.document->IsRepaired();
+}
+
+QString FeedOpener::enteredByCommandLine(const QString &text) const
+{
+    if (m_addresses->isFeedAddress(text))
         return text;
     if (text.size() < 2)
         throw RunTimeError::invalidCall();
     return text.mid(1, text.size() - 2);
-}
-
-QString FeedOpener::addressToFetch(const QString &text)
-{
-    const QString address = withoutScheme(text);
-    if (address.startsWith(http))
-        return address;
-    return address.contains("//"_L1) ? QString() : QString(http + address);
 }
 
 void FeedOpener::LoadFile(const QString &text)
@@ -111,11 +90,11 @@ void FeedOpener::LoadFile(const QString &text)
     const QString destination = m_directory.file(u"tmp.xml"_s);
     if (Files::exists(destination))
         Files::remove(destination);
-    const QString url = addressToFetch(text);
-    if (url.isEmpty())
-        Q_EMIT refused({Reason::SchemeNotFetched, withoutScheme(text)});
+    m_url = m_addresses->addressToFetch(text);
+    if (m_url.isEmpty())
+        Q_EMIT refused({Reason::SchemeNotFetched, m_addresses->withoutFeedScheme(text)});
     else
-        m_dwlFeed.Download(url, 0, destination, m_current.strUsername, m_current.strPassword);
+        m_dwlFeed.Download(m_url, 0, destination, m_current.strUsername, m_current.strPassword);
 }
 
 void FeedOpener::handleDownloadProgress(double percent)
@@ -152,6 +131,7 @@ void FeedOpener::openDownloaded()
     m_current.document->Save(); // an address or a local file on show is stale now: the download has replaced it
     switch (m_current.document->Load(m_directory.file(u"tmp.xml"_s))) {
     case LoadOk:
+        m_current.document->SetAddress(m_url);
         m_current.addressFeedShown = true;
         Q_EMIT opened(Source::Network);
         break;

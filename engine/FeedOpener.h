@@ -4,6 +4,8 @@
 
 #include "core/DataDirectory.h"
 #include "core/FeedTree.h"
+#include "platform/AddressForms.h"
+#include "platform/Choice.h"
 
 #include <QObject>
 
@@ -41,26 +43,25 @@ public:
     };
 
     /// `dwlFeed` is this opener's own downloader. Nothing is owned.
-    FeedOpener(DataDirectory directory, CurrentFeed &current, Downloader &dwlFeed, QObject *parent = nullptr);
+    FeedOpener(DataDirectory directory, CurrentFeed &current, Downloader &dwlFeed,
+               Choice<AddressForms> addresses = AddressForms::usual, QObject *parent = nullptr);
 
     /// Opens the cache file of a feed's node; every other node is ignored. Saves the feed on show first.
     void openFeedNode(const FeedNodePtr &node);
 
-    /// Opens what the user entered: an address that begins with "http://" or "feed:", without credentials, or the path
-    /// of a local file.
+    /// Opens what the user entered: a feed's address, without credentials, or the path of a local file.
     void openEntered(const QString &text);
 
     /// Opens `text` through the network, with the credentials of the feed on show.
     void LoadFile(const QString &text);
 
-    /// What a text of the command line asks to open: an address that begins with "http://" or "feed:" as it stands, or
-    /// a path, less the quotes around it, whatever its first and last character are. Throws
-    /// RunTimeError::invalidCall() for another text of fewer than 2 characters.
-    static QString enteredByCommandLine(const QString &text);
+    /// Whether what was opened last had faults that were mended.
+    bool openedRepaired() const;
 
-    /// The address that `text` asks to fetch: "feed:" in its forms is resolved to "http://". "" when its scheme is one
-    /// that can't be fetched.
-    static QString addressToFetch(const QString &text);
+    /// What a text of the command line asks to open: a feed's address as it stands, or a path, less the quotes around
+    /// it, whatever its first and last character are. Throws RunTimeError::invalidCall() for another text of fewer than
+    /// 2 characters.
+    QString enteredByCommandLine(const QString &text) const;
 
 Q_SIGNALS:
     /// A fetch begins. When its address is refused no fetchEnded() follows.
@@ -95,4 +96,6 @@ private:
     DataDirectory m_directory;
     CurrentFeed &m_current;
     Downloader &m_dwlFeed;
+    Choice<AddressForms> m_addresses;
+    QString m_url; ///< what is fetched, or was last
 };

@@ -15,8 +15,8 @@ Clock standingClock(const QDateTime &moment)
 } // namespace
 
 FeedUpdate::FeedUpdate(Surroundings surroundings)
-    : m_surroundings(std::move(surroundings)), m_fresh(standingClock(m_surroundings.moment)),
-      m_store(standingClock(m_surroundings.moment))
+    : m_surroundings(std::move(surroundings)), m_fresh(standingClock(m_surroundings.moment), m_surroundings.rules),
+      m_store(standingClock(m_surroundings.moment), m_surroundings.rules)
 {}
 
 FeedUpdate::State FeedUpdate::goOn()

@@ -21,6 +21,7 @@ public:
         FeedTables &tables;      ///< retention is read there, and that it ran is noted
         QDateTime moment;        ///< now, for all items of the update
         qint64 largestCacheFile; ///< bytes
+        FeedRules rules;
     };
 
     enum class State {
@@ -36,6 +37,7 @@ public:
     State goOn();
 
     QString title() const { return m_fresh.Title(); } ///< of the feed as it was downloaded
+    bool isRepaired() const { return m_fresh.IsRepaired(); }
     qint16 newItems() const { return m_newItems; }
 
 private:

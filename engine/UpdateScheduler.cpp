@@ -205,9 +205,7 @@ void UpdateScheduler::updateFeed(const FeedNodePtr &node)
         m_surroundings.current.document->Save(); // its marks have to reach the file before the merge
     Q_EMIT fetchBegan();
 
-    QString url = m_updatingNode->tag;
-    if (url.startsWith("feed://"_L1))
-        url = u"http://"_s + url.mid(7);
+    const QString url = m_surroundings.addresses->addressToUpdate(m_updatingNode->tag);
     QString username;
     QString password;
     if (m_surroundings.tables.usernames.Exists(key)) {
@@ -237,7 +235,10 @@ bool UpdateScheduler::showAfresh(const QString &key)
 {
     CachedFeed &document = *m_surroundings.current.document;
     document.Save();
-    return document.Load(m_surroundings.directory.cacheFile(key)) == LoadOk;
+    if (document.Load(m_surroundings.directory.cacheFile(key)) != LoadOk)
+        return false;
+    document.SetAddress(m_surroundings.addresses->addressToUpdate(m_updatingNode->tag));
+    return true;
 }
 
 void UpdateScheduler::handleDownloadProgress(double percent)
@@ -259,7 +260,7 @@ void UpdateScheduler::handleDownloadComplete(qint32 status)
     const DataDirectory &directory = m_surroundings.directory;
     m_update = std::make_unique<FeedUpdate>(
         FeedUpdate::Surroundings{key, directory.file(u"tmpupd.xml"_s), directory.cacheFile(key), m_surroundings.tables,
-                                 m_surroundings.clock(), m_surroundings.largestCacheFile});
+                                 m_surroundings.clock(), m_surroundings.largestCacheFile, m_surroundings.rules});
     // What was marked in a feed during its own download goes when it is loaded afresh, as ever; what is marked between
     // the parts of the update doesn't.
     if (isOnShow(key) && shouldBeShown(key))
@@ -283,6 +284,8 @@ void UpdateScheduler::goOnWithUpdate()
         state = m_update->goOn();
     }
     const QString title = m_update->title();
+    if (state == FeedUpdate::State::Merged && m_update->isRepaired())
+        Q_EMIT feedRepaired();
     const qint16 newItems = state == FeedUpdate::State::Merged ? m_update->newItems() : qint16(0);
     m_update.reset(); // before the feed is loaded afresh: a large one should not be held three times
     // Without its cache file the feed stays in flight, and no other update begins until the program ends: a store that

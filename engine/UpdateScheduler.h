@@ -6,6 +6,8 @@
 #include "core/FeedTables.h"
 #include "core/FeedTree.h"
 #include "engine/CurrentFeed.h"
+#include "platform/AddressForms.h"
+#include "platform/Choice.h"
 #include "platform/Waiting.h"
 
 #include <QObject>
@@ -39,6 +41,8 @@ public:
         std::function<bool()> isConnected;
         Clock clock;
         Wait wait;
+        Choice<AddressForms> addresses = AddressForms::usual;
+        FeedRules rules = {};
         qint64 largestCacheFile = 256LL * 1024 * 1024; ///< bytes; a merge that would carry one past it is left out
     };
 
@@ -84,6 +88,9 @@ Q_SIGNALS:
 
     /// The update found at least one new item in the feed called `title`.
     void newItemsFound(const QString &title, qint16 count);
+
+    /// What the server sent had small faults, which were mended.
+    void feedRepaired();
 
     /// The feed on show was loaded afresh, with `newItems` in front. updateRunning() still holds.
     void feedOnShowReloaded(qint16 newItems);

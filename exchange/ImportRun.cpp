@@ -14,9 +14,10 @@ constexpr int maxPasses = 100; // about ten seconds a feed, counted in passes an
 
 } // namespace
 
-ImportRun::ImportRun(std::unique_ptr<Downloader> downloader, QString temporaryFile, Wait wait, AddFeed addFeed)
+ImportRun::ImportRun(std::unique_ptr<Downloader> downloader, QString temporaryFile, Wait wait, AddFeed addFeed,
+                     FeedRules rules)
     : m_dwlFeed(std::move(downloader)), m_temporaryFile(std::move(temporaryFile)), m_wait(std::move(wait)),
-      m_addFeed(std::move(addFeed))
+      m_addFeed(std::move(addFeed)), m_rules(rules)
 {
     connect(m_dwlFeed.get(), &Downloader::DownloadComplete, this, &ImportRun::handleComplete);
 }
@@ -62,7 +63,7 @@ bool ImportRun::fetch(const Feed &feed)
 void ImportRun::handleComplete(qint32 status)
 {
     if (status == 200 && !m_stopped) {
-        const auto document = std::make_shared<CachedFeed>();
+        const auto document = std::make_shared<CachedFeed>(Waiting::systemClock(), m_rules);
         if (document->Load(m_temporaryFile) == LoadOk) {
             m_addFeed(document, m_currentFeedUrl);
             ++m_outcome.added;

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "engine/feed/FeedRules.h"
 #include "platform/Waiting.h"
 
 #include <QObject>
@@ -40,7 +41,8 @@ public:
 
     /// Each feed is downloaded to `temporaryFile`, which AddFeed finds there too. `wait` is the wait of 100 ms between
     /// two looks at a running download.
-    ImportRun(std::unique_ptr<Downloader> downloader, QString temporaryFile, Wait wait, AddFeed addFeed);
+    ImportRun(std::unique_ptr<Downloader> downloader, QString temporaryFile, Wait wait, AddFeed addFeed,
+              FeedRules rules = {});
     ~ImportRun() override;
 
     /// Fetches `feeds`, without credentials; a feed that takes 100 waits is given up. Returns at the end of the run, or
@@ -72,6 +74,7 @@ private:
     QString m_temporaryFile;
     Wait m_wait;
     AddFeed m_addFeed;
+    FeedRules m_rules;
     QString m_currentFeedUrl;
     Outcome m_outcome;
     bool m_begun = false;

@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
+#include <span>
 #include <vector>
 
 namespace {
@@ -39,6 +40,15 @@ const QByteArray stores[] = {
     "</channel><item rdf:about='urn:x' quillwire:deleted='1'><title>old</title></item></rdf:RDF>",
     "<r:RDF xmlns:r='http://www.w3.org/1999/02/22-rdf-syntax-ns#' xmlns='http://purl.org/rss/1.0/'><channel/></r:RDF>",
     "<feed version='0.3' xmlns='http://purl.org/atom/ns#'/>"};
+
+/// Likewise, of those formats that are read only with all rules.
+const QByteArray furtherStores[] = {
+    "<feed xmlns='http://www.w3.org/2005/Atom' xml:base='http://e.example/a/'><entry xml:base='b/'><title>old</title>"
+    "<link href='c'/></entry></feed>",
+    "<r:RDF xmlns:r='http://www.w3.org/1999/02/22-rdf-syntax-ns#' xmlns='http://my.netscape.com/rdf/simple/0.9/'>"
+    "<channel/></r:RDF>",
+    "<Channel xmlns='http://purl.org/net/rss1.1#'><items/></Channel>",
+    "{\"version\":\"https://jsonfeed.org/version/1.1\",\"items\":[{\"title\":\"old\"}]}"};
 
 QString write(const QString &name, const QByteArray &bytes)
 {
@@ -90,6 +100,8 @@ void requireTheSameAfterSaving(CachedFeed &feed, const QString &path)
     const bool firstIsRead = feed.IsItemRead(0);
     const bool lastIsDeleted = feed.IsItemDeleted(static_cast<qint16>(count - 1));
     feed.Save();
+    CachedFeed strict({}, {.formats = allFormats()}); // whatever was mended is sound now
+    require(strict.Load(path) == LoadOk);
     require(feed.Load(path) == LoadOk);
     require(feed.ItemCount() == count);
     for (qint16 i = 0; i < count; ++i)
@@ -98,18 +110,15 @@ void requireTheSameAfterSaving(CachedFeed &feed, const QString &path)
     require(feed.IsItemDeleted(static_cast<qint16>(count - 1)) == lastIsDeleted);
 }
 
-} // namespace
-
-/// Up to three documents with a zero byte between: what loads is read, marked, carried over into a document of each
-/// format, one after the other, and says the same after it was saved and loaded.
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
+/// What loads is read, marked, carried over into a document of each of `places`, one after the other, and says the same
+/// after it was saved and loaded.
+void check(const QByteArray &bytes, const FeedRules &rules, std::span<const QByteArray> places)
 {
     const Clock clock = [] { return QDateTime(QDate(2004, 7, 1), QTime(12, 0)); };
-    const QByteArray bytes(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size));
     std::vector<std::unique_ptr<CachedFeed>> feeds;
     QString path;
     for (const QByteArray &part : bytes.split('\0').first(std::min<qsizetype>(3, bytes.count('\0') + 1))) {
-        auto feed = std::make_unique<CachedFeed>(clock);
+        auto feed = std::make_unique<CachedFeed>(clock, rules);
         const QString its = write(u"feed%1.xml"_s.arg(feeds.size()), part);
         if (feed->Load(its) != LoadOk)
             continue;
@@ -118,10 +127,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
         feeds.push_back(std::move(feed));
     }
     if (feeds.empty())
-        return 0;
-    for (const QByteArray &storeBytes : stores) {
+        return;
+    for (const QByteArray &storeBytes : places) {
         const QString storePath = write(u"store.xml"_s, storeBytes);
-        CachedFeed store(clock);
+        CachedFeed store(clock, rules);
         require(store.Load(storePath) == LoadOk);
         for (const std::unique_ptr<CachedFeed> &from : feeds) {
             const qint16 count = std::min<qint16>(from->ItemCount(), 20);
@@ -147,5 +156,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
     feed.RemoveItem(1);
     feed.Save();
     require(feed.ItemCount() == (before > 1 ? before - 1 : before));
+}
+
+} // namespace
+
+/// Up to three documents with a zero byte between, by the usual rules and by all.
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
+{
+    const QByteArray bytes(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size));
+    check(bytes, {}, stores);
+    check(bytes, {allFormats(), mendingReading(), wholeAddresses()}, furtherStores);
     return 0;
 }

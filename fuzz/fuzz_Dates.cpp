@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "engine/Dates.h"
+#include "engine/StandardDates.h"
 #include "platform/RunTimeError.h"
 
 #include <QString>
@@ -8,7 +8,8 @@
 #include <cstddef>
 #include <cstdint>
 
-/// Any text as a date: each of the readers gives a date of the representable years or a run-time error.
+/// Any text as a date: each of the readers gives a date of the representable years or a run-time error; the one by the
+/// standards gives a date or none.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
 {
     const QString text = QString::fromUtf8(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size));
@@ -21,5 +22,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
         } catch (const RunTimeError &) {
         }
     }
+    (void)StandardDates(dates).NormaliseDate(text);
     return 0;
 }

@@ -78,6 +78,7 @@ WebPane::Events BrowserPane::Private::eventsOf(BrowserPane &pane)
             },
             [&pane](const QString &url) { Q_EMIT pane.feedLinkAccepted(url); },
             [&pane](const QString &url) { Q_EMIT pane.systemLinkActivated(url); },
+            [&pane] { Q_EMIT pane.extensionsAsked(); },
             [&pane](const QString &proposed) { return pane.askDownloadPath(proposed); }};
 }
 

@@ -66,6 +66,9 @@ Q_SIGNALS:
     /// A link that belongs to another program of the system (mailto: and the like) was followed.
     void systemLinkActivated(const QString &url);
 
+    /// The link of the start page to the choice of extensions was followed, which no other page can do.
+    void extensionsAsked();
+
 protected:
     void showEvent(QShowEvent *event) override;
 

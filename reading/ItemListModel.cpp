@@ -76,8 +76,8 @@ struct ItemListModel::Row
     QString category;
 };
 
-ItemListModel::ItemListModel(Dates dates, QObject *parent)
-    : QAbstractTableModel(parent), m_dates(std::move(dates)), m_readFont(listFont(false)), m_unreadFont(listFont(true))
+ItemListModel::ItemListModel(Choice<DateReader> dates, QObject *parent)
+    : QAbstractTableModel(parent), m_dates(dates), m_readFont(listFont(false)), m_unreadFont(listFont(true))
 {}
 
 ItemListModel::~ItemListModel() = default;
@@ -92,7 +92,7 @@ void ItemListModel::fill(const CachedFeed &feed)
         if (feed.IsItemDeleted(i))
             continue;
         const bool read = feed.IsItemRead(i);
-        rows.push_back({i, read, read, feed.ItemTitle(i), m_dates.NormaliseDate(feed.ItemPubDate(i)),
+        rows.push_back({i, read, read, feed.ItemTitle(i), m_dates->NormaliseDate(feed.ItemPubDate(i)),
                         feed.ItemDownloadDate(i), feed.ItemAuthor(i), feed.ItemCategory(i)});
     }
     beginResetModel();

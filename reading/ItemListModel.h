@@ -2,8 +2,9 @@
 
 #pragma once
 
-#include "engine/Dates.h"
+#include "engine/DateReader.h"
 #include "engine/feed/CachedFeed.h"
+#include "platform/Choice.h"
 
 #include <QAbstractTableModel>
 #include <QFont>
@@ -25,7 +26,7 @@ class ItemListModel final : public QAbstractTableModel
 public:
     static constexpr int ReadRole = Qt::UserRole; ///< whether the row looks read
 
-    explicit ItemListModel(Dates dates, QObject *parent = nullptr);
+    explicit ItemListModel(Choice<DateReader> dates, QObject *parent = nullptr);
     ~ItemListModel() override;
 
     /// Replaces the rows by those of `feed`, in document order. Throws the RunTimeErrors of the dates; the rows are
@@ -62,7 +63,7 @@ private:
     QString text(const Row &row, ItemColumn column) const;
     std::vector<int> sortedOrder(ItemColumn column, Qt::SortOrder order) const;
 
-    Dates m_dates;
+    Choice<DateReader> m_dates;
     std::vector<Row> m_rows;
     std::array<QIcon, itemColumnCount> m_headerIcons;
     QFont m_readFont;

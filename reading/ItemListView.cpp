@@ -25,8 +25,8 @@ constexpr double widestColumn = 10000; ///< pixels
 
 } // namespace
 
-ItemListView::ItemListView(Dates dates, ScreenScale scale, QWidget *parent)
-    : QTreeView(parent), m_items(std::move(dates)), m_scale(scale)
+ItemListView::ItemListView(Choice<DateReader> dates, ScreenScale scale, QWidget *parent)
+    : QTreeView(parent), m_items(dates), m_scale(scale)
 {
     setHeader(new CaptionHeader(this));
     setModel(&m_items);

@@ -16,7 +16,7 @@ class ItemListView : public QTreeView
 
 public:
     /// `scale` turns the widths of the settings (twips) into pixels.
-    ItemListView(Dates dates, ScreenScale scale, QWidget *parent = nullptr);
+    ItemListView(Choice<DateReader> dates, ScreenScale scale, QWidget *parent = nullptr);
 
     ItemListModel &items() { return m_items; }
 

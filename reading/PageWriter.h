@@ -4,16 +4,19 @@
 
 #include "core/DataDirectory.h"
 #include "engine/CurrentFeed.h"
-#include "engine/Dates.h"
+#include "engine/DateReader.h"
+#include "platform/Choice.h"
+#include "reading/PageText.h"
 
 #include <QString>
 
-/// Writes the page of a channel or of an item into tmp.htm, as single-byte text of the system's code page, and the text
-/// of an item for mail. No field is escaped for HTML: feeds send their descriptions as markup, and it acts as such.
+/// Writes the page of a channel or of an item into tmp.htm, and the text of an item for mail. No field is escaped for
+/// HTML: feeds send their descriptions as markup, and it acts as such.
 class PageWriter
 {
 public:
-    PageWriter(DataDirectory directory, const CurrentFeed &current, Dates dates);
+    PageWriter(DataDirectory directory, const CurrentFeed &current, Choice<DateReader> dates,
+               Choice<PageText> text = PageText::ansi);
 
     /// Writes the channel's page. Throws the RunTimeErrors of Files::write() and of the dates.
     void writeChannelPage() const;
@@ -35,7 +38,10 @@ public:
     static QString UrlFileName(const QString &url);
 
 private:
+    QString authorAndDate(qint16 index, const QString &shownAuthor) const;
+
     DataDirectory m_directory;
     const CurrentFeed &m_current;
-    Dates m_dates;
+    Choice<DateReader> m_dates;
+    Choice<PageText> m_text;
 };

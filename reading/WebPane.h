@@ -27,6 +27,7 @@ public:
         std::function<void()> documentComplete;
         std::function<void(const QString &url)> feedLinkAccepted;
         std::function<void(const QString &url)> systemLinkActivated;
+        std::function<void()> extensionsAsked;
 
         /// Where a download goes; "" refuses it. It may show a dialog, and the pane may be gone when it returns.
         std::function<QString(const QString &proposed)> askDownloadPath;

@@ -8,8 +8,8 @@
 #include <QHBoxLayout>
 #include <QLabel>
 
-AddressBand::AddressBand(QWidget *parent)
-    : QWidget(parent), m_txtURL(new AddressBox(this)),
+AddressBand::AddressBand(Choice<AddressForms> addresses, QWidget *parent)
+    : QWidget(parent), m_txtURL(new AddressBox(addresses, this)),
       m_Image1(new PictureButton(u"ouvrir-fichier"_s, u"Ouvrir un fichier RSS"_s, this))
 {
     setObjectName(u"fraToolbar"_s);

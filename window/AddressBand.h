@@ -14,7 +14,7 @@ class AddressBand : public QWidget
     Q_OBJECT
 
 public:
-    explicit AddressBand(QWidget *parent = nullptr);
+    explicit AddressBand(Choice<AddressForms> addresses, QWidget *parent = nullptr);
 
     AddressBox &txtURL() { return *m_txtURL; }
     const AddressBox &txtURL() const { return *m_txtURL; }

@@ -8,7 +8,8 @@
 #include <QFocusEvent>
 #include <QGuiApplication>
 
-AddressBox::AddressBox(QWidget *parent) : QLineEdit(u"http://"_s, parent)
+AddressBox::AddressBox(Choice<AddressForms> addresses, QWidget *parent)
+    : QLineEdit(u"http://"_s, parent), m_addresses(addresses)
 {
     setMaxLength(65535);
 }
@@ -21,7 +22,7 @@ void AddressBox::focusInEvent(QFocusEvent *event)
     QClipboard *clipboard = QGuiApplication::clipboard();
     if (!hadItBefore) {
         const QString copied = clipboard->text();
-        if (copied.startsWith("http://"_L1)) {
+        if (m_addresses->isWebAddress(copied)) {
             setText(copied);
             clipboard->setText(QString());
         }

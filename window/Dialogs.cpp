@@ -2,12 +2,14 @@
 
 #include "window/Dialogs.h"
 
+#include "core/ExtensionsFile.h"
 #include "core/FeedCatalogue.h"
 #include "core/FeedTreeState.h"
 #include "dialogs/CHelp.h"
 #include "dialogs/frmAbout.h"
 #include "dialogs/frmAuthentification.h"
 #include "dialogs/frmExport.h"
+#include "dialogs/frmExtensions.h"
 #include "dialogs/frmImport.h"
 #include "dialogs/frmProprietes.h"
 #include "dialogs/frmRechercher.h"
@@ -83,7 +85,8 @@ void Dialogs::showSearchDialog(int tab)
 void Dialogs::showImport(const QString &path)
 {
     OpmlDownload download(m_outside.makeDownloader(), file(u"tmp.opml"_s));
-    ImportRun run(m_outside.makeDownloader(), file(u"tmp.xml"_s), m_outside.wait, m_parts.AddFeed);
+    ImportRun run(m_outside.makeDownloader(), file(u"tmp.xml"_s), m_outside.wait, m_parts.AddFeed,
+                  m_parts.longLived.rules);
     frmImport form(&m_parts.form, m_parts.messages, download, run);
     if (!path.isEmpty()) // once it is on show: the file may be refused by a box
         QTimer::singleShot(0, &form, [&form, path] { form.openFile(path); });
@@ -119,6 +122,14 @@ void Dialogs::showFeedProperties()
                                        m_parts.longLived.catalogue.tables, m_parts.longLived.cipher});
     if (form.fillFrom())
         form.exec();
+}
+
+void Dialogs::showExtensions()
+{
+    ExtensionsFile &file = m_parts.longLived.extensions;
+    frmExtensions(&m_parts.form, m_parts.messages,
+                  {file.extensions(), [&file](const ExtensionKey &key, bool on) { file.set(key, on); }})
+        .exec();
 }
 
 void Dialogs::showMailDialog(const QString &text)

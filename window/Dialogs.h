@@ -64,6 +64,9 @@ public:
     /// Does nothing when no feed is loaded, nor when it is one of the tree and nothing is selected there.
     void showFeedProperties();
 
+    /// What goes beyond the usual rules, for who asks for it.
+    void showExtensions();
+
     void showMailDialog(const QString &text);
     void showAuthentication();
 

@@ -114,7 +114,7 @@ void FeedOpening::openAddress(const QString &address)
 
 void FeedOpening::openCommandLine(const QString &text)
 {
-    setAddressText(FeedOpener::enteredByCommandLine(text));
+    setAddressText(m_parts.opener.enteredByCommandLine(text));
     m_parts.frame.lvwItems->items().clear();
     openEntered();
 }
@@ -138,6 +138,8 @@ void FeedOpening::handleOpened(FeedOpener::Source source)
         m_parts.frame.cToolbar1->setButtonEnabled(MainToolbar::Ajouter, source == FeedOpener::Source::Network);
     m_parts.reading.FillItemList();
     m_busySign.reset();
+    if (m_parts.opener.openedRepaired())
+        m_parts.frame.setStatusText(u"flux réparé"_s);
 }
 
 void FeedOpening::handleRefused(const FeedOpener::Refusal &refusal)

@@ -13,11 +13,12 @@
 namespace {
 
 /// The numbers are the "topic-" keywords of the help.
-constexpr std::array<std::pair<const char *, qint32>, 10> topics = {{{"frmImport", 13},
+constexpr std::array<std::pair<const char *, qint32>, 11> topics = {{{"frmImport", 13},
                                                                      {"frmExport", 14},
                                                                      {"frmRechercher", 15},
                                                                      {"frmProprietes", 16},
                                                                      {"frmOptions", 17},
+                                                                     {"frmExtensions", 27},
                                                                      {"frmSendMail", 18},
                                                                      {"frmAuthentification", 19},
                                                                      {"frmAbout", 20},

@@ -3,7 +3,13 @@
 #pragma once
 
 #include "core/DataDirectory.h"
+#include "engine/DateReader.h"
+#include "engine/feed/FeedRules.h"
+#include "platform/AddressForms.h"
+#include "platform/Choice.h"
+#include "reading/PageText.h"
 
+class ExtensionsFile;
 class FeedCatalogue;
 class FeedOpener;
 class FeedTree;
@@ -18,7 +24,12 @@ struct CurrentFeed;
 struct LongLived
 {
     DataDirectory directory;
-    AppSettings &settings; ///< loaded already
+    AppSettings &settings;      ///< loaded already
+    ExtensionsFile &extensions; ///< likewise
+    Choice<AddressForms> addresses;
+    Choice<DateReader> dates;
+    FeedRules rules;
+    Choice<PageText> pageText;
     FeedTree &tree;
     FeedTreeState &treeState;
     FeedCatalogue &catalogue;

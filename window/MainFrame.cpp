@@ -15,6 +15,7 @@
 #include "window/AddressBand.h"
 #include "window/BrowserToolbar.h"
 #include "window/FeedTreeView.h"
+#include "window/LongLived.h"
 #include "window/MainToolbar.h"
 #include "window/PaneLayout.h"
 #include "window/SplitBar.h"
@@ -35,13 +36,14 @@ const QString countPanel = u"glue"_s;
 
 MainFrame::MainFrame(Parts parts)
     : tbrMenu(new cToolbar(&parts.form)), cToolbar1(new cToolbar(&parts.form)), cToolbar2(new cToolbar(&parts.form)),
-      fraToolbar(new AddressBand(&parts.form)),
-      tvwFavoris(new FeedTreeView(parts.tree, parts.treeState, ImageLists::vbalImageList1(), &parts.form)),
+      fraToolbar(new AddressBand(parts.longLived.addresses, &parts.form)),
+      tvwFavoris(
+          new FeedTreeView(parts.longLived.tree, parts.longLived.treeState, ImageLists::vbalImageList1(), &parts.form)),
       picHorizontalSplit(new SplitBar(
           Qt::Horizontal, parts.scale,
           [this] { return PaneLayout::horizontalBounds(m_parts.form.width() * m_parts.scale.twipsPerPixelX); },
           &parts.form)),
-      lvwItems(new ItemListView(Dates(), parts.scale, &parts.form)),
+      lvwItems(new ItemListView(parts.longLived.dates, parts.scale, &parts.form)),
       picVerticalSplit(new SplitBar(
           Qt::Vertical, parts.scale,
           [this] {
@@ -51,8 +53,9 @@ MainFrame::MainFrame(Parts parts)
           },
           &parts.form)),
       cToolbarHost1(new cToolbarHost(&parts.form)), tlbBrowser(new cToolbar(&parts.form)),
-      WebBrowser1(new BrowserPane(parts.directory, parts.messages, &parts.form)), stabPrinc(new StatusBar(&parts.form)),
-      prbChargement(new ProgressBar(stabPrinc)), menus(&parts.form, tvwFavoris, parts.settings), m_parts(parts),
+      WebBrowser1(new BrowserPane(parts.longLived.directory, parts.messages, &parts.form)),
+      stabPrinc(new StatusBar(&parts.form)), prbChargement(new ProgressBar(stabPrinc)),
+      menus(&parts.form, tvwFavoris, parts.longLived.settings), m_parts(parts),
       m_bands({&parts.form, tbrMenu, cToolbar1, cToolbar2, fraToolbar})
 {
     nameControls();
@@ -84,7 +87,7 @@ void MainFrame::nameControls()
 
 void MainFrame::build()
 {
-    const AppSettings &settings = m_parts.settings;
+    const AppSettings &settings = m_parts.longLived.settings;
     ToolbarLook::applyStyle(*tbrMenu, settings.officeStyle);
     tbrMenu->CreateFromMenu(&menus.m_cMenu);
     MainToolbar::build(*cToolbar1, settings);
@@ -147,11 +150,11 @@ void MainFrame::recalcLayout()
     measures.height = form.height() * perY;
     measures.rebarHeight = rebarHeight * perY;
     measures.statusHeight = statusHeight * perY;
-    measures.hostHeight = (m_parts.settings.smallToolbars ? smallHostHeight : bigHostHeight) * perY;
+    measures.hostHeight = (m_parts.longLived.settings.smallToolbars ? smallHostHeight : bigHostHeight) * perY;
     measures.barWidth = barWidth * perX;
     measures.margin = paneMargin * perX;
-    measures.horizontal = m_parts.settings.splitHorizontal;
-    measures.vertical = m_parts.settings.splitVertical;
+    measures.horizontal = m_parts.longLived.settings.splitHorizontal;
+    measures.vertical = m_parts.longLived.settings.splitVertical;
     const PaneLayout layout = PaneLayout::of(measures);
     const auto place = [this](QWidget *pane, const QRectF &twips) {
         pane->setGeometry(PaneLayout::toPixels(twips, m_parts.scale));
@@ -166,20 +169,20 @@ void MainFrame::recalcLayout()
 
 void MainFrame::handleHorizontalBar()
 {
-    m_parts.settings.splitHorizontal = Numbers::roundToInt16(picHorizontalSplit->positionTwips());
+    m_parts.longLived.settings.splitHorizontal = Numbers::roundToInt16(picHorizontalSplit->positionTwips());
     recalcLayout();
 }
 
 void MainFrame::handleVerticalBar()
 {
-    m_parts.settings.splitVertical =
+    m_parts.longLived.settings.splitVertical =
         Numbers::roundToInt16(picVerticalSplit->positionTwips() - m_bands.height() * m_parts.scale.twipsPerPixelY);
     recalcLayout();
 }
 
 void MainFrame::setHostHeight()
 {
-    cToolbarHost1->setHostHeight(m_parts.settings.smallToolbars ? smallHostHeight : bigHostHeight);
+    cToolbarHost1->setHostHeight(m_parts.longLived.settings.smallToolbars ? smallHostHeight : bigHostHeight);
 }
 
 void MainFrame::setStyle(const QString &key)
@@ -200,7 +203,7 @@ void MainFrame::setStyle(const QString &key)
     menus.m_cMenu.setOfficeXpStyle(officeStyle);
     menus.mnuPopUpListView.setOfficeXpStyle(officeStyle);
     menus.checkOneOf(officeStyle ? office : standard, officeStyle ? standard : office);
-    m_parts.settings.officeStyle = officeStyle;
+    m_parts.longLived.settings.officeStyle = officeStyle;
 }
 
 void MainFrame::setToolbarSize(const QString &key)
@@ -209,7 +212,7 @@ void MainFrame::setToolbarSize(const QString &key)
     const QString small = u"mnuTBPetite"_s;
     const bool smallToolbars = key == small;
     menus.checkOneOf(smallToolbars ? small : big, smallToolbars ? big : small);
-    m_parts.settings.smallToolbars = smallToolbars;
+    m_parts.longLived.settings.smallToolbars = smallToolbars;
     ToolbarLook::applySize(*cToolbar1, smallToolbars);
     ToolbarLook::applySize(*tlbBrowser, smallToolbars);
     setHostHeight();
@@ -230,8 +233,8 @@ void MainFrame::setCountText(const QString &text)
 void MainFrame::showColumn(int column, bool shown)
 {
     const auto place = static_cast<std::size_t>(column);
-    const qint16 saved = m_parts.settings.columnWidthInt.at(place);
-    const qint16 width = saved != 0 ? saved : m_parts.settings.columnDefaultWidth.at(place);
+    const qint16 saved = m_parts.longLived.settings.columnWidthInt.at(place);
+    const qint16 width = saved != 0 ? saved : m_parts.longLived.settings.columnDefaultWidth.at(place);
     lvwItems->setColumnWidthTwips(column, shown ? width : 0);
 }
 

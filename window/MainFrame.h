@@ -13,9 +13,6 @@
 
 class AddressBand;
 class BrowserPane;
-class DataDirectory;
-class FeedTree;
-class FeedTreeState;
 class FeedTreeView;
 class ItemListView;
 class Messages;
@@ -24,6 +21,7 @@ class SplitBar;
 class StatusBar;
 class cToolbar;
 class cToolbarHost;
+struct LongLived;
 
 /// The frame of the main window: its menus and controls, how they are named and placed, and the two switches of their
 /// look. What they do is connected elsewhere.
@@ -36,11 +34,8 @@ public:
     struct Parts
     {
         QWidget &form; ///< the window that the frame fills; it becomes the parent of all controls
-        const DataDirectory &directory;
-        AppSettings &settings;
+        const LongLived &longLived;
         ScreenScale scale;
-        FeedTree &tree;
-        FeedTreeState &treeState;
         Messages &messages;
     };
 

@@ -43,6 +43,9 @@ public:
     /// Takes the command line of a second start: a window that isn't seen comes forward first.
     virtual void takeHandOver(const QString &text, const QByteArray &activationToken) = 0;
 
+    /// Says something in the status bar.
+    virtual void tell(const QString &text) = 0;
+
     virtual void dismissPopup() = 0;
 
     /// The layout of the bands as text; the bands are gone then.

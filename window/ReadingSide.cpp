@@ -11,7 +11,8 @@
 #include "window/MainFrame.h"
 
 ReadingSide::ReadingSide(const Parts &parts, QObject *parent)
-    : QObject(parent), m_frame(parts.frame), m_pages(parts.longLived.directory, parts.longLived.current, Dates()),
+    : QObject(parent), m_frame(parts.frame),
+      m_pages(parts.longLived.directory, parts.longLived.current, parts.longLived.dates, parts.longLived.pageText),
       m_windowForReading({*m_frame.tlbBrowser, *m_frame.lvwItems, m_frame.menus,
                           [&scheduler = parts.longLived.scheduler] { return scheduler.updateRunning(); },
                           parts.showMailDialog}),
@@ -20,16 +21,18 @@ ReadingSide::ReadingSide(const Parts &parts, QObject *parent)
       m_toolbar({*m_frame.tlbBrowser, m_frame.menus.mnuAttachment, *m_frame.WebBrowser1, m_pane,
                  parts.longLived.current, parts.openInSystemBrowser})
 {
-    connectPage(parts.openInSystemBrowser);
+    connectPage(parts);
 }
 
-void ReadingSide::connectPage(const std::function<void(const QString &url)> &openInSystemBrowser)
+void ReadingSide::connectPage(const Parts &parts)
 {
     const BrowserPane *page = m_frame.WebBrowser1;
     connect(page, &BrowserPane::StatusTextChange, this, [this](const QString &text) { m_frame.setStatusText(text); });
     connect(page, &BrowserPane::ProgressChange, this, &ReadingSide::handlePageProgress);
     connect(page, &BrowserPane::DocumentComplete, this, [this] { m_frame.prbChargement->hide(); });
-    connect(page, &BrowserPane::systemLinkActivated, this, openInSystemBrowser);
+    connect(page, &BrowserPane::systemLinkActivated, this, parts.openInSystemBrowser);
+    // Queued: the dialog must not run inside what the engine tells.
+    connect(page, &BrowserPane::extensionsAsked, this, parts.showExtensions, Qt::QueuedConnection);
 }
 
 void ReadingSide::navigate(const QString &url)

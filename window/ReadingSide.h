@@ -30,6 +30,7 @@ public:
         MainFrame &frame;
         std::function<void(const QString &text)> showMailDialog;
         std::function<void(const QString &url)> openInSystemBrowser;
+        std::function<void()> showExtensions;
     };
 
     explicit ReadingSide(const Parts &parts, QObject *parent = nullptr);
@@ -40,7 +41,7 @@ public:
     void navigate(const QString &url);
 
 private:
-    void connectPage(const std::function<void(const QString &url)> &openInSystemBrowser);
+    void connectPage(const Parts &parts);
     void handlePageProgress(int progress, int progressMax);
 
     MainFrame &m_frame;

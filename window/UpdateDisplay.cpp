@@ -22,6 +22,7 @@ UpdateDisplay::UpdateDisplay(Parts parts, QObject *parent) : QObject(parent), m_
     connect(&scheduler, &UpdateScheduler::fetchEnded, this, [this] { m_parts.frame.prbChargement->hide(); });
     connect(&scheduler, &UpdateScheduler::newItemsFound, this, &UpdateDisplay::handleNewItems);
     connect(&scheduler, &UpdateScheduler::feedOnShowReloaded, this, &UpdateDisplay::handleReloaded);
+    connect(&scheduler, &UpdateScheduler::feedRepaired, this, [this] { m_isRepaired = true; });
     connect(&scheduler, &UpdateScheduler::ended, this, &UpdateDisplay::handleEnded);
     connect(&scheduler, &UpdateScheduler::allBegan, this, [this] { enableUpdateButton(false); });
     connect(&scheduler, &UpdateScheduler::allEnded, this, [this] { enableUpdateButton(true); });
@@ -73,5 +74,6 @@ void UpdateDisplay::handleEnded(const FeedNodePtr &node, qint16 newItems)
     if (!m_parts.scheduler.updateAllRunning())
         enableUpdateButton(true);
     m_parts.frame.setStatusText(u"Mise à jour de "_s + node->text() + u" terminée ("_s + QString::number(newItems) +
-                                u" nouveaux messages)"_s);
+                                u" nouveaux messages)"_s +
+                                (std::exchange(m_isRepaired, false) ? u", flux réparé"_s : QString()));
 }

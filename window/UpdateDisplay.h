@@ -47,4 +47,5 @@ private:
 
     Parts m_parts;
     std::unique_ptr<frmUpdate> m_frmUpdate; ///< made for the first announcement
+    bool m_isRepaired = false;              ///< the feed whose update runs
 };

@@ -25,10 +25,9 @@ QString opmlFileOf(const QString &text)
 
 frmPrinc::frmPrinc(const LongLived &longLived, Desktop desktop, Dialogs::Outside outside)
     : m_longLived(longLived), m_desktop(std::move(desktop)), m_dialogs(dialogParts(), std::move(outside)),
-      m_frame({*this, m_longLived.directory, m_longLived.settings, m_desktop.scale, m_longLived.tree,
-               m_longLived.treeState, m_desktop.messages}),
+      m_frame({*this, m_longLived, m_desktop.scale, m_desktop.messages}),
       m_reading({m_longLived, m_frame, [this](const QString &text) { m_dialogs.showMailDialog(text); },
-                 [this](const QString &url) { openInSystemBrowser(url); }}),
+                 [this](const QString &url) { openInSystemBrowser(url); }, [this] { m_dialogs.showExtensions(); }}),
       m_opening(openingParts()),
       m_updateDisplay({*this, m_longLived.scheduler, m_longLived.settings, m_frame, m_reading.pane()}),
       m_treeCommands(treeCommandParts()), m_keys(*this, m_frame.panes())

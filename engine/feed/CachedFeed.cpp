@@ -2,6 +2,7 @@
 
 #include "engine/feed/CachedFeed.h"
 
+#include "engine/feed/BaseAddress.h"
 #include "engine/feed/FeedDocument.h"
 #include "engine/feed/FeedFormats.h"
 #include "engine/feed/FeedItem.h"
@@ -17,7 +18,7 @@
 #include <algorithm>
 #include <limits>
 
-CachedFeed::CachedFeed(Clock clock) : m_clock(std::move(clock)) {}
+CachedFeed::CachedFeed(Clock clock, FeedRules rules) : m_clock(std::move(clock)), m_rules(rules) {}
 
 CachedFeed::~CachedFeed() = default;
 
@@ -45,6 +46,9 @@ FeedLoadResult CachedFeed::Load(const QString &path)
 {
     m_document.reset();
     m_path.clear();
+    m_address.clear();
+    m_isTranslated = m_isRepaired = false;
+    const FormatSet &formats = *m_rules.formats;
     const std::optional<FileStamp> stamp = FileStamp::of(path); // first: a file replaced meanwhile is a later one
     const QDateTime written = QFileInfo(path).lastModified();
     XmlDocPtr tree;
@@ -52,11 +56,15 @@ FeedLoadResult CachedFeed::Load(const QString &path)
         const Files::Content content = Files::read(path);
         if (content.result != Files::ReadResult::Read)
             return LoadFileNotFound;
-        tree = FeedReading::read(content.bytes);
+        const QByteArray translated = formats.translated(content.bytes);
+        m_isTranslated = !translated.isNull();
+        FeedReading::Outcome outcome = m_rules.reading->read(m_isTranslated ? translated : content.bytes, formats);
+        m_isRepaired = outcome.isRepaired;
+        tree = std::move(outcome.tree);
     }
     if (!tree)
         return LoadNotAFeed;
-    const Recognised recognised = recognise(tree.get());
+    const Recognised recognised = formats.recognise(tree.get());
     if (recognised.result != LoadOk)
         return recognised.result;
     m_document =
@@ -106,6 +114,7 @@ void CachedFeed::write(const QByteArray &bytes)
 {
     Files::write(m_path, bytes);
     m_stamp = FileStamp::of(m_path);
+    m_isTranslated = m_isRepaired = false;
     m_document->forgetMarkChanges();
 }
 
@@ -121,7 +130,7 @@ void CachedFeed::carryMarks()
 {
     if (!m_document->marksChanged())
         return;
-    CachedFeed newer(m_clock);
+    CachedFeed newer(m_clock, m_rules);
     if (newer.Load(m_path) != LoadOk || !MarkCarrying::carry(*m_document, *newer.m_document))
         return;
     newer.Save();
@@ -136,6 +145,21 @@ bool CachedFeed::IsLoaded() const
 FeedVersion CachedFeed::Version() const
 {
     return m_document ? m_document->reader().format().version : Rss091;
+}
+
+QString CachedFeed::WrittenVersion() const
+{
+    return m_document ? m_document->writtenVersion() : QString();
+}
+
+bool CachedFeed::IsRepaired() const
+{
+    return m_document && m_isRepaired;
+}
+
+bool CachedFeed::IsTranslated() const
+{
+    return m_document && m_isTranslated;
 }
 
 static QString channelText(const std::shared_ptr<FeedDocument> &document, ChannelField field)
@@ -229,14 +253,36 @@ QString CachedFeed::ItemTitle(qint16 index) const
     return holds(index) ? itemText(*m_document, index, ItemField::Title) : QString();
 }
 
+/// What the addresses of the item are relative to: its own base, its link, the feed's link, the feed's address, the
+/// first of these that there is, itself made whole by those behind it. For the link that is to say all but itself.
+QString CachedFeed::base(qint16 index, bool isOfLink) const
+{
+    const QString link = isOfLink ? QString() : itemText(*m_document, index, ItemField::Link);
+    QString base = m_address;
+    for (const QString &nearer : {Link(), link, BaseAddress::of(m_document->item(index))})
+        if (!nearer.isEmpty())
+            base = BaseAddress::resolvedAgainst(base, nearer);
+    return base;
+}
+
+QString CachedFeed::whole(const QString &address, qint16 index) const
+{
+    return m_rules.addresses->address(address, [&] { return base(index, false); });
+}
+
 QString CachedFeed::ItemLink(qint16 index) const
 {
-    return holds(index) ? itemText(*m_document, index, ItemField::Link) : QString();
+    if (!holds(index))
+        return {};
+    return m_rules.addresses->address(itemText(*m_document, index, ItemField::Link), [&] { return base(index, true); });
 }
 
 QString CachedFeed::ItemDescription(qint16 index) const
 {
-    return holds(index) ? itemText(*m_document, index, ItemField::Description) : QString();
+    if (!holds(index))
+        return {};
+    return m_rules.addresses->markup(itemText(*m_document, index, ItemField::Description),
+                                     [&] { return base(index, false); });
 }
 
 bool CachedFeed::GetItemSource(qint16 index, ItemSource &source) const
@@ -246,7 +292,10 @@ bool CachedFeed::GetItemSource(qint16 index, ItemSource &source) const
 
 bool CachedFeed::GetItemEnclosure(qint16 index, ItemEnclosure &enclosure) const
 {
-    return holds(index) && handOver(m_document->reader().enclosure(m_document->itemElements(index)), enclosure);
+    if (!holds(index) || !handOver(m_document->reader().enclosure(m_document->itemElements(index)), enclosure))
+        return false;
+    enclosure.Url = whole(enclosure.Url, index);
+    return true;
 }
 
 QString CachedFeed::ItemCategory(qint16 index) const
@@ -261,7 +310,7 @@ QString CachedFeed::ItemAuthor(qint16 index) const
 
 QString CachedFeed::ItemComments(qint16 index) const
 {
-    return holds(index) ? itemText(*m_document, index, ItemField::Comments) : QString();
+    return holds(index) ? whole(itemText(*m_document, index, ItemField::Comments), index) : QString();
 }
 
 QString CachedFeed::ItemPubDate(qint16 index) const

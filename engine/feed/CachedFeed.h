@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "engine/feed/FeedRules.h"
 #include "engine/feed/FeedTypes.h"
 #include "platform/FileStamp.h"
 #include "platform/Waiting.h"
@@ -12,7 +13,7 @@
 class FeedItem;
 class FeedDocument;
 
-/// A feed document: RSS 0.91, 0.92, 2.0, RDF Site Summary 1.0 or Atom 0.3, behind one view of its channel and items.
+/// A feed document of one of the formats of its rules, behind one view of its channel and items.
 ///
 /// The document is held as a tree; access by index takes constant time. Beside what the feed says each item bears three
 /// marks: read, deleted (a tombstone) and the date of download, kept in attributes of a namespace of this program on
@@ -25,7 +26,7 @@ class CachedFeed
 {
 public:
     /// `clock` gives the date of download of added items.
-    explicit CachedFeed(Clock clock = Waiting::systemClock());
+    explicit CachedFeed(Clock clock = Waiting::systemClock(), FeedRules rules = {});
     CachedFeed(const CachedFeed &) = delete;
     CachedFeed &operator=(const CachedFeed &) = delete;
     ~CachedFeed();
@@ -36,7 +37,7 @@ public:
     bool HasItunes() const;  ///< Likewise the iTunes podcast namespace.
 
     /// Reads and recognises the file at `path` and replaces the document held. After any result but LoadOk the instance
-    /// holds nothing.
+    /// holds nothing. A feed that isn't XML is held as it was translated, and the file is as it was until a Save().
     FeedLoadResult Load(const QString &path);
 
     /// Writes the document back to the path of the last successful Load(), in one step, in its own encoding and with
@@ -68,6 +69,13 @@ public:
     /// True when the file was replaced or deleted since Load() or the last Save().
     bool IsStale() const;
     FeedVersion Version() const;
+    QString WrittenVersion() const; ///< As the document writes it; "" when Version() tells it, or nothing does.
+    bool IsRepaired() const;        ///< The file has faults that what is held hasn't.
+    bool IsTranslated() const;      ///< The file is in another format than what is held.
+
+    /// The address that the document came from, for what is relative to it. Load() forgets it.
+    void SetAddress(const QString &address) { m_address = address; }
+    QString Address() const { return m_address; }
 
     QString Title() const;
     QString Link() const;
@@ -119,11 +127,17 @@ public:
 
 private:
     bool holds(qint16 index) const;
+    QString base(qint16 index, bool isOfLink) const;
+    QString whole(const QString &address, qint16 index) const;
     void write(const QByteArray &bytes);
     void carryMarks();
 
     Clock m_clock;
+    FeedRules m_rules;
     QString m_path;
-    std::optional<FileStamp> m_stamp;         ///< of the file that holds what is held but for changes in memory
+    QString m_address;
+    std::optional<FileStamp> m_stamp; ///< of the file that holds what is held but for changes in memory
+    bool m_isTranslated = false;
+    bool m_isRepaired = false;
     std::shared_ptr<FeedDocument> m_document; ///< null when nothing is held
 };

@@ -57,9 +57,12 @@ void appendEscaped(QByteArray &out, std::string_view text, bool inAttribute)
     }
 }
 
-void appendName(QByteArray &out, const xmlNs *ns, const xmlChar *name)
+/// Markup as it stands, or with what only XML knows left out of it.
+enum class Markup { Xml, Html };
+
+void appendName(QByteArray &out, const xmlNs *ns, const xmlChar *name, Markup markup)
 {
-    if (ns != nullptr && ns->prefix != nullptr)
+    if (markup == Markup::Xml && ns != nullptr && ns->prefix != nullptr)
         out.append(reinterpret_cast<const char *>(ns->prefix)).append(':');
     out.append(reinterpret_cast<const char *>(name));
 }
@@ -76,11 +79,11 @@ bool isVoid(const xmlNode *element)
     return false;
 }
 
-void appendStartTag(QByteArray &out, const xmlNode *element)
+void appendStartTag(QByteArray &out, const xmlNode *element, Markup markup)
 {
     out += '<';
-    appendName(out, element->ns, element->name);
-    for (const xmlNs *ns = element->nsDef; ns != nullptr; ns = ns->next) {
+    appendName(out, element->ns, element->name, markup);
+    for (const xmlNs *ns = markup == Markup::Xml ? element->nsDef : nullptr; ns != nullptr; ns = ns->next) {
         out += ns->prefix == nullptr ? QByteArray(" xmlns") : " xmlns:" + QByteArray(viewOf(ns->prefix).data());
         out += "=\"";
         appendEscaped(out, viewOf(ns->href), true);
@@ -88,7 +91,7 @@ void appendStartTag(QByteArray &out, const xmlNode *element)
     }
     for (const xmlAttr *attribute = element->properties; attribute != nullptr; attribute = attribute->next) {
         out += ' ';
-        appendName(out, attribute->ns, attribute->name);
+        appendName(out, attribute->ns, attribute->name, markup);
         out += "=\"";
         appendEscaped(out, content(reinterpret_cast<const xmlNode *>(attribute)).constData(), true);
         out += '"';
@@ -98,35 +101,35 @@ void appendStartTag(QByteArray &out, const xmlNode *element)
     out += '>';
 }
 
-void appendEndTag(QByteArray &out, const xmlNode *element)
+void appendEndTag(QByteArray &out, const xmlNode *element, Markup markup)
 {
     if (element->children == nullptr && isVoid(element))
         return;
     out += "</";
-    appendName(out, element->ns, element->name);
+    appendName(out, element->ns, element->name, markup);
     out += '>';
 }
 
 /// What stands between the tags of `parent`. Walks the tree without recursion: feeds choose their depth.
-QByteArray innerMarkup(const xmlNode *parent)
+QByteArray innerMarkup(const xmlNode *parent, Markup markup = Markup::Xml)
 {
     QByteArray out;
     const xmlNode *node = parent->children;
     while (node != nullptr) {
         if (node->type == XML_ELEMENT_NODE) {
-            appendStartTag(out, node);
+            appendStartTag(out, node, markup);
             if (node->children != nullptr) {
                 node = node->children;
                 continue;
             }
-            appendEndTag(out, node);
+            appendEndTag(out, node, markup);
         } else if (node->type == XML_TEXT_NODE || node->type == XML_CDATA_SECTION_NODE) {
             appendEscaped(out, viewOf(node->content), false);
         }
         while (node != parent && node->next == nullptr) {
             node = node->parent;
             if (node != parent)
-                appendEndTag(out, node);
+                appendEndTag(out, node, markup);
         }
         node = node == parent ? nullptr : node->next;
     }
@@ -205,6 +208,16 @@ QString atomMarkupOf(const xmlNode *element)
     if (element == nullptr || mode == "base64"_L1 || mode == "escaped"_L1)
         return atomTextOf(element);
     return trimmedUtf8(innerMarkup(element).toStdString());
+}
+
+QString htmlMarkupOf(const xmlNode *element)
+{
+    return element == nullptr ? QString() : trimmedUtf8(innerMarkup(element, Markup::Html).toStdString());
+}
+
+QString bareTextOf(const xmlNode *element)
+{
+    return element == nullptr ? QString() : trimmedUtf8(content(element).toStdString());
 }
 
 QString attributeOf(const xmlNode *element, const char *name, const char *namespaceName)

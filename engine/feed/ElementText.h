@@ -19,6 +19,12 @@ QString atomTextOf(const xmlNode *element);
 /// is escaped in it stays escaped.
 QString atomMarkupOf(const xmlNode *element);
 
+/// The markup of what the element holds, for a page of HTML: names without prefixes, no declarations of namespaces.
+QString htmlMarkupOf(const xmlNode *element);
+
+/// All that the element and those in it say, without markup, trimmed.
+QString bareTextOf(const xmlNode *element);
+
 /// The value of the attribute, trimmed. A null `namespaceName` stands for an attribute without namespace.
 QString attributeOf(const xmlNode *element, const char *name, const char *namespaceName = nullptr);
 

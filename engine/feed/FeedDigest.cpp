@@ -126,7 +126,7 @@ class StreamDigest final : public XmlListener
 {
 public:
     explicit StreamDigest(const FormatReader &reader)
-        : m_reader(reader), m_itemDepth(reader.format().itemsAreInChannel ? 3 : 2)
+        : m_reader(reader), m_holderName(holderName(reader.format())), m_itemDepth(m_holderName != nullptr ? 3 : 2)
     {}
 
     quint64 value() const { return m_sum.value(); }
@@ -141,10 +141,11 @@ public:
         }
         if (m_depth == 1)
             addWhole(m_sum, tag, viewOf(tag.name), viewOf(tag.address));
-        else if (m_depth == 2 && m_reader.format().channelName != nullptr && !m_channelSeen &&
-                 isOwn(tag, m_reader.format().channelName))
-            m_channelSeen = m_inChannel = true;
-        if (m_depth == m_itemDepth && (m_itemDepth == 2 || m_inChannel) && isOwn(tag, m_reader.format().itemName)) {
+        if (m_depth == 2 && !m_holderSeen && isOwn(tag, m_holderName))
+            m_holderSeen = m_inHolder = true;
+        if (m_depth == 2 && isOwn(tag, m_reader.format().channelName))
+            m_channelSeen = true;
+        if (m_depth == m_itemDepth && (m_itemDepth == 2 || m_inHolder) && isOwn(tag, m_reader.format().itemName)) {
             m_inItem = true;
             addItem(m_sum, tag);
         }
@@ -159,7 +160,7 @@ public:
         if (m_depth == m_itemDepth)
             m_inItem = false;
         if (m_depth == 2)
-            m_inChannel = false;
+            m_inHolder = false;
         if (m_depth == 1 && m_channelSeen)
             m_sum.add(Sum::Channel);
         --m_depth;
@@ -172,18 +173,26 @@ public:
     }
 
 private:
+    /// The element at depth 2 that the items stand in; null when they stand below the root.
+    static const char *holderName(const FeedFormat &format)
+    {
+        return format.itemsName != nullptr || !format.itemsAreInChannel ? format.itemsName : format.channelName;
+    }
+
     bool isOwn(const XmlTag &tag, const char *name) const
     {
-        return m_reader.vocabulary().isOwn(tag.name, viewOf(tag.address), name);
+        return name != nullptr && m_reader.vocabulary().isOwn(tag.name, viewOf(tag.address), name);
     }
 
     const FormatReader &m_reader;
+    const char *const m_holderName;
     const int m_itemDepth;
     Sum m_sum;
     int m_depth = 0;
     int m_titleDepth = 0; ///< 0 outside a title
     bool m_channelSeen = false;
-    bool m_inChannel = false;
+    bool m_holderSeen = false;
+    bool m_inHolder = false;
     bool m_inItem = false;
 };
 

@@ -111,8 +111,9 @@ xmlNode *FeedDocument::itemParent()
 {
     Q_ASSERT(m_root != nullptr); // what has none was never recognised as a feed
     xmlNode *parent = m_reader.itemParent(m_root);
-    return parent != nullptr ? parent
-                             : xmlNewChild(m_root, m_root->ns, xmlText(m_reader.format().channelName), nullptr);
+    const FeedFormat &format = m_reader.format();
+    const char *missing = format.itemsName != nullptr ? format.itemsName : format.channelName;
+    return parent != nullptr ? parent : xmlNewChild(m_root, m_root->ns, xmlText(missing), nullptr);
 }
 
 bool FeedDocument::add(const FeedDocument &from, const xmlNode *node, const QDateTime &now)
@@ -122,7 +123,7 @@ bool FeedDocument::add(const FeedDocument &from, const xmlNode *node, const QDat
     const ItemElements original{elements, from.channel()};
     const auto enter = [this](xmlNode *item) { insert(item); };
     xmlNode *parent = itemParent();
-    xmlNode *item = &from.reader() == &m_reader
+    xmlNode *item = &from.reader().format() == &m_reader.format()
                         ? ItemTransfer::copy(original, m_reader, parent, enter)
                         : ItemTransfer::convert(from.reader().content(original), m_reader.format(), parent, enter);
     if (item == nullptr)

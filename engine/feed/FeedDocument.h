@@ -23,6 +23,7 @@ public:
 
     const FormatReader &reader() const { return m_reader; }
     const ChildElements &channel() const { return m_channel; }
+    QString writtenVersion() const { return m_reader.writtenVersion(m_root); }
 
     /// True when an element of that namespace occurs anywhere.
     bool uses(NamespaceTest isWanted) const;

@@ -25,7 +25,7 @@ template <class Field>
 struct FieldRow
 {
     Field field;
-    std::array<TextSource, 3> sources;
+    std::array<TextSource, 4> sources;
 };
 
 /// Short forms for the rows of a format's table.
@@ -39,6 +39,11 @@ constexpr TextSource own(std::string_view name, Reading reading = Readings::text
 constexpr TextSource dc(std::string_view name, Reading reading = Readings::text)
 {
     return {{isDublinCore, name}, reading};
+}
+
+constexpr TextSource itunes(std::string_view name)
+{
+    return {{isItunes, name}, Readings::text};
 }
 
 constexpr TextSource contentEncoded()
@@ -79,11 +84,17 @@ struct FeedFormat
     /// Whether the items stand in the channel's element, or else below the root.
     bool itemsAreInChannel = false;
 
+    /// The element of the channel that holds the items, where neither the channel nor the root does; or null.
+    const char *itemsName = nullptr;
+
     const char *itemName;
 
     /// LoadOk for a document of this format; LoadBadVersion or LoadBadVersionOther for one of its family that is of
     /// another version; otherwise LoadUnknownFormat.
     FeedLoadResult (*recognise)(const xmlNode *root);
+
+    /// The version as the document writes it, for a format that stands for several. May be null.
+    QString (*writtenVersion)(const xmlNode *root) = nullptr;
 
     /// Fields that the format has no place for have no row.
     std::span<const FieldRow<ChannelField>> channelFields;

@@ -5,13 +5,14 @@
 #include "engine/feed/FeedBounds.h"
 #include "engine/feed/FeedDocument.h"
 #include "engine/feed/FeedFormats.h"
+#include "engine/feed/FeedRepair.h"
 #include "engine/feed/ItemMarks.h"
 #include "platform/RunTimeError.h"
 
 /// Saves a document for trial: refusing it is better than showing it and then failing at its first save.
-static bool canBeSaved(XmlDocPtr tree)
+static bool canBeSaved(XmlDocPtr tree, const FormatSet &formats)
 {
-    const Recognised recognised = recognise(tree.get());
+    const Recognised recognised = formats.recognise(tree.get());
     if (recognised.result != LoadOk)
         return true; // it will be told what it is, and never saved
     FeedDocument document(std::move(tree), *recognised.reader, QDateTime::fromSecsSinceEpoch(0));
@@ -27,10 +28,38 @@ static bool canBeSaved(XmlDocPtr tree)
     return true;
 }
 
-XmlDocPtr FeedReading::read(const QByteArray &bytes)
+/// As it stands.
+static XmlDocPtr readExactly(const QByteArray &bytes, const FormatSet &formats)
 {
     XmlDocPtr tree = XmlGate::parse(bytes, feedBounds);
-    if (tree && XmlGate::mustBeTried(tree.get()) && !canBeSaved(XmlGate::parse(bytes, feedBounds)))
+    if (tree && XmlGate::mustBeTried(tree.get()) && !canBeSaved(XmlGate::parse(bytes, feedBounds), formats))
         tree.reset();
     return tree;
+}
+
+/// What is no feed, not even with faults, stays what it was: a web page is none that was mended.
+static FeedReading::Outcome readMended(const QByteArray &bytes, const FormatSet &formats)
+{
+    XmlDocPtr tree = FeedRepair::isMislabelled(bytes) ? nullptr : readExactly(bytes, formats);
+    if (tree)
+        return {std::move(tree), false};
+    const QByteArray mended = FeedRepair::mended(bytes);
+    tree = mended.isEmpty() ? nullptr : readExactly(mended, formats);
+    if (tree && formats.recognise(tree.get()).result != LoadUnknownFormat)
+        return {std::move(tree), true};
+    return {readExactly(bytes, formats), false};
+}
+
+const FeedReading &exactReading()
+{
+    static constexpr FeedReading reading([](const QByteArray &bytes, const FormatSet &formats) -> FeedReading::Outcome {
+        return {readExactly(bytes, formats), false};
+    });
+    return reading;
+}
+
+const FeedReading &mendingReading()
+{
+    static constexpr FeedReading reading(readMended);
+    return reading;
 }

@@ -2,12 +2,26 @@
 
 #pragma once
 
+#include "engine/feed/FeedFormats.h"
 #include "platform/xml/XmlGate.h"
 
-namespace FeedReading {
+class FeedReading final
+{
+public:
+    struct Outcome
+    {
+        XmlDocPtr tree; ///< null for a document that isn't read
+        bool isRepaired = false;
+    };
 
-/// The tree of a document that can be saved and read again, whatever it is; null for one that isn't well-formed, goes
-/// past a bound, or would do so once its items bear all marks.
-XmlDocPtr read(const QByteArray &bytes);
+    /// Reads a document that can be saved and read again, whatever it is. None that isn't well-formed, goes past a
+    /// bound, or would do so once its items bear all marks.
+    using Read = Outcome (*)(const QByteArray &bytes, const FormatSet &formats);
 
-} // namespace FeedReading
+    explicit constexpr FeedReading(Read way) : m_read(way) {}
+
+    Outcome read(const QByteArray &bytes, const FormatSet &formats) const { return m_read(bytes, formats); }
+
+private:
+    Read m_read;
+};

@@ -17,7 +17,17 @@ enum FeedLoadResult : qint32 {
 };
 
 /// The format of a loaded document. The values are part of the interface; note that Rdf10 stands before Rss20.
-enum FeedVersion : qint32 { Rss091 = 0, Rss092 = 1, Rdf10 = 2, Rss20 = 3, Atom03 = 4 };
+/// Those past Atom03 occur only with allFormats().
+enum FeedVersion : qint32 {
+    Rss091 = 0,
+    Rss092 = 1,
+    Rdf10 = 2,
+    Rss20 = 3,
+    Atom03 = 4,
+    Atom10 = 5,
+    Rss090 = 6,
+    OtherRss = 7
+};
 
 /// The picture of a channel.
 struct FeedImage
@@ -76,7 +86,10 @@ enum class ItemField {
     SourceUrl,
     EnclosureUrl,
     EnclosureType,
-    EnclosureLength ///< the last
+    EnclosureLength,
+    MediumUrl, ///< stands in with the two behind it where there is no enclosure
+    MediumType,
+    MediumLength ///< the last
 };
 
 /// All that is read from an item, on its way into another format.

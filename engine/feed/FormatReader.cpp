@@ -31,10 +31,12 @@ qint16 sizeOf(const QString &text)
 
 } // namespace
 
-FormatReader::FormatReader(const FeedFormat &format) : m_format(format), m_vocabulary(format.isOwn)
+FormatReader::FormatReader(const FeedFormat &format, std::span<const FieldRow<ItemField>> standIns)
+    : m_format(format), m_vocabulary(format.isOwn)
 {
     add(format.channelFields, std::span<Sources>(m_channelFields));
     add(format.itemFields, std::span<Sources>(m_itemFields));
+    add(standIns, std::span<Sources>(m_itemFields));
 }
 
 template <class Field>
@@ -53,6 +55,14 @@ void FormatReader::add(std::span<const FieldRow<Field>> rows, std::span<Sources>
 xmlNode *FormatReader::channel(xmlNode *root) const
 {
     return m_format.channelName == nullptr ? root : m_vocabulary.ownChild(root, m_format.channelName);
+}
+
+xmlNode *FormatReader::itemParent(xmlNode *root) const
+{
+    if (m_format.itemsName == nullptr)
+        return m_format.itemsAreInChannel ? channel(root) : root;
+    xmlNode *holder = channel(root);
+    return holder == nullptr ? nullptr : m_vocabulary.ownChild(holder, m_format.itemsName);
 }
 
 QString FormatReader::firstText(const Sources &sources, const ChildElements &own, const ChildElements &channel) const
@@ -103,13 +113,13 @@ std::optional<ItemSource> FormatReader::source(const ItemElements &item) const
 
 std::optional<ItemEnclosure> FormatReader::enclosure(const ItemElements &item) const
 {
-    ItemEnclosure enclosure;
-    enclosure.Url = text(ItemField::EnclosureUrl, item);
-    if (enclosure.Url.isEmpty())
-        return std::nullopt;
-    enclosure.Extra = text(ItemField::EnclosureType, item);
-    enclosure.Length = lengthOf(text(ItemField::EnclosureLength, item));
-    return enclosure;
+    using Fields = std::array<ItemField, 3>;
+    for (const auto &[url, type, length] :
+         {Fields{ItemField::EnclosureUrl, ItemField::EnclosureType, ItemField::EnclosureLength},
+          Fields{ItemField::MediumUrl, ItemField::MediumType, ItemField::MediumLength}})
+        if (QString address = text(url, item); !address.isEmpty())
+            return ItemEnclosure{address, text(type, item), lengthOf(text(length, item))};
+    return std::nullopt;
 }
 
 ItemContent FormatReader::content(const ItemElements &item) const

@@ -15,7 +15,8 @@ struct ItemElements
 class FormatReader final
 {
 public:
-    explicit FormatReader(const FeedFormat &format);
+    /// The `standIns` are looked at behind the format's own places.
+    explicit FormatReader(const FeedFormat &format, std::span<const FieldRow<ItemField>> standIns = {});
 
     const FeedFormat &format() const { return m_format; }
     const Vocabulary &vocabulary() const { return m_vocabulary; }
@@ -24,12 +25,18 @@ public:
     xmlNode *channel(xmlNode *root) const;
 
     /// The element whose children the items are; null when the document has none.
-    xmlNode *itemParent(xmlNode *root) const { return m_format.itemsAreInChannel ? channel(root) : root; }
+    xmlNode *itemParent(xmlNode *root) const;
 
     bool isItem(const xmlNode *element) const { return m_vocabulary.isOwn(element, m_format.itemName); }
 
     QString text(ChannelField field, const ChildElements &channel) const;
     QString text(ItemField field, const ItemElements &item) const;
+
+    /// The version as the document writes it; "" where the format is of one version.
+    QString writtenVersion(const xmlNode *root) const
+    {
+        return m_format.writtenVersion == nullptr ? QString() : m_format.writtenVersion(root);
+    }
 
     /// Nothing when the channel names no picture by its address.
     std::optional<FeedImage> image(const ChildElements &channel) const;
@@ -55,5 +62,5 @@ private:
     const FeedFormat &m_format;
     Vocabulary m_vocabulary;
     std::array<Sources, static_cast<std::size_t>(ChannelField::ImageDescription) + 1> m_channelFields;
-    std::array<Sources, static_cast<std::size_t>(ItemField::EnclosureLength) + 1> m_itemFields;
+    std::array<Sources, static_cast<std::size_t>(ItemField::MediumLength) + 1> m_itemFields;
 };

@@ -107,6 +107,7 @@ void EngineView::connectPage()
                      [this](const QString &url) { m_events.feedLinkAccepted(url); });
     QObject::connect(m_page, &PanePage::systemLinkActivated, &m_context,
                      [this](const QString &url) { m_events.systemLinkActivated(url); });
+    QObject::connect(m_page, &PanePage::extensionsAsked, &m_context, [this] { m_events.extensionsAsked(); });
     QObject::connect(&m_page->acts(), &UserActs::acted, &m_context, [this] { m_rendererDeaths = 0; });
     QObject::connect(&m_boxes, &PageBoxes::closed, &m_context, [this] {
         if (!m_pending.isEmpty())

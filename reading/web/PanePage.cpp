@@ -136,7 +136,10 @@ bool PanePage::isTakenOver(const QUrl &url, NavigationType type, bool isMainFram
         noteWhatBegan(url, type, isMainFrame);
         return isFeedForTheProgram(url);
     }
-    if (!Addresses::isWeb(url)) // to the web somebody would have had to click
+    const bool fromStartPage = m_course.onShow().matches(PaneScheme::startPage(), QUrl::RemoveFragment);
+    if (PaneScheme::leadsToExtensions(url) && fromStartPage && isMainFrame && type == NavigationTypeLinkClicked)
+        QMetaObject::invokeMethod(this, &PanePage::extensionsAsked, Qt::QueuedConnection);
+    else if (!Addresses::isWeb(url)) // to the web somebody would have had to click
         handOver(url, type == NavigationTypeLinkClicked);
     return true;
 }

@@ -50,9 +50,10 @@ public:
     void triggerAction(WebAction action, bool checked = false) override;
 
 Q_SIGNALS:
-    /// See BrowserPane. Both come after the engine has finished with the navigation.
+    /// See BrowserPane. All come after the engine has finished with the navigation.
     void feedLinkAccepted(const QString &url);
     void systemLinkActivated(const QString &url);
+    void extensionsAsked();
 
 protected:
     bool acceptNavigationRequest(const QUrl &url, NavigationType type, bool isMainFrame) override;

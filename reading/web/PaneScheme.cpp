@@ -20,6 +20,7 @@ constexpr QLatin1String generatedPage("tmp.htm");
 constexpr QLatin1String homePage("home.htm");
 constexpr QLatin1String styleSheet("style.css");
 constexpr QLatin1String linkIcon("slien.gif");
+constexpr QLatin1String extensionsLink("extensions");
 constexpr std::array<QLatin1String, 4> servedFiles = {generatedPage, homePage, styleSheet, linkIcon};
 
 /// Pictures, sound and frames of the web are shown as a feed's text asks for them; no script runs, no plug-in, and
@@ -40,20 +41,26 @@ QString fileName(const QUrl &url)
     return url.path().mid(1);
 }
 
+/// The head of our own begins so where the page is in UTF-8. What a feed says comes behind it, and counts for nothing.
+bool saysUtf8(const QByteArray &generated)
+{
+    return generated.startsWith("<html>\r\n<head><meta charset=\"utf-8\" />");
+}
+
 bool declaresCharset(const QByteArray &page)
 {
     constexpr qsizetype declarationRoom = 1024; // as far as browsers look
     return page.left(declarationRoom).toLower().contains("charset=");
 }
 
-QByteArray contentType(const QString &name, const QByteArray &content)
+QByteArray contentType(const QString &name, const QByteArray &content, bool isInUtf8)
 {
     if (name == styleSheet)
         return "text/css; charset=utf-8";
     if (name == linkIcon)
         return "image/gif";
     if (name == generatedPage)
-        return "text/html; charset=windows-1252";
+        return isInUtf8 ? "text/html; charset=utf-8" : "text/html; charset=windows-1252";
     return declaresCharset(content) ? "text/html" : "text/html; charset=utf-8";
 }
 
@@ -99,6 +106,11 @@ QUrl PaneScheme::startPage()
     return address(homePage);
 }
 
+bool PaneScheme::leadsToExtensions(const QUrl &url)
+{
+    return url == address(extensionsLink);
+}
+
 QString PaneScheme::pathOf(const QString &file) const
 {
     return QFileInfo(m_folder.path + u'/' + file).absoluteFilePath();
@@ -139,12 +151,13 @@ void PaneScheme::requestStarted(QWebEngineUrlRequestJob *job)
                                                               : QWebEngineUrlRequestJob::RequestFailed);
         return;
     }
+    const bool isInUtf8 = saysUtf8(content.bytes);
     if (file == generatedPage || file == homePage)
         content.bytes = guardedPage(content.bytes);
     auto *reply = new QBuffer(job);
     reply->setData(content.bytes);
     reply->open(QIODevice::ReadOnly);
-    job->reply(contentType(file, content.bytes), reply);
+    job->reply(contentType(file, content.bytes, isInUtf8), reply);
 }
 
 QByteArray PaneScheme::guardedPage(const QByteArray &page) const

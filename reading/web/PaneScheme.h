@@ -37,6 +37,9 @@ public:
 
     static QUrl startPage();
 
+    /// True for the link "extensions" of our pages, behind which nothing is served.
+    static bool leadsToExtensions(const QUrl &url);
+
     /// The scheme's address of the file at `path` (a path or a `file:` address); an invalid one when it isn't served.
     QUrl addressOf(const QString &path) const;
 

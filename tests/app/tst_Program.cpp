@@ -36,6 +36,7 @@ public:
     void hideToTray() override { m_note(u"hide"_s); }
     void comeForward(const QByteArray &) override { m_note(u"forward"_s); }
     void takeHandOver(const QString &text, const QByteArray &) override { m_note(u"hand-over "_s + text); }
+    void tell(const QString &text) override { m_note(u"tell "_s + text); }
     void dismissPopup() override { m_note(u"no popup"_s); }
     QString takeBandLayout() override
     {

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "core/AppSettings.h"
+#include "core/ExtensionsFile.h"
 #include "core/FeedCatalogue.h"
 #include "core/FeedTables.h"
 #include "dialogs/frmAbout.h"
 #include "dialogs/frmAuthentification.h"
 #include "dialogs/frmExport.h"
+#include "dialogs/frmExtensions.h"
 #include "dialogs/frmImport.h"
 #include "dialogs/frmOptions.h"
 #include "dialogs/frmProprietes.h"
@@ -310,6 +312,29 @@ class Mail final : public World
     AppSettings m_settings;
 };
 
+class ExtensionsWorld final : public World
+{
+    std::unique_ptr<QDialog> open() override
+    {
+        const QString path = data.file(given.value(u"folder"_s) + u"extensions.ini"_s);
+        if (given.contains(u"file"_s))
+            data.write(u"extensions.ini"_s, given[u"file"_s].replace(u'~', u'=').toUtf8());
+        m_file = std::make_unique<ExtensionsFile>(path);
+        m_file->load();
+        return std::make_unique<frmExtensions>(
+            &window, messages, frmExtensions::Port{m_file->extensions(), [this](const ExtensionKey &key, bool on) {
+                                                       m_file->set(key, on);
+                                                   }});
+    }
+
+    WidgetUser::State outside() const override
+    {
+        return {{u"file"_s, QString::fromUtf8(data.read(u"extensions.ini"_s))}};
+    }
+
+    std::unique_ptr<ExtensionsFile> m_file;
+};
+
 class Small final : public World
 {
     std::unique_ptr<QDialog> open() override
@@ -341,6 +366,8 @@ std::unique_ptr<World> worldOf(const QString &dialog)
 {
     if (dialog == u"frmOptions"_s)
         return std::make_unique<Options>();
+    if (dialog == u"frmExtensions"_s)
+        return std::make_unique<ExtensionsWorld>();
     if (dialog == u"frmProprietes"_s)
         return std::make_unique<Properties>();
     if (dialog == u"frmRechercher"_s)
@@ -402,7 +429,7 @@ private Q_SLOTS:
             setFontScale(scale);
             QString all;
             for (const char *const name : {"frmImport", "frmExport", "frmRechercher", "frmProprietes", "frmOptions",
-                                           "frmSendMail", "frmAuthentification", "frmAbout"}) {
+                                           "frmSendMail", "frmAuthentification", "frmAbout", "frmExtensions"}) {
                 open(QString::fromLatin1(name), {{u"user"_s, u"moi"_s}, {u"tab"_s, u"1"_s}, {u"entry"_s, u"2"_s}});
                 all += DialogDump::told(*m_form);
                 m_form->show();

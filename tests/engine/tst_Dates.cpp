@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "engine/Dates.h"
+#include "engine/StandardDates.h"
 #include "platform/Literals.h"
 #include "platform/RunTimeError.h"
+#include "tests/fixtures/Steps.h"
 
 #include <QTest>
 
@@ -14,11 +15,11 @@ TimeZoneRecord paris()
 }
 
 /// The local date of `text`, or the number of the run-time error.
-QString outcome(const QString &text)
+QString outcome(const QString &text, const DateReader &reader = Dates(paris))
 {
     try {
-        const QDateTime date = Dates(paris).NormaliseDate(text);
-        return date.date().toString(Qt::ISODate) + date.time().toString(u" HH:mm:ss"_s);
+        const QDateTime date = reader.NormaliseDate(text);
+        return !date.isValid() ? u"none"_s : date.date().toString(Qt::ISODate) + date.time().toString(u" HH:mm:ss"_s);
     } catch (const RunTimeError &error) {
         return u"error %1"_s.arg(error.number());
     }
@@ -165,6 +166,18 @@ private Q_SLOTS:
         QCOMPARE(said, QByteArray("-60 3 -60 Europe/Paris\n300 3 -60 America/New_York\n-600 10 -60 Australia/Sydney\n"
                                   "-330 0 0 Asia/Kolkata\n0 0 0 UTC\n-60 10 60 Europe/Dublin\n"
                                   "300 3 -60 EST5EDT,M3.2.0,M11.1.0\n240 1 0 EST5EDT,0/0,J365/25\n"));
+    }
+
+    /// A line each: by the usual rules, and by the standards.
+    void datesAreReadAsTheirStandardsSay()
+    {
+        const Dates local(paris);
+        const StandardDates dates(local);
+        const auto take = [&](const QString &step) -> QString {
+            const QString text = step.mid(1).chopped(1);
+            return outcome(text) + u" | "_s + outcome(text, dates);
+        };
+        QCOMPARE((Steps{{}, take}.differenceFrom(u"standard-dates.steps"_s)), QString());
     }
 
     void anOffsetIsThatOfTheRecord()

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "core/Extensions.h"
 #include "core/FeedCatalogue.h"
 #include "core/FeedTreeState.h"
 #include "engine/AddFeed.h"
@@ -15,6 +16,7 @@
 #include "tests/fixtures/TemporaryDataDirectory.h"
 
 #include <QDeadlineTimer>
+#include <QRegularExpression>
 #include <QTest>
 
 /// The scheduler, the opener and the document on show over one catalogue, without a network, as told in transcripts.
@@ -27,7 +29,7 @@ private Q_SLOTS:
     void allIsAsTold_data()
     {
         QTest::addColumn<QString>("transcript");
-        for (const char *name : {"opening", "updates", "schedule", "sharing"})
+        for (const char *name : {"opening", "updates", "schedule", "sharing", "extensions"})
             QTest::newRow(name) << QString::fromLatin1(name) + u".txt";
     }
 
@@ -47,23 +49,6 @@ private Q_SLOTS:
                  QString());
     }
 
-    void addressesAreResolvedToHttp()
-    {
-        const QList<QPair<QString, QString>> addresses = {
-            {u"http://a/b"_s, u"http://a/b"_s},
-            {u"feed:http://a/b"_s, u"http://a/b"_s},
-            {u"feed://a/b"_s, u"http://a/b"_s},
-            {u"feed:a/b"_s, u"http://a/b"_s},
-            {u"feed://http://a/b"_s, u"http://a/b"_s},
-            {u"feed:https://a/b"_s, QString()},
-            {u"feed:////a"_s, QString()},
-            {u"HTTP://a/b"_s, u"http://a/b"_s}, // five characters are dropped, whatever they are
-            {u"abc"_s, u"http://"_s},
-        };
-        for (const auto &[text, address] : addresses)
-            QCOMPARE(FeedOpener::addressToFetch(text), address);
-    }
-
 private:
     void begin()
     {
@@ -75,7 +60,9 @@ private:
         m_openings = std::make_unique<FakeDownloader>();
         m_tree = std::make_unique<FeedTree>();
         m_state = std::make_unique<FeedTreeState>(*m_tree);
+        m_extensions = {};
         m_current = std::make_unique<CurrentFeed>();
+        m_current->document = std::make_shared<CachedFeed>(Waiting::systemClock(), m_rules);
         m_now = QDateTime(QDate(2004, 7, 1), QTime(12, 0));
         m_connected = true;
         m_slowness = 0;
@@ -86,8 +73,9 @@ private:
         m_catalogue->loadCatalogue();
         m_scheduler = std::make_unique<UpdateScheduler>(UpdateScheduler::Surroundings{
             m_folder->directory(), *m_tree, *m_state, m_catalogue->tables, *m_current, m_cipher, *m_updates,
-            [this] { return m_connected; }, clock, [this](int milliseconds) { wait(milliseconds); }, 65536});
-        m_opener = std::make_unique<FeedOpener>(m_folder->directory(), *m_current, *m_openings);
+            [this] { return m_connected; }, clock, [this](int milliseconds) { wait(milliseconds); }, m_addresses,
+            m_rules, 65536});
+        m_opener = std::make_unique<FeedOpener>(m_folder->directory(), *m_current, *m_openings, m_addresses);
         listen();
     }
 
@@ -107,6 +95,7 @@ private:
         connect(from, &S::fetchEnded, this, [said] { said(u"fetched"_s); });
         connect(from, &S::newItemsFound, this,
                 [said](const QString &title, qint16 count) { said(u"found %1: %2"_s.arg(title).arg(count)); });
+        connect(from, &S::feedRepaired, this, [said] { said(u"repaired"_s); });
         connect(from, &S::feedOnShowReloaded, this, [said](qint16 count) { said(u"reloaded %1"_s.arg(count)); });
         connect(from, &S::ended, this, [said](const FeedNodePtr &node, qint16 count) {
             said(u"ended %1: %2"_s.arg(node->text()).arg(count));
@@ -224,11 +213,19 @@ private:
              [&] { m_opener->openEntered(QString(rest).replace(u"DATA"_s, m_folder->directory().path())); }},
             {u"load"_s, [&] { m_opener->LoadFile(rest); }},
             {u"node"_s, [&] { m_opener->openFeedNode(node); }},
-            {u"command-line"_s, [&] { m_said.append(FeedOpener::enteredByCommandLine(rest)); }},
+            {u"command-line"_s, [&] { m_said.append(m_opener->enteredByCommandLine(rest)); }},
             {u"coming"_s, [&] { Q_EMIT m_openings->DownloadProgress(text(1).toDouble()); }},
             {u"come"_s, [&] { m_openings->finish(number, words.mid(2).join(u' ').toUtf8()); }},
             {u"come-feed"_s, [&] { m_openings->finish(200, FeedTexts::rss(text(1), words.mid(2))); }},
             {u"tell"_s, [&] { Q_EMIT m_openings->DownloadComplete(number); }},
+            {u"with"_s, [&] { turn(words, true); }},
+            {u"without"_s, [&] { turn(words, false); }},
+            {u"link"_s, [&] { m_said.append(document.ItemLink(static_cast<qint16>(number))); }},
+            {u"text"_s,
+             [&] {
+                 static const QRegularExpression date(u" quillwire:downloaded=\"[^\"]*\""_s);
+                 m_said.append(QString::fromUtf8(m_folder->read(text(1))).trimmed().remove(date));
+             }},
             {u"subscribe"_s, [&] { subscribe(text(1), text(2)); }},
         };
         if (const int error = errorOf(verbs.value(words[0])))
@@ -237,6 +234,12 @@ private:
         noteNodes(m_tree->root());
     }
 
+    void turn(const QStringList &keys, bool on)
+    {
+        for (const ExtensionKey &key : extensionKeys)
+            if (keys.contains(key.name))
+                m_extensions.*key.isOn = on;
+    }
     static QString address(const QString &key) { return u"http://example.org/"_s + key; }
     /// Subscribes to a feed with those items, which its server goes on to serve.
     void addFeed(const QString &minutes, const QStringList &items)
@@ -292,7 +295,7 @@ private:
     }
     void tellItems(const QString &file)
     {
-        CachedFeed feed;
+        CachedFeed feed({}, m_rules);
         feed.Load(m_folder->file(file));
         QStringList items;
         for (qint16 i = 0; i < feed.ItemCount(); ++i)
@@ -304,8 +307,9 @@ private:
     {
         m_said.append(u"shown: %1, %2 items%3, login %4:%5"_s.arg(QFileInfo(m_current->document->Path()).fileName())
                           .arg(m_current->document->ItemCount())
-                          .arg(m_current->addressFeedShown ? u", by address"_s : QString(), m_current->strUsername,
-                               m_current->strPassword));
+                          .arg((m_current->addressFeedShown ? u", by address"_s : QString()) +
+                                   (m_opener->openedRepaired() ? u", repaired"_s : QString()),
+                               m_current->strUsername, m_current->strPassword));
     }
     void tellTimers()
     {
@@ -336,6 +340,11 @@ private:
     std::unique_ptr<CurrentFeed> m_current;
     std::unique_ptr<UpdateScheduler> m_scheduler;
     std::unique_ptr<FeedOpener> m_opener;
+    Extensions m_extensions;
+    Choice<AddressForms> m_addresses{AddressForms::usual, AddressForms::secure, m_extensions.https};
+    FeedRules m_rules{{usualFormats(), allFormats(), m_extensions.formats},
+                      {exactReading(), mendingReading(), m_extensions.repair},
+                      {writtenAddresses(), wholeAddresses(), m_extensions.pages}};
     clsDES m_cipher;
     QDateTime m_now;
     bool m_connected = true;

@@ -15,6 +15,7 @@ class tst_FeedFormats : public QObject
 private Q_SLOTS:
     void textsAreReadAsTheirFormatSays();
     void documentsAreToldApart();
+    void faultsAreMended();
     void everyEncodingIsReadAndWrittenBack();
     void aFailedLoadLeavesNothingHeld();
     void indicesOutsideAreTolerated();
@@ -25,13 +26,17 @@ private:
 
 void tst_FeedFormats::textsAreReadAsTheirFormatSays()
 {
-    QString told;
-    for (const TextCase &each : readCases(u"readings.txt"_s)) {
-        CachedFeed feed;
-        QCOMPARE(feed.Load(m_files.write("feed.xml", each.documents.first())), LoadOk);
-        told += u"=== "_s + each.name + u'\n' + FeedDump::all(feed).join(u'\n') + u'\n';
+    for (const auto &[name, rules] : {std::pair(u"readings"_s, FeedRules()), {u"readings-all"_s, {allFormats()}}}) {
+        QString told;
+        for (const TextCase &each : readCases(name + u".txt"_s)) {
+            CachedFeed feed({}, rules), feedOfAll({}, {allFormats()});
+            QCOMPARE(feed.Load(m_files.write("feed.xml", each.documents.first())), LoadOk);
+            QCOMPARE(feedOfAll.Load(feed.Path()), LoadOk);
+            QCOMPARE(FeedDump::all(feedOfAll), FeedDump::all(feed));
+            told += u"=== "_s + each.name + u'\n' + FeedDump::all(feed).join(u'\n') + u'\n';
+        }
+        QCOMPARE(differenceFromGolden(name + u".expected"_s, told), QString());
     }
-    QCOMPARE(differenceFromGolden(u"readings.expected"_s, told), QString());
 }
 
 /// The results are numbers that are part of the interface; 5 is the only success.
@@ -39,12 +44,35 @@ void tst_FeedFormats::documentsAreToldApart()
 {
     QString told;
     for (const TextCase &each : readCases(u"apart.txt"_s)) {
-        CachedFeed feed;
+        CachedFeed feed, feedOfAll({}, {allFormats()});
         const int result = feed.Load(m_files.write("feed.xml", each.documents.first()));
         QCOMPARE(feed.IsLoaded(), result == 5);
-        told += QString::number(result) + u' ' + each.name + u'\n';
+        const int resultOfAll = feedOfAll.Load(m_files.path("feed.xml"));
+        told += QString::number(result) + u' ' + each.name +
+                (resultOfAll == result ? QString() : u", %1 with all formats"_s.arg(resultOfAll)) + u'\n';
     }
     QCOMPARE(differenceFromGolden(u"apart.expected"_s, told), QString());
+}
+
+/// What each document is by the usual rules, and what it tells once it is mended, saved and read as usual.
+void tst_FeedFormats::faultsAreMended()
+{
+    QString told;
+    for (const TextCase &each : readCases(u"repair.txt"_s)) {
+        const QString path = m_files.write("feed.xml", each.documents.first().chopped(1));
+        CachedFeed usual, mended({}, {.reading = mendingReading()});
+        told += u"=== %1\n%2 "_s.arg(each.name).arg(usual.Load(path)) + usual.Title();
+        told += u"\n%1 "_s.arg(mended.Load(path));
+        told += mended.IsRepaired() ? u"repaired\n"_s : u"\n"_s;
+        const QStringList before = FeedDump::all(mended);
+        mended.Save();
+        QVERIFY(!mended.IsRepaired());
+        if (mended.IsLoaded())
+            QCOMPARE(usual.Load(path), LoadOk);
+        QCOMPARE(FeedDump::all(usual), before);
+        told += before.join(u'\n') + u'\n';
+    }
+    QCOMPARE(differenceFromGolden(u"repair.expected"_s, told), QString());
 }
 
 /// The title of the store, and an item whose characters its encoding may lack, all seen in the file and read again.

@@ -15,6 +15,7 @@ class tst_FeedTransfer : public QObject
 private Q_SLOTS:
     void everyFormatTakesTheItemsOfEveryOther_data();
     void everyFormatTakesTheItemsOfEveryOther();
+    void namesKeepTheirMeaning_data();
     void namesKeepTheirMeaning();
 
 private:
@@ -22,23 +23,29 @@ private:
     Clock m_clock = [] { return QDateTime({2004, 7, 1}, {14, 0}, Qt::UTC); };
 };
 
-static const char *const samples[] = {"rss091.xml", "rss092.xml", "rss20.xml", "rdf10.xml", "atom03.xml"};
+static const QByteArrayList samples = {"rss091.xml", "rss092.xml", "rss20.xml", "rdf10.xml", "atom03.xml"};
 
 void tst_FeedTransfer::everyFormatTakesTheItemsOfEveryOther_data()
 {
     QTest::addColumn<QByteArray>("sample");
-    for (const char *sample : samples)
-        QTest::newRow(sample) << QByteArray(sample);
+    QTest::addColumn<FeedRules>("rules");
+    QTest::addColumn<QByteArrayList>("others");
+    for (const QByteArray &sample : samples)
+        QTest::newRow(sample.constData()) << sample << FeedRules() << samples;
+    const QByteArrayList all = samples + QByteArrayList{"atom10.xml", "jsonfeed.json"};
+    QTest::newRow("atom10.xml") << QByteArray("atom10.xml") << FeedRules{allFormats()} << all;
 }
 
 /// All items of all samples into one, with marks on some; data/into-<sample> is the file.
 void tst_FeedTransfer::everyFormatTakesTheItemsOfEveryOther()
 {
     QFETCH(const QByteArray, sample);
-    CachedFeed store(m_clock), source(m_clock);
-    QCOMPARE(store.Load(m_files.writeSample("store.xml", sample)), LoadOk);
-    for (const char *other : samples) {
-        QCOMPARE(source.Load(m_files.writeSample("source.xml", other)), LoadOk);
+    QFETCH(const FeedRules, rules);
+    QFETCH(const QByteArrayList, others);
+    CachedFeed store(m_clock, rules), source(m_clock, rules);
+    QCOMPARE(store.Load(m_files.writeSample("store.xml", sample.constData())), LoadOk);
+    for (const QByteArray &other : others) {
+        QCOMPARE(source.Load(m_files.writeSample("source.xml", other.constData())), LoadOk);
         for (qint16 i = 0; i < source.ItemCount(); ++i)
             QVERIFY(store.AddItem(source.GetItemNode(i)));
     }
@@ -63,11 +70,21 @@ void tst_FeedTransfer::everyFormatTakesTheItemsOfEveryOther()
     QCOMPARE(after, before);
 }
 
+void tst_FeedTransfer::namesKeepTheirMeaning_data()
+{
+    QTest::addColumn<QString>("cases");
+    QTest::addColumn<FeedRules>("rules");
+    QTest::newRow("usual formats") << u"transfer"_s << FeedRules();
+    QTest::newRow("all formats") << u"transfer-all"_s << FeedRules{allFormats()};
+}
+
 void tst_FeedTransfer::namesKeepTheirMeaning()
 {
+    QFETCH(const QString, cases);
+    QFETCH(const FeedRules, rules);
     QString told;
-    for (const TextCase &each : readCases(u"transfer.txt"_s)) {
-        CachedFeed from(m_clock), into(m_clock);
+    for (const TextCase &each : readCases(cases + u".txt"_s)) {
+        CachedFeed from(m_clock, rules), into(m_clock, rules);
         QCOMPARE(from.Load(m_files.write("from.xml", each.documents[0])), LoadOk);
         QCOMPARE(into.Load(m_files.write("into.xml", each.documents[1])), LoadOk);
         for (int time = 0; time < 2; ++time)
@@ -84,7 +101,7 @@ void tst_FeedTransfer::namesKeepTheirMeaning()
             QCOMPARE(m_files.read(file), saved);
         }
     }
-    QCOMPARE(differenceFromGolden(u"transfer.expected"_s, told), QString());
+    QCOMPARE(differenceFromGolden(cases + u".expected"_s, told), QString());
 }
 
 QTEST_GUILESS_MAIN(tst_FeedTransfer)

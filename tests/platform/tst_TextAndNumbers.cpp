@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "platform/AddressForms.h"
 #include "platform/AnsiText.h"
 #include "platform/DateText.h"
 #include "platform/Dictionary.h"
@@ -52,6 +53,22 @@ private Q_SLOTS:
                                                                                         "d? \x80?????"));
         QCOMPARE(AnsiText::toBytes(AnsiText::widenBytes(u"é€\u9F80"_s)), QByteArray("\xE9\x00\xAC\x20\x80\x9F", 6));
         QCOMPARE(AnsiText::widenBytes(QString()), QString());
+    }
+
+    void addressesAreToldFromPaths()
+    {
+        const auto take = [](const QString &step) {
+            const QString text = step.mid(1).chopped(1);
+            QStringList told;
+            for (const AddressForms *forms : {&AddressForms::usual, &AddressForms::secure})
+                told += QString(forms->isWebAddress(text)    ? u"web "_s
+                                : forms->isFeedAddress(text) ? u"feed "_s
+                                                             : u"path "_s) +
+                        u"| "_s + forms->addressToFetch(text) + u" ("_s + forms->withoutFeedScheme(text) + u") | "_s +
+                        forms->addressToUpdate(text);
+            return told.join(u" || "_s);
+        };
+        QCOMPARE((Steps{{}, take}.differenceFrom(u"addresses.steps"_s)), QString());
     }
 
     void textsConvertToNumbers()

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "controls/ImageList.h"
+#include "engine/Dates.h"
 #include "platform/DateText.h"
 #include "platform/RunTimeError.h"
 #include "reading/BrowserPane.h"
@@ -20,9 +21,10 @@
 
 namespace {
 
-Dates inUtc()
+const Dates &inUtc()
 {
-    return Dates([] { return TimeZoneRecord{}; });
+    static const Dates dates([] { return TimeZoneRecord{}; });
+    return dates;
 }
 
 /// The item list and what is around it, over the items of a feed.

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "engine/StandardDates.h"
 #include "platform/Literals.h"
 #include "reading/PageWriter.h"
 
@@ -29,7 +30,8 @@ class TestPageWriter : public QObject
 
     TemporaryDataDirectory m_data;
     CurrentFeed m_current;
-    PageWriter m_pages{m_data.directory(), m_current, Dates(summerInParis)};
+    const Dates m_dates{summerInParis};
+    PageWriter m_pages{m_data.directory(), m_current, m_dates};
 
     /// The page, or a mail: "·" stands for a zero byte, "¶" for the end of a line.
     static QString shown(QString text) { return text.replace(QChar(0), u'·').replace(u"\r\n"_s, u"¶\n"_s) + u"\n\n"_s; }
@@ -56,7 +58,7 @@ private Q_SLOTS:
         }
         QVERIFY_THROWS_EXCEPTION(RunTimeError, m_pages.writeItemPage(3));
         QVERIFY_THROWS_EXCEPTION(RunTimeError, m_pages.mailText(3));
-        const PageWriter nowhere(DataDirectory(m_data.file(u"missing"_s)), m_current, Dates(summerInParis));
+        const PageWriter nowhere(DataDirectory(m_data.file(u"missing"_s)), m_current, m_dates);
         QVERIFY_THROWS_EXCEPTION(RunTimeError, nowhere.writeChannelPage());
         const QByteArray image =
             "<image><url>http://example.org/i.png</url><title>i</title><link>http://h/</link>%</image>";
@@ -65,6 +67,30 @@ private Q_SLOTS:
                 channelPageOf(QByteArray(image).replace("%", "<width>0</width><height>30</height>"));
         QCOMPARE(differenceFromGolden(u"pages.txt"_s, told), QString());
         QCOMPARE(PageWriter::UrlFileName(u"a/b/c.mp3"_s) + PageWriter::UrlFileName(u"d"_s), u"c.mp3d"_s);
+    }
+
+    /// In UTF-8, with relative addresses made whole by the feed's address, and dates by their standards.
+    void pagesAndMailsHoldEveryScript()
+    {
+        CurrentFeed current;
+        current.document = std::make_shared<CachedFeed>(Clock(), FeedRules{.addresses = wholeAddresses()});
+        const StandardDates dates(m_dates);
+        const PageWriter pages(m_data.directory(), current, dates, PageText::utf8);
+        QCOMPARE(current.document->Load(u"" TEST_DATA_DIR "/whole.xml"_s), LoadOk);
+        QString told;
+        for (const QString &address : {QString(), u"https://feed.example/news/feed.xml"_s}) {
+            current.document->SetAddress(address);
+            pages.writeChannelPage();
+            told += shown(QString::fromUtf8(m_data.read(u"tmp.htm"_s)));
+            for (const qint16 item : {0, 1}) {
+                pages.writeItemPage(item);
+                told += shown(QString::fromUtf8(m_data.read(u"tmp.htm"_s))) + shown(pages.mailText(item));
+            }
+            ItemEnclosure enclosure;
+            QVERIFY(current.document->GetItemEnclosure(0, enclosure));
+            told += enclosure.Url + u'\n';
+        }
+        QCOMPARE(differenceFromGolden(u"whole.txt"_s, told), QString());
     }
 
     void sizesAreRoundedToTheEvenNeighbourStepByStep()

@@ -70,6 +70,7 @@ private:
                 [this](const QString &url) { note(u"feed "_s + url); });
         connect(m_pane.get(), &BrowserPane::systemLinkActivated, this,
                 [this](const QString &url) { note(u"system "_s + url); });
+        connect(m_pane.get(), &BrowserPane::extensionsAsked, this, [this] { note(u"extensions"_s); });
         connect(m_pane.get(), &BrowserPane::StatusTextChange, this, [this](const QString &text) {
             if (text.contains(u' ')) // not the address that the mouse stands on
                 note(u"status "_s + text);
@@ -245,6 +246,10 @@ private:
             serve(name, step.section(u' ', 2, 2), step.section(u' ', 3).toUtf8());
         else if (verb == u"item"_s || verb == u"item-link"_s)
             writePage(pageOf(verb, rest)), goTo(page());
+        else if (verb == u"utf8-item"_s) // as the program begins it
+            writePage("<html>\r\n<head><meta charset=\"utf-8\" /></head>" + pageOf(verb, rest).mid(6)), goTo(page());
+        else if (verb == u"home-link"_s)
+            m_data.write(u"home.htm"_s, pageOf(verb, rest)), goTo(m_data.file(u"home.htm"_s));
         else if (verb == u"file"_s || verb == u"file-link"_s)
             m_data.write(u"local.html"_s, pageOf(verb, rest)), goTo(m_data.file(u"local.html"_s));
         else if (verb == u"web-link"_s)
