@@ -3,7 +3,9 @@
 #include "app/DesktopSurroundings.h"
 
 #include "app/SignalWatch.h"
+#include "controls/DialogStyle.h"
 #include "controls/FileDialogs.h"
+#include "controls/FrenchTexts.h"
 #include "controls/SystemBrowser.h"
 #include "controls/Twips.h"
 #include "core/RunAtStartup.h"
@@ -16,10 +18,10 @@
 #include "window/DesktopTrayShell.h"
 #include "window/InputBox.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QDir>
 #include <QFileInfo>
-#include <QGuiApplication>
+#include <QIcon>
 #include <QScreen>
 
 namespace {
@@ -49,6 +51,17 @@ frmOptions::RunAtStartup runAtStartup()
 }
 
 } // namespace
+
+void DesktopSurroundings::dress(QApplication &application)
+{
+    QCoreApplication::setApplicationName(u"quillwire"_s);
+    QCoreApplication::setApplicationVersion(Build::version.toString());
+    QGuiApplication::setDesktopFileName(u"quillwire"_s);
+    QGuiApplication::setWindowIcon(QIcon(u":/icons/quillwire.svg"_s));
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    FrenchTexts::install(application);
+    QApplication::setStyle(new DialogStyle); // owned by the application
+}
 
 ScreenScale DesktopSurroundings::screenScale()
 {

@@ -6,8 +6,13 @@
 #include "window/Desktop.h"
 #include "window/Dialogs.h"
 
+class QApplication;
+
 /// The real desktop around the program, as window and dialogs are handed it.
 namespace DesktopSurroundings {
+
+/// Names the application, and gives it the look and the French texts that the library has of its own.
+void dress(QApplication &application);
 
 /// Twips per pixel of the primary screen.
 ScreenScale screenScale();

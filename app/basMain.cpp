@@ -3,11 +3,9 @@
 #include "app/DesktopSurroundings.h"
 #include "app/GraphicsChoice.h"
 #include "app/Program.h"
+#include "app/ProgramWait.h"
 #include "app/SignalWatch.h"
-#include "controls/DialogStyle.h"
-#include "controls/FrenchTexts.h"
 #include "controls/MessageBoxes.h"
-#include "platform/Build.h"
 #include "platform/Files.h"
 #include "platform/Literals.h"
 #include "platform/net/Downloader.h"
@@ -25,26 +23,6 @@ namespace {
 QString commandLine()
 {
     return QCoreApplication::arguments().mid(1).join(u' ');
-}
-
-void nameApplication()
-{
-    QCoreApplication::setApplicationName(u"quillwire"_s);
-    QCoreApplication::setApplicationVersion(Build::version.toString());
-    QGuiApplication::setDesktopFileName(u"quillwire"_s);
-    QGuiApplication::setWindowIcon(QIcon(u":/icons/quillwire.svg"_s));
-    QGuiApplication::setQuitOnLastWindowClosed(false);
-}
-
-/// A wait that lets events run, and ends the process when the program ended in them: all is saved by then, and a loop
-/// that waits for what no longer comes must not hold it.
-Wait programWait(const std::shared_ptr<const bool> &ended)
-{
-    return [wait = Waiting::eventLoopWait(), ended](int milliseconds) {
-        wait(milliseconds);
-        if (*ended)
-            std::_Exit(0);
-    };
 }
 
 /// Brings the window up and runs the loop. A run-time error of the start is shown while the window still exists, as
@@ -82,7 +60,7 @@ int runFirstInstance(ErrorTrap &application, MessageBoxes &messages, InstanceLoc
     try {
         const DataDirectory directory = DataDirectory::ofProgram(QCoreApplication::applicationDirPath());
         const auto ended = std::make_shared<bool>(false);
-        const Wait wait = programWait(ended);
+        const Wait wait = programWait(Waiting::eventLoopWait(), ended, [] { std::_Exit(0); });
         Program program({directory, Files::read(u":/data/params.xml"_s).bytes, DesktopSurroundings::screenScale(),
                          messages, Waiting::systemClock(), wait, isConnected,
                          [] { return std::make_unique<Downloader>(); }, runtimeDirectory(),
@@ -118,9 +96,7 @@ int main(int argc, char *argv[])
     const QByteArray token = activationToken();
     GraphicsChoice::prepare();
     ErrorTrap application(argc, argv);
-    nameApplication();
-    FrenchTexts::install(application);
-    QApplication::setStyle(new DialogStyle); // owned by the application
+    DesktopSurroundings::dress(application);
 
     InstanceLock lock;
     if (!lock.isFirstInstance()) {

@@ -3,6 +3,7 @@
 #include "app/DesktopSurroundings.h"
 #include "app/GraphicsChoice.h"
 #include "app/Program.h"
+#include "app/ProgramWait.h"
 #include "app/StartPlace.h"
 #include "platform/Literals.h"
 #include "tests/fixtures/FakeDownloader.h"
@@ -13,6 +14,7 @@
 #include "tests/fixtures/TemporaryDataDirectory.h"
 #include "window/ProgramWindow.h"
 
+#include <QStyle>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -92,6 +94,35 @@ private Q_SLOTS:
             }
         }
         QCOMPARE(set, QByteArray("    software --disable-gpu none 1 own own own own "));
+    }
+
+    void theApplicationIsNamedAndDressed()
+    {
+        DesktopSurroundings::dress(*qApp);
+        QCOMPARE(QCoreApplication::applicationName() + u' ' + QCoreApplication::applicationVersion() + u' ' +
+                     QGuiApplication::desktopFileName() + u' ' +
+                     QString::fromLatin1(QApplication::style()->metaObject()->className()) + u' ' +
+                     QCoreApplication::translate("QPlatformTheme", "Cancel") + u' ' +
+                     QVariant(QGuiApplication::quitOnLastWindowClosed()).toString(),
+                 u"quillwire 3.1.0 quillwire DialogStyle Annuler false"_s);
+        QVERIFY(!QGuiApplication::windowIcon().isNull());
+    }
+
+    void aWaitInWhichTheProgramEndedEndsTheProcess()
+    {
+        const auto ended = std::make_shared<bool>(false);
+        QStringList done;
+        bool endsInIt = false;
+        const Wait wait = programWait(
+            [&](int milliseconds) {
+                done += u"waits %1"_s.arg(milliseconds);
+                *ended = endsInIt;
+            },
+            ended, [&] { done += u"leaves"_s; });
+        wait(7);
+        endsInIt = true;
+        wait(8);
+        QCOMPARE(done, (QStringList{u"waits 7"_s, u"waits 8"_s, u"leaves"_s}));
     }
 
     void theStartWithTheDesktopIsAnEntryOfItsOwn()

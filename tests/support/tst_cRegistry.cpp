@@ -183,7 +183,7 @@ private:
              Files::write(m_path, w[0].toUtf8());
              return QString();
          }},
-        {u"read file"_s, [this](Words) { return QString::fromUtf8(Files::read(m_path).bytes); }}};
+        {u"read file"_s, [this](Words) { return QString::fromUtf8(Files::read(m_path).bytes).simplified(); }}};
 };
 
 QTEST_GUILESS_MAIN(tst_cRegistry)
