@@ -3,6 +3,7 @@
 #include "controls/StatusBar.h"
 
 #include "controls/CutTips.h"
+#include "controls/ScreenReader.h"
 #include "platform/Literals.h"
 #include "platform/RunTimeError.h"
 
@@ -50,6 +51,7 @@ protected:
 StatusBar::StatusBar(QWidget *parent) : QWidget(parent), m_grip(new QSizeGrip(this))
 {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    ScreenReader::setRole(*this, QAccessible::StatusBar);
     setAccessibleName(u"Barre d'état"_s);
 }
 

@@ -2,8 +2,13 @@
 
 #include "controls/TabControl.h"
 
+#include "controls/ScreenReader.h"
+#include "platform/Literals.h"
+
 TabControl::TabControl(QWidget *parent) : QTabWidget(parent)
 {
+    ScreenReader::setRole(*this, QAccessible::Pane);
+    setAccessibleName(u"Onglets"_s);
     connect(this, &QTabWidget::currentChanged, this, [this](int index) { Q_EMIT TabClick(index + 1); });
 }
 

@@ -2,6 +2,7 @@
 
 #include "controls/UpDown.h"
 
+#include "controls/ScreenReader.h"
 #include "platform/Literals.h"
 #include "platform/Numbers.h"
 
@@ -32,6 +33,9 @@ UpDown::UpDown(QLineEdit *buddy, int min, int max, int step, int value, QWidget 
 {
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     buddy->installEventFilter(this);
+    ScreenReader::setRole(*this, QAccessible::SpinBox,
+                          {[this] { return standing(); }, [this] { return m_min; }, [this] { return m_max; },
+                           [this](int wanted) { setValue(wanted); }, step, buddy});
     connect(m_up, &QToolButton::clicked, this, [this] { stepBy(1); });
     connect(m_down, &QToolButton::clicked, this, [this] { stepBy(-1); });
 }
@@ -41,16 +45,22 @@ void UpDown::setValue(int value)
     m_value = std::clamp(value, m_min, m_max);
     if (m_buddy)
         m_buddy->setText(QString::number(m_value));
+    ScreenReader::tellValue(*this, m_value);
+}
+
+int UpDown::standing() const
+{
+    if (!m_buddy || !Numbers::isNumeric(m_buddy->text()))
+        return m_value;
+    // The box may hold any number, far beyond the range.
+    return int(std::clamp(std::trunc(Numbers::toDouble(m_buddy->text())), double(m_min), double(m_max)));
 }
 
 void UpDown::stepBy(int steps)
 {
     if (!isEnabled() || !m_buddy || !m_buddy->isEnabled() || m_buddy->isReadOnly())
         return;
-    double from = m_value;
-    if (Numbers::isNumeric(m_buddy->text())) // the box may hold any number, far beyond the range
-        from = std::clamp(std::trunc(Numbers::toDouble(m_buddy->text())), double(m_min), double(m_max));
-    setValue(int(std::clamp(from + double(steps) * m_step, double(m_min), double(m_max))));
+    setValue(int(std::clamp(standing() + double(steps) * m_step, double(m_min), double(m_max))));
     m_buddy->selectAll();
 }
 

@@ -35,6 +35,8 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
+    int standing() const; ///< the number from which the next step counts
+
     QPointer<QLineEdit> m_buddy;
     QToolButton *m_up;
     QToolButton *m_down;

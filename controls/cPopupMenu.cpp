@@ -35,6 +35,11 @@ cPopupMenu::~cPopupMenu()
     delete m_menu; // with its actions and submenus
 }
 
+void cPopupMenu::setName(const QString &name)
+{
+    m_menu->setAccessibleName(name);
+}
+
 void cPopupMenu::setImageList(const ImageList *images)
 {
     m_images = images;

@@ -37,6 +37,9 @@ public:
         QString helpText;
     };
 
+    /// How screen readers call it.
+    void setName(const QString &name);
+
     void setImageList(const ImageList *images);
 
     /// Adds an entry behind the others of its parent and returns its index, counted from 0 over the whole menu in order

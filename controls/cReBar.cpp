@@ -6,6 +6,7 @@
 #include "controls/BandMoves.h"
 #include "controls/ReBarBand.h"
 #include "controls/ReBarMeasures.h"
+#include "controls/ScreenReader.h"
 #include "controls/Twips.h"
 #include "controls/cToolbar.h"
 #include "platform/Literals.h"
@@ -140,6 +141,7 @@ cReBar::cReBar(QWidget *parent) : QWidget(parent), d(new Private(this))
 {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setMouseTracking(true);
+    ScreenReader::setRole(*this, QAccessible::Grouping);
     setAccessibleName(u"Barres d'outils"_s);
 }
 

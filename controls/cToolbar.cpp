@@ -4,6 +4,7 @@
 
 #include "controls/ImageList.h"
 #include "controls/OfficeXpStyle.h"
+#include "controls/ScreenReader.h"
 #include "controls/ToolbarButton.h"
 #include "controls/ToolbarRow.h"
 #include "controls/cPopupMenu.h"
@@ -24,7 +25,7 @@ namespace {
 class SeparatorLine final : public QWidget
 {
 public:
-    using QWidget::QWidget;
+    explicit SeparatorLine(QWidget *parent) : QWidget(parent) { ScreenReader::setRole(*this, QAccessible::Separator); }
 
 protected:
     void paintEvent(QPaintEvent *) override
@@ -109,6 +110,7 @@ struct cToolbar::Private
 cToolbar::cToolbar(QWidget *parent) : QWidget(parent), d(new Private(this))
 {
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
+    ScreenReader::setRole(*this, QAccessible::ToolBar);
 }
 
 cToolbar::~cToolbar() = default;
@@ -241,6 +243,7 @@ QMenu *cToolbar::ShowOverflow(const QPoint &globalPosition)
         return nullptr;
     delete d->overflow;
     d->overflow = new QMenu(this);
+    d->overflow->setAccessibleName(u"Autres boutons"_s);
     d->overflow->setStyle(d->widgetStyle());
     d->overflowPlace = globalPosition;
     if (d->menuBar) {

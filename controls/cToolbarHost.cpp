@@ -3,6 +3,7 @@
 #include "controls/cToolbarHost.h"
 
 #include "controls/OfficeXpStyle.h"
+#include "controls/ScreenReader.h"
 #include "controls/cToolbar.h"
 #include "platform/Literals.h"
 
@@ -18,6 +19,7 @@ constexpr int chevronWidth = 16;
 
 cToolbarHost::cToolbarHost(QWidget *parent) : QWidget(parent), m_chevron(new QToolButton(this))
 {
+    ScreenReader::setRole(*this, QAccessible::Pane);
     m_chevron->setText(u"»"_s);
     m_chevron->setAutoRaise(true);
     m_chevron->setFocusPolicy(Qt::TabFocus);

@@ -2,6 +2,7 @@
 
 #include "dialogs/HelpViewer.h"
 
+#include "controls/ScreenReader.h"
 #include "dialogs/DialogParts.h"
 #include "dialogs/HelpBrowser.h"
 #include "platform/Literals.h"
@@ -24,6 +25,7 @@
 #include <QStandardPaths>
 #include <QTabWidget>
 #include <QToolBar>
+#include <QToolButton>
 #include <QVBoxLayout>
 #include <QWindow>
 
@@ -55,6 +57,8 @@ HelpViewer::HelpViewer(QStringList candidates, QString cacheFolder, std::functio
     m_page = named(new HelpBrowser, u"page"_s);
     m_page->setAccessibleName(u"Page de l'aide"_s);
     m_tabs = named(new QTabWidget, u"tabs"_s);
+    ScreenReader::setRole(*m_tabs, QAccessible::Pane);
+    m_tabs->setAccessibleName(u"Onglets"_s);
     auto *splitter = new QSplitter;
     splitter->addWidget(m_tabs);
     splitter->addWidget(m_page);
@@ -83,6 +87,7 @@ void HelpViewer::buildToolBar()
 {
     QToolBar *const bar = addToolBar(u"Navigation"_s);
     bar->setMovable(false);
+    bar->findChild<QToolButton *>(u"qt_toolbar_ext_button"_s)->setAccessibleName(u"Autres boutons"_s);
     bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     const auto icon = [](const char *name) { return QIcon(u":/icons/"_s + QLatin1String(name) + u".svg"_s); };
     QAction *const back = bar->addAction(icon("precedent"), u"Précédent"_s, m_page, &HelpBrowser::backward);
@@ -124,6 +129,7 @@ QWidget *HelpViewer::buildIndexPane()
     filter->setPlaceholderText(u"Mot cherché"_s);
     filter->setAccessibleName(u"Mot cherché"_s);
     filter->setClearButtonEnabled(true);
+    filter->findChild<QToolButton *>()->setAccessibleName(u"Effacer"_s);
     QHelpIndexWidget *const index = named(m_engine->indexWidget(), u"index"_s);
     index->setAccessibleName(u"Index"_s);
     auto *column = new QVBoxLayout(pane);

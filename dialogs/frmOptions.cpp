@@ -11,6 +11,7 @@
 #include "platform/Numbers.h"
 #include "platform/RunTimeError.h"
 
+#include <QAbstractItemView>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFocusEvent>
@@ -60,6 +61,7 @@ QWidget *frmOptions::buildGeneralPage()
     auto *page = named(new QWidget, u"picGeneral"_s);
     m_chkDemWin = checkBox(u"chkDemWin"_s, u"Lancer Quillwire au démarrage de Windows"_s);
     m_cmbMode = named(new QComboBox, u"cmbMode"_s);
+    m_cmbMode->view()->setAccessibleName(u"Choix"_s);
     m_cmbMode->addItems({u"Plein écran"_s, u"Minimisé"_s});
     m_lblMode = named(label(u"En mode"_s, m_cmbMode), u"lblMode"_s);
     auto *grid = new QGridLayout(page);

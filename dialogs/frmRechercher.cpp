@@ -9,6 +9,7 @@
 #include "exchange/SearchAddress.h"
 #include "platform/Literals.h"
 
+#include <QAbstractItemView>
 #include <QButtonGroup>
 #include <QComboBox>
 #include <QGridLayout>
@@ -58,6 +59,7 @@ template <class Table>
 QComboBox *comboBox(const QString &name, const Table &table)
 {
     auto *box = named(new QComboBox, name);
+    box->view()->setAccessibleName(u"Choix"_s);
     for (const Choice &choice : table)
         box->addItem(choice.text, choice.code);
     return box;

@@ -112,7 +112,7 @@ void UpdateScheduler::handleUpdateTick()
         keys = m_surroundings.tables.updatettl.Keys(); // entries may have come or changed places during the waits
     }
     if (ownWalk)
-        endWalk();
+        endWalk(false);
     start(false);
 }
 
@@ -147,11 +147,11 @@ void UpdateScheduler::goOnWithWalk()
     Q_EMIT walkReached(m_walkPlace, m_walkCount);
 }
 
-void UpdateScheduler::endWalk()
+void UpdateScheduler::endWalk(bool asked)
 {
     m_walkCount = 0;
     if (!m_stopped)
-        Q_EMIT walkEnded();
+        Q_EMIT walkEnded(asked);
 }
 
 void UpdateScheduler::waitForUpdate()
@@ -189,7 +189,7 @@ void UpdateScheduler::updateFolder(const FeedNodePtr &node)
         place = placeAfter(child, folder->children(), place);
     }
     if (ownWalk)
-        endWalk();
+        endWalk(true);
 }
 
 void UpdateScheduler::updateFeed(const FeedNodePtr &node)

@@ -105,7 +105,8 @@ Q_SIGNALS:
     /// A walk over several feeds (all, those of a folder, those that are due) has come to its `place`th of `count`.
     /// What is added or deleted meanwhile may make the count a little wrong; the place never exceeds it.
     void walkReached(int place, int count);
-    void walkEnded();
+    /// `asked` is false where it went to the feeds that were due.
+    void walkEnded(bool asked);
 
 private:
     void handleDownloadProgress(double percent);
@@ -120,7 +121,7 @@ private:
     int dueFeeds() const;
     bool beginWalk(int count);
     void goOnWithWalk();
-    void endWalk();
+    void endWalk(bool asked);
 
     Surroundings m_surroundings;
     QTimer m_timUpdate{this};

@@ -3,6 +3,7 @@
 #include "reading/BrowserPane.h"
 
 #include "controls/FileDialogs.h"
+#include "controls/ScreenReader.h"
 #include "platform/Literals.h"
 #include "reading/WebModule.h"
 
@@ -85,6 +86,7 @@ WebPane::Events BrowserPane::Private::eventsOf(BrowserPane &pane)
 BrowserPane::BrowserPane(DataDirectory directory, Messages &messages, QWidget *parent)
     : QWidget(parent), d(new Private{std::move(directory), messages})
 {
+    ScreenReader::setRole(*this, QAccessible::Pane);
     setAccessibleName(u"Page"_s);
     setFocusPolicy(Qt::StrongFocus);
     auto *room = new QVBoxLayout(this);

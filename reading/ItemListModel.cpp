@@ -123,7 +123,7 @@ void ItemListModel::setRead(int row, bool read)
         return;
     m_rows[static_cast<std::size_t>(row)].read = read;
     Q_EMIT dataChanged(index(row, 0), index(row, itemColumnCount - 1),
-                       {Qt::FontRole, Qt::DecorationRole, Qt::AccessibleTextRole});
+                       {Qt::FontRole, Qt::DecorationRole, Qt::AccessibleTextRole, Qt::AccessibleDescriptionRole});
 }
 
 bool ItemListModel::isShownRead(int row) const
@@ -233,21 +233,28 @@ QVariant ItemListModel::data(const QModelIndex &index, int role) const
         return {};
     const Row &row = m_rows[static_cast<std::size_t>(index.row())];
     const auto column = static_cast<ItemColumn>(index.column());
+    const bool isMark = column == ItemColumn::Read;
+    const auto state = [&row] { return row.read ? u"Lu"_s : u"Non lu"_s; };
     switch (role) {
     case Qt::DisplayRole:
         return text(row, column);
     case Qt::FontRole:
         return row.read ? m_readFont : m_unreadFont;
     case Qt::DecorationRole:
-        if (column == ItemColumn::Read)
+        if (isMark)
             return ImageLists::vbalImageList1().icon(row.read ? readIcon : unreadIcon);
         return {};
     case ReadRole:
         return row.read;
     case Qt::ToolTipRole:
+        return isMark ? state() : QVariant();
+    case Qt::AccessibleDescriptionRole: // which screen readers say after the row, where the mark itself isn't in it
+        return m_markShown ? QVariant() : state();
     case Qt::AccessibleTextRole:
-        if (column == ItemColumn::Read)
-            return row.read ? u"Lu"_s : u"Non lu"_s;
+        if (isMark)
+            return state();
+        if (text(row, column).trimmed().isEmpty())
+            return QString(u"Sans "_s + headerData(index.column(), Qt::Horizontal, role).toString().toLower());
         return {};
     default:
         return {};

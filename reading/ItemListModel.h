@@ -43,6 +43,9 @@ public:
     void setRead(int row, bool read);
     bool isShownRead(int row) const;
 
+    /// Whether the column with the marks is shown. Where it isn't screen readers are told the marks with each cell.
+    void setMarkShown(bool shown) { m_markShown = shown; }
+
     void removeRow(int row);
 
     /// Sorts the rows by a column's text, or by date for the two date columns; equal rows keep their order. Texts sort
@@ -66,6 +69,7 @@ private:
     Choice<DateReader> m_dates;
     std::vector<Row> m_rows;
     std::array<QIcon, itemColumnCount> m_headerIcons;
+    bool m_markShown = true;
     QFont m_readFont;
     QFont m_unreadFont;
 };

@@ -5,6 +5,7 @@
 #include "controls/CaptionHeader.h"
 #include "controls/CutTips.h"
 #include "controls/ImageList.h"
+#include "controls/ScreenReader.h"
 #include "platform/Literals.h"
 #include "reading/ItemDelegate.h"
 
@@ -13,7 +14,9 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 
+#include <algorithm>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -80,6 +83,8 @@ void ItemListView::setColumnWidthTwips(int column, double twips)
     const double pixels = twips / m_scale.twipsPerPixelX;
     const bool shown = pixels >= 0.5;
     setColumnHidden(column - 1, !shown);
+    if (static_cast<ItemColumn>(column - 1) == ItemColumn::Read)
+        m_items.setMarkShown(shown);
     if (shown)
         setColumnWidth(column - 1, qRound(qMin(pixels, widestColumn)));
 }
@@ -132,6 +137,10 @@ void ItemListView::mouseDoubleClickEvent(QMouseEvent *event)
 
 void ItemListView::keyPressEvent(QKeyEvent *event)
 {
+    if (event->key() == Qt::Key_T && (event->modifiers() & ~Qt::ShiftModifier) == Qt::ControlModifier) {
+        sortByKey(event->modifiers().testFlag(Qt::ShiftModifier));
+        return;
+    }
     if (selectedRow() >= 0) {
         if (event->key() == Qt::Key_Delete) {
             event->accept();
@@ -151,10 +160,29 @@ void ItemListView::contextMenuEvent(QContextMenuEvent *event)
     event->accept();
     if (event->reason() == QContextMenuEvent::Mouse)
         return; // the press has done it
-    if (selectedRow() >= 0)
+    if (selectedRow() >= 0) {
+        Q_EMIT clickedWithSelection();
         Q_EMIT rowClicked(selectedRow(), 1, Qt::RightButton);
-    else
+    } else
         Q_EMIT rightClickedWithoutSelection();
+}
+
+void ItemListView::sortByKey(bool sameColumn)
+{
+    std::vector<int> shown;
+    for (int section = 0; section < itemColumnCount; ++section)
+        if (!isColumnHidden(section))
+            shown.push_back(section);
+    if (shown.empty())
+        return;
+    auto place = std::find(shown.begin(), shown.end(), m_arrowColumn - 1);
+    if (place != shown.end() && !sameColumn)
+        ++place;
+    const int section = place == shown.end() ? shown.front() : *place;
+    handleHeaderClicked(section);
+    const QString column = m_items.headerData(section, Qt::Horizontal, Qt::AccessibleTextRole).toString();
+    const bool rises = m_order[static_cast<std::size_t>(m_arrowColumn)] == ascending;
+    ScreenReader::announce(*window(), u"Tri par "_s + column + (rises ? u", croissant"_s : u", décroissant"_s));
 }
 
 void ItemListView::handleHeaderClicked(int section)

@@ -42,7 +42,7 @@ Q_SIGNALS:
     /// counts as the right button on column 1 of the selected row.
     void rowClicked(int row, int column, Qt::MouseButton button);
 
-    /// The mouse was pressed with a row selected (before rowClicked).
+    /// The mouse, or the menu key, was pressed with a row selected (before rowClicked).
     void clickedWithSelection();
 
     /// The right button was pressed with no row selected, on the header too.
@@ -61,6 +61,9 @@ protected:
     void contextMenuEvent(QContextMenuEvent *event) override;
 
 private:
+    /// Steps the order of the sorted column, or sorts by the next one that is shown. By keyboard that is Ctrl+Shift+T
+    /// and Ctrl+T.
+    void sortByKey(bool sameColumn);
     void handleHeaderClicked(int section);
     void handleHeaderMenuRequested();
 

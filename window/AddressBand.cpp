@@ -3,6 +3,7 @@
 #include "window/AddressBand.h"
 
 #include "controls/PictureButton.h"
+#include "controls/ScreenReader.h"
 #include "platform/Literals.h"
 
 #include <QHBoxLayout>
@@ -13,6 +14,8 @@ AddressBand::AddressBand(Choice<AddressForms> addresses, QWidget *parent)
       m_Image1(new PictureButton(u"ouvrir-fichier"_s, u"Ouvrir un fichier RSS"_s, this))
 {
     setObjectName(u"fraToolbar"_s);
+    ScreenReader::setRole(*this, QAccessible::Grouping);
+    setAccessibleName(u"Barre d'adresse"_s);
     auto *label = new QLabel(u"URL :"_s, this);
     label->setObjectName(u"Label1"_s);
     label->setBuddy(m_txtURL);

@@ -4,6 +4,7 @@
 
 #include "controls/CutTips.h"
 #include "controls/ImageList.h"
+#include "controls/ScreenReader.h"
 #include "platform/Literals.h"
 
 #include <QApplication>
@@ -13,6 +14,8 @@
 #include <QPainter>
 #include <QStyledItemDelegate>
 #include <QTimer>
+
+#include <utility>
 
 namespace {
 
@@ -180,8 +183,27 @@ void FeedTreeView::keyPressEvent(QKeyEvent *event)
         if (node)
             Q_EMIT arrowKeyTo(node);
     }
+    if (event->matches(QKeySequence::Cut)) {
+        m_cutNode = selected && selected->image() == NodeImage::Feed ? selected : nullptr;
+        if (m_cutNode)
+            ScreenReader::announce(*window(), u"Ctrl+V déplace "_s + m_cutNode->text());
+        return;
+    }
+    if (event->matches(QKeySequence::Paste)) {
+        pasteNode();
+        return;
+    }
     makeSelectedCurrent();
     QTreeView::keyPressEvent(event);
+}
+
+/// A drag without the mouse.
+void FeedTreeView::pasteNode()
+{
+    if (!m_cutNode)
+        return;
+    m_draggedNode = std::exchange(m_cutNode, nullptr);
+    Q_EMIT nodeDropped(m_state.selected(), true);
 }
 
 void FeedTreeView::startNodeDrag()

@@ -37,7 +37,8 @@ Q_SIGNALS:
     /// Up or Down, before the selection moves to `node`.
     void arrowKeyTo(const FeedNodePtr &node);
 
-    /// The dragged node was dropped on `target` (null: on no node); `insertAbove` when in its upper half.
+    /// The dragged node was dropped on `target` (null: on no node); `insertAbove` when in its upper half. By keyboard a
+    /// feed is cut (Ctrl+X), and pasted (Ctrl+V) above the selected one or into the selected folder.
     void nodeDropped(const FeedNodePtr &target, bool insertAbove);
 
 protected:
@@ -60,6 +61,7 @@ private:
     FeedNodePtr nodeAt(const QPoint &position) const;
     bool carriesDraggedNode(const QMimeData &carried) const;
     void startNodeDrag();
+    void pasteNode();
     void makeSelectedCurrent();
     void handleBringIntoView(const FeedNodePtr &node);
     void handleTreeSelection(const FeedNodePtr &node);
@@ -69,6 +71,7 @@ private:
     FeedTreeState &m_state;
     QPersistentModelIndex m_wantedInView;
     FeedNodePtr m_draggedNode;
+    FeedNodePtr m_cutNode;             ///< the next one to be pasted
     std::optional<QPoint> m_pressedAt; ///< of a left press over a node, until its release or drag
     NodeDrop m_drop;
 };

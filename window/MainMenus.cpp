@@ -115,6 +115,10 @@ MainMenus::MainMenus(QWidget *form, QWidget *tree, const AppSettings &settings)
 {
     for (cPopupMenu *menu : {&mnuPopUpListView, &mnuTreeView, &mnuAttachment})
         menu->setImageList(&ImageLists::vbalImageList3());
+    mnuPopUpListView.setName(u"Message"_s);
+    mnuPopUpListViewHeader.setName(u"Colonnes"_s);
+    mnuTreeView.setName(u"Favori"_s);
+    mnuAttachment.setName(u"Pièces jointes"_s);
     fill(m_cMenu, menuBar);
     fill(mnuPopUpListView, listMenu);
     fill(mnuTreeView, treeMenu);

@@ -2,7 +2,8 @@
 
 #include "window/SplitBar.h"
 
-#include <QAccessibleWidget>
+#include "controls/ScreenReader.h"
+
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -10,46 +11,14 @@
 
 #include <algorithm>
 
-namespace {
-
-class AccessibleSplitBar final : public QAccessibleWidget, public QAccessibleValueInterface
-{
-public:
-    explicit AccessibleSplitBar(SplitBar *bar) : QAccessibleWidget(bar, QAccessible::Splitter) {}
-
-    void *interface_cast(QAccessible::InterfaceType type) override
-    {
-        if (type == QAccessible::ValueInterface)
-            return static_cast<QAccessibleValueInterface *>(this);
-        return QAccessibleWidget::interface_cast(type);
-    }
-    QVariant currentValue() const override { return bar().position(); }
-    void setCurrentValue(const QVariant &value) override { bar().moveAndRelease(value.toInt()); }
-    QVariant minimumValue() const override { return bar().lowest(); }
-    QVariant maximumValue() const override { return bar().highest(); }
-    QVariant minimumStepSize() const override { return SplitBar::keyStep; }
-
-private:
-    SplitBar &bar() const { return *static_cast<SplitBar *>(widget()); }
-};
-
-QAccessibleInterface *makeAccessible(const QString &, QObject *object)
-{
-    auto *bar = qobject_cast<SplitBar *>(object);
-    return bar ? new AccessibleSplitBar(bar) : nullptr;
-}
-
-} // namespace
-
 SplitBar::SplitBar(Qt::Orientation moves, ScreenScale scale, std::function<SplitBounds()> bounds, QWidget *parent)
     : QWidget(parent), m_moves(moves), m_scale(scale), m_bounds(std::move(bounds))
 {
     setCursor(moves == Qt::Horizontal ? Qt::SplitHCursor : Qt::SplitVCursor);
     setFocusPolicy(Qt::TabFocus);
-    [[maybe_unused]] static const bool isKnown = [] {
-        QAccessible::installFactory(makeAccessible);
-        return true;
-    }();
+    ScreenReader::setRole(*this, QAccessible::Splitter,
+                          {[this] { return position(); }, [this] { return lowest(); }, [this] { return highest(); },
+                           [this](int pixels) { moveAndRelease(pixels); }, keyStep});
 }
 
 double SplitBar::twipsPerPixel() const
@@ -137,6 +106,5 @@ void SplitBar::keyPressEvent(QKeyEvent *event)
 
 void SplitBar::moveEvent(QMoveEvent *)
 {
-    QAccessibleValueChangeEvent moved(this, position());
-    QAccessible::updateAccessibility(&moved);
+    ScreenReader::tellValue(*this, position());
 }

@@ -3,6 +3,8 @@
 #include "window/UpdateDisplay.h"
 
 #include "controls/ProgressBar.h"
+#include "controls/ScreenReader.h"
+#include "controls/StatusBar.h"
 #include "controls/cToolbar.h"
 #include "engine/UpdateScheduler.h"
 #include "platform/Literals.h"
@@ -11,6 +13,8 @@
 #include "window/MainFrame.h"
 #include "window/MainToolbar.h"
 #include "window/frmUpdate.h"
+
+#include <utility>
 
 UpdateDisplay::UpdateDisplay(Parts parts, QObject *parent) : QObject(parent), m_parts(parts)
 {
@@ -27,10 +31,12 @@ UpdateDisplay::UpdateDisplay(Parts parts, QObject *parent) : QObject(parent), m_
     connect(&scheduler, &UpdateScheduler::allBegan, this, [this] { enableUpdateButton(false); });
     connect(&scheduler, &UpdateScheduler::allEnded, this, [this] { enableUpdateButton(true); });
     connect(&scheduler, &UpdateScheduler::walkReached, this, [this](int place, int count) {
+        if (!std::exchange(m_walks, true))
+            m_newInWalk = 0;
         if (count > 1)
             m_parts.frame.setCountText(QString::number(place) + u" / "_s + QString::number(count));
     });
-    connect(&scheduler, &UpdateScheduler::walkEnded, this, [this] { m_parts.frame.setCountText({}); });
+    connect(&scheduler, &UpdateScheduler::walkEnded, this, &UpdateDisplay::handleWalkEnded);
 }
 
 UpdateDisplay::~UpdateDisplay() = default;
@@ -73,7 +79,21 @@ void UpdateDisplay::handleEnded(const FeedNodePtr &node, qint16 newItems)
 {
     if (!m_parts.scheduler.updateAllRunning())
         enableUpdateButton(true);
-    m_parts.frame.setStatusText(u"Mise à jour de "_s + node->text() + u" terminée ("_s + QString::number(newItems) +
-                                u" nouveaux messages)"_s +
-                                (std::exchange(m_isRepaired, false) ? u", flux réparé"_s : QString()));
+    const QString text =
+        u"Mise à jour de "_s + node->text() + u" terminée ("_s + QString::number(newItems) + u" nouveaux messages)"_s +
+        (std::exchange(m_isRepaired, false) ? u", flux réparé"_s : QString());
+    m_parts.frame.setStatusText(text);
+    m_newInWalk += newItems;
+    if (!m_walks)
+        ScreenReader::announce(*m_parts.frame.stabPrinc, text);
+}
+
+void UpdateDisplay::handleWalkEnded(bool asked)
+{
+    m_parts.frame.setCountText({});
+    m_walks = false;
+    // The feeds that are due come round every minute; who hears the screen has the popup for what they bring.
+    if (asked)
+        ScreenReader::announce(*m_parts.frame.stabPrinc,
+                               u"Mise à jour terminée ("_s + QString::number(m_newInWalk) + u" nouveaux messages)"_s);
 }

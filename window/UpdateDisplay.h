@@ -16,8 +16,8 @@ class UpdateScheduler;
 class frmUpdate;
 struct AppSettings;
 
-/// What the user sees of the updates: the button, the status text, the progress bar, the list that is filled anew, and
-/// the popup.
+/// What the user sees of the updates: the button, the status text, the progress bar, the list that is filled anew, the
+/// popup, and what screen readers say at the end.
 class UpdateDisplay : public QObject
 {
     Q_OBJECT
@@ -44,8 +44,11 @@ private:
     void handleEnded(const FeedNodePtr &node, qint16 newItems);
     void handleNewItems(const QString &title, qint16 count);
     void handleReloaded(qint16 newItems);
+    void handleWalkEnded(bool asked);
 
     Parts m_parts;
+    bool m_walks = false;                   ///< several feeds are updated one after the other
+    int m_newInWalk = 0;                    ///< new items so far
     std::unique_ptr<frmUpdate> m_frmUpdate; ///< made for the first announcement
     bool m_isRepaired = false;              ///< the feed whose update runs
 };

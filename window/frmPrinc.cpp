@@ -2,6 +2,7 @@
 
 #include "window/frmPrinc.h"
 
+#include "controls/ScreenReader.h"
 #include "engine/AddFeed.h"
 #include "engine/CurrentFeed.h"
 #include "platform/Literals.h"
@@ -32,6 +33,7 @@ frmPrinc::frmPrinc(const LongLived &longLived, Desktop desktop, Dialogs::Outside
       m_updateDisplay({*this, m_longLived.scheduler, m_longLived.settings, m_frame, m_reading.pane()}),
       m_treeCommands(treeCommandParts()), m_keys(*this, m_frame.panes())
 {
+    ScreenReader::setRole(*this, QAccessible::Window);
     setWindowTitle(u"Quillwire"_s);
     setWindowIcon(QIcon(u":/icons/quillwire.svg"_s));
 }

@@ -2,16 +2,19 @@
 
 #include "window/frmUpdate.h"
 
+#include "controls/ScreenReader.h"
 #include "controls/Twips.h"
 #include "platform/Literals.h"
 #include "window/InfoLabel.h"
 #include "window/ReducedMotion.h"
 #include "window/TaskBar.h"
 
-#include <QAccessibleWidget>
+#include <QAccessible>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QPainter>
 #include <QToolButton>
+#include <QWindow>
 
 #include <cmath>
 #include <limits>
@@ -31,19 +34,6 @@ constexpr int titleBarHeight = 270;
 const QColor background(0xFF, 0xFF, 0xC0);
 const QColor titleColour(0xF0, 0xE0, 0x90);
 const QColor textColour(0x20, 0x20, 0x20);
-
-/// What a screen reader announces by itself when it appears.
-class AccessiblePopup final : public QAccessibleWidget
-{
-public:
-    explicit AccessiblePopup(QWidget *popup) : QAccessibleWidget(popup, QAccessible::AlertMessage) {}
-};
-
-QAccessibleInterface *makeAccessible(const QString &, QObject *object)
-{
-    auto *popup = qobject_cast<frmUpdate *>(object);
-    return popup ? new AccessiblePopup(popup) : nullptr;
-}
 
 } // namespace
 
@@ -79,10 +69,7 @@ frmUpdate::frmUpdate(FindWorkArea findWorkArea, const AppSettings &settings, std
     timHide.setTimerType(Qt::PreciseTimer);
     connect(&timShow, &QTimer::timeout, this, &frmUpdate::handleShowTick);
     connect(&timHide, &QTimer::timeout, this, &frmUpdate::handleHideTick);
-    [[maybe_unused]] static const bool isKnown = [] {
-        QAccessible::installFactory(makeAccessible);
-        return true;
-    }();
+    ScreenReader::setRole(*this, QAccessible::Notification); // spoken when it comes up
 }
 
 frmUpdate::~frmUpdate() = default;
@@ -91,9 +78,11 @@ frmUpdate::FindWorkArea frmUpdate::workAreaOf(QWidget *window)
 {
     return [window] {
         const QScreen *screen = window->screen();
-        return WorkArea{screen->availableGeometry(),
-                        {Twips::perPixelX(screen), Twips::perPixelY(screen)},
-                        desktopReducesMotion(*window)};
+        const ScreenScale scale{Twips::perPixelX(screen), Twips::perPixelY(screen)};
+        const bool isPlacedByTheDesktop = QGuiApplication::platformName().startsWith(u"wayland"_s);
+        if (isPlacedByTheDesktop && window->isVisible() && !window->isMinimized())
+            return WorkArea{QRect(window->mapToGlobal(QPoint()), window->size()), scale, true, window};
+        return WorkArea{screen->availableGeometry(), scale, isPlacedByTheDesktop || desktopReducesMotion(*window)};
     };
 }
 
@@ -195,7 +184,8 @@ void frmUpdate::announce()
 {
     leaveOutOfTaskBar(*this);
     show();
-    QAccessibleEvent alert(this, QAccessible::Alert);
+    const bool isTold = windowType() != Qt::ToolTip; // by Qt, when the window comes up
+    QAccessibleEvent alert(this, isTold ? QAccessible::Alert : QAccessible::ObjectShow);
     QAccessible::updateAccessibility(&alert);
 }
 
@@ -208,6 +198,7 @@ void frmUpdate::setCaption(const QString &text)
 void frmUpdate::placeWindow()
 {
     const WorkArea area = m_findWorkArea();
+    bindTo(area.owner);
     m_scale = area.scale;
     const double right = (area.pixels.left() + area.pixels.width()) * m_scale.twipsPerPixelX;
     const double bottom = (area.pixels.top() + area.pixels.height()) * m_scale.twipsPerPixelY;
@@ -216,6 +207,16 @@ void frmUpdate::placeWindow()
     if (area.withoutMotion)
         m_place.setTop(m_place.top() - (lastHeight - firstHeight));
     applyPlace();
+}
+
+/// A window that is bound to another must be a tip: the desktop places it beside that one, and gives it no focus.
+void frmUpdate::bindTo(QWidget *owner)
+{
+    const Qt::WindowType type = owner ? Qt::ToolTip : Qt::Tool;
+    if (windowType() != type) // this hides it
+        setWindowFlags((windowFlags() & ~Qt::WindowType_Mask) | type);
+    create();
+    windowHandle()->setTransientParent(owner ? owner->windowHandle() : nullptr);
 }
 
 void frmUpdate::applyPlace()

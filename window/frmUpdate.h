@@ -22,12 +22,14 @@ class frmUpdate : public QWidget
 
 public:
     /// The work area of the screen that the main window is on, in pixels, that screen's scale, and whether the popup is
-    /// to stand there at once instead of sliding up.
+    /// to stand there at once instead of sliding up. Where a desktop gives windows no place of their own (Wayland), the
+    /// area is that of the main window, to which the popup is then bound.
     struct WorkArea
     {
         QRect pixels;
         ScreenScale scale;
         bool withoutMotion = false;
+        QWidget *owner = nullptr; ///< the window to which the popup is bound; null for none
     };
     using FindWorkArea = std::function<WorkArea()>;
 
@@ -69,6 +71,7 @@ private:
     int pixelsY(int twips) const;
     void setCaption(const QString &text);
     void placeWindow();
+    void bindTo(QWidget *owner);
     void applyPlace();
 
     FindWorkArea m_findWorkArea;

@@ -97,6 +97,9 @@ void EngineView::connectPage()
     });
     QObject::connect(m_page, &QWebEnginePage::loadFinished, &m_context, [this] {
         m_loading = false;
+        // The child in which the engine draws takes the focus, and comes anew with each process.
+        if (QWidget *const drawing = m_view->focusProxy())
+            drawing->setAccessibleName(m_view->accessibleName());
         m_events.documentComplete();
     });
     QObject::connect(m_page->action(QWebEnginePage::Forward), &QAction::enabledChanged, &m_context,

@@ -6,19 +6,23 @@
 #include "controls/FrenchTexts.h"
 #include "controls/MessageBoxes.h"
 #include "controls/cPopupMenu.h"
+#include "tests/fixtures/AccessibleTree.h"
 #include "tests/fixtures/Eventually.h"
 #include "tests/fixtures/Golden.h"
 
 #include <QAbstractButton>
 #include <QApplication>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QFileDialog>
+#include <QGroupBox>
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QStyleFactory>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -94,6 +98,35 @@ private Q_SLOTS:
         }
     }
 
+    void bordersAreSeenWhereAllIsBlack()
+    {
+        QPalette black(Qt::white, Qt::black, Qt::black, Qt::black, Qt::black, Qt::white, Qt::white, Qt::black,
+                       Qt::black);
+        DialogStyle framing(u"fusion"_s);
+        framing.polish(black);
+        const std::unique_ptr<QStyle> plain(QStyleFactory::create(u"fusion"_s));
+        QPushButton button, off;
+        QLineEdit line;
+        QComboBox list;
+        QTreeWidget tree;
+        QGroupBox group;
+        off.setEnabled(false);
+        for (QWidget *widget : std::initializer_list<QWidget *>{&button, &off, &line, &list, &tree, &group}) {
+            const auto drawn = [widget](QStyle &style, const QPalette &palette) {
+                widget->setStyle(&style);
+                widget->setPalette(palette);
+                return widget->grab(QRect(0, 0, 60, 60)).toImage();
+            };
+            const QPalette usual = plain->standardPalette();
+            QCOMPARE(drawn(framing, usual), drawn(*plain, usual));
+            const QImage framed = drawn(framing, black);
+            const QColor ink =
+                black.color(widget->isEnabled() ? QPalette::Active : QPalette::Disabled, QPalette::WindowText);
+            QVERIFY2(framed.pixelColor(0, qMin(50, widget->height() / 2)) == ink, widget->metaObject()->className());
+            QVERIFY(ink.lightness() > 100);
+        }
+    }
+
     void whatTheyAskIsFrench()
     {
         FrenchTexts::install(*qApp);
@@ -112,6 +145,7 @@ private Q_SLOTS:
             files(data, false, [] { return FileDialogs::askOpenFile(nullptr, u"T"_s, {}); }) +
             files(data, true,
                   [&data] { return FileDialogs::askSaveFile(nullptr, u"T"_s, {}, data.filePath(u"c.opml"_s)); });
+        QVERIFY2(AccessibleTree::flaws(told).isEmpty(), qPrintable(AccessibleTree::flaws(told)));
         QCOMPARE(differenceFromGolden(u"boxes.txt"_s, told), QString());
     }
 
@@ -129,6 +163,7 @@ private:
                        .arg(box->textInteractionFlags());
             for (const QAbstractButton *button : box->buttons())
                 told += u" | "_s + button->text();
+            told += u'\n' + AccessibleTree::of(box);
             QTest::keyClick(box, key);
         });
         const Messages::Answer answer = MessageBoxes().show(message);

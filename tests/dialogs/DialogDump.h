@@ -6,7 +6,6 @@
 #include "platform/Literals.h"
 
 #include <QAbstractButton>
-#include <QAccessible>
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
@@ -106,12 +105,9 @@ inline QStringList traitsOf(QWidget &widget)
 
 inline QString told(QWidget &widget, const QWidget &window)
 {
-    const bool takesKeys = (widget.focusPolicy() & Qt::TabFocus) && !widget.focusProxy();
-    const QString name = QAccessible::queryAccessibleInterface(&widget)->text(QAccessible::Name).simplified();
-    QStringList parts = QStringList(name) + traitsOf(widget) + sizesOf(widget);
+    QStringList parts = traitsOf(widget) + sizesOf(widget);
     parts += {widget.isEnabledTo(&window) ? QString() : u"disabled"_s, widget.isHidden() ? u"hidden"_s : QString(),
               widget.cursor().shape() == Qt::PointingHandCursor ? u"hand"_s : QString(),
-              takesKeys && name.isEmpty() && !widget.inherits("QTabBar") ? u"NAMELESS"_s : QString(),
               widget.focusPolicy() == Qt::ClickFocus ? u"not by Tab"_s : QString()};
     parts.removeAll(QString());
     parts.removeDuplicates();
@@ -192,7 +188,8 @@ inline QString told(QWidget &window)
             order += nameOf(*next);
     lines += u"Tab: "_s + order.join(u", "_s) + u'\n';
     for (const QWidget *const widget : widgets)
-        if (widget->layout() && !widget->objectName().startsWith(u"qt_"_s) && !widget->inherits("QToolBar"))
+        if (widget->layout() && !widget->objectName().startsWith(u"qt_"_s) && !widget->inherits("QToolBar") &&
+            !widget->inherits("QComboBoxPrivateContainer"))
             lines += u"in "_s + nameOf(*widget) + u'\n' + told(*widget->layout(), u"  "_s, u"  "_s);
     return lines +
            (window.layout() && !window.inherits("QMainWindow") ? told(*window.layout(), QString(), QString())

@@ -20,6 +20,7 @@
 #include "platform/net/SmtpMail.h"
 #include "support/clsDES.h"
 #include "tests/dialogs/DialogDump.h"
+#include "tests/fixtures/AccessibleTree.h"
 #include "tests/fixtures/FakeDownloader.h"
 #include "tests/fixtures/FakeMessages.h"
 #include "tests/fixtures/LocalSmtpServer.h"
@@ -422,17 +423,20 @@ private Q_SLOTS:
         QCOMPARE(steps.differenceFrom(u"steps/"_s + dialog + u".txt"_s), QString());
     }
 
-    /// Its controls and their places stand in data/controls.txt, a line each.
+    /// Its controls and their places stand in data/controls.txt, a line each; what a screen reader is told of them in
+    /// data/accessible.txt.
     void everyControlIsAsInTheTable()
     {
         for (const double scale : {1.0, 1.5, 2.0}) {
             setFontScale(scale);
             QString all;
+            QString spoken;
             for (const char *const name : {"frmImport", "frmExport", "frmRechercher", "frmProprietes", "frmOptions",
                                            "frmSendMail", "frmAuthentification", "frmAbout", "frmExtensions"}) {
                 open(QString::fromLatin1(name), {{u"user"_s, u"moi"_s}, {u"tab"_s, u"1"_s}, {u"entry"_s, u"2"_s}});
                 all += DialogDump::told(*m_form);
                 m_form->show();
+                spoken += AccessibleTree::of(m_form.get());
                 auto *const tabs = m_form->findChild<QTabWidget *>();
                 auto *const pages = m_form->findChild<QStackedLayout *>();
                 for (int page = 0; page < 5; ++page) { // none has more
@@ -442,6 +446,8 @@ private Q_SLOTS:
                 }
             }
             QCOMPARE(differenceFromGolden(u"controls.txt"_s, all), QString());
+            QVERIFY2(AccessibleTree::flaws(spoken).isEmpty(), qPrintable(AccessibleTree::flaws(spoken)));
+            QCOMPARE(differenceFromGolden(u"accessible.txt"_s, spoken), QString());
         }
         setFontScale(1);
     }

@@ -6,6 +6,7 @@
 #include "platform/Files.h"
 #include "platform/Literals.h"
 #include "tests/dialogs/DialogDump.h"
+#include "tests/fixtures/AccessibleTree.h"
 #include "tests/fixtures/Eventually.h"
 #include "tests/fixtures/Steps.h"
 #include "tests/fixtures/WidgetUser.h"
@@ -103,7 +104,9 @@ private Q_SLOTS:
     {
         CHelp(*m_viewer).Show(asked(), u"W1"_s);
         QTRY_VERIFY(find<QHelpContentWidget>("contents")->model()->rowCount() > 0);
-        QCOMPARE(differenceFromGolden(u"help.txt"_s, DialogDump::told(*m_viewer)), QString());
+        const QString spoken = AccessibleTree::of(m_viewer.get());
+        QVERIFY2(AccessibleTree::flaws(spoken).isEmpty(), qPrintable(AccessibleTree::flaws(spoken)));
+        QCOMPARE(differenceFromGolden(u"help.txt"_s, DialogDump::told(*m_viewer) + spoken), QString());
         const auto *splitter = m_viewer->findChild<QSplitter *>();
         QVERIFY(splitter->sizes()[0] < splitter->sizes()[1] && !splitter->childrenCollapsible());
         const QSize room = m_viewer->screen()->availableSize();

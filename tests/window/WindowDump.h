@@ -117,7 +117,8 @@ inline void addWidget(QStringList &lines, const QWidget &widget, const QString &
     if (widget.inherits("QAbstractScrollArea") || widget.inherits("QMenuBar") || widget.inherits("QLineEdit"))
         return; // Qt's own parts
     for (const QObject *child : widget.children())
-        if (const auto *part = qobject_cast<const QWidget *>(child); part && !part->isWindow())
+        if (const auto *part = qobject_cast<const QWidget *>(child);
+            part && !part->isWindow() && part->objectName() != u"announcement")
             addWidget(lines, *part, indent + u"  "_s);
 }
 

@@ -11,6 +11,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QToolButton>
+#include <QWindow>
 
 #include <limits>
 
@@ -37,6 +38,7 @@ struct Fixture
     {
         settings.soundPath = u"/notify.wav"_s;
         popup.timShow.setInterval(60000); // the test makes the ticks
+        (void)owner.winId();
     }
 
     void slideToTheEnd()
@@ -53,7 +55,10 @@ struct Fixture
         if (words[0] == u"message")
             popup.addMessageToQueue(words.mid(2).join(u' '), qint16(is(1)));
         else if (words[0] == u"area") // asked for with the next message
-            area = {QRect(is(1), is(2), is(3), is(4)), {1440.0 / is(5), 1440.0 / is(6)}, words.contains(u"still"_s)};
+            area = {QRect(is(1), is(2), is(3), is(4)),
+                    {1440.0 / is(5), 1440.0 / is(6)},
+                    words.contains(u"still"_s),
+                    words.contains(u"bound"_s) ? &owner : nullptr};
         else if (words[0] == u"tick")
             popup.handleShowTick();
         else if (words[0] == u"slide")
@@ -66,8 +71,11 @@ struct Fixture
             popup.findChild<QToolButton *>()->click();
         else if (words[0] == u"look")
             return PaintLog::of(popup).split(u'\n', Qt::SkipEmptyParts);
+        const bool isBound = popup.windowHandle() && popup.windowHandle()->transientParent() == owner.windowHandle();
         log += u"%1, twips %2, pixels %3"_s.arg(popup.isVisible() ? u"shown"_s : u"hidden"_s,
                                                 text(popup.placeInTwips()), text(popup.geometry()));
+        if (isBound && popup.windowType() == Qt::ToolTip)
+            log.last() += u", bound"_s;
         for (const auto *part : popup.findChildren<QWidget *>())
             log.last() +=
                 u", "_s + QString::fromLatin1(part->metaObject()->className()) + u' ' + text(part->geometry());
@@ -82,6 +90,7 @@ struct Fixture
         return log;
     }
 
+    QWidget owner;
     AppSettings settings;
     QStringList log;
     frmUpdate::WorkArea area{QRect(0, 0, 800, 570), {}};
