@@ -79,9 +79,9 @@ void UpdateDisplay::handleEnded(const FeedNodePtr &node, qint16 newItems)
 {
     if (!m_parts.scheduler.updateAllRunning())
         enableUpdateButton(true);
-    const QString text =
-        u"Mise à jour de "_s + node->text() + u" terminée ("_s + QString::number(newItems) + u" nouveaux messages)"_s +
-        (std::exchange(m_isRepaired, false) ? u", flux réparé"_s : QString());
+    const QString text = u"Mise à jour de "_s + node->text() + u" terminée ("_s + QString::number(newItems) +
+                         u" nouveaux messages)"_s +
+                         (std::exchange(m_isRepaired, false) ? u", flux réparé"_s : QString());
     m_parts.frame.setStatusText(text);
     m_newInWalk += newItems;
     if (!m_walks)

@@ -202,9 +202,6 @@ void frmPrinc::openIcon()
         return;
     m_iconic = false;
     setWindowState(windowState() & ~Qt::WindowMinimized);
-    // Under Wayland a window can ask to be minimised, and not to come back; it does as a new one.
-    if (QGuiApplication::platformName().startsWith(u"wayland"_s))
-        hide();
     show();
 }
 
