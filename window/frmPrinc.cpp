@@ -6,6 +6,7 @@
 #include "engine/AddFeed.h"
 #include "engine/CurrentFeed.h"
 #include "platform/Literals.h"
+#include "reading/BrowserPane.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -133,6 +134,15 @@ void frmPrinc::importFile(const QString &path)
         m_frame.setStatusText(u"Fermez la fenêtre ouverte, puis ouvrez à nouveau : "_s + path);
     else
         m_dialogs.showImport(path);
+}
+
+/// Once more when the start page is there: it clears the bar while it comes.
+void frmPrinc::tell(const QString &text)
+{
+    m_frame.setStatusText(text);
+    connect(
+        m_frame.WebBrowser1, &BrowserPane::DocumentComplete, this, [this, text] { m_frame.setStatusText(text); },
+        static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
 }
 
 // --- The end

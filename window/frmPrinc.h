@@ -40,7 +40,7 @@ public:
     void hideToTray() override;
     void comeForward(const QByteArray &activationToken) override;
     void takeHandOver(const QString &text, const QByteArray &activationToken) override;
-    void tell(const QString &text) override { m_frame.setStatusText(text); }
+    void tell(const QString &text) override;
     void dismissPopup() override { m_updateDisplay.dismissPopup(); }
     QString takeBandLayout() override { return m_frame.takeBandLayout(); }
     WindowGeometry geometryInTwips() const override { return m_frame.geometryInTwips(); }
