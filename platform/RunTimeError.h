@@ -18,6 +18,7 @@
 /// - `RunAtStartup`: a step that fails is passed over, and the next one is taken;
 /// - `clsDES`, the operations on files: false, and the file stays as it was;
 /// - `FeedReading`: a document that could not be saved is none;
+/// - `frmExtensions`: a choice that can't be written is told in a box, and doesn't hold;
 /// - `FileRegistryStore` and `AutostartRegistryStore`: a file that can't be written is a result of the call.
 /// `cRegistry::EnumerateSections` raises what it meets anew, under a number of its own.
 class RunTimeError final : public std::exception
