@@ -65,6 +65,7 @@ void ImportRun::handleComplete(qint32 status)
     if (status == 200 && !m_stopped) {
         const auto document = std::make_shared<CachedFeed>(Waiting::systemClock(), m_rules);
         if (document->Load(m_temporaryFile) == LoadOk) {
+            document->SetAddress(m_currentFeedUrl);
             m_addFeed(document, m_currentFeedUrl);
             ++m_outcome.added;
         } else {

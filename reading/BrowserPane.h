@@ -66,7 +66,8 @@ Q_SIGNALS:
     /// A link that belongs to another program of the system (mailto: and the like) was followed.
     void systemLinkActivated(const QString &url);
 
-    /// The link of the start page to the choice of extensions was followed, which no other page can do.
+    /// The link of the start page to the choice of extensions was followed, which no other page can do. The engine
+    /// has finished with it: a dialog may be shown.
     void extensionsAsked();
 
 protected:

@@ -31,8 +31,7 @@ void ReadingSide::connectPage(const Parts &parts)
     connect(page, &BrowserPane::ProgressChange, this, &ReadingSide::handlePageProgress);
     connect(page, &BrowserPane::DocumentComplete, this, [this] { m_frame.prbChargement->hide(); });
     connect(page, &BrowserPane::systemLinkActivated, this, parts.openInSystemBrowser);
-    // Queued: the dialog must not run inside what the engine tells.
-    connect(page, &BrowserPane::extensionsAsked, this, parts.showExtensions, Qt::QueuedConnection);
+    connect(page, &BrowserPane::extensionsAsked, this, parts.showExtensions);
 }
 
 void ReadingSide::navigate(const QString &url)

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "core/ExtensionsFile.h"
 #include "tests/fixtures/AccessibleTree.h"
 #include "tests/fixtures/Golden.h"
 #include "tests/window/WindowDump.h"
@@ -247,6 +248,13 @@ private:
             {"page progress *", [&](const Words &w) { Q_EMIT f.page()->ProgressChange(w[0].toInt(), w[1].toInt()); }},
             {"page is there", [&](const Words &) { Q_EMIT f.page()->DocumentComplete(); }},
             {"page command *", [&](const Words &w) { Q_EMIT f.page()->CommandStateChange(w[0].toInt(), false); }},
+            {"page asks for extensions", [&](const Words &) { Q_EMIT f.page()->extensionsAsked(); }},
+            {"extension *",
+             [&](const Words &w) {
+                 for (const ExtensionKey &extension : extensionKeys)
+                     if (extension.name == w[0])
+                         f.program->longLived().extensions.set(extension, true);
+             }},
             {"page leads out to *", [&](const Words &w) { Q_EMIT f.page()->systemLinkActivated(w[0]); }},
             {"page leads to *", [&](const Words &w) { Q_EMIT f.page()->feedLinkAccepted(w[0]); }},
             {"page *", [&](const Words &w) { f.browserToolbar()->button(w[0].toInt())->click(); }},
