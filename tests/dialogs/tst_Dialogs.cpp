@@ -208,7 +208,7 @@ class Import final : public World
 {
     std::unique_ptr<QDialog> open() override
     {
-        const auto downloader = [this](FakeDownloader *&made) {
+        const auto downloader = [](FakeDownloader *&made) {
             auto owned = std::make_unique<FakeDownloader>();
             made = owned.get();
             return owned;

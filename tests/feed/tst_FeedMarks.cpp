@@ -101,7 +101,7 @@ void tst_FeedMarks::aFailedSaveIsRaisedAndLeavesTheFile()
     QCOMPARE(feed.Load(m_files.write("gone/feed.xml", items("a"))), LoadOk);
     QVERIFY(QDir(m_files.path("gone")).removeRecursively());
     QVERIFY(!feed.IsStale());
-    QVERIFY_EXCEPTION_THROWN(feed.Save(), RunTimeError);
+    QVERIFY_THROWS_EXCEPTION(RunTimeError, feed.Save());
     QCOMPARE(titles(feed), u"a"_s);
 }
 

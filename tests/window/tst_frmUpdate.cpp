@@ -214,7 +214,7 @@ private Q_SLOTS:
         f.popup.addMessageToQueue(u"t"_s, 1);
         f.popup.lastQueued = std::numeric_limits<qint16>::max() - 1;
         f.popup.addMessageToQueue(u"t"_s, 1);
-        QVERIFY_EXCEPTION_THROWN(f.popup.addMessageToQueue(u"t"_s, 1), RunTimeError);
+        QVERIFY_THROWS_EXCEPTION(RunTimeError, f.popup.addMessageToQueue(u"t"_s, 1));
     }
 
     void aSoundThatCannotBePlayedIsSilence()
