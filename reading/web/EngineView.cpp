@@ -19,6 +19,7 @@ namespace {
 constexpr int progressMax = 100;
 constexpr int forwardCommand = 1;
 constexpr int backCommand = 2;
+constexpr int pagesAClearing = 10;
 constexpr QSize smallestPopup(200, 150);
 constexpr QSize standardPopup(800, 600);
 
@@ -100,6 +101,7 @@ void EngineView::connectPage()
         // The child in which the engine draws takes the focus, and comes anew with each process.
         if (QWidget *const drawing = m_view->focusProxy())
             drawing->setAccessibleName(m_view->accessibleName());
+        clearEarlierPages();
         m_events.documentComplete();
     });
     QObject::connect(m_page->action(QWebEnginePage::Forward), &QAction::enabledChanged, &m_context,
@@ -139,6 +141,14 @@ void EngineView::connectColours()
                               "sheet.insertRule('%1', 0) }"_s.arg(m_colours.rule()),
                               QWebEngineScript::ApplicationWorld);
     });
+}
+
+/// The engine lets what is left of earlier pages pile up to tens of megabytes, and has no word for clearing it away.
+/// Asked for an array that nobody can give, it looks for room first, which is the same.
+void EngineView::clearEarlierPages()
+{
+    if (PaneScheme::owns(m_page->url()) && ++m_pagesShown % pagesAClearing == 0)
+        m_page->runJavaScript(u"try { new ArrayBuffer(2 ** 40) } catch (e) {}"_s, QWebEngineScript::ApplicationWorld);
 }
 
 void EngineView::navigate(const QString &target)

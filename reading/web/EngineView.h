@@ -38,6 +38,7 @@ public:
 private:
     void connectPage();
     void connectColours();
+    void clearEarlierPages();
     void handleNewWindow(QWebEngineNewWindowRequest &request, PanePage &opener);
     void handleRendererGone(QWebEnginePage::RenderProcessTerminationStatus status);
 
@@ -54,5 +55,6 @@ private:
     QList<QPointer<QWebEngineView>> m_popups;
     QString m_pending; ///< asked for while a box is open
     bool m_loading = false;
+    int m_pagesShown = 0;     ///< of our own
     int m_rendererDeaths = 0; ///< since the last act of the user
 };
