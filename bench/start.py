@@ -124,14 +124,20 @@ def family(pid):
     return [pid] + [one for child in descendants(pid) for one in family(int(child))]
 
 
+def shares_of(pid):
+    """PSS in MB of a process, and of each that it started."""
+    shares = []
+    for member in family(pid):
+        with open(f"/proc/{member}/smaps_rollup", encoding="ascii") as file:
+            shares.append(next(int(line.split()[1]) for line in file if line.startswith("Pss:")) / 1024)
+    return shares
+
+
 def memory_by_process(program, folder, seconds):
     """PSS in MB of the program, and of each process that it started, some seconds after the start."""
     process = start(program, folder)
     time.sleep(seconds)
-    shares = []
-    for pid in family(process.pid):
-        with open(f"/proc/{pid}/smaps_rollup", encoding="ascii") as file:
-            shares.append(next(int(line.split()[1]) for line in file if line.startswith("Pss:")) / 1024)
+    shares = shares_of(process.pid)
     end(process)
     return shares
 
