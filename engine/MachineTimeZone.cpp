@@ -8,7 +8,9 @@
 
 namespace {
 
-constexpr std::time_t dayInSeconds = 86400;
+constexpr std::time_t hourInSeconds = 3600;
+constexpr std::time_t dayInSeconds = 24 * hourInSeconds;
+constexpr std::time_t noon = 12;
 
 std::tm localTime(std::time_t when)
 {
@@ -26,7 +28,9 @@ TimeZoneRecord readRecord(std::time_t now)
     record.daylight = present.tm_isdst > 0;
     std::tm standard = present;
     std::tm daylight = present;
-    const std::time_t newYear = now - present.tm_yday * dayInSeconds;
+    // At noon, when a change of the night before is over, be it that of the last day of a month.
+    const std::time_t midday = now + (noon - present.tm_hour) * hourInSeconds;
+    const std::time_t newYear = midday - present.tm_yday * dayInSeconds;
     bool before = localTime(newYear).tm_isdst > 0;
     for (int day = 0; day < 366; ++day) {
         const std::tm fields = localTime(newYear + day * dayInSeconds);
