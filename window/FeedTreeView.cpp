@@ -197,13 +197,15 @@ void FeedTreeView::keyPressEvent(QKeyEvent *event)
     QTreeView::keyPressEvent(event);
 }
 
-/// A drag without the mouse.
+/// A drag without the mouse. What a drop beside a feed right under the root costs is for who drops it there: no mark
+/// warns who pastes, so that nothing comes of it.
 void FeedTreeView::pasteNode()
 {
-    if (!m_cutNode)
+    const FeedNodePtr target = m_state.selected();
+    if (!m_cutNode || !target || !NodeDrop::lands(target))
         return;
     m_draggedNode = std::exchange(m_cutNode, nullptr);
-    Q_EMIT nodeDropped(m_state.selected(), true);
+    Q_EMIT nodeDropped(target, true);
 }
 
 void FeedTreeView::startNodeDrag()

@@ -19,13 +19,12 @@ bool acts(const FeedNodePtr &dragged, const FeedNodePtr &target)
     return dragged && target && dragged != target && dragged->image() == NodeImage::Feed;
 }
 
-/// Beside a feed that lies right under the root there is no place that the catalogue could keep.
-bool lands(const FeedNodePtr &target)
+} // namespace
+
+bool NodeDrop::lands(const FeedNodePtr &target)
 {
     return target->image() != NodeImage::Feed || !target->parent() || target->parent()->image() != NodeImage::Root;
 }
-
-} // namespace
 
 NodeDrop::NodeDrop(QTreeView &view, const FeedTree &tree) : m_view(view), m_tree(tree)
 {

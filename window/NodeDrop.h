@@ -28,6 +28,9 @@ public:
     /// `view` shows `tree`. Nothing is owned.
     NodeDrop(QTreeView &view, const FeedTree &tree);
 
+    /// False for a feed right under the root: beside it there is no place that the catalogue could keep.
+    static bool lands(const FeedNodePtr &target);
+
     Place placeAt(const QPoint &position) const;
 
     /// The drag of `dragged` has come to `position` of the viewport. True when a drop there moves it.
