@@ -40,14 +40,14 @@ static XmlDocPtr readExactly(const QByteArray &bytes, const FormatSet &formats)
 /// What is no feed, not even with faults, stays what it was: a web page is none that was mended.
 static FeedReading::Outcome readMended(const QByteArray &bytes, const FormatSet &formats)
 {
-    XmlDocPtr tree = FeedRepair::isMislabelled(bytes) ? nullptr : readExactly(bytes, formats);
-    if (tree)
-        return {std::move(tree), false};
-    const QByteArray mended = FeedRepair::mended(bytes);
-    tree = mended.isEmpty() ? nullptr : readExactly(mended, formats);
-    if (tree && formats.recognise(tree.get()).result != LoadUnknownFormat)
-        return {std::move(tree), true};
-    return {readExactly(bytes, formats), false};
+    XmlDocPtr exact = readExactly(bytes, formats);
+    if (exact && !FeedRepair::isMislabelled(bytes))
+        return {std::move(exact), false};
+    const QByteArray text = FeedRepair::mended(bytes);
+    XmlDocPtr mended = text.isEmpty() ? nullptr : readExactly(text, formats);
+    if (mended && formats.recognise(mended.get()).result != LoadUnknownFormat)
+        return {std::move(mended), true};
+    return {std::move(exact), false};
 }
 
 const FeedReading &exactReading()
