@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "controls/FrenchTexts.h"
+#include "reading/PageText.h"
 #include "tests/fixtures/Steps.h"
 #include "tests/reading/PaneFixture.h"
 
@@ -247,7 +248,7 @@ private:
         else if (verb == u"item"_s || verb == u"item-link"_s)
             writePage(pageOf(verb, rest)), goTo(page());
         else if (verb == u"utf8-item"_s) // as the program begins it
-            writePage("<html>\r\n<head><meta charset=\"utf-8\" /></head>" + pageOf(verb, rest).mid(6)), goTo(page());
+            writePage("<html>\r\n" + QByteArray(PageText::utf8.head.data()) + pageOf(verb, rest).mid(6)), goTo(page());
         else if (verb == u"home-link"_s)
             m_data.write(u"home.htm"_s, pageOf(verb, rest)), goTo(m_data.file(u"home.htm"_s));
         else if (verb == u"file"_s || verb == u"file-link"_s)
