@@ -51,19 +51,13 @@ QString markup(const FoundElement &found)
 
 QString language(const FoundElement &found)
 {
-    return attributeOf(found.element, "lang", "http://www.w3.org/XML/1998/namespace");
+    return attributeOf(found.element, "lang", NamespaceName::xml);
 }
 
 /// The name of the first author.
 QString authorName(const FoundElement &author)
 {
     return textOf(author.vocabulary.ownChild(author.element, "name"));
-}
-
-/// A media type without its parameters, in lower case.
-QString mediaType(const xmlNode *link)
-{
-    return trimmedText(attributeOf(link, "type").section(u';', 0, 0)).toLower();
 }
 
 /// The first link to the page itself that is HTML, or else the first of any type.
@@ -75,7 +69,7 @@ QString pageLink(const FoundElement &links)
         QString address = attributeOf(link, "href");
         if (address.isEmpty() || (!relation.isEmpty() && relation != "alternate"_L1))
             continue;
-        if (mediaType(link) == "text/html"_L1)
+        if (mediaTypeOf(link) == "text/html"_L1)
             return address;
         if (first.isEmpty())
             first = address;

@@ -6,13 +6,11 @@
 #include "engine/feed/HtmlText.h"
 #include "platform/Literals.h"
 
-#include <QCryptographicHash>
 #include <QStringList>
 
 namespace {
 
 constexpr const char *atom10Namespace = "http://www.w3.org/2005/Atom";
-constexpr const char *xmlNamespace = "http://www.w3.org/XML/1998/namespace";
 
 bool isOwn(std::string_view name)
 {
@@ -24,19 +22,13 @@ FeedLoadResult recognise(const xmlNode *root)
     return viewOf(root->name) == "feed" && isOwn(nameOf(root->ns)) ? LoadOk : LoadUnknownFormat;
 }
 
-/// A media type without its parameters, in lower case.
-QString mediaType(const xmlNode *element)
-{
-    return trimmedText(attributeOf(element, "type").section(u';', 0, 0)).toLower();
-}
-
 // --- Texts (RFC 4287, 3.1 and 4.1.3)
 
 enum class TextKind { Plain, Html, Xhtml, Foreign };
 
 TextKind kindOf(const xmlNode *element)
 {
-    const QString type = mediaType(element);
+    const QString type = mediaTypeOf(element);
     if (type.isEmpty() || type == "text"_L1 || type == "text/plain"_L1)
         return TextKind::Plain;
     if (type == "html"_L1 || type == "text/html"_L1)
@@ -86,7 +78,7 @@ QString markup(const FoundElement &found)
 
 QString language(const FoundElement &found)
 {
-    return attributeOf(found.element, "lang", xmlNamespace);
+    return attributeOf(found.element, "lang", NamespaceName::xml);
 }
 
 // --- Persons
@@ -141,7 +133,7 @@ const xmlNode *firstLink(const FoundElement &links, QLatin1String relation, IsWa
 {
     const xmlNode *link = links.element;
     while (link != nullptr &&
-           (!isRelation(link, relation) || attributeOf(link, "href").isEmpty() || !isWanted(mediaType(link))))
+           (!isRelation(link, relation) || attributeOf(link, "href").isEmpty() || !isWanted(mediaTypeOf(link))))
         link = links.vocabulary.nextAlike(link);
     return link;
 }
@@ -257,19 +249,9 @@ xmlNode *addLink(ItemWriter &item, const char *relation, const QString &address,
     return link;
 }
 
-/// Every entry has an id. One that leads nowhere, where the item has no link: a reader would take it for one.
-QString idFor(const ItemContent &content)
-{
-    if (!content.link.isEmpty())
-        return content.link;
-    const QByteArray text = (content.title + u'\n' + content.description).toUtf8();
-    return "urn:quillwire:item:"_L1 +
-           QString::fromLatin1(QCryptographicHash::hash(text, QCryptographicHash::Sha1).toHex());
-}
-
 void write(ItemWriter &item, const ItemContent &content)
 {
-    item.addElement("id", idFor(content));
+    item.addElement("id", ItemWriter::nameFor(content));
     item.addElement("title", content.title);
     if (!content.link.isEmpty())
         addLink(item, "alternate", content.link, QString());

@@ -3,6 +3,7 @@
 #include "engine/feed/BaseAddress.h"
 
 #include "engine/feed/ElementText.h"
+#include "engine/feed/FeedNamespaces.h"
 
 #include <QUrl>
 
@@ -19,7 +20,7 @@ QString BaseAddress::of(const xmlNode *element)
 {
     QString base; // what was found so far, from the inside outwards
     for (; element != nullptr && element->type == XML_ELEMENT_NODE; element = element->parent) {
-        const QString own = attributeOf(element, "base", reinterpret_cast<const char *>(XML_XML_NAMESPACE));
+        const QString own = attributeOf(element, "base", NamespaceName::xml);
         if (own.isEmpty())
             continue;
         base = base.isEmpty() ? own : resolvedAgainst(own, base);

@@ -11,24 +11,19 @@
 
 namespace {
 
-bool isBlank(char16_t c)
-{
-    return c == u' ' || c == u'\t' || c == u'\n' || c == u'\r';
-}
-
 /// A byte order mark at the beginning goes as well, as QString drops the first of several anyway.
 QString trimmedUtf8(std::string_view text)
 {
     constexpr std::string_view mark = "\xEF\xBB\xBF";
     while (!text.empty()) {
-        if (isBlank(static_cast<unsigned char>(text.front())))
+        if (isXmlBlank(QLatin1Char(text.front())))
             text.remove_prefix(1);
         else if (text.substr(0, mark.size()) == mark)
             text.remove_prefix(mark.size());
         else
             break;
     }
-    while (!text.empty() && isBlank(static_cast<unsigned char>(text.back())))
+    while (!text.empty() && isXmlBlank(QLatin1Char(text.back())))
         text.remove_suffix(1);
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
@@ -170,9 +165,9 @@ const xmlAttr *findAttribute(const xmlNode *element, const char *name, const cha
 QString trimmedText(const QString &text)
 {
     QStringView rest(text);
-    while (!rest.isEmpty() && (isBlank(rest.front().unicode()) || rest.front() == QChar::ByteOrderMark))
+    while (!rest.isEmpty() && (isXmlBlank(rest.front()) || rest.front() == QChar::ByteOrderMark))
         rest = rest.sliced(1);
-    while (!rest.isEmpty() && isBlank(rest.back().unicode()))
+    while (!rest.isEmpty() && isXmlBlank(rest.back()))
         rest.chop(1);
     return rest.toString();
 }
@@ -231,4 +226,9 @@ QString attributeOf(const xmlNode *element, const char *name, const char *namesp
         return trimmedUtf8(viewOf(attribute->children->content));
     const QByteArray text = content(reinterpret_cast<const xmlNode *>(attribute));
     return trimmedUtf8({text.constData(), static_cast<std::size_t>(text.size())});
+}
+
+QString mediaTypeOf(const xmlNode *element)
+{
+    return trimmedText(attributeOf(element, "type").section(u';', 0, 0)).toLower();
 }

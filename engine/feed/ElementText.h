@@ -28,5 +28,8 @@ QString bareTextOf(const xmlNode *element);
 /// The value of the attribute, trimmed. A null `namespaceName` stands for an attribute without namespace.
 QString attributeOf(const xmlNode *element, const char *name, const char *namespaceName = nullptr);
 
+/// The media type that the element's attribute "type" names, without its parameters and in lower case.
+QString mediaTypeOf(const xmlNode *element);
+
 /// The text without blanks and line breaks at both ends. Only these: a no-break space is a part of the text.
 QString trimmedText(const QString &text);

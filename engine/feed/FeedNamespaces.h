@@ -12,6 +12,7 @@ inline constexpr const char *rdf = "http://www.w3.org/1999/02/22-rdf-syntax-ns#"
 inline constexpr const char *rss10 = "http://purl.org/rss/1.0/";
 inline constexpr const char *rss11 = "http://purl.org/net/rss1.1"; ///< with anything behind it
 inline constexpr const char *dc = "http://purl.org/dc/elements/1.1/";
+inline constexpr const char *xml = "http://www.w3.org/XML/1998/namespace"; ///< of xml:lang and xml:base
 inline constexpr const char *xhtml = "http://www.w3.org/1999/xhtml";
 
 } // namespace NamespaceName

@@ -64,11 +64,6 @@ bool isInName(QChar c)
     return beginsName(c) || c.isDigit() || c == u'-' || c == u'.' || c.isMark();
 }
 
-bool isBlank(QChar c)
-{
-    return c == u' ' || c == u'\t' || c == u'\n' || c == u'\r';
-}
-
 /// Elements of HTML that have no end tag.
 bool isVoid(const QString &name)
 {
@@ -179,7 +174,7 @@ private:
 
     void skipBlanks()
     {
-        while (m_place < m_text.size() && isBlank(m_text[m_place]))
+        while (m_place < m_text.size() && isXmlBlank(m_text[m_place]))
             ++m_place;
     }
 
@@ -233,7 +228,7 @@ private:
             m_place = end < 0 ? m_text.size() : end + 1;
             return m_text.sliced(begin + 1, m_place - begin - (end < 0 ? 1 : 2));
         }
-        while (m_place < m_text.size() && !isBlank(m_text[m_place]) && m_text[m_place] != u'>')
+        while (m_place < m_text.size() && !isXmlBlank(m_text[m_place]) && m_text[m_place] != u'>')
             ++m_place;
         return m_text.sliced(begin, m_place - begin);
     }

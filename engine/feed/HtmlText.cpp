@@ -3,6 +3,7 @@
 #include "engine/feed/HtmlText.h"
 
 #include "platform/Literals.h"
+#include "platform/xml/XmlCharacters.h"
 
 #include <QRegularExpression>
 
@@ -95,8 +96,7 @@ QString HtmlText::bare(const QString &markup)
     // Only the blanks that markup doesn't tell apart: a no-break space is one to keep.
     QString result;
     for (const QChar c : text) {
-        const bool isBlank = c == u' ' || c == u'\t' || c == u'\n' || c == u'\r';
-        if (!isBlank)
+        if (!isXmlBlank(c))
             result += c;
         else if (!result.isEmpty() && !result.endsWith(u' '))
             result += u' ';

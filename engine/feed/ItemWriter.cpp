@@ -5,7 +5,10 @@
 #include "engine/feed/Elements.h"
 #include "engine/feed/FeedNamespaces.h"
 #include "engine/feed/NamespaceScope.h"
+#include "platform/Literals.h"
 #include "platform/xml/XmlCharacters.h"
+
+#include <QCryptographicHash>
 
 namespace {
 
@@ -23,6 +26,15 @@ xmlNode *appendTo(xmlNode *parent, xmlNs *ns, const char *name, const QString &t
 }
 
 } // namespace
+
+QString ItemWriter::nameFor(const ItemContent &content)
+{
+    if (!content.link.isEmpty())
+        return content.link;
+    const QByteArray text = (content.title + u'\n' + content.description).toUtf8();
+    return "urn:quillwire:item:"_L1 +
+           QString::fromLatin1(QCryptographicHash::hash(text, QCryptographicHash::Sha1).toHex());
+}
 
 xmlNode *ItemWriter::add(const char *name, const QString &text)
 {

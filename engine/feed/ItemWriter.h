@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include <QString>
+#include "engine/feed/FeedTypes.h"
 
 #include <libxml/tree.h>
 
@@ -14,6 +14,10 @@ public:
     explicit ItemWriter(xmlNode *item) : m_item(item) {}
 
     xmlNode *item() const { return m_item; }
+
+    /// What an item that must be named is named by: its link, or, without one, an address that leads nowhere and is the
+    /// same for the same title and description.
+    static QString nameFor(const ItemContent &content);
 
     /// Adds an element of the format's own and returns it; null when the text is empty.
     xmlNode *add(const char *name, const QString &text);

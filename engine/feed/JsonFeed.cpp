@@ -10,16 +10,19 @@
 #include <QJsonObject>
 #include <QXmlStreamWriter>
 
+#include <algorithm>
+
 namespace {
 
 constexpr QLatin1String atomNamespace("http://www.w3.org/2005/Atom");
 
 bool looksLikeJson(const QByteArray &bytes)
 {
-    for (const char c : bytes.startsWith("\xEF\xBB\xBF") ? bytes.sliced(3) : bytes)
-        if (c != ' ' && c != '\t' && c != '\n' && c != '\r')
-            return c == '{';
-    return false;
+    QByteArrayView text(bytes);
+    if (text.startsWith("\xEF\xBB\xBF"))
+        text = text.sliced(3);
+    const auto first = std::find_if_not(text.begin(), text.end(), [](char c) { return isXmlBlank(QLatin1Char(c)); });
+    return first != text.end() && *first == '{';
 }
 
 bool isKnownVersion(const QString &version)

@@ -3,9 +3,9 @@
 #include "engine/feed/ElementText.h"
 #include "engine/feed/FormatReader.h"
 #include "engine/feed/NamespaceScope.h"
+#include "engine/feed/RdfFamily.h"
 #include "platform/Literals.h"
 
-#include <QCryptographicHash>
 #include <QSet>
 
 namespace {
@@ -23,11 +23,6 @@ bool isOwnElement(const xmlNode *element, std::string_view name)
     return viewOf(element->name) == name && isOwn(nameOf(element->ns));
 }
 
-bool isRdfElement(const xmlNode *element, std::string_view name)
-{
-    return viewOf(element->name) == name && nameOf(element->ns) == NamespaceName::rdf;
-}
-
 /// The documents of the family are told apart by the namespace of what stands in them. RSS 1.1 has a root of its own
 /// besides.
 FeedLoadResult recognise(const xmlNode *root)
@@ -35,13 +30,13 @@ FeedLoadResult recognise(const xmlNode *root)
     const auto isRss11 = [](std::string_view name) { return name.starts_with(NamespaceName::rss11); };
     if (viewOf(root->name) == "Channel" && isRss11(nameOf(root->ns)))
         return LoadBadVersionOther;
-    if (!isRdfElement(root, "RDF"))
+    if (!RdfFamily::isRdfElement(root, "RDF"))
         return LoadUnknownFormat;
+    if (RdfFamily::holdsChannel(root, isOwn))
+        return LoadOk;
     FeedLoadResult result = LoadUnknownFormat;
     for (const xmlNode *node = elementFrom<const xmlNode>(root->children); node != nullptr;
          node = elementFrom<const xmlNode>(node->next)) {
-        if (isOwnElement(node, channelName))
-            return LoadOk;
         if (isRss090(nameOf(node->ns)) || isRss11(nameOf(node->ns)))
             result = LoadBadVersionOther;
     }
@@ -49,10 +44,12 @@ FeedLoadResult recognise(const xmlNode *root)
 }
 
 /// The text of a child of the picture that stands beside the channel; the channel's own image element only points at
-/// it.
+/// it, but where the channel is the root.
 QString imageChild(const FoundElement &channel)
 {
-    const xmlNode *image = channel.vocabulary.ownChild(std::as_const(*channel.element).parent, "image");
+    const xmlNode *around = channel.element->parent;
+    const xmlNode *place = around->type == XML_ELEMENT_NODE ? around : channel.element;
+    const xmlNode *image = channel.vocabulary.ownChild(place, "image");
     return image == nullptr ? QString() : textOf(channel.vocabulary.ownChild(image, channel.detail));
 }
 
@@ -97,31 +94,17 @@ QString resourceOf(const xmlNode *entry)
     return resource.isEmpty() ? attributeOf(entry, "resource") : resource; // old feeds leave out the prefix
 }
 
-/// Every item must be named by an address, one without link too.
-QString nameFor(const ItemContent &content)
-{
-    if (!content.link.isEmpty())
-        return content.link;
-    const QByteArray text = (content.title + u'\n' + content.description).toUtf8();
-    return "urn:quillwire:item:"_L1 +
-           QString::fromLatin1(QCryptographicHash::hash(text, QCryptographicHash::Sha1).toHex());
-}
-
 void write(ItemWriter &item, const ItemContent &content)
 {
-    ItemWriter::setAttribute(item.item(), "about", nameFor(content), rdfNamespace(item.item()));
-    item.addElement("title", content.title);
-    item.addElement("link", content.link);
-    item.add("description", content.description);
-    item.addDc("subject", content.category);
-    item.addDc("creator", content.author);
-    item.addDc("date", content.pubDate);
+    ItemWriter::setAttribute(item.item(), "about", ItemWriter::nameFor(content), rdfNamespace(item.item()));
+    RdfFamily::addTexts(item, content);
 }
 
 void completeCopy(ItemWriter &copy, const ItemElements &original, const FormatReader &reader)
 {
     if (aboutOf(copy.item()).isEmpty())
-        ItemWriter::setAttribute(copy.item(), "about", nameFor(reader.content(original)), rdfNamespace(copy.item()));
+        ItemWriter::setAttribute(copy.item(), "about", ItemWriter::nameFor(reader.content(original)),
+                                 rdfNamespace(copy.item()));
 }
 
 template <class IsWanted>
@@ -142,7 +125,7 @@ xmlNode *itemsElement(xmlNode *root)
 
 xmlNode *existingList(xmlNode *root)
 {
-    return firstChild(itemsElement(root), [](const xmlNode *node) { return isRdfElement(node, "Seq"); });
+    return firstChild(itemsElement(root), [](const xmlNode *node) { return RdfFamily::isRdfElement(node, "Seq"); });
 }
 
 /// The list, made when the channel has none.
@@ -188,7 +171,7 @@ void removeFromList(xmlNode *root, std::span<xmlNode *const> items)
     xmlNode *entry = list == nullptr ? nullptr : elementFrom(list->children);
     while (entry != nullptr) {
         xmlNode *next = elementFrom(entry->next);
-        if (isRdfElement(entry, "li") && gone.contains(resourceOf(entry))) {
+        if (RdfFamily::isRdfElement(entry, "li") && gone.contains(resourceOf(entry))) {
             xmlUnlinkNode(entry);
             xmlFreeNode(entry);
         }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "engine/feed/FormatReader.h"
+#include "engine/feed/RdfFamily.h"
 
 extern const FeedFormat rdf10Format;
 
@@ -8,23 +8,8 @@ namespace {
 
 FeedLoadResult recognise(const xmlNode *root)
 {
-    if (viewOf(root->name) != "RDF" || nameOf(root->ns) != NamespaceName::rdf)
-        return LoadUnknownFormat;
-    for (const xmlNode *node = elementFrom<const xmlNode>(root->children); node != nullptr;
-         node = elementFrom<const xmlNode>(node->next))
-        if (viewOf(node->name) == "channel" && isRss090(nameOf(node->ns)))
-            return LoadOk;
-    return LoadUnknownFormat;
-}
-
-void write(ItemWriter &item, const ItemContent &content)
-{
-    item.addElement("title", content.title);
-    item.addElement("link", content.link);
-    item.add("description", content.description);
-    item.addDc("subject", content.category);
-    item.addDc("creator", content.author);
-    item.addDc("date", content.pubDate);
+    const bool isOurs = RdfFamily::isRdfElement(root, "RDF") && RdfFamily::holdsChannel(root, isRss090);
+    return isOurs ? LoadOk : LoadUnknownFormat;
 }
 
 } // namespace
@@ -36,7 +21,7 @@ extern const FeedFormat rss090Format = [] {
     format.isOwn = isRss090;
     format.ownNamespace = "http://my.netscape.com/rdf/simple/0.9/";
     format.recognise = recognise;
-    format.write = write;
+    format.write = RdfFamily::addTexts;
     format.completeCopy = nullptr;
     format.itemsChanged = nullptr;
     return format;

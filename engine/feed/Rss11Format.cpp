@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "engine/feed/FormatReader.h"
+#include "engine/feed/FeedFormat.h"
 #include "platform/Literals.h"
 
 extern const FeedFormat rdf10Format;
@@ -22,23 +22,6 @@ QString writtenVersion(const xmlNode *)
     return u"1.1"_s; // by its namespace
 }
 
-using From::dc;
-using From::own;
-using Readings::childText;
-
-constexpr FieldRow<ChannelField> channelFields[] = {
-    {ChannelField::Title, {own("title"), dc("title")}},
-    {ChannelField::Link, {own("link")}},
-    {ChannelField::Description, {own("description"), dc("description")}},
-    {ChannelField::Language, {dc("language")}},
-    {ChannelField::Copyright, {dc("rights")}},
-    {ChannelField::ManagingEditor, {dc("creator")}},
-    {ChannelField::WebMaster, {dc("publisher")}},
-    {ChannelField::ImageUrl, {own("image", childText, "url")}},
-    {ChannelField::ImageTitle, {own("image", childText, "title")}},
-    {ChannelField::ImageLink, {own("image", childText, "link")}},
-};
-
 } // namespace
 
 /// RSS 1.1: RDF Site Summary 1.0 with the channel at the root, and the items in an element of it.
@@ -51,7 +34,6 @@ extern const FeedFormat rss11Format = [] {
     format.itemsName = "items";
     format.recognise = recognise;
     format.writtenVersion = writtenVersion;
-    format.channelFields = channelFields;
     format.itemsChanged = nullptr;
     return format;
 }();
